@@ -1,0 +1,30 @@
+# The two interface targets every other target links, and one function that makes a folder a library.
+
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+find_program(CCACHE ccache)
+if(CCACHE)
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE})
+endif()
+
+add_library(standard_settings INTERFACE)
+target_compile_features(standard_settings INTERFACE cxx_std_20)
+target_include_directories(standard_settings INTERFACE ${CMAKE_SOURCE_DIR}/src)
+target_compile_definitions(standard_settings INTERFACE _FILE_OFFSET_BITS=64)
+set_target_properties(standard_settings PROPERTIES INTERFACE_POSITION_INDEPENDENT_CODE ON)
+if(VELMORA_SANITIZE)
+  target_compile_options(standard_settings INTERFACE
+    -fsanitize=${VELMORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(standard_settings INTERFACE -fsanitize=${VELMORA_SANITIZE})
+endif()
+
+add_library(standard_warnings INTERFACE)
+target_compile_options(standard_warnings INTERFACE
+  -Wall -Wextra -Wconversion -Wshadow
+  $<$<BOOL:${VELMORA_WARNINGS_AS_ERRORS}>:-Werror>)
+
+# velmora_library(NAME SOURCES file... [LINKS target...]): one folder of src/ as a static library.
+function(velmora_library name)
+  cmake_parse_arguments(ARG "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${ARG_SOURCES})
+  target_link_libraries(${name} PUBLIC standard_settings ${ARG_LINKS} PRIVATE standard_warnings)
+endfunction()

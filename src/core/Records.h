@@ -1,0 +1,65 @@
+#pragma once
+
+// The plain values that carry a scan's results from gathering and measuring to whoever shows them.
+// A path is bytes, absolute, as it was found. Durations are seconds, sizes are bytes.
+
+#include <cstdint>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+/// What `Measured::seconds` holds for a file that could not be measured. Any negative value means the same.
+inline constexpr double unmeasured = -1.0;
+
+/// One audio file after measurement.
+struct Measured {
+    std::filesystem::path
+        url; ///< the file as it was found: in a dropped folder or in an extraction directory
+    double seconds = unmeasured;
+    std::int64_t bytes = 0; ///< 0 when the size could not be read
+
+    bool operator==(const Measured&) const = default;
+};
+
+/// The tally of one audio format within one summary.
+struct FormatStat {
+    std::string
+        ext; ///< the extension in upper case, "MP3"; "" for files without one. Unique within a summary
+    int count = 0;
+    double seconds = 0;
+
+    bool operator==(const FormatStat&) const = default;
+};
+
+/// What gathering found.
+struct GatherResult {
+    std::vector<std::filesystem::path> files;    ///< every audio file, in scan order once sorted
+    std::vector<std::filesystem::path> temps;    ///< extraction directories, in the order they were made
+    std::vector<std::filesystem::path> archives; ///< archives[i] is what was unpacked into temps[i]
+    std::vector<std::filesystem::path>
+        skippedArchives; ///< archives that could not be unpacked, as they were met
+
+    bool operator==(const GatherResult&) const = default;
+};
+
+/// The outcome of a scan. Default-constructed it is the empty summary. After a completed scan `fileCount`
+/// equals the length of `files` and the sum of `count` over `formats`.
+struct ScanSummary {
+    double seconds = 0;              ///< total playing time of all measured files
+    int fileCount = 0;               ///< measured files
+    std::int64_t bytes = 0;          ///< their sizes added up
+    std::vector<FormatStat> formats; ///< by `seconds`, largest first; equal ones by `ext`
+    std::string longestName;         ///< the longest file's name; "" when none plays longer than 0 seconds
+    double longestSeconds = 0;
+    int unreadable = 0; ///< files that could not be measured and archives that could not be unpacked
+    std::string source; ///< what was dropped, in upper case: the one item's name, or "3 ITEMS"
+    std::vector<std::filesystem::path> files;   ///< the measured files, in scan order
+    std::vector<std::filesystem::path> dropped; ///< as the user dropped them
+    std::vector<std::filesystem::path> roots;   ///< `dropped`, then the extraction directories
+
+    bool operator==(const ScanSummary&) const = default;
+};
+
+} // namespace velmora

@@ -1,0 +1,152 @@
+#pragma once
+
+// The one observable object behind the window and the terminal program. It owns the state of the current
+// scan: starts it, runs it as gathering and measuring in the background, publishes its progress and, at the
+// end, its summary.
+
+#include "core/Records.h"
+#include "core/ZipState.h"
+
+#include <QObject>
+
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+class BackgroundTasks;
+class MainThreadQueue;
+
+/// The two stages of a scan. Both run on background threads, `measure` on six at once, and end early when
+/// their stop token is requested. The default is the real work; a test holds and releases stages of its own.
+struct ScanStages {
+    using Paths = std::vector<std::filesystem::path>;
+
+    std::function<GatherResult(const Paths& urls, const std::stop_token& stop)> gather;
+    std::function<Measured(const std::filesystem::path& url, const std::stop_token& stop)> measure;
+
+    static ScanStages real();
+};
+
+/// What is known of the last scan's files beyond the summary. Complete once the scan has ended; empty before.
+struct ScanDetails {
+    std::vector<Measured> files;              ///< every file found, in scan order, unmeasured ones included
+    std::vector<std::filesystem::path> temps; ///< extraction directories
+    std::vector<std::filesystem::path> archives;        ///< archives[i] was unpacked into temps[i]
+    std::vector<std::filesystem::path> skippedArchives; ///< archives that could not be unpacked
+
+    /// `path` as the user knows it: what lies in an extraction directory is shown below its archive's own
+    /// path, nested archives likewise ("/music/set.zip/Disc 1/01.wav").
+    std::filesystem::path shownPath(const std::filesystem::path& path) const;
+};
+
+/// All operations are called on the main thread, and every signal is emitted there. Every assignment to a
+/// published field is announced, also one of an equal value.
+class ScanModel : public QObject {
+    Q_OBJECT
+    Q_PROPERTY(Phase phase READ phase NOTIFY phaseChanged)
+    Q_PROPERTY(int processed READ processed NOTIFY processedChanged)
+    Q_PROPERTY(int found READ found NOTIFY foundChanged)
+    Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
+    Q_PROPERTY(QString status READ statusText NOTIFY statusChanged)
+
+public:
+    using Paths = std::vector<std::filesystem::path>;
+
+    enum class Phase : std::uint8_t {
+        idle,     ///< nothing dropped yet, or reset
+        scanning, ///< gathering or measuring
+        done,     ///< at least one file was measured; the summary is complete
+        empty,    ///< no audio file was found, or none could be measured
+    };
+    Q_ENUM(Phase)
+
+    /// Sweeps what earlier runs left in the temporary directory.
+    explicit ScanModel(ScanStages stages = ScanStages::real(), QObject* parent = nullptr);
+
+    /// Stops whatever runs in the background, waits for it and deletes its temporary directories.
+    ~ScanModel() override;
+
+    /// Starts a scan of `urls` in place of any running one and returns at once. No urls: nothing changes.
+    void ingest(const Paths& urls);
+
+    /// Cancels any running scan, forgets its result and returns to `idle`.
+    void reset();
+
+    /// Packs the measured files into a zip archive in the background; `zipState` tells how it goes. Nothing
+    /// measured: nothing changes.
+    void makeZip(const std::filesystem::path& destination);
+
+    Phase phase() const { return m_phase; }
+
+    const ScanSummary& summary() const { return m_summary; }
+
+    /// Files measured so far, published after every fourth file and after the last.
+    int processed() const { return m_processed; }
+
+    /// Audio files found by the running scan.
+    int found() const { return m_found; }
+
+    /// From 0 to 1; 0 while nothing was found.
+    double progress() const;
+
+    const std::string& status() const { return m_status; }
+
+    const ZipState& zipState() const { return m_zipState; }
+
+    const ScanDetails& details() const { return m_details; }
+
+    /// The total in two lines, without a final line feed.
+    std::string totalText() const;
+
+    /// The names of the measured files in scan order, a line each, without a final line feed.
+    std::string fileListText() const;
+
+    /// The name to propose for the zip archive.
+    std::string suggestedZipName() const;
+
+    /// The folder to propose for it: that of the first dropped item. Absent when nothing was dropped.
+    std::optional<std::filesystem::path> suggestedZipDirectory() const;
+
+signals:
+    void phaseChanged(velmora::ScanModel::Phase phase);
+    void summaryChanged();
+    void processedChanged(int processed);
+    void foundChanged(int found);
+    void progressChanged();
+    void statusChanged(const QString& status);
+    void zipStateChanged();
+
+private:
+    class Job;
+
+    QString statusText() const { return QString::fromStdString(m_status); }
+
+    void publishPhase(Phase phase);
+    void publishSummary(ScanSummary summary);
+    void publishProcessed(int processed);
+    void publishFound(int found);
+    void publishStatus(std::string status);
+    void publishZipState(ZipState state);
+    void cancelJob();
+
+    ScanStages m_stages;
+    Phase m_phase = Phase::idle;
+    ScanSummary m_summary;
+    int m_processed = 0;
+    int m_found = 0;
+    std::string m_status;
+    ZipState m_zipState;
+    ScanDetails m_details;
+    std::shared_ptr<Job> m_job;
+
+    std::unique_ptr<MainThreadQueue> m_mainThread;
+    std::unique_ptr<BackgroundTasks> m_background; // last: its threads end before anything they use goes
+};
+
+} // namespace velmora

@@ -1,0 +1,18 @@
+#pragma once
+
+// The first stage of a scan: from dropped items to audio files in scan order.
+
+#include "core/Records.h"
+
+#include <filesystem>
+#include <stop_token>
+#include <vector>
+
+namespace velmora::Collector {
+
+/// Walks `urls` in their order and sorts what was found. Long-running; called on a thread of its own. When
+/// `stop` is requested it ends early with what it has; the extraction directories in the result are the
+/// caller's in any case.
+GatherResult gather(const std::vector<std::filesystem::path>& urls, const std::stop_token& stop = {});
+
+} // namespace velmora::Collector

@@ -1,0 +1,154 @@
+#include "system/ChildProcess.h"
+
+#include "system/RegularFile.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <string_view>
+
+namespace velmora {
+
+namespace {
+
+/// Variables in which tar, unzip, gzip, bzip2 and xz look for options.
+constexpr std::array<std::string_view, 12> toolVariables = {
+    "TAR_OPTIONS=", "TAPE=",   "UNZIP=",       "UNZIPOPT=",        "GZIP=",   "BZIP=",
+    "BZIP2=",       "XZ_OPT=", "XZ_DEFAULTS=", "POSIXLY_CORRECT=", "LC_ALL=", "LANGUAGE="};
+
+std::vector<std::string> childEnvironment() {
+    std::vector<std::string> result;
+    for (char** entry = environ; *entry != nullptr; ++entry) {
+        const std::string_view variable = *entry;
+        const bool dropped = std::any_of(toolVariables.begin(), toolVariables.end(),
+                                         [&](std::string_view name) { return variable.starts_with(name); });
+        if (!dropped) {
+            result.emplace_back(variable);
+        }
+    }
+    result.emplace_back("LC_ALL=C.UTF-8");
+    return result;
+}
+
+std::vector<char*> pointers(std::vector<std::string>& texts) {
+    std::vector<char*> result;
+    result.reserve(texts.size() + 1);
+    for (std::string& text : texts) {
+        result.push_back(text.data());
+    }
+    result.push_back(nullptr);
+    return result;
+}
+
+/// The attributes and descriptors of a child, in the form posix_spawn takes them.
+class SpawnSettings {
+public:
+    explicit SpawnSettings(int output) {
+        posix_spawnattr_init(&m_attributes);
+        sigset_t none;
+        sigset_t all;
+        sigemptyset(&none);
+        sigfillset(&all);
+        posix_spawnattr_setsigmask(&m_attributes, &none);
+        posix_spawnattr_setsigdefault(&m_attributes, &all);
+        posix_spawnattr_setflags(&m_attributes,
+                                 POSIX_SPAWN_SETSID | POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+
+        posix_spawn_file_actions_init(&m_actions);
+        if (output < 0) {
+            posix_spawn_file_actions_addopen(&m_actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+        } else {
+            posix_spawn_file_actions_adddup2(&m_actions, output, STDOUT_FILENO);
+        }
+        posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        posix_spawn_file_actions_addclosefrom_np(&m_actions, STDERR_FILENO + 1);
+    }
+
+    SpawnSettings(const SpawnSettings&) = delete;
+    SpawnSettings& operator=(const SpawnSettings&) = delete;
+
+    ~SpawnSettings() {
+        posix_spawn_file_actions_destroy(&m_actions);
+        posix_spawnattr_destroy(&m_attributes);
+    }
+
+    const posix_spawnattr_t* attributes() const { return &m_attributes; }
+
+    const posix_spawn_file_actions_t* actions() const { return &m_actions; }
+
+private:
+    posix_spawnattr_t m_attributes{};
+    posix_spawn_file_actions_t m_actions{};
+};
+
+/// Waits for the child's end and kills its whole session at a request to stop or after the deadline. The
+/// child is not reaped here, so its process group cannot be another's while it may still be killed.
+void awaitEnd(pid_t child, const ChildLimits& limits) {
+    const std::stop_callback killAtStop(limits.stop, [child] { ::kill(-child, SIGKILL); });
+    const FileDescriptor handle(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
+    if (!handle || !limits.deadline) {
+        siginfo_t info{};
+        while (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
+        }
+        return;
+    }
+    const auto end = std::chrono::steady_clock::now() + *limits.deadline;
+    pollfd ended{handle.get(), POLLIN, 0};
+    for (;;) {
+        const auto left =
+            std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        const int ready = left.count() > 0 ? ::poll(&ended, 1, static_cast<int>(left.count())) : 0;
+        if (ready > 0) {
+            return;
+        }
+        if (ready == 0) {
+            ::kill(-child, SIGKILL);
+            return;
+        }
+    }
+}
+
+int reap(pid_t child) {
+    int status = 0;
+    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+}
+
+} // namespace
+
+bool isExecutableFile(const std::filesystem::path& path) {
+    struct stat status {};
+
+    return ::stat(path.c_str(), &status) == 0 && S_ISREG(status.st_mode) && ::access(path.c_str(), X_OK) == 0;
+}
+
+std::optional<int> runChild(const std::filesystem::path& tool, const std::vector<std::string>& args,
+                            int output, const ChildLimits& limits) {
+    if (limits.stop.stop_requested() || !isExecutableFile(tool)) {
+        return std::nullopt;
+    }
+    std::vector<std::string> words = {tool.native()};
+    words.insert(words.end(), args.begin(), args.end());
+    std::vector<std::string> environment = childEnvironment();
+    const SpawnSettings settings(output);
+    pid_t child = 0;
+    if (::posix_spawn(&child, tool.c_str(), settings.actions(), settings.attributes(), pointers(words).data(),
+                      pointers(environment).data()) != 0) {
+        return std::nullopt;
+    }
+    awaitEnd(child, limits);
+    return reap(child);
+}
+
+} // namespace velmora

@@ -1,0 +1,34 @@
+#pragma once
+
+// The one way the program starts other programs. A child gets a session of its own (it cannot ask for a
+// password on the user's terminal), the null device as standard input and standard error, no other
+// descriptor, default signal handling, names in UTF-8 (LC_ALL=C.UTF-8), and no variable that would change a
+// tool's options.
+
+#include <chrono>
+#include <filesystem>
+#include <optional>
+#include <stop_token>
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+/// What a child may cost. It is killed with everything it started when `stop` is requested or `deadline` is
+/// over.
+struct ChildLimits {
+    std::stop_token stop;
+    std::optional<std::chrono::milliseconds> deadline; // absent: as long as it takes
+};
+
+/// Whether `path` is a regular file that may be executed.
+bool isExecutableFile(const std::filesystem::path& path);
+
+/// Runs `tool` with `args` (without the program's name) and waits for its end; blocks the calling thread.
+/// Standard output goes to the descriptor `output`, or to the null device when that is negative.
+/// Returns the exit status, 128 + n after signal n; absent when there is no executable at `tool` or it cannot
+/// be started, or `stop` was requested before.
+std::optional<int> runChild(const std::filesystem::path& tool, const std::vector<std::string>& args,
+                            int output, const ChildLimits& limits = {});
+
+} // namespace velmora

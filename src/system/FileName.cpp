@@ -1,0 +1,53 @@
+#include "system/FileName.h"
+
+#include "system/UnicodeCase.h"
+
+namespace velmora {
+
+namespace {
+
+/// The position of the dot before the extension, or npos.
+std::size_t extensionDot(std::string_view name) {
+    const std::size_t dot = name.rfind('.');
+    const std::size_t slash = name.rfind('/');
+    const bool inLastComponent =
+        slash == std::string_view::npos || (dot != std::string_view::npos && dot > slash);
+    return inLastComponent ? dot : std::string_view::npos;
+}
+
+} // namespace
+
+std::string lastComponent(const std::filesystem::path& path) {
+    std::string_view text = path.native();
+    while (text.size() > 1 && text.back() == '/') {
+        text.remove_suffix(1);
+    }
+    const std::size_t slash = text.rfind('/');
+    if (slash == std::string_view::npos || text.size() == 1) {
+        return std::string(text);
+    }
+    return std::string(text.substr(slash + 1));
+}
+
+std::string_view extensionOf(std::string_view name) {
+    const std::size_t dot = extensionDot(name);
+    return dot == std::string_view::npos ? std::string_view() : name.substr(dot + 1);
+}
+
+std::string_view withoutExtension(std::string_view name) {
+    return name.substr(0, extensionDot(name));
+}
+
+std::string classifyingExtension(const std::filesystem::path& path) {
+    return lowerCased(extensionOf(path.native()));
+}
+
+std::string standardized(const std::filesystem::path& path) {
+    std::string text = std::filesystem::absolute(path).lexically_normal().native();
+    while (text.size() > 1 && text.back() == '/') {
+        text.pop_back();
+    }
+    return text;
+}
+
+} // namespace velmora

@@ -1,0 +1,12 @@
+#pragma once
+
+// Random names that never collide, for everything made in the shared temporary directory.
+
+#include <string>
+
+namespace velmora {
+
+/// A fresh random (version 4) UUID in canonical text form: 36 characters, upper-case hexadecimal and hyphens.
+std::string randomUuid();
+
+} // namespace velmora
