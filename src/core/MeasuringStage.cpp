@@ -1,0 +1,50 @@
+#include "core/MeasuringStage.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora {
+
+MeasuringStage::MeasuringStage(Paths files, Measure measure, Deliver deliver)
+    : m_files(std::move(files))
+    , m_measure(std::move(measure))
+    , m_deliver(std::move(deliver)) {}
+
+void MeasuringStage::start(BackgroundTasks& background, MainThreadQueue& mainThread,
+                           const std::stop_token& stop) {
+    const std::size_t workers = std::min(m_files.size(), width);
+    for (std::size_t i = 0; i < workers; ++i) {
+        background.start([self = shared_from_this(), &mainThread, stop](const std::stop_token&) {
+            self->work(mainThread, stop);
+        });
+    }
+}
+
+void MeasuringStage::work(MainThreadQueue& mainThread, const std::stop_token& stop) {
+    while (!stop.stop_requested()) {
+        const std::size_t index = m_next.fetch_add(1);
+        if (index >= m_files.size()) {
+            return;
+        }
+        handOver({index, m_measure(m_files[index], stop)}, mainThread);
+    }
+}
+
+void MeasuringStage::handOver(MeasuredFile result, MainThreadQueue& mainThread) {
+    bool first = false;
+    {
+        const std::lock_guard guard(m_lock);
+        first = m_batch.empty();
+        m_batch.push_back(std::move(result));
+    }
+    if (first) {
+        mainThread.post([self = shared_from_this()] { self->m_deliver(self->takeBatch()); });
+    }
+}
+
+MeasuringStage::Batch MeasuringStage::takeBatch() {
+    const std::lock_guard guard(m_lock);
+    return std::exchange(m_batch, {});
+}
+
+} // namespace velmora

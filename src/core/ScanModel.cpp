@@ -1,0 +1,247 @@
+#include "core/ScanModel.h"
+
+#include "core/BackgroundTasks.h"
+#include "core/MainThreadQueue.h"
+#include "core/MeasuringStage.h"
+#include "core/Summary.h"
+#include "export/Zipper.h"
+#include "gather/Gathering.h"
+#include "gather/TempRegistry.h"
+#include "measure/MeasurementPipeline.h"
+#include "system/FileName.h"
+#include "system/UnicodeCase.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace velmora {
+
+namespace {
+
+/// Every how many measured files the count is published.
+constexpr int processedStep = 4;
+
+std::string sourceLabel(const ScanModel::Paths& urls) {
+    return upperCased(urls.size() == 1 ? lastComponent(urls.front())
+                                       : std::to_string(urls.size()) + " items");
+}
+
+/// Every how many packed files the count is published: about fifty times in all.
+int zipStep(int total) {
+    return total < 50 ? 1 : total / 50;
+}
+
+} // namespace
+
+/// One scan under way. Lives on the main thread; a cancelled one lives on until its background work has
+/// ended.
+class ScanModel::Job {
+public:
+    std::stop_source cancelled; ///< also tells measurements under way to end
+    bool ended = false;         ///< nothing that still arrives counts
+    Paths urls;
+    GatherResult gathered;         ///< without its files, which the measuring stage has
+    std::vector<Measured> results; ///< by position in scan order
+    int done = 0;
+};
+
+ScanStages ScanStages::real() {
+    return {&Collector::gather, &Collector::measure};
+}
+
+ScanModel::ScanModel(ScanStages stages, QObject* parent)
+    : QObject(parent)
+    , m_stages(std::move(stages))
+    , m_mainThread(std::make_unique<MainThreadQueue>())
+    , m_background(std::make_unique<BackgroundTasks>()) {
+    TempRegistry::sweepStale();
+}
+
+ScanModel::~ScanModel() {
+    blockSignals(true);
+    cancelJob();
+    m_background->finish();
+    m_mainThread->runPending(); // registers what gathering still unpacked
+    TempRegistry::releaseAll();
+}
+
+void ScanModel::ingest(const Paths& urls) {
+    if (urls.empty()) {
+        return;
+    }
+    cancelJob();
+    TempRegistry::releaseAll();
+    m_details = {};
+
+    publishPhase(Phase::scanning);
+    publishSummary({});
+    ScanSummary summary;
+    summary.dropped = urls;
+    publishSummary(summary);
+    publishProcessed(0);
+    publishFound(0);
+    publishZipState(ZipIdle{});
+    publishStatus("READING SOURCE");
+    summary.source = sourceLabel(urls);
+    publishSummary(std::move(summary));
+
+    m_job = std::make_shared<Job>();
+    m_job->urls = urls;
+    m_background->start([this, job = m_job, urls](const std::stop_token& programEnds) {
+        GatherResult gathered = m_stages.gather(urls, programEnds);
+        m_mainThread->post([this, job, gathered = std::move(gathered)]() mutable {
+            takeGathered(job, std::move(gathered));
+        });
+    });
+}
+
+void ScanModel::takeGathered(const std::shared_ptr<Job>& job, GatherResult gathered) {
+    TempRegistry::add(gathered.temps); // also of a cancelled scan, so that a later release deletes them
+    if (job->cancelled.stop_requested()) {
+        return;
+    }
+    Paths files = std::exchange(gathered.files, {});
+    job->gathered = std::move(gathered);
+    m_details.skippedArchives = job->gathered.skippedArchives;
+    for (std::size_t i = 0; i < job->gathered.temps.size(); ++i) {
+        m_details.archiveOf.emplace(job->gathered.temps[i], job->gathered.archives[i]);
+    }
+    publishFound(static_cast<int>(files.size()));
+    if (files.empty()) {
+        ScanSummary summary = m_summary;
+        summary.unreadable = static_cast<int>(job->gathered.skippedArchives.size());
+        publishSummary(std::move(summary));
+        publishPhase(Phase::empty);
+        publishStatus("NO AUDIO FOUND");
+        return;
+    }
+    publishStatus("MEASURING");
+    startMeasuring(job, std::move(files));
+}
+
+void ScanModel::startMeasuring(const std::shared_ptr<Job>& job, Paths files) {
+    job->results.resize(files.size());
+    const auto stage = std::make_shared<MeasuringStage>(
+        std::move(files), m_stages.measure,
+        [this, job](MeasuringStage::Batch batch) { takeMeasured(*job, std::move(batch)); });
+    stage->start(*m_background, *m_mainThread, job->cancelled.get_token());
+}
+
+void ScanModel::takeMeasured(Job& job, std::vector<MeasuredFile> batch) {
+    const int total = static_cast<int>(job.results.size());
+    for (MeasuredFile& result : batch) {
+        if (job.ended) {
+            return;
+        }
+        job.results[result.index] = std::move(result.measured);
+        job.done += 1;
+        if (job.done % processedStep == 0 || job.done == total) {
+            publishProcessed(job.done);
+        }
+        // Cancellation is looked at after the count was published: one stray count of a cancelled scan may
+        // follow.
+        job.ended = job.cancelled.stop_requested();
+        if (!job.ended && job.done == total) {
+            job.ended = true;
+            finish(job);
+        }
+    }
+}
+
+void ScanModel::finish(Job& job) {
+    ScanSummary summary = summarize(job.results);
+    summary.unreadable += static_cast<int>(job.gathered.skippedArchives.size());
+    summary.source = m_summary.source;
+    summary.dropped = job.urls;
+    summary.roots = job.urls;
+    summary.roots.insert(summary.roots.end(), job.gathered.temps.begin(), job.gathered.temps.end());
+    m_details.files = std::move(job.results);
+
+    const bool nothing = summary.fileCount <= 0;
+    publishProcessed(m_found);
+    publishSummary(std::move(summary));
+    publishPhase(nothing ? Phase::empty : Phase::done);
+    publishStatus(nothing ? "NO READABLE AUDIO" : "COMPLETE");
+}
+
+void ScanModel::reset() {
+    cancelJob();
+    TempRegistry::releaseAll();
+    m_details = {};
+    publishPhase(Phase::idle);
+    publishSummary({});
+    publishProcessed(0);
+    publishFound(0);
+    publishStatus("");
+    publishZipState(ZipIdle{});
+}
+
+void ScanModel::cancelJob() {
+    if (m_job) {
+        m_job->cancelled.request_stop();
+        m_job.reset();
+    }
+}
+
+void ScanModel::makeZip(const std::filesystem::path& destination) {
+    if (m_summary.files.empty()) {
+        return;
+    }
+    const int total = static_cast<int>(m_summary.files.size());
+    publishZipState(ZipWorking{0, total});
+    const auto publishLater = [this](ZipState state) {
+        m_mainThread->post([this, state = std::move(state)] { publishZipState(state); });
+    };
+    m_background->start(
+        [=, files = m_summary.files, roots = m_summary.roots](const std::stop_token& programEnds) {
+            const auto progress = [&](int done, int of) {
+                if (done == of || done % zipStep(of) == 0) {
+                    publishLater(ZipWorking{done, of});
+                }
+            };
+            try {
+                Zipper::zip(files, roots, destination, progress, programEnds);
+                publishLater(ZipDone{destination});
+            } catch (const std::exception& error) {
+                publishLater(ZipFailed{Zipper::description(error)});
+            }
+        });
+}
+
+double ScanModel::progress() const {
+    return m_found < 1 ? 0.0 : std::min(static_cast<double>(m_processed) / m_found, 1.0);
+}
+
+void ScanModel::publishPhase(Phase phase) {
+    m_phase = phase;
+    emit phaseChanged(phase);
+}
+
+void ScanModel::publishSummary(ScanSummary summary) {
+    m_summary = std::move(summary);
+    emit summaryChanged();
+}
+
+void ScanModel::publishProcessed(int processed) {
+    m_processed = processed;
+    emit processedChanged(processed);
+    emit progressChanged();
+}
+
+void ScanModel::publishFound(int found) {
+    m_found = found;
+    emit foundChanged(found);
+    emit progressChanged();
+}
+
+void ScanModel::publishStatus(std::string status) {
+    m_status = std::move(status);
+    emit statusChanged(statusText());
+}
+
+void ScanModel::publishZipState(ZipState state) {
+    m_zipState = std::move(state);
+    emit zipStateChanged();
+}
+
+} // namespace velmora

@@ -15,12 +15,14 @@
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
 namespace velmora {
 
 class BackgroundTasks;
 class MainThreadQueue;
+struct MeasuredFile;
 
 /// The two stages of a scan. Both run on background threads, `measure` on six at once, and end early when
 /// their stop token is requested. The default is the real work; a test holds and releases stages of its own.
@@ -35,10 +37,9 @@ struct ScanStages {
 
 /// What is known of the last scan's files beyond the summary. Complete once the scan has ended; empty before.
 struct ScanDetails {
-    std::vector<Measured> files;              ///< every file found, in scan order, unmeasured ones included
-    std::vector<std::filesystem::path> temps; ///< extraction directories
-    std::vector<std::filesystem::path> archives;        ///< archives[i] was unpacked into temps[i]
-    std::vector<std::filesystem::path> skippedArchives; ///< archives that could not be unpacked
+    std::vector<Measured> files; ///< every file found, in scan order, unmeasured ones included
+    std::vector<std::filesystem::path> skippedArchives;               ///< archives that could not be unpacked
+    std::unordered_map<std::string, std::filesystem::path> archiveOf; ///< extraction directory to its archive
 
     /// `path` as the user knows it: what lies in an extraction directory is shown below its archive's own
     /// path, nested archives likewise ("/music/set.zip/Disc 1/01.wav").
@@ -127,13 +128,18 @@ private:
 
     QString statusText() const { return QString::fromStdString(m_status); }
 
+    void cancelJob();
+    void takeGathered(const std::shared_ptr<Job>& job, GatherResult gathered);
+    void startMeasuring(const std::shared_ptr<Job>& job, Paths files);
+    void takeMeasured(Job& job, std::vector<MeasuredFile> batch);
+    void finish(Job& job);
+
     void publishPhase(Phase phase);
     void publishSummary(ScanSummary summary);
     void publishProcessed(int processed);
     void publishFound(int found);
     void publishStatus(std::string status);
     void publishZipState(ZipState state);
-    void cancelJob();
 
     ScanStages m_stages;
     Phase m_phase = Phase::idle;

@@ -1,0 +1,43 @@
+#include "core/Summary.h"
+
+#include "system/FileName.h"
+#include "system/UnicodeCase.h"
+
+#include <algorithm>
+#include <map>
+#include <string>
+
+namespace velmora {
+
+ScanSummary summarize(const std::vector<Measured>& files) {
+    ScanSummary summary;
+    std::map<std::string, FormatStat> formats;
+    for (const Measured& file : files) {
+        if (file.seconds < 0) {
+            ++summary.unreadable;
+            continue;
+        }
+        summary.files.push_back(file.url);
+        summary.seconds += file.seconds;
+        summary.fileCount += 1;
+        summary.bytes += file.bytes;
+
+        const std::string key = upperCased(extensionOf(file.url.native()));
+        FormatStat& format = formats.try_emplace(key, FormatStat{key, 0, 0}).first->second;
+        format.count += 1;
+        format.seconds += file.seconds;
+
+        if (file.seconds > summary.longestSeconds) {
+            summary.longestSeconds = file.seconds;
+            summary.longestName = lastComponent(file.url);
+        }
+    }
+    for (const auto& [key, format] : formats) {
+        summary.formats.push_back(format);
+    }
+    std::stable_sort(summary.formats.begin(), summary.formats.end(),
+                     [](const FormatStat& a, const FormatStat& b) { return a.seconds > b.seconds; });
+    return summary;
+}
+
+} // namespace velmora

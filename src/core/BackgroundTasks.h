@@ -1,0 +1,41 @@
+#pragma once
+
+// The threads a scan model has started: they may outlive the scan they were started for, never the model.
+
+#include <atomic>
+#include <functional>
+#include <list>
+#include <stop_token>
+#include <thread>
+
+namespace velmora {
+
+/// Used on the main thread alone.
+class BackgroundTasks {
+public:
+    using Task = std::function<void(const std::stop_token& programEnds)>;
+
+    BackgroundTasks() = default;
+    BackgroundTasks(const BackgroundTasks&) = delete;
+    BackgroundTasks& operator=(const BackgroundTasks&) = delete;
+    ~BackgroundTasks();
+
+    /// Runs `task` on a thread of its own. The token it gets is requested only by `finish`.
+    void start(Task task);
+
+    /// Asks every task to end and waits until it has. No task may be started afterwards.
+    void finish();
+
+private:
+    struct Running {
+        std::thread thread;
+        std::atomic<bool> ended = false;
+    };
+
+    void joinEnded();
+
+    std::stop_source m_programEnds;
+    std::list<Running> m_running;
+};
+
+} // namespace velmora

@@ -1,0 +1,59 @@
+#pragma once
+
+// The second stage of a scan: measures files six at a time. Workers take the next file from one counter, so
+// files are started in scan order and no worker ever waits for the main thread; results travel there in
+// batches, one hand-over under way at most, so a busy main thread finds more results instead of more work.
+
+#include "core/BackgroundTasks.h"
+#include "core/MainThreadQueue.h"
+#include "core/Records.h"
+
+#include <atomic>
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <stop_token>
+#include <vector>
+
+namespace velmora {
+
+/// The record of `files[index]`.
+struct MeasuredFile {
+    std::size_t index = 0;
+    Measured measured;
+};
+
+class MeasuringStage : public std::enable_shared_from_this<MeasuringStage> {
+public:
+    using Paths = std::vector<std::filesystem::path>;
+    using Batch = std::vector<MeasuredFile>;
+    using Measure = std::function<Measured(const std::filesystem::path& url, const std::stop_token& stop)>;
+    using Deliver = std::function<void(Batch batch)>;
+
+    /// Files measured at the same time: the bound on open files and child processes.
+    static constexpr std::size_t width = 6;
+
+    /// `measure` is called on the workers, `deliver` on the main thread with results in the order of their
+    /// completion.
+    MeasuringStage(Paths files, Measure measure, Deliver deliver);
+
+    /// Starts the workers. They hold the stage until the last file is measured or `stop` is requested: then
+    /// no further file is started, and measurements under way are told to end.
+    void start(BackgroundTasks& background, MainThreadQueue& mainThread, const std::stop_token& stop);
+
+private:
+    void work(MainThreadQueue& mainThread, const std::stop_token& stop);
+    void handOver(MeasuredFile result, MainThreadQueue& mainThread);
+    Batch takeBatch();
+
+    const Paths m_files;
+    const Measure m_measure;
+    const Deliver m_deliver;
+    std::atomic<std::size_t> m_next = 0;
+    std::mutex m_lock; // guards m_batch
+    Batch m_batch;     // not empty: its hand-over is under way
+};
+
+} // namespace velmora
