@@ -1,0 +1,135 @@
+#include "measure/OggDuration.h"
+
+#include "measure/LittleEndian.h"
+
+#include <algorithm>
+#include <array>
+#include <string_view>
+#include <vector>
+
+namespace velmora::HeaderDuration {
+
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+constexpr std::int64_t smallestFile = 65;
+constexpr std::int64_t longestTail = 262'144;
+
+constexpr std::string_view capturePattern = "OggS";
+constexpr std::size_t structureVersion = 4;
+constexpr std::size_t granulePosition = 6;
+constexpr std::size_t segmentCount = 26;
+constexpr std::size_t segmentTable = 27; // also the size of a page header without it
+constexpr std::size_t mostSegments = 255;
+
+constexpr std::uint64_t noGranule = 0xFFFF'FFFF'FFFF'FFFF;
+
+/// How much of the first packet is looked at, and how much must follow the first page's header.
+constexpr std::size_t longestIdentification = 80;
+constexpr std::size_t shortestIdentification = 41;
+
+constexpr std::size_t vorbisShortest = 16;
+constexpr std::size_t vorbisRate = 12;
+constexpr std::size_t opusShortest = 19;
+constexpr std::size_t opusPreSkip = 10;
+constexpr std::uint32_t opusRate = 48'000;
+constexpr std::size_t speexShortest = 40;
+constexpr std::size_t speexRate = 36;
+constexpr std::size_t flacShortest = 31;
+constexpr std::size_t flacRate = 27;
+
+bool startsWith(Bytes bytes, std::string_view signature) {
+    return bytes.size() >= signature.size() && std::equal(signature.begin(), signature.end(), bytes.begin());
+}
+
+std::optional<OggCodec> withRate(std::uint32_t sampleRate) {
+    return sampleRate == 0 ? std::nullopt : std::optional(OggCodec{sampleRate, 0});
+}
+
+/// The codec named on the first page.
+std::optional<OggCodec> firstPageCodec(const ByteSource& source) {
+    std::array<std::uint8_t, segmentTable + mostSegments + longestIdentification> buffer{};
+    const auto length = std::min(static_cast<std::size_t>(source.size), buffer.size());
+    const std::span<std::uint8_t> head = std::span(buffer).first(length);
+    if (!source.fill(0, head) || !startsWith(head, capturePattern)) {
+        return std::nullopt;
+    }
+    const std::size_t packet = segmentTable + head[segmentCount];
+    if (head.size() < packet + shortestIdentification) {
+        return std::nullopt;
+    }
+    return identifyOggCodec(head.subspan(packet, std::min(longestIdentification, head.size() - packet)));
+}
+
+/// The granule position of the page whose header `bytes` begins with; absent when it is no page header, or
+/// one without a granule position that could end a stream.
+std::optional<std::uint64_t> pageGranule(Bytes bytes) {
+    if (!startsWith(bytes, capturePattern) || bytes[structureVersion] != 0) {
+        return std::nullopt;
+    }
+    const std::uint64_t granule = le64(bytes, granulePosition);
+    return granule == 0 || granule == noGranule ? std::nullopt : std::optional(granule);
+}
+
+/// The granule position of the last page that has one. The tail is searched from its end in windows that
+/// double, so that a common file, whose last page is below 8 KiB, costs one small read.
+std::optional<std::uint64_t> lastGranule(const ByteSource& source) {
+    constexpr std::int64_t firstStep = 8192;
+    constexpr std::size_t overlap = granulePosition + sizeof(std::uint64_t) - 1;
+
+    const std::int64_t tailStart = source.size - std::min(source.size, longestTail);
+    std::int64_t end = source.size - static_cast<std::int64_t>(segmentTable) + 1; // no header at or behind it
+    std::vector<std::uint8_t> window; // from the first byte searched to the last that a header there needs
+    for (std::int64_t step = firstStep; end > tailStart; step *= 2) {
+        const std::int64_t start = std::max(tailStart, end - step);
+        const auto searched = static_cast<std::size_t>(end - start);
+        window.resize(std::min(window.size(), overlap));
+        const std::size_t missing = searched + overlap - window.size();
+        window.insert(window.begin(), missing, 0);
+        if (!source.fill(start, std::span(window).first(missing))) {
+            return std::nullopt;
+        }
+        for (std::size_t at = searched; at-- > 0;) {
+            if (const auto granule = pageGranule(Bytes(window).subspan(at))) {
+                return granule;
+            }
+        }
+        end = start;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<OggCodec> identifyOggCodec(Bytes packet) {
+    if (packet.size() >= vorbisShortest && startsWith(packet, "\x01vorbis")) {
+        return withRate(le32(packet, vorbisRate));
+    }
+    if (packet.size() >= opusShortest && startsWith(packet, "OpusHead")) {
+        return OggCodec{opusRate, le16(packet, opusPreSkip)};
+    }
+    if (packet.size() >= speexShortest && startsWith(packet, "Speex   ")) {
+        return withRate(le32(packet, speexRate));
+    }
+    if (packet.size() >= flacShortest && startsWith(packet, "\177FLAC")) {
+        const unsigned bits = packet[flacRate] << 16 | packet[flacRate + 1] << 8 | packet[flacRate + 2];
+        return withRate(bits >> 4);
+    }
+    return std::nullopt;
+}
+
+std::optional<double> oggSeconds(const ByteSource& source) {
+    if (source.size < smallestFile) {
+        return std::nullopt;
+    }
+    const std::optional<OggCodec> codec = firstPageCodec(source);
+    const std::optional<std::uint64_t> granule = codec ? lastGranule(source) : std::nullopt;
+    if (!granule) {
+        return std::nullopt;
+    }
+    const double samples = static_cast<double>(*granule) - codec->preSkip;
+    return samples > 0 ? std::optional(samples / codec->sampleRate) : std::nullopt;
+}
+
+} // namespace velmora::HeaderDuration
