@@ -1,0 +1,55 @@
+#include "measure/GuardedReader.h"
+
+#include <utility>
+
+namespace velmora {
+
+GuardedReader::GuardedReader(ByteSource source, std::stop_token stop)
+    : m_source(std::move(source))
+    , m_stop(std::move(stop)) {}
+
+std::span<const std::uint8_t> GuardedReader::header(std::int64_t offset, std::size_t count) {
+    if (offset < 0 || count > windowBytes || offset > size() - static_cast<std::int64_t>(count)) {
+        return {};
+    }
+    const bool isInWindow =
+        offset >= m_windowStart &&
+        offset - m_windowStart <= static_cast<std::int64_t>(m_windowSize) - static_cast<std::int64_t>(count);
+    if (!isInWindow) {
+        m_windowSize = search(offset, m_window);
+        m_windowStart = offset;
+        if (m_windowSize < count) {
+            return {};
+        }
+    }
+    return std::span(m_window).subspan(static_cast<std::size_t>(offset - m_windowStart), count);
+}
+
+std::size_t GuardedReader::search(std::int64_t offset, std::span<std::uint8_t> buffer) {
+    if (isOver()) {
+        return 0;
+    }
+    const std::size_t got = m_source.readAt(offset, buffer).value_or(0);
+    m_budget -= static_cast<std::int64_t>(got);
+    return got;
+}
+
+std::size_t GuardedReader::audio(std::int64_t offset, std::span<std::uint8_t> buffer) {
+    return m_stop.stop_requested() ? 0 : m_source.readAt(offset, buffer).value_or(0);
+}
+
+bool GuardedReader::spend(std::int64_t bytes) {
+    m_budget -= bytes;
+    return !isOver();
+}
+
+bool GuardedReader::isOver() const {
+    return m_budget < 0 || m_stop.stop_requested() || Clock::now() > m_deadline;
+}
+
+void GuardedReader::startWalk() {
+    m_budget = searchBytes + 2 * size();
+    m_deadline = Clock::now() + searchTime + std::chrono::seconds(size() / 50'000'000);
+}
+
+} // namespace velmora

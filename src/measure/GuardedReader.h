@@ -1,0 +1,62 @@
+#pragma once
+
+// Untrusted bytes, read within bounds. Whoever searches a file for its length reads through this: what is
+// read in search of audio is paid from a budget, and both the budget and a deadline end the search. So a file
+// made of nothing but headers costs no more than a fraction of a second. Audio itself, once found, is read
+// without a budget: a long recording takes as long as it takes.
+
+#include "measure/ByteSource.h"
+
+#include <array>
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <stop_token>
+
+namespace velmora {
+
+/// One measurement's access to one file. Used by one thread at a time.
+class GuardedReader {
+public:
+    using Clock = std::chrono::steady_clock;
+
+    static constexpr std::size_t windowBytes = 4096;        ///< most that `header` gives at once
+    static constexpr std::int64_t searchBytes = 64LL << 20; ///< the budget
+    static constexpr std::chrono::seconds searchTime{10};   ///< the deadline, from construction
+
+    GuardedReader(ByteSource source, std::stop_token stop);
+
+    std::int64_t size() const { return m_source.size; }
+
+    /// The `count` (at most `windowBytes`) bytes at `offset`, or none if the file has not all of them, cannot
+    /// be read, or the search is over. Valid until the next call. Neighbouring headers cost one read.
+    std::span<const std::uint8_t> header(std::int64_t offset, std::size_t count);
+
+    /// Reads into `buffer` as RegularFile::readAt does, paid from the budget; 0 when the search is over.
+    std::size_t search(std::int64_t offset, std::span<std::uint8_t> buffer);
+
+    /// The same for audio that was found: costs nothing, ends only when stopped.
+    std::size_t audio(std::int64_t offset, std::span<std::uint8_t> buffer);
+
+    /// Takes `bytes` from the budget; false when the search is over.
+    bool spend(std::int64_t bytes);
+
+    /// True once the budget is spent, the deadline is past or the measurement was stopped.
+    bool isOver() const;
+
+    /// From here on packets of audio are read: the budget allows for the whole file twice, the deadline for
+    /// reading it at 50 MB/s.
+    void startWalk();
+
+private:
+    ByteSource m_source;
+    std::stop_token m_stop;
+    std::int64_t m_budget = searchBytes;
+    Clock::time_point m_deadline = Clock::now() + searchTime;
+    std::array<std::uint8_t, windowBytes> m_window; // filled up to m_windowSize
+    std::int64_t m_windowStart = 0;
+    std::size_t m_windowSize = 0;
+};
+
+} // namespace velmora

@@ -1,0 +1,122 @@
+#include "measure/LibavFile.h"
+
+extern "C" {
+#include <libavformat/avformat.h>
+#include <libavutil/avstring.h>
+}
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <vector>
+
+namespace velmora {
+
+namespace {
+
+constexpr int ioBufferBytes = 32 << 10;
+
+// Containers that hold their audio themselves. Left out on purpose: whatever names further files (concat,
+// hls, dash, imf, sdp, rtsp, image sequences), pictures, subtitles and text, devices, raw PCM without any
+// header.
+constexpr const char* mediaDemuxers =
+    "aa,aac,ac3,act,adx,aea,afc,aiff,aix,amr,ape,apm,asf,ast,au,avi,avr,bfstm,brstm,caf,codec2,dsf,dss,dts,"
+    "dtshd,eac3,epaf,flac,flv,g729,hca,iff,ircam,lvf,matroska,mlp,mov,mp3,mpc,mpc8,mpeg,mpegts,mtaf,mxf,"
+    "nistsphere,nut,ogg,oma,paf,pvf,qcp,rm,rso,sbc,sds,shn,sln,sox,spdif,tak,truehd,tta,vag,voc,vqf,w64,wav,"
+    "wsd,wsvqa,wtv,wv,wve,xa,xwma,loas";
+
+int refuseToOpen(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* /*url*/, int /*flags*/,
+                 AVDictionary** /*options*/) {
+    return AVERROR(EPERM);
+}
+
+int isInterrupted(void* reader) {
+    return static_cast<const GuardedReader*>(reader)->isOver() ? 1 : 0;
+}
+
+/// libavformat prints to standard error unless told not to, once for the process.
+void silence() {
+    [[maybe_unused]] static const bool isSilent = [] {
+        av_log_set_level(AV_LOG_QUIET);
+        return true;
+    }();
+}
+
+} // namespace
+
+LibavFile::LibavFile(GuardedReader& reader, std::int64_t start, const std::string& demuxer)
+    : m_reader(reader)
+    , m_start(start) {
+    silence();
+    const AVInputFormat* const format = av_find_input_format(demuxer.c_str());
+    if (format == nullptr || !isMediaDemuxer(*format)) {
+        return;
+    }
+    auto* const buffer = static_cast<unsigned char*>(av_malloc(ioBufferBytes));
+    m_io = avio_alloc_context(buffer, ioBufferBytes, 0, this, &readBytes, nullptr, &seekBytes);
+    m_context = avformat_alloc_context();
+    if (m_io == nullptr || m_context == nullptr) {
+        return;
+    }
+    m_context->pb = m_io;
+    m_context->io_open = &refuseToOpen;
+    m_context->interrupt_callback = {&isInterrupted, &m_reader};
+    m_context->format_whitelist = av_strdup(mediaDemuxers);
+    avformat_open_input(&m_context, "", format, nullptr); // sets m_context to null if it fails
+}
+
+LibavFile::~LibavFile() {
+    avformat_close_input(&m_context);
+    if (m_io != nullptr) {
+        av_freep(static_cast<void*>(&m_io->buffer));
+        avio_context_free(&m_io);
+    }
+}
+
+int LibavFile::readBytes(void* self, std::uint8_t* buffer, int count) {
+    auto& file = *static_cast<LibavFile*>(self);
+    const std::size_t got =
+        file.m_reader.search(file.m_start + file.m_position, {buffer, static_cast<std::size_t>(count)});
+    file.m_position += static_cast<std::int64_t>(got);
+    return got == 0 ? AVERROR_EOF : static_cast<int>(got);
+}
+
+std::int64_t LibavFile::seekBytes(void* self, std::int64_t offset, int whence) {
+    auto& file = *static_cast<LibavFile*>(self);
+    const std::int64_t size = file.m_reader.size() - file.m_start;
+    std::int64_t target = offset;
+    switch (whence & ~AVSEEK_FORCE) {
+    case AVSEEK_SIZE:
+        return size;
+    case SEEK_CUR:
+        target = av_sat_add64(file.m_position, offset);
+        break;
+    case SEEK_END:
+        target = av_sat_add64(size, offset);
+        break;
+    default:
+        break;
+    }
+    if (target < 0) {
+        return AVERROR(EINVAL);
+    }
+    file.m_position = std::min(target, size); // at the end there is nothing to read, nor beyond
+    return target;
+}
+
+bool isMediaDemuxer(const AVInputFormat& demuxer) {
+    return av_match_list(demuxer.name, mediaDemuxers, ',') > 0;
+}
+
+const AVInputFormat* probeDemuxer(GuardedReader& reader, std::int64_t start,
+                                  const std::filesystem::path& name) {
+    constexpr std::size_t probeBytes = 64 << 10;
+    silence();
+    std::vector<std::uint8_t> bytes(probeBytes + AVPROBE_PADDING_SIZE);
+    const std::size_t got = reader.search(start, std::span(bytes).first(probeBytes));
+    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(got), bytes.end(), std::uint8_t{0});
+    const AVProbeData data = {name.c_str(), bytes.data(), static_cast<int>(got), nullptr};
+    return av_probe_input_format(&data, 1);
+}
+
+} // namespace velmora
