@@ -1,0 +1,132 @@
+#include "gather/SourceWalker.h"
+
+#include "gather/ArchiveExtraction.h"
+#include "system/FileName.h"
+#include "system/FolderReader.h"
+#include "system/UnicodeCase.h"
+
+#include <algorithm>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+namespace velmora::Collector {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+enum class Kind : std::uint8_t { audio, archive, neither };
+
+Kind kindOf(std::string_view name) {
+    if (name.starts_with("._")) { // the companion of another file, with its icon or comment
+        return Kind::neither;
+    }
+    const std::string extension = lowerCased(extensionOf(name));
+    if (isAudio(extension)) {
+        return Kind::audio;
+    }
+    return isArchive(extension) ? Kind::archive : Kind::neither;
+}
+
+std::string joined(const std::string& folder, std::string_view name) {
+    std::string path;
+    path.reserve(folder.size() + 1 + name.size());
+    path += folder;
+    if (!folder.ends_with('/')) {
+        path += '/';
+    }
+    return path += name;
+}
+
+/// One walk, into archives and out again.
+class Walk {
+public:
+    Walk(GatherResult& found, const std::stop_token& stop)
+        : m_found(found)
+        , m_stop(stop) {}
+
+    void item(const fs::path& url, int depth) {
+        std::error_code error;
+        const fs::file_status status = fs::status(url, error);
+        if (fs::is_directory(status)) {
+            folder(url.native(), depth);
+        } else if (fs::exists(status)) {
+            file(url, kindOf(lastComponent(url)), depth);
+        }
+    }
+
+private:
+    /// Goes through the tree below `top` with one folder open at a time. A folder that cannot be opened, be
+    /// it for its permissions or because its path is too long, has nothing in it.
+    void folder(std::string top, int depth) {
+        std::vector<std::string> pending = {std::move(top)};
+        while (!pending.empty()) {
+            const std::string current = std::move(pending.back());
+            pending.pop_back();
+            FolderReader reader(current);
+            while (const std::optional<FolderEntry> entry = reader.next()) {
+                if (m_stop.stop_requested()) {
+                    return;
+                }
+                if (entry->name.starts_with('.')) {
+                    continue;
+                }
+                if (entry->kind == EntryKind::folder) {
+                    pending.push_back(joined(current, entry->name));
+                } else if (const Kind kind = kindOf(entry->name);
+                           kind != Kind::neither && !reader.leadsToFolder(*entry)) {
+                    file(joined(current, entry->name), kind, depth);
+                }
+            }
+        }
+    }
+
+    void file(fs::path path, Kind kind, int depth) {
+        switch (kind) {
+        case Kind::audio:
+            m_found.files.push_back(std::move(path));
+            break;
+        case Kind::archive:
+            archive(std::move(path), depth);
+            break;
+        case Kind::neither:
+            break;
+        }
+    }
+
+    void archive(fs::path path, int depth) {
+        const std::optional<fs::path> content =
+            depth <= deepestArchive ? extract(path, m_stop) : std::nullopt;
+        if (!content) {
+            m_found.skippedArchives.push_back(std::move(path));
+            return;
+        }
+        m_found.temps.push_back(*content);
+        m_found.archives.push_back(std::move(path));
+        item(*content, depth + 1);
+    }
+
+    GatherResult& m_found;
+    const std::stop_token& m_stop;
+};
+
+} // namespace
+
+bool isAudio(std::string_view extension) {
+    return std::find(audioExts.begin(), audioExts.end(), extension) != audioExts.end();
+}
+
+bool isArchive(std::string_view extension) {
+    return std::find(archiveExts.begin(), archiveExts.end(), extension) != archiveExts.end();
+}
+
+void walk(const fs::path& url, int depth, GatherResult& found, const std::stop_token& stop) {
+    if (!stop.stop_requested()) {
+        Walk(found, stop).item(url, depth);
+    }
+}
+
+} // namespace velmora::Collector

@@ -1,0 +1,66 @@
+#include "gather/TempRegistry.h"
+
+#include "system/RemoveTree.h"
+#include "system/Uuid.h"
+
+#include <iterator>
+#include <mutex>
+#include <system_error>
+#include <utility>
+
+namespace velmora::TempRegistry {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::mutex lock;
+std::vector<fs::path> registered; // guarded by `lock`
+
+/// The temporary directory, absolute; /tmp when the one the environment names is not there.
+fs::path temporaryDirectory() {
+    std::error_code error;
+    fs::path directory = fs::temp_directory_path(error);
+    if (!error) {
+        directory = fs::absolute(directory, error);
+    }
+    return error ? fs::path("/tmp") : directory;
+}
+
+} // namespace
+
+fs::path freshPath(std::string_view kind) {
+    return temporaryDirectory() / (std::string(prefix) + std::string(kind) + randomUuid());
+}
+
+void add(const std::vector<fs::path>& directories) {
+    const std::scoped_lock guard(lock);
+    registered.insert(registered.end(), directories.begin(), directories.end());
+}
+
+void releaseAll() {
+    std::vector<fs::path> released;
+    {
+        const std::scoped_lock guard(lock);
+        released.swap(registered);
+    }
+    for (const fs::path& directory : released) {
+        removeTree(directory);
+    }
+}
+
+void sweepStale() {
+    std::vector<fs::path> stale;
+    std::error_code error;
+    for (fs::directory_iterator entry(temporaryDirectory(), error), end; !error && entry != end;
+         entry.increment(error)) {
+        if (entry->path().filename().native().starts_with(prefix)) {
+            stale.push_back(entry->path());
+        }
+    }
+    for (const fs::path& item : stale) {
+        removeTree(item);
+    }
+}
+
+} // namespace velmora::TempRegistry

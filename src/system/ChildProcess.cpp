@@ -20,10 +20,10 @@ namespace velmora {
 
 namespace {
 
-/// Variables in which tar, unzip, gzip, bzip2 and xz look for options.
-constexpr std::array<std::string_view, 12> toolVariables = {
-    "TAR_OPTIONS=", "TAPE=",   "UNZIP=",       "UNZIPOPT=",        "GZIP=",   "BZIP=",
-    "BZIP2=",       "XZ_OPT=", "XZ_DEFAULTS=", "POSIXLY_CORRECT=", "LC_ALL=", "LANGUAGE="};
+/// Variables in which the archive tools look for options, and those that would outweigh the names' encoding.
+constexpr auto toolVariables = std::to_array<std::string_view>(
+    {"TAR_OPTIONS=", "TAR_READER_OPTIONS=", "TAPE=", "UNZIP=", "UNZIPOPT=", "GZIP=", "BZIP=", "BZIP2=",
+     "XZ_OPT=", "XZ_DEFAULTS=", "LC_ALL=", "LANGUAGE=", "POSIXLY_CORRECT="});
 
 std::vector<std::string> childEnvironment() {
     std::vector<std::string> result;
@@ -69,7 +69,8 @@ public:
         } else {
             posix_spawn_file_actions_adddup2(&m_actions, output, STDOUT_FILENO);
         }
-        posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+        // Reading fails instead of ending: a tool that wants a password gives up at its first prompt.
+        posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addclosefrom_np(&m_actions, STDERR_FILENO + 1);
     }
@@ -107,20 +108,35 @@ void awaitEnd(pid_t child, const ChildLimits& limits) {
     for (;;) {
         const auto left =
             std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-        const int ready = left.count() > 0 ? ::poll(&ended, 1, static_cast<int>(left.count())) : 0;
-        if (ready > 0) {
+        if (left.count() <= 0) {
+            ::kill(-child, SIGKILL);
             return;
         }
-        if (ready == 0) {
-            ::kill(-child, SIGKILL);
+        const auto step = std::min<std::chrono::milliseconds>(left, std::chrono::hours(1)); // fits an int
+        if (::poll(&ended, 1, static_cast<int>(step.count())) > 0) {
             return;
         }
     }
 }
 
-int reap(pid_t child) {
+/// Undoes a SIGCHLD that whoever started this program set to be ignored: the system would forget how a child
+/// ended.
+void keepExitStatuses() {
+    struct sigaction action {};
+
+    if (::sigaction(SIGCHLD, nullptr, &action) == 0 && action.sa_handler == SIG_IGN) {
+        std::signal(SIGCHLD, SIG_DFL);
+    }
+}
+
+std::optional<int> reap(pid_t child) {
     int status = 0;
-    while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    pid_t ended = 0;
+    do {
+        ended = ::waitpid(child, &status, 0);
+    } while (ended < 0 && errno == EINTR);
+    if (ended != child) {
+        return std::nullopt;
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
@@ -138,6 +154,7 @@ std::optional<int> runChild(const std::filesystem::path& tool, const std::vector
     if (limits.stop.stop_requested() || !isExecutableFile(tool)) {
         return std::nullopt;
     }
+    keepExitStatuses();
     std::vector<std::string> words = {tool.native()};
     words.insert(words.end(), args.begin(), args.end());
     std::vector<std::string> environment = childEnvironment();

@@ -1,9 +1,9 @@
 #pragma once
 
 // The one way the program starts other programs. A child gets a session of its own (it cannot ask for a
-// password on the user's terminal), the null device as standard input and standard error, no other
-// descriptor, default signal handling, names in UTF-8 (LC_ALL=C.UTF-8), and no variable that would change a
-// tool's options.
+// password on the user's terminal), the null device as standard error and as a standard input that cannot be
+// read, no other descriptor, default signal handling, names in UTF-8 (LC_ALL=C.UTF-8), and no variable that
+// would change a tool's options.
 
 #include <chrono>
 #include <filesystem>
@@ -26,8 +26,8 @@ bool isExecutableFile(const std::filesystem::path& path);
 
 /// Runs `tool` with `args` (without the program's name) and waits for its end; blocks the calling thread.
 /// Standard output goes to the descriptor `output`, or to the null device when that is negative.
-/// Returns the exit status, 128 + n after signal n; absent when there is no executable at `tool` or it cannot
-/// be started, or `stop` was requested before.
+/// Returns the exit status, 128 + n after signal n; absent when there is no executable at `tool`, when it
+/// cannot be started, or when `stop` was requested before.
 std::optional<int> runChild(const std::filesystem::path& tool, const std::vector<std::string>& args,
                             int output, const ChildLimits& limits = {});
 

@@ -15,6 +15,13 @@ std::size_t extensionDot(std::string_view name) {
     return inLastComponent ? dot : std::string_view::npos;
 }
 
+/// Whether `text` is absolute and has nothing to resolve.
+bool isStandard(std::string_view text) {
+    const auto holds = [&](std::string_view part) { return text.find(part) != std::string_view::npos; };
+    return text.starts_with('/') && !text.ends_with('/') && !text.ends_with("/.") && !text.ends_with("/..") &&
+           !holds("//") && !holds("/./") && !holds("/../");
+}
+
 } // namespace
 
 std::string lastComponent(const std::filesystem::path& path) {
@@ -43,6 +50,9 @@ std::string classifyingExtension(const std::filesystem::path& path) {
 }
 
 std::string standardized(const std::filesystem::path& path) {
+    if (isStandard(path.native())) {
+        return path.native();
+    }
     std::string text = std::filesystem::absolute(path).lexically_normal().native();
     while (text.size() > 1 && text.back() == '/') {
         text.pop_back();

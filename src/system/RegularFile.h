@@ -34,6 +34,9 @@ public:
 
     int get() const { return m_descriptor; }
 
+    /// The descriptor, from here on the caller's to close.
+    int release() { return std::exchange(m_descriptor, -1); }
+
     explicit operator bool() const { return m_descriptor >= 0; }
 
 private:

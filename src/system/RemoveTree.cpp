@@ -1,14 +1,13 @@
 #include "system/RemoveTree.h"
 
-#include "system/RegularFile.h"
+#include "system/FolderReader.h"
+#include "system/OwnerAccess.h"
 #include "system/Uuid.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <memory>
 #include <new>
 #include <string>
 #include <vector>
@@ -20,41 +19,34 @@ namespace {
 constexpr mode_t ownerMayAll = S_IRWXU;
 
 struct Entries {
-    std::vector<std::string> directories;
+    std::vector<std::string> folders;
     std::vector<std::string> others;
 };
 
-bool isDirectory(int parent, const char* name) {
+bool isFolder(const char* path) {
     struct stat status {};
 
-    return ::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
+    return ::lstat(path, &status) == 0 && S_ISDIR(status.st_mode);
 }
 
-/// Opens the directory `name` in `parent`, with the owner's permissions restored.
-FileDescriptor openDirectory(int parent, const char* name) {
-    ::fchmodat(parent, name, ownerMayAll, 0);
+/// Opens the folder `name` in `parent`, with the owner's permissions restored.
+FileDescriptor openFolder(int parent, const char* name) {
+    grantOwner(parent, name, ownerMayAll);
     return FileDescriptor(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
 }
 
-Entries entriesOf(int directory) {
+Entries entriesOf(int folder) {
+    FolderReader reader(FileDescriptor(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
     Entries result;
-    const std::unique_ptr<DIR, int (*)(DIR*)> stream(
-        ::fdopendir(::openat(directory, ".", O_RDONLY | O_CLOEXEC)), &::closedir);
-    if (!stream) {
-        return result;
-    }
-    while (const dirent* entry = ::readdir(stream.get())) {
-        const std::string name = entry->d_name;
-        if (name != "." && name != "..") {
-            (isDirectory(directory, name.c_str()) ? result.directories : result.others).push_back(name);
-        }
+    while (const std::optional<FolderEntry> entry = reader.next()) {
+        (entry->kind == EntryKind::folder ? result.folders : result.others).emplace_back(entry->name);
     }
     return result;
 }
 
-void unlinkAll(int directory, const std::vector<std::string>& names) {
+void unlinkAll(int folder, const std::vector<std::string>& names) {
     for (const std::string& name : names) {
-        ::unlinkat(directory, name.c_str(), 0);
+        ::unlinkat(folder, name.c_str(), 0);
     }
 }
 
@@ -63,17 +55,17 @@ void unlinkAll(int directory, const std::vector<std::string>& names) {
 void empty(int top) {
     const Entries first = entriesOf(top);
     unlinkAll(top, first.others);
-    std::vector<std::string> pending = first.directories;
+    std::vector<std::string> pending = first.folders;
     while (!pending.empty()) {
         const std::string name = std::move(pending.back());
         pending.pop_back();
-        if (const FileDescriptor directory = openDirectory(top, name.c_str())) {
-            const Entries entries = entriesOf(directory.get());
-            unlinkAll(directory.get(), entries.others);
-            for (const std::string& child : entries.directories) {
+        if (const FileDescriptor folder = openFolder(top, name.c_str())) {
+            const Entries entries = entriesOf(folder.get());
+            unlinkAll(folder.get(), entries.others);
+            for (const std::string& child : entries.folders) {
                 std::string moved = randomUuid();
-                ::fchmodat(directory.get(), child.c_str(), ownerMayAll, 0); // moving a folder writes its ".."
-                if (::renameat(directory.get(), child.c_str(), top, moved.c_str()) == 0) {
+                grantOwner(folder.get(), child.c_str(), ownerMayAll); // moving a folder writes its ".."
+                if (::renameat(folder.get(), child.c_str(), top, moved.c_str()) == 0) {
                     pending.push_back(std::move(moved));
                 }
             }
@@ -86,8 +78,8 @@ void empty(int top) {
 
 void removeTree(const std::filesystem::path& path) noexcept {
     try {
-        if (isDirectory(AT_FDCWD, path.c_str())) {
-            if (const FileDescriptor top = openDirectory(AT_FDCWD, path.c_str())) {
+        if (isFolder(path.c_str())) {
+            if (const FileDescriptor top = openFolder(AT_FDCWD, path.c_str())) {
                 empty(top.get());
             }
             ::rmdir(path.c_str());
