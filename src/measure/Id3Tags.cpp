@@ -60,6 +60,16 @@ std::optional<std::int64_t> id3TagBytes(std::span<const std::uint8_t> header) {
     return size + edges * static_cast<std::int64_t>(id3HeaderBytes);
 }
 
+std::int64_t tagBytesAt(std::span<const std::uint8_t> bytes) {
+    if (matches(bytes, "TAG")) {
+        return id3v1Bytes;
+    }
+    if (matches(bytes, "APETAGEX") && bytes.size() >= static_cast<std::size_t>(apeFooterBytes)) {
+        return HeaderDuration::le32(bytes, apeSizeAt) + apeFooterBytes;
+    }
+    return id3TagBytes(bytes.first(std::min(bytes.size(), id3HeaderBytes))).value_or(0);
+}
+
 std::int64_t skipLeadingTags(GuardedReader& reader) {
     std::int64_t start = 0;
     while (const auto tag = id3TagBytes(reader.header(start, id3HeaderBytes))) {

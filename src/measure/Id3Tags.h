@@ -18,6 +18,10 @@ inline constexpr std::size_t id3HeaderBytes = 10;
 /// 7 bits each.
 std::optional<std::int64_t> id3TagBytes(std::span<const std::uint8_t> header);
 
+/// The whole size of the tag that `bytes` begin with: ID3v2, APEv2 with a header, or ID3v1. 0 if there is
+/// none.
+std::int64_t tagBytesAt(std::span<const std::uint8_t> bytes);
+
 /// Where the first byte behind the ID3v2 tags at the start of the file stands. Tags may be repeated.
 std::int64_t skipLeadingTags(GuardedReader& reader);
 

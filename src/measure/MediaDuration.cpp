@@ -1,10 +1,23 @@
 #include "measure/MediaDuration.h"
 
+#include "measure/AiffDuration.h"
+#include "measure/AmrDuration.h"
+#include "measure/ApeDuration.h"
+#include "measure/AuDuration.h"
+#include "measure/CafDuration.h"
+#include "measure/DsdDuration.h"
+#include "measure/FlacDuration.h"
+#include "measure/FrameStreamDuration.h"
 #include "measure/GuardedReader.h"
 #include "measure/Id3Tags.h"
 #include "measure/LibavDuration.h"
 #include "measure/LibavFile.h"
 #include "measure/Magic.h"
+#include "measure/MusepackDuration.h"
+#include "measure/Sd2Duration.h"
+#include "measure/VocDuration.h"
+#include "measure/WavDuration.h"
+#include "measure/WavPackDuration.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -12,6 +25,8 @@ extern "C" {
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <string>
 #include <string_view>
 
 namespace velmora {
@@ -20,64 +35,115 @@ namespace {
 
 using namespace std::string_view_literals;
 
-/// How a format is timed: `start` is where it begins, behind any ID3v2 tag.
+/// True for the demuxers of bare frames, which we count ourselves.
+bool isFrameDemuxer(const AVInputFormat& demuxer) {
+    return demuxer.name == "mp3"sv || demuxer.name == "aac"sv;
+}
+
+/// How a format is timed: `start` is where it begins, behind any ID3v2 tag. Zero if nothing in it plays;
+/// absent if the reader cannot tell.
 using TimeReader = std::optional<double> (*)(GuardedReader& reader, std::int64_t start);
 
 struct Format {
-    std::string_view pattern;
+    std::string_view pattern; ///< see `matches`
     TimeReader read;          ///< our own reader; null if there is none
-    std::string_view demuxer; ///< libavformat's, for what our own reader cannot tell; empty if there is none
+    std::string_view demuxer; ///< libavformat's, for what our own reader cannot tell
 };
 
-// In the order they are tried.
+constexpr std::int64_t longestPattern = 20;
+
 constexpr auto formats = std::to_array<Format>({
-    {"RIFF????WAVE"sv, nullptr, "wav"sv},
-    {"RF64????WAVE"sv, nullptr, "wav"sv},
-    {"fLaC"sv, nullptr, "flac"sv},
+    {"RIFF????WAVE"sv, &wavDuration, "wav"sv},
+    {"RIFX????WAVE"sv, &wavDuration, "wav"sv},
+    {"RF64????WAVE"sv, &wavDuration, "wav"sv},
+    {"BW64????WAVE"sv, &wavDuration, "wav"sv},
+    {"riff\x2E\x91\xCF\x11"sv, &wave64Duration, "w64"sv},
+    {"FORM????AIFF"sv, &aiffDuration, "aiff"sv},
+    {"FORM????AIFC"sv, &aiffDuration, "aiff"sv},
+    {".snd"sv, &auDuration, "au"sv},
+    {"dns."sv, &auDuration, "au"sv},
+    {"caff"sv, &cafDuration, "caf"sv},
+    {"fLaC"sv, &flacDuration, "flac"sv},
+    {"wvpk"sv, &wavPackDuration, "wv"sv},
+    {"MAC "sv, &apeDuration, "ape"sv},
+    {"MPCK"sv, &musepackDuration, "mpc8"sv},
+    {"MP+"sv, &musepackDuration, "mpc"sv},
+    {"DSD "sv, &dsfDuration, "dsf"sv},
+    {"FRM8????????DSD "sv, &dsdiffDuration, "iff"sv},
+    {"Creative Voice File\x1A"sv, &vocDuration, "voc"sv},
+    {"#!AMR"sv, &amrDuration, "amr"sv},
     {"????ftyp"sv, nullptr, "mov"sv},
-    {"FORM????AIF"sv, nullptr, "aiff"sv},
-    {".snd"sv, nullptr, "au"sv},
-    {"caff"sv, nullptr, "caf"sv},
+    {"????moov"sv, nullptr, "mov"sv},
+    {"????mdat"sv, nullptr, "mov"sv},
+    {"????wide"sv, nullptr, "mov"sv},
     {"OggS"sv, nullptr, "ogg"sv},
     {"\x1A\x45\xDF\xA3"sv, nullptr, "matroska"sv},
-    {"wvpk"sv, nullptr, "wv"sv},
-    {"MAC "sv, nullptr, "ape"sv},
-    {"MPCK"sv, nullptr, "mpc8"sv},
-    {"MP+"sv, nullptr, "mpc"sv},
-    {"DSD "sv, nullptr, "dsf"sv},
-    {"FRM8"sv, nullptr, "iff"sv},
-    {"Creative Voice File\x1A"sv, nullptr, "voc"sv},
-    {"riff\x2E\x91\xCF\x11"sv, nullptr, "w64"sv},
-    {"#!AMR"sv, nullptr, "amr"sv},
+    {"\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf"sv},
     {".RMF"sv, nullptr, "rm"sv},
     {".ra\xFD"sv, nullptr, "rm"sv},
     {"TTA1"sv, nullptr, "tta"sv},
-    {"\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf"sv},
 });
+
+const Format* formatAt(GuardedReader& reader, std::int64_t start) {
+    const auto count = std::clamp<std::int64_t>(reader.size() - start, 0, longestPattern);
+    const auto head = reader.header(start, static_cast<std::size_t>(count));
+    const auto* const row =
+        std::ranges::find_if(formats, [head](const Format& format) { return matches(head, format.pattern); });
+    return row == formats.end() ? nullptr : row;
+}
+
+std::optional<double> knownDuration(GuardedReader& reader, std::int64_t start, const Format& format) {
+    const auto seconds = format.read == nullptr ? std::nullopt : format.read(reader, start);
+    return seconds ? seconds : libavDuration(reader, start, std::string(format.demuxer));
+}
+
+/// For what begins with no magic that we know.
+MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std::filesystem::path& name) {
+    const AVInputFormat* const demuxer = probeDemuxer(reader, start, "");
+    if (demuxer != nullptr && isMediaDemuxer(*demuxer) && !isFrameDemuxer(*demuxer)) {
+        return {libavDuration(reader, start, demuxer->name), false};
+    }
+    if (demuxer == nullptr || isFrameDemuxer(*demuxer)) {
+        if (const auto seconds = searchedFrameDuration(reader, start, findTrailingTags(reader, start))) {
+            return {seconds, false};
+        }
+    }
+    const AVInputFormat* const named = probeDemuxer(reader, start, name);
+    return {std::nullopt, named != nullptr && !isMediaDemuxer(*named)};
+}
+
+MediaAnswer answer(GuardedReader& reader, const std::filesystem::path& name) {
+    const std::int64_t start = skipLeadingTags(reader);
+    if (const Format* const format = formatAt(reader, start)) {
+        return {knownDuration(reader, start, *format), false};
+    }
+    if (const auto seconds = frameStreamDuration(reader, start, findTrailingTags(reader, start))) {
+        return {seconds, false};
+    }
+    return probedDuration(reader, start, name);
+}
+
+bool hasExtension(const std::filesystem::path& name, std::string_view lowerCase) {
+    const std::string extension = name.extension().native();
+    return std::ranges::equal(extension, lowerCase,
+                              [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a + 32 : a) == b; });
+}
 
 } // namespace
 
 MediaAnswer mediaDuration(const RegularFile& file, const std::filesystem::path& name,
                           const std::stop_token& stop) {
-    GuardedReader reader(sourceOf(file), stop);
-    const std::int64_t start = skipLeadingTags(reader);
-    const auto head =
-        reader.header(start, static_cast<std::size_t>(std::min<std::int64_t>(32, reader.size() - start)));
-    const auto* const format =
-        std::ranges::find_if(formats, [&](const Format& row) { return matches(head, row.pattern); });
-    if (format != formats.end()) {
-        std::optional<double> seconds = format->read == nullptr ? std::nullopt : format->read(reader, start);
-        if (!seconds && !format->demuxer.empty()) {
-            seconds = libavDuration(reader, start, std::string(format->demuxer));
+    if (hasExtension(name, ".sd2")) {
+        if (const auto seconds = sd2Duration(name, file.size(), stop)) {
+            return {seconds, false};
         }
-        return {seconds, false};
     }
-    const AVInputFormat* const demuxer = probeDemuxer(reader, start, "");
-    if (demuxer != nullptr && isMediaDemuxer(*demuxer)) {
-        return {libavDuration(reader, start, demuxer->name), false};
+    GuardedReader reader(sourceOf(file), stop);
+    MediaAnswer result = answer(reader, name);
+    if (result.seconds && (!(*result.seconds > 0) || !std::isfinite(*result.seconds))) {
+        result.seconds.reset();
     }
-    const AVInputFormat* const named = probeDemuxer(reader, start, name);
-    return {std::nullopt, named != nullptr && !isMediaDemuxer(*named)};
+    return result;
 }
 
 } // namespace velmora

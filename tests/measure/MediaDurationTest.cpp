@@ -47,7 +47,9 @@ INSTANTIATE_TEST_SUITE_P(
                     EncodedRow{"m4a"}, EncodedRow{"m4b"}, EncodedRow{"m4r"}, EncodedRow{"mp4"},
                     EncodedRow{"3ga"}, EncodedRow{"mka"}, EncodedRow{"ogg"}, EncodedRow{"oga"},
                     EncodedRow{"ogx"}, EncodedRow{"opus", 0.007}, EncodedRow{"spx", 0.008},
-                    EncodedRow{"ra", 0.005}, EncodedRow{"wma", 0.047}),
+                    EncodedRow{"ra", 0.005}, EncodedRow{"wma", 0.047}, EncodedRow{"mp3"},
+                    EncodedRow{"mp2", 0.006}, EncodedRow{"aac", 0.047}, EncodedRow{"adts", 0.047},
+                    EncodedRow{"amr", 0.02}, EncodedRow{"mpc"}, EncodedRow{"sd2"}),
     [](const auto& row) { return row.param.extension; });
 
 } // namespace velmora::test

@@ -1,0 +1,124 @@
+#include "measure/AiffDuration.h"
+
+#include "measure/BigEndian.h"
+#include "measure/Magic.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string_view>
+
+namespace velmora {
+
+namespace {
+
+using HeaderDuration::be16;
+using HeaderDuration::be32;
+using HeaderDuration::be64;
+using Bytes = std::span<const std::uint8_t>;
+
+constexpr std::int64_t formHeaderBytes = 12; // "FORM", size, "AIFF" or "AIFC"
+constexpr std::int64_t chunkHeaderBytes = 8; // name, size of what follows
+constexpr std::int64_t soundHeaderBytes = 8; // of "SSND": offset of the first frame, block size
+
+// "COMM": 0 channels, 2 frames, 6 bits a sample, 8 frames a second (80-bit extended), 18 compression
+// (AIFF-C).
+constexpr std::size_t framesAt = 2;
+constexpr std::size_t bitsAt = 6;
+constexpr std::size_t rateAt = 8;
+constexpr std::size_t compressionAt = 18;
+
+struct Common {
+    std::int64_t channels = 0;
+    std::int64_t frames = 0;
+    double rate = 0;
+    std::int64_t packetBytes = 0; ///< 0 for an unknown compression
+    std::int64_t packetFrames = 1;
+};
+
+/// Packets of a compression, a channel; 0 bits stand for the sample's own.
+struct Compression {
+    std::string_view name;
+    std::int64_t packetBytes; ///< 0: as many as a sample's bits need
+    std::int64_t packetFrames;
+};
+
+constexpr auto compressions = std::to_array<Compression>({
+    {"NONE", 0, 1}, {"sowt", 0, 1},    {"twos", 0, 1}, {"raw ", 0, 1}, {"in24", 3, 1},   {"in32", 4, 1},
+    {"23ni", 4, 1}, {"42ni", 3, 1},    {"fl32", 4, 1}, {"FL32", 4, 1}, {"fl64", 8, 1},   {"FL64", 8, 1},
+    {"ulaw", 1, 1}, {"ULAW", 1, 1},    {"alaw", 1, 1}, {"ALAW", 1, 1}, {"ima4", 34, 64}, {"MAC3", 2, 6},
+    {"MAC6", 1, 6}, {"GSM ", 33, 160}, {"G722", 1, 2},
+});
+
+/// A number of 80 bits: sign and exponent (16), then the mantissa with its leading one (64).
+double extended(Bytes bytes, std::size_t at) {
+    constexpr int bias = 16383 + 63;
+    const int exponent = be16(bytes, at) & 0x7FFF;
+    return std::ldexp(static_cast<double>(be64(bytes, at + 2)), exponent - bias);
+}
+
+std::optional<Common> parseCommon(Bytes chunk) {
+    if (chunk.size() < compressionAt) {
+        return std::nullopt;
+    }
+    Common common{be16(chunk, 0), be32(chunk, framesAt), extended(chunk, rateAt)};
+    if (common.channels == 0 || !(common.rate >= 1) || !std::isfinite(common.rate)) {
+        return std::nullopt;
+    }
+    const bool isCompressed = chunk.size() >= compressionAt + 4;
+    const auto* const row = std::ranges::find_if(compressions, [&](const Compression& compression) {
+        return matches(isCompressed ? chunk.subspan(compressionAt) : Bytes(), compression.name);
+    });
+    if (row != compressions.end() && row->packetBytes > 0) {
+        common.packetBytes = row->packetBytes * common.channels;
+        common.packetFrames = row->packetFrames;
+    } else if (row != compressions.end() || !isCompressed) {
+        common.packetBytes = (be16(chunk, bitsAt) + 7) / 8 * common.channels;
+    }
+    return common;
+}
+
+std::optional<double> soundSeconds(const Common& common, std::int64_t soundBytes) {
+    if (common.packetBytes == 0) {
+        return std::nullopt;
+    }
+    const std::int64_t there = soundBytes / common.packetBytes * common.packetFrames;
+    // Compressed sound counts frames or packets, as its writer pleased; a pipe's count is nothing or too
+    // much.
+    const bool isStated = common.packetFrames == 1 && common.frames > 0;
+    const std::int64_t frames = isStated ? std::min(common.frames, there) : there;
+    return static_cast<double>(std::max<std::int64_t>(0, frames)) / common.rate;
+}
+
+} // namespace
+
+std::optional<double> aiffDuration(GuardedReader& reader, std::int64_t start) {
+    std::optional<Common> common;
+    std::optional<std::int64_t> soundBytes;
+    std::int64_t at = start + formHeaderBytes;
+    while (!common || !soundBytes) {
+        const Bytes header = reader.header(at, chunkHeaderBytes);
+        if (header.empty()) {
+            break;
+        }
+        const bool isCommon = matches(header, "COMM");
+        const bool isSound = matches(header, "SSND");
+        const std::int64_t stated = be32(header, 4);
+        at += chunkHeaderBytes;
+        const std::int64_t size = std::min(stated, reader.size() - at);
+        if (isCommon) {
+            common = parseCommon(
+                reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, compressionAt + 4))));
+        } else if (isSound) {
+            const std::int64_t rest = reader.size() - at;
+            soundBytes = (stated <= soundHeaderBytes ? rest : size) - soundHeaderBytes;
+            if (const Bytes sound = reader.header(at, soundHeaderBytes); !sound.empty()) {
+                *soundBytes -= be32(sound, 0);
+            }
+        }
+        at += stated + stated % 2;
+    }
+    return common && soundBytes ? soundSeconds(*common, *soundBytes) : std::nullopt;
+}
+
+} // namespace velmora

@@ -1,0 +1,73 @@
+#include "measure/AmrDuration.h"
+
+#include "measure/Magic.h"
+#include "measure/SlidingWindow.h"
+
+#include <array>
+#include <string_view>
+
+namespace velmora {
+
+namespace {
+
+constexpr double frameSeconds = 0.02;
+
+/// Bytes of a frame with its first byte, by the frame type in that byte's bits 3 to 6; 0 for reserved types.
+using FrameSizes = std::array<std::uint8_t, 16>;
+
+struct Kind {
+    std::string_view magic;
+    FrameSizes frameBytes;
+    bool hasChannelCount; ///< four bytes behind the magic, channels in the last
+};
+
+constexpr auto kinds = std::to_array<Kind>({
+    {"#!AMR\n", {13, 14, 16, 18, 20, 21, 27, 32, 6, 7, 6, 6, 0, 0, 1, 1}, false},
+    {"#!AMR-WB\n", {18, 24, 33, 37, 41, 47, 51, 59, 61, 6, 0, 0, 0, 0, 1, 1}, false},
+    {"#!AMR_MC1.0\n", {13, 14, 16, 18, 20, 21, 27, 32, 6, 7, 6, 6, 0, 0, 1, 1}, true},
+    {"#!AMR-WB_MC1.0\n", {18, 24, 33, 37, 41, 47, 51, 59, 61, 6, 0, 0, 0, 0, 1, 1}, true},
+});
+
+std::int64_t countFrames(GuardedReader& reader, std::int64_t at, const FrameSizes& frameBytes) {
+    SlidingWindow window(reader, reader.size());
+    std::int64_t frames = 0;
+    for (;;) {
+        const auto bytes = window.from(at, 1);
+        std::size_t used = 0;
+        while (used < bytes.size()) {
+            const std::size_t length = frameBytes[bytes[used] >> 3 & 0x0F];
+            const bool isCutOff = at + static_cast<std::int64_t>(used + length) > window.end();
+            if (length == 0 || isCutOff) {
+                return frames;
+            }
+            used += length;
+            ++frames;
+        }
+        if (used == 0) {
+            return frames;
+        }
+        at += static_cast<std::int64_t>(used);
+    }
+}
+
+} // namespace
+
+std::optional<double> amrDuration(GuardedReader& reader, std::int64_t start) {
+    for (const Kind& kind : kinds) {
+        if (!matches(reader.header(start, kind.magic.size()), kind.magic)) {
+            continue;
+        }
+        auto at = start + static_cast<std::int64_t>(kind.magic.size());
+        int channels = 1;
+        if (kind.hasChannelCount) {
+            const auto description = reader.header(at, 4);
+            channels = description.empty() ? 0 : description[3] & 0x0F;
+            at += 4;
+        }
+        const std::int64_t frames = channels == 0 ? 0 : countFrames(reader, at, kind.frameBytes) / channels;
+        return static_cast<double>(frames) * frameSeconds;
+    }
+    return std::nullopt;
+}
+
+} // namespace velmora

@@ -1,0 +1,15 @@
+#pragma once
+
+// The playing time of Monkey's Audio (.ape), whose header counts blocks (samples of one channel) in frames.
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora {
+
+/// Times the file at `start`. Of a file that was cut off only the frames that are there count.
+std::optional<double> apeDuration(GuardedReader& reader, std::int64_t start);
+
+} // namespace velmora

@@ -1,0 +1,74 @@
+#include "measure/AuDuration.h"
+
+#include "measure/BigEndian.h"
+#include "measure/LittleEndian.h"
+#include "measure/Magic.h"
+
+#include <algorithm>
+
+namespace velmora {
+
+namespace {
+
+// Offset 0 magic, 4 where the data begin, 8 their size (all ones: unknown), 12 encoding, 16 rate, 20
+// channels.
+constexpr std::size_t headerBytes = 24;
+constexpr std::size_t dataOffsetAt = 4;
+constexpr std::size_t dataSizeAt = 8;
+constexpr std::size_t encodingAt = 12;
+constexpr std::size_t rateAt = 16;
+constexpr std::size_t channelsAt = 20;
+constexpr std::int64_t unknownSize = 0xFFFF'FFFF;
+
+/// Bits of a sample; 0 for encodings that are not a constant number of bits.
+int bitsOf(std::uint32_t encoding) {
+    switch (encoding) {
+    case 1:  // mu-law
+    case 2:  // linear
+    case 27: // A-law
+        return 8;
+    case 3:
+        return 16;
+    case 4:
+        return 24;
+    case 5:
+    case 6: // floating point
+        return 32;
+    case 7: // floating point
+        return 64;
+    case 23: // G.721
+    case 24: // G.722
+        return 4;
+    case 25: // G.723
+        return 3;
+    case 26: // G.723
+        return 5;
+    default:
+        return 0;
+    }
+}
+
+} // namespace
+
+std::optional<double> auDuration(GuardedReader& reader, std::int64_t start) {
+    const auto header = reader.header(start, headerBytes);
+    if (header.empty()) {
+        return std::nullopt;
+    }
+    const bool isBigEndian = matches(header, ".snd");
+    const auto field = [&](std::size_t at) {
+        return isBigEndian ? HeaderDuration::be32(header, at) : HeaderDuration::le32(header, at);
+    };
+    const std::int64_t rest = reader.size() - start - field(dataOffsetAt);
+    const std::int64_t stated = field(dataSizeAt);
+    const bool isKnown = stated != unknownSize && stated != 0;
+    const std::int64_t bytes = isKnown ? std::min(stated, rest) : rest;
+    const std::int64_t frameBits = std::int64_t{bitsOf(field(encodingAt))} * field(channelsAt);
+    const double rate = field(rateAt);
+    if (frameBits == 0 || rate == 0) {
+        return std::nullopt;
+    }
+    return static_cast<double>(std::max<std::int64_t>(0, bytes) * 8 / frameBits) / rate;
+}
+
+} // namespace velmora

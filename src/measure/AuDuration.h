@@ -1,0 +1,17 @@
+#pragma once
+
+// The playing time of Sun and NeXT audio (.au, .snd): a header of six numbers, big-endian behind ".snd" and
+// little-endian behind "dns.".
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora {
+
+/// Times the file at `start`; a size that is unknown or too large is what the file holds. Absent for an
+/// encoding whose length the bytes do not tell.
+std::optional<double> auDuration(GuardedReader& reader, std::int64_t start);
+
+} // namespace velmora

@@ -1,0 +1,16 @@
+#pragma once
+
+// The playing time of Apple's Core Audio Format (Apple, "Core Audio Format Specification 1.0").
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora {
+
+/// Times the CAF file at `start`: by its bytes if every packet has as many, else by its packet table, less
+/// the samples to be left out at both ends. Of a file that was cut off only the packets that are there count.
+std::optional<double> cafDuration(GuardedReader& reader, std::int64_t start);
+
+} // namespace velmora

@@ -1,0 +1,19 @@
+#pragma once
+
+// The playing time of one-bit audio: DSF (Sony, "DSF File Format Specification" 1.01) and DSDIFF (.dff,
+// Philips, "DSDIFF File Format Specification" 1.5).
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora {
+
+/// Times the DSF file at `start`; what it states is clamped to the data there are.
+std::optional<double> dsfDuration(GuardedReader& reader, std::int64_t start);
+
+/// Times the DSDIFF file at `start`, plain or compressed (DST).
+std::optional<double> dsdiffDuration(GuardedReader& reader, std::int64_t start);
+
+} // namespace velmora

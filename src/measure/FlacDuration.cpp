@@ -1,0 +1,58 @@
+#include "measure/FlacDuration.h"
+
+#include "measure/FlacFrame.h"
+#include "measure/Id3Tags.h"
+#include "measure/TailSearch.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace velmora {
+
+namespace {
+
+constexpr std::int64_t streamInfoAt = 8; // behind "fLaC" and the block's type and size
+constexpr std::size_t streamInfoBytes = 34;
+
+/// The sample behind the last whole frame; absent if none was found where one can be expected.
+std::optional<std::int64_t> endOfLastFrame(GuardedReader& reader, std::int64_t start,
+                                           const FlacStreamInfo& stream) {
+    constexpr std::int64_t leastTail = 16 << 10;
+    constexpr std::int64_t mostTail = 64 << 10;
+    constexpr std::int64_t tagsBytes = 256;
+    const std::int64_t audio = start + streamInfoAt;
+    const std::int64_t tail = std::clamp(stream.frameBytes + tagsBytes, leastTail, mostTail);
+    const auto find = [&](std::span<const std::uint8_t> bytes,
+                          std::int64_t offset) -> std::optional<std::int64_t> {
+        const auto frame = lastFlacFrame(bytes, stream);
+        if (!frame) {
+            return offset == audio ? std::optional<std::int64_t>(0) : std::nullopt;
+        }
+        const std::int64_t end = frame->firstSample + frame->samples;
+        if (stream.samples > 0 && end >= stream.samples) {
+            return end;
+        }
+        const std::int64_t tagsAt = findTrailingTags(reader, start) - offset;
+        const auto first = static_cast<std::int64_t>(frame->at);
+        const auto length = std::clamp(tagsAt, first, static_cast<std::int64_t>(bytes.size())) - first;
+        const bool isWhole = isWholeFlacFrame(bytes.subspan(frame->at, static_cast<std::size_t>(length)));
+        return isWhole ? end : frame->firstSample;
+    };
+    return searchTail(reader, audio, tail, find);
+}
+
+} // namespace
+
+std::optional<double> flacDuration(GuardedReader& reader, std::int64_t start) {
+    const auto stream = parseStreamInfo(reader.header(start + streamInfoAt, streamInfoBytes));
+    if (!stream) {
+        return std::nullopt;
+    }
+    std::int64_t samples = endOfLastFrame(reader, start, *stream).value_or(stream->samples);
+    if (stream->samples > 0) {
+        samples = std::min(samples, stream->samples);
+    }
+    return static_cast<double>(samples) / stream->rate;
+}
+
+} // namespace velmora

@@ -1,0 +1,36 @@
+#pragma once
+
+// The header of a FLAC frame (RFC 9639 section 9.1): it carries the number of its first sample and a
+// checksum, so that the last frame of a file can be recognised and tells how long the file plays.
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace velmora {
+
+/// What the stream's first metadata block, STREAMINFO, states (RFC 9639 section 8.2).
+struct FlacStreamInfo {
+    std::int32_t blockSamples = 0; ///< in every frame but the last, of a stream with a fixed block size
+    std::int32_t frameBytes = 0;   ///< of the largest frame; 0 if not stated
+    std::int32_t rate = 0;         ///< positive
+    std::int64_t samples = 0;      ///< 0 if not stated
+};
+
+struct FlacFrame {
+    std::int64_t firstSample = 0;
+    std::int64_t samples = 0;
+    std::size_t at = 0; ///< index of its header in the bytes searched
+};
+
+/// Absent if `block`, the content of STREAMINFO, is too short or states no rate.
+std::optional<FlacStreamInfo> parseStreamInfo(std::span<const std::uint8_t> block);
+
+/// The last frame of the stream that begins in `bytes`; whether all of it is there is not asked.
+std::optional<FlacFrame> lastFlacFrame(std::span<const std::uint8_t> bytes, const FlacStreamInfo& stream);
+
+/// True if `frame` is one whole frame: it ends with the checksum of what is before.
+bool isWholeFlacFrame(std::span<const std::uint8_t> frame);
+
+} // namespace velmora

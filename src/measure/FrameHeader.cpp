@@ -1,0 +1,113 @@
+#include "measure/FrameHeader.h"
+
+#include <array>
+
+namespace velmora {
+
+namespace {
+
+// Byte 1 of MPEG audio, below the sync word: version (2 bits), layer (2 bits), no checksum (1 bit). ADTS has
+// the layer that MPEG audio reserves.
+enum class Version : std::uint8_t { v25 = 0, reserved = 1, v2 = 2, v1 = 3 };
+
+constexpr std::uint8_t syncByte = 0xFF;
+constexpr std::uint8_t syncMask = 0xE0;
+constexpr std::size_t mpegHeaderBytes = 4;
+
+using KilobitRow = std::array<std::int16_t, 15>; // by bit rate index; 0 is free format
+
+constexpr KilobitRow v1Layer1 = {0, 32, 64, 96, 128, 160, 192, 224, 256, 288, 320, 352, 384, 416, 448};
+constexpr KilobitRow v1Layer2 = {0, 32, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320, 384};
+constexpr KilobitRow v1Layer3 = {0, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256, 320};
+constexpr KilobitRow v2Layer1 = {0, 32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 176, 192, 224, 256};
+constexpr KilobitRow v2Layer23 = {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
+
+constexpr std::array<std::int32_t, 3> v1Rates = {44'100, 48'000, 32'000};
+constexpr std::array<std::int32_t, 13> adtsRates = {96'000, 88'200, 64'000, 48'000, 44'100, 32'000, 24'000,
+                                                    22'050, 16'000, 12'000, 11'025, 8'000,  7'350};
+
+const KilobitRow& kilobitsOf(bool isVersion1, int layer) {
+    switch (layer) {
+    case 1:
+        return isVersion1 ? v1Layer1 : v2Layer1;
+    case 2:
+        return isVersion1 ? v1Layer2 : v2Layer23;
+    default:
+        return isVersion1 ? v1Layer3 : v2Layer23;
+    }
+}
+
+std::optional<AudioFrame> parseAdts(std::span<const std::uint8_t> bytes) {
+    constexpr std::int32_t samplesOfBlock = 1024;
+    if (bytes.size() < frameHeaderBytes || bytes[1] < 0xF0) {
+        return std::nullopt;
+    }
+    const std::size_t rateIndex = bytes[2] >> 2 & 0x0F;
+    const std::int32_t length = (bytes[3] & 0x03) << 11 | bytes[4] << 3 | bytes[5] >> 5;
+    const bool hasChecksum = (bytes[1] & 0x01) == 0;
+    if (rateIndex >= adtsRates.size() || length <= (hasChecksum ? 9 : 7)) {
+        return std::nullopt;
+    }
+    const std::int32_t blocks = (bytes[6] & 0x03) + 1;
+    const std::uint32_t kind = static_cast<std::uint32_t>(bytes[1] & 0x1E) << 8 | (bytes[2] & 0xFCU);
+    return AudioFrame{length, blocks * samplesOfBlock, adtsRates[rateIndex], kind, false};
+}
+
+} // namespace
+
+std::optional<AudioFrame> parseFrame(std::span<const std::uint8_t> bytes, std::int32_t freeBytes) {
+    if (bytes.size() < mpegHeaderBytes || bytes[0] != syncByte || (bytes[1] & syncMask) != syncMask) {
+        return std::nullopt;
+    }
+    const auto version = static_cast<Version>(bytes[1] >> 3 & 0x03);
+    const int layer = 4 - (bytes[1] >> 1 & 0x03); // 4 is ADTS
+    if (layer == 4) {
+        return parseAdts(bytes);
+    }
+    const std::size_t kilobitIndex = bytes[2] >> 4;
+    const std::size_t rateIndex = bytes[2] >> 2 & 0x03;
+    if (version == Version::reserved || kilobitIndex >= v1Layer1.size() || rateIndex >= v1Rates.size()) {
+        return std::nullopt;
+    }
+    const bool isVersion1 = version == Version::v1;
+    const std::int32_t rate = v1Rates[rateIndex] / (isVersion1 ? 1 : version == Version::v2 ? 2 : 4);
+    const std::int32_t samples = layer == 1 ? 384 : layer == 3 && !isVersion1 ? 576 : 1152;
+    const std::int32_t slotBytes = layer == 1 ? 4 : 1;
+    const std::int32_t padding = (bytes[2] >> 1 & 0x01) * slotBytes;
+    const std::int32_t bits = kilobitsOf(isVersion1, layer)[kilobitIndex] * 1000;
+    const std::int32_t length =
+        kilobitIndex == 0 ? freeBytes : samples / 8 / slotBytes * bits / rate * slotBytes;
+    if (length <= 0) {
+        return std::nullopt;
+    }
+    const std::uint32_t kind = static_cast<std::uint32_t>(bytes[1] & 0x1E) << 8 | (bytes[2] & 0x0CU);
+    return AudioFrame{length + padding, samples, rate, kind, layer == 3};
+}
+
+std::optional<std::int32_t> freeFormatBytes(std::span<const std::uint8_t> bytes) {
+    constexpr std::int32_t shortest = 24;
+    constexpr std::int32_t longest = 8'000;
+    const auto frame = parseFrame(bytes, longest);
+    if (!frame || parseFrame(bytes)) {
+        return std::nullopt;
+    }
+    const std::int32_t padding = frame->bytes - longest;
+    for (std::int32_t length = shortest; length <= longest; ++length) {
+        auto at = static_cast<std::size_t>(length + padding);
+        int followers = 0;
+        while (followers < 3 && at < bytes.size()) {
+            const auto next = parseFrame(bytes.subspan(at), length);
+            if (!next || next->kind != frame->kind || parseFrame(bytes.subspan(at))) {
+                break;
+            }
+            at += static_cast<std::size_t>(next->bytes);
+            ++followers;
+        }
+        if (followers == 3 || (followers > 0 && at == bytes.size())) {
+            return length;
+        }
+    }
+    return std::nullopt;
+}
+
+} // namespace velmora

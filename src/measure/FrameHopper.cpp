@@ -1,0 +1,142 @@
+#include "measure/FrameHopper.h"
+
+#include "measure/Id3Tags.h"
+#include "measure/SlidingWindow.h"
+
+#include <algorithm>
+#include <span>
+
+namespace velmora {
+
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+constexpr std::size_t lookAhead = 32 << 10; // more than a chain of the longest frames
+constexpr std::int64_t dearestTag =
+    SlidingWindow::windowBytes; // a tag is stepped over, at the price of one read
+constexpr int chainFrames = 3;  // headers in a row that chance does not make
+
+/// True if `bytes` begin with `count` frames of one kind, or with at least one and end exactly with a frame.
+bool beginsChain(Bytes bytes, int count, std::int32_t freeBytes) {
+    const auto first = parseFrame(bytes, freeBytes);
+    std::optional<AudioFrame> frame = first;
+    for (int found = 1; frame && frame->kind == first->kind; ++found) {
+        const auto length = static_cast<std::size_t>(frame->bytes);
+        if (found == count || length == bytes.size()) {
+            return true;
+        }
+        if (length > bytes.size()) {
+            return false;
+        }
+        bytes = bytes.subspan(length);
+        frame = parseFrame(bytes, freeBytes);
+    }
+    return false;
+}
+
+/// Walks the bytes of one stream.
+class Hopper {
+public:
+    Hopper(GuardedReader& reader, std::int64_t start, std::int64_t end)
+        : m_reader(reader)
+        , m_window(reader, end)
+        , m_position(start) {
+        m_freeBytes = freeFormatBytes(m_window.from(start, lookAhead)).value_or(0);
+    }
+
+    std::int64_t position() const { return m_position; }
+
+    bool isAtFrame() { return beginsChain(m_window.from(m_position, lookAhead), chainFrames, m_freeBytes); }
+
+    /// Goes to the next place where a chain of frames begins, not before the position itself; false if none.
+    bool synchronise() {
+        while (m_position < m_window.end()) {
+            if (isAtFrame()) {
+                return true;
+            }
+            const Bytes bytes = m_window.from(m_position, lookAhead);
+            if (bytes.empty()) {
+                return false;
+            }
+            const std::int64_t tag = tagBytesAt(bytes);
+            const std::int64_t skipped = tag > 0 ? tag : junkBytes(bytes);
+            m_position += skipped;
+            if (!m_reader.spend(std::min<std::int64_t>(skipped, dearestTag))) {
+                return false;
+            }
+        }
+        return false;
+    }
+
+    FrameSum sum() {
+        FrameSum sum;
+        std::int64_t samples = 0; // since the rate last changed
+        AudioFrame last;
+        while (const auto frame = next(last.kind)) {
+            if (frame->rate != last.rate && last.rate != 0) {
+                sum.seconds += static_cast<double>(samples) / last.rate;
+                samples = 0;
+            }
+            last = *frame;
+            samples += frame->samples;
+            ++sum.frames;
+        }
+        if (last.rate != 0) {
+            sum.seconds += static_cast<double>(samples) / last.rate;
+        }
+        return sum;
+    }
+
+private:
+    /// The whole frame at the position, or at the next one where frames go on; the position is then behind
+    /// it.
+    std::optional<AudioFrame> next(std::uint32_t kind) {
+        Bytes bytes = m_window.from(m_position, frameHeaderBytes);
+        std::optional<AudioFrame> frame = parseFrame(bytes, m_freeBytes);
+        if (!frame || frame->kind != kind) {
+            if (!synchronise()) {
+                return std::nullopt;
+            }
+            bytes = m_window.from(m_position, frameHeaderBytes);
+            frame = parseFrame(bytes, m_freeBytes);
+        }
+        if (!frame || frame->bytes > m_window.end() - m_position) {
+            return std::nullopt;
+        }
+        m_position += frame->bytes;
+        return frame;
+    }
+
+    /// How far to the next byte that can begin a frame or a tag. Positive.
+    static std::int64_t junkBytes(Bytes bytes) {
+        std::size_t junk = 1;
+        while (junk < bytes.size() && bytes[junk] != 0xFF && bytes[junk] != 'I' && bytes[junk] != 'A' &&
+               bytes[junk] != 'T') {
+            ++junk;
+        }
+        return static_cast<std::int64_t>(junk);
+    }
+
+    GuardedReader& m_reader;
+    SlidingWindow m_window;
+    std::int64_t m_position;
+    std::int32_t m_freeBytes = 0;
+};
+
+} // namespace
+
+bool isFrameAt(GuardedReader& reader, std::int64_t start, std::int64_t end) {
+    return Hopper(reader, start, end).isAtFrame();
+}
+
+std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start, std::int64_t end) {
+    Hopper hopper(reader, start, end);
+    return hopper.synchronise() ? std::optional(hopper.position()) : std::nullopt;
+}
+
+FrameSum sumFrames(GuardedReader& reader, std::int64_t start, std::int64_t end) {
+    return Hopper(reader, start, end).sum();
+}
+
+} // namespace velmora

@@ -1,0 +1,29 @@
+#pragma once
+
+// Adds up self-synchronising audio frames (see FrameHeader.h) by hopping from header to header, over whatever
+// stands between them: tags, zeros, remains of other files.
+
+#include "measure/FrameHeader.h"
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora {
+
+struct FrameSum {
+    double seconds = 0;
+    std::int64_t frames = 0;
+};
+
+/// True if at `start` a frame stands that others follow, or that ends exactly at `end`.
+bool isFrameAt(GuardedReader& reader, std::int64_t start, std::int64_t end);
+
+/// Where the first such frame at or behind `start` stands. What is not audio is paid
+/// from the reader's budget. Absent if there is none before `end`.
+std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start, std::int64_t end);
+
+/// The whole frames between `start` and `end`. A last frame that is cut off does not count.
+FrameSum sumFrames(GuardedReader& reader, std::int64_t start, std::int64_t end);
+
+} // namespace velmora

@@ -1,0 +1,61 @@
+#include "measure/FrameStreamDuration.h"
+
+#include "measure/FrameHopper.h"
+#include "measure/XingHeader.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace velmora {
+
+namespace {
+
+constexpr std::int64_t agreementPart = 50; // a stated size may differ from the real one by one part in 50
+
+bool agrees(std::int64_t stated, std::int64_t real) {
+    return std::abs(stated - real) <= real / agreementPart;
+}
+
+std::optional<double> positive(double seconds) {
+    return seconds > 0 ? std::optional(seconds) : std::nullopt;
+}
+
+/// `frame` stands at `start` and states `header` instead of holding sound.
+std::optional<double> statedDuration(GuardedReader& reader, const AudioFrame& frame, const XingHeader& header,
+                                     std::int64_t start, std::int64_t end) {
+    const auto secondsOf = [&frame](std::int64_t samples) {
+        return static_cast<double>(samples) / frame.rate;
+    };
+    if (header.frames > 0 && header.bytes && agrees(*header.bytes, end - start)) {
+        return positive(secondsOf(*header.frames * frame.samples - header.startTrim - header.endTrim));
+    }
+    const FrameSum sum = sumFrames(reader, start + frame.bytes, end);
+    const bool hasItsEnd = sum.frames >= header.frames.value_or(0);
+    return positive(sum.seconds - secondsOf(header.startTrim + (hasItsEnd ? header.endTrim : 0)));
+}
+
+} // namespace
+
+std::optional<double> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
+    constexpr std::int64_t firstFrameBytes = 2048; // more than any that may hold a statement
+    const auto bytes = reader.header(
+        start, static_cast<std::size_t>(std::clamp<std::int64_t>(end - start, 0, firstFrameBytes)));
+    const std::optional<AudioFrame> frame = parseFrame(bytes);
+    if (frame && frame->isLayer3) {
+        const std::size_t length = std::min(bytes.size(), static_cast<std::size_t>(frame->bytes));
+        if (const std::optional<XingHeader> header = parseXing(bytes.first(length))) {
+            return statedDuration(reader, *frame, *header, start, end);
+        }
+    }
+    if (!isFrameAt(reader, start, end)) {
+        return std::nullopt;
+    }
+    return positive(sumFrames(reader, start, end).seconds);
+}
+
+std::optional<double> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
+    const std::optional<std::int64_t> first = findFrame(reader, start, end);
+    return first ? frameStreamDuration(reader, *first, end) : std::nullopt;
+}
+
+} // namespace velmora

@@ -1,0 +1,20 @@
+#pragma once
+
+// The playing time of a bare stream of frames: MPEG audio (.mp3, .mp2) and ADTS (.aac), wherever it is
+// stored. What the first frame states is believed only when it fits the size of the file; otherwise frames
+// are counted.
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora {
+
+/// Times the frames between `start` and `end`, the first of which stands at `start`. Absent if none does.
+std::optional<double> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
+
+/// The same when the first frame may stand anywhere behind `start`.
+std::optional<double> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
+
+} // namespace velmora

@@ -1,0 +1,16 @@
+#pragma once
+
+// The playing time of Musepack, stream versions 7 and 8 (trac.musepack.net, "SV7 specification", "SV8
+// specification").
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora {
+
+/// Times the Musepack file at `start` by what its header states. Absent for other stream versions.
+std::optional<double> musepackDuration(GuardedReader& reader, std::int64_t start);
+
+} // namespace velmora

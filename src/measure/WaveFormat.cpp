@@ -1,0 +1,115 @@
+#include "measure/WaveFormat.h"
+
+#include "measure/BigEndian.h"
+#include "measure/FrameStreamDuration.h"
+#include "measure/LittleEndian.h"
+
+namespace velmora {
+
+namespace {
+
+constexpr std::size_t baseBytes = 16;
+constexpr std::size_t extensionAt = 18;
+constexpr std::size_t subformatAt = 24;
+
+// Format tags (RFC 2361 and mmreg.h).
+enum Tag : std::uint16_t {
+    pcm = 0x0001,
+    microsoftAdpcm = 0x0002,
+    floatingPoint = 0x0003,
+    aLaw = 0x0006,
+    muLaw = 0x0007,
+    imaAdpcm = 0x0011,
+    yamahaAdpcm = 0x0020,
+    gsm610 = 0x0031,
+    mpegLayers12 = 0x0050,
+    mpegLayer3 = 0x0055,
+    rawAac = 0x00FF,
+    adtsAac = 0x1600,
+    extensible = 0xFFFE,
+};
+
+/// Frames in a whole block of ADPCM or GSM, or in one cut down to `bytes`. 0 if the tag is none of these.
+std::int64_t framesOfBlock(const WaveFormat& format, std::int64_t bytes) {
+    const std::int64_t channels = format.channels;
+    switch (format.tag) {
+    case microsoftAdpcm: // two samples and five bytes of state a channel, then nibbles
+        return bytes <= 7 * channels ? 0 : (bytes - 7 * channels) * 2 / channels + 2;
+    case imaAdpcm: // one sample and two bytes of state a channel, then nibbles
+        if (format.bits != 4) {
+            return 0;
+        }
+        return bytes <= 4 * channels ? 0 : (bytes - 4 * channels) * 2 / channels + 1;
+    case yamahaAdpcm:
+        return bytes * 2 / channels;
+    case gsm610: // pairs of GSM frames
+        return bytes / 65 * 320;
+    default:
+        return 0;
+    }
+}
+
+/// Absent for a format that is not known.
+std::optional<std::int64_t> framesOf(const WaveFormat& format, std::int64_t bytes) {
+    switch (format.tag) {
+    case pcm:
+    case floatingPoint:
+    case aLaw:
+    case muLaw: {
+        const std::int64_t frameBytes =
+            format.blockBytes > 0 ? format.blockBytes : format.channels * ((format.bits + 7) / 8);
+        return frameBytes > 0 ? std::optional(bytes / frameBytes) : std::nullopt;
+    }
+    default:
+        break;
+    }
+    const std::int64_t computed = framesOfBlock(format, format.blockBytes);
+    if (computed <= 0) {
+        return std::nullopt;
+    }
+    const std::int64_t whole = format.blockSamples > 0 ? format.blockSamples : computed;
+    return bytes / format.blockBytes * whole + framesOfBlock(format, bytes % format.blockBytes);
+}
+
+} // namespace
+
+std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, bool isBigEndian) {
+    if (chunk.size() < baseBytes) {
+        return std::nullopt;
+    }
+    const auto u16 = [&](std::size_t at) {
+        return isBigEndian ? HeaderDuration::be16(chunk, at) : HeaderDuration::le16(chunk, at);
+    };
+    const auto u32 = [&](std::size_t at) {
+        return isBigEndian ? HeaderDuration::be32(chunk, at) : HeaderDuration::le32(chunk, at);
+    };
+    WaveFormat format{u16(0), u16(2), u32(4), u32(8), u16(12), u16(14), 0};
+    if (format.tag == extensible && chunk.size() >= subformatAt + 2) {
+        format.tag = u16(subformatAt);
+    } else if (chunk.size() >= extensionAt + 2) {
+        format.blockSamples = u16(extensionAt);
+    }
+    return format.rate > 0 && format.channels > 0 ? std::optional(format) : std::nullopt;
+}
+
+std::optional<double> waveSeconds(GuardedReader& reader, const WaveFormat& format, std::int64_t start,
+                                  std::int64_t end, std::optional<std::int64_t> statedFrames) {
+    switch (format.tag) {
+    case mpegLayers12:
+    case mpegLayer3:
+    case rawAac:
+    case adtsAac:
+        return searchedFrameDuration(reader, start, end);
+    default:
+        break;
+    }
+    std::optional<std::int64_t> frames = framesOf(format, end - start);
+    const std::int64_t slack = 2 * framesOfBlock(format, format.blockBytes);
+    if (statedFrames && frames && *statedFrames <= *frames && *statedFrames > *frames - slack) {
+        frames = *statedFrames;
+    }
+    return frames ? std::optional(static_cast<double>(*frames) / static_cast<double>(format.rate))
+                  : std::nullopt;
+}
+
+} // namespace velmora

@@ -1,0 +1,35 @@
+#pragma once
+
+// The "fmt " chunk that WAV, its 64-bit relatives and Wave64 share, and how much time a number of bytes of
+// such audio is. Layout (Microsoft, "Multiple Channel Audio Data and WAVE Files"): 0 format tag, 2 channels,
+// 4 frames a second, 8 bytes a second, 12 bytes a block, 14 bits a sample, 16 size of what follows, 18
+// samples a block (compressed formats) or valid bits (extensible), 24 the real format tag (extensible).
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+#include <span>
+
+namespace velmora {
+
+struct WaveFormat {
+    std::uint16_t tag = 0;
+    std::int64_t channels = 0;
+    std::int64_t rate = 0; ///< frames a second, positive
+    std::int64_t byteRate = 0;
+    std::int64_t blockBytes = 0;
+    std::int64_t bits = 0;
+    std::int64_t blockSamples = 0; ///< frames in a block of a compressed format; 0 if not stated
+};
+
+/// Absent if `chunk` is too short or states no rate.
+std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, bool isBigEndian);
+
+/// Seconds of the audio between `start` and `end`. `statedFrames` is what a "fact" chunk says, taken for
+/// formats whose blocks may be filled up, if it fits. Zero if none plays; absent for a format whose length
+/// its bytes do not tell.
+std::optional<double> waveSeconds(GuardedReader& reader, const WaveFormat& format, std::int64_t start,
+                                  std::int64_t end, std::optional<std::int64_t> statedFrames);
+
+} // namespace velmora
