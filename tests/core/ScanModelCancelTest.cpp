@@ -67,6 +67,7 @@ TEST_F(ScanModelCancelTest, ANewScanSupersedesARunningOne) {
     held.awaitStarted(1);
     model->ingest({"/m/new.wav"});
     EXPECT_EQ(model->status(), "READING SOURCE");
+    awaitStatus("MEASURING");
     held.awaitStarted(2);
     held.release(1);
     awaitStatus("COMPLETE");

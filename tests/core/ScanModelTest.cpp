@@ -97,6 +97,7 @@ TEST_F(ScanModelTest, PublishesEveryFourthFileAndTheLast) {
     QObject::connect(model.get(), &ScanModel::processedChanged,
                      [&] { progress.push_back(model->progress()); });
     model->ingest({"/m"});
+    awaitStatus("MEASURING");
     for (std::size_t i = 1; i <= 10; ++i) { // one by one, so that every count is seen
         held.awaitStarted(std::min<std::size_t>(10, i + 5));
         held.release(1);
