@@ -16,7 +16,7 @@ using HeaderDuration::be64;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::int64_t fileHeaderBytes = 8;   // "caff", version, flags
-constexpr std::int64_t chunkHeaderBytes = 12; // name, size of what follows; a size of -1 reaches to the end
+constexpr std::int64_t chunkHeaderBytes = 12; // name, size of what follows; data of size -1 reach to the end
 constexpr std::int64_t editCountBytes = 4;    // at the start of "data"
 
 /// "desc": 0 rate (64-bit floating point), 8 format, 12 flags, 16 bytes a packet, 20 frames a packet, 24
@@ -152,7 +152,8 @@ std::optional<double> cafDuration(GuardedReader& reader, std::int64_t start) {
         const auto stated = static_cast<std::int64_t>(be64(header, 4));
         at += chunkHeaderBytes;
         const std::int64_t rest = reader.size() - at;
-        const std::int64_t size = stated < 0 ? rest : std::min(stated, rest);
+        const bool isUnknown = stated < 0 || (isData && stated <= editCountBytes); // a pipe's
+        const std::int64_t size = isUnknown ? rest : std::min(stated, rest);
         if (isDescription) {
             description = parseDescription(
                 reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, 32))));

@@ -29,18 +29,20 @@ std::optional<double> statedDuration(GuardedReader& reader, const AudioFrame& fr
     if (header.frames > 0 && header.bytes && agrees(*header.bytes, end - start)) {
         return positive(secondsOf(*header.frames * frame.samples - header.startTrim - header.endTrim));
     }
-    const FrameSum sum = sumFrames(reader, start + frame.bytes, end);
-    const bool hasItsEnd = sum.frames >= header.frames.value_or(0);
-    return positive(sum.seconds - secondsOf(header.startTrim + (hasItsEnd ? header.endTrim : 0)));
+    const FrameSum sum = sumFrames(reader, start, end); // with the frame that states
+    const bool hasItsEnd = sum.frames > header.frames.value_or(0);
+    return positive(sum.seconds -
+                    secondsOf(frame.samples + header.startTrim + (hasItsEnd ? header.endTrim : 0)));
 }
 
 } // namespace
 
 std::optional<double> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
-    constexpr std::int64_t firstFrameBytes = 2048; // more than any that may hold a statement
+    constexpr std::int32_t firstFrameBytes = 2048; // more than any that may hold a statement
     const auto bytes = reader.header(
         start, static_cast<std::size_t>(std::clamp<std::int64_t>(end - start, 0, firstFrameBytes)));
-    const std::optional<AudioFrame> frame = parseFrame(bytes);
+    const std::optional<AudioFrame> frame =
+        parseFrame(bytes, firstFrameBytes); // free format is as long as it may be
     if (frame && frame->isLayer3) {
         const std::size_t length = std::min(bytes.size(), static_cast<std::size_t>(frame->bytes));
         if (const std::optional<XingHeader> header = parseXing(bytes.first(length))) {

@@ -44,8 +44,10 @@ class SegmentSum {
 public:
     void add(const AVPacket& packet, double timeBase) {
         const double length = static_cast<double>(std::max<std::int64_t>(packet.duration, 0)) * timeBase;
-        const double begin =
-            packet.pts == AV_NOPTS_VALUE ? m_end : static_cast<double>(packet.pts) * timeBase;
+        // A packet without a time stamp of its own goes on where the last one ended.
+        const bool isStamped = packet.pts != AV_NOPTS_VALUE && packet.pts != m_lastStamp;
+        m_lastStamp = packet.pts;
+        const double begin = isStamped ? static_cast<double>(packet.pts) * timeBase : m_end;
         if (m_isEmpty || begin < m_last - jumpBackSeconds) {
             m_closed += m_end - m_begin;
             m_begin = std::max(begin, 0.0); // what is decoded before zero is not played
@@ -67,6 +69,7 @@ private:
     double m_begin = 0;
     double m_end = 0;
     double m_last = 0;
+    std::int64_t m_lastStamp = AV_NOPTS_VALUE;
 };
 
 /// Samples that the packet holds at its end but that are not to be played.
@@ -86,6 +89,8 @@ double trimmedSeconds(const AVPacket& packet, const AVCodecParameters& parameter
 
 std::optional<double> walkedSeconds(AVFormatContext& context, GuardedReader& reader) {
     reader.startWalk();
+    avformat_find_stream_info(&context,
+                              nullptr); // what it guesses is not looked at, but packets get their lengths
     std::vector<SegmentSum> sums;
     AVPacket* packet = av_packet_alloc();
     while (packet != nullptr && !reader.isOver() && av_read_frame(&context, packet) >= 0) {

@@ -13,6 +13,8 @@
 #include "measure/LibavDuration.h"
 #include "measure/LibavFile.h"
 #include "measure/Magic.h"
+#include "measure/MatroskaDuration.h"
+#include "measure/Mp4Duration.h"
 #include "measure/MusepackDuration.h"
 #include "measure/Sd2Duration.h"
 #include "measure/VocDuration.h"
@@ -47,7 +49,8 @@ using TimeReader = std::optional<double> (*)(GuardedReader& reader, std::int64_t
 struct Format {
     std::string_view pattern; ///< see `matches`
     TimeReader read;          ///< our own reader; null if there is none
-    std::string_view demuxer; ///< libavformat's, for what our own reader cannot tell
+    std::string_view
+        demuxer; ///< libavformat's, for what our own reader cannot tell; empty if it asked itself
 };
 
 constexpr std::int64_t longestPattern = 20;
@@ -72,12 +75,12 @@ constexpr auto formats = std::to_array<Format>({
     {"FRM8????????DSD "sv, &dsdiffDuration, "iff"sv},
     {"Creative Voice File\x1A"sv, &vocDuration, "voc"sv},
     {"#!AMR"sv, &amrDuration, "amr"sv},
-    {"????ftyp"sv, nullptr, "mov"sv},
-    {"????moov"sv, nullptr, "mov"sv},
-    {"????mdat"sv, nullptr, "mov"sv},
-    {"????wide"sv, nullptr, "mov"sv},
+    {"????ftyp"sv, &mp4Duration, "mov"sv},
+    {"????moov"sv, &mp4Duration, "mov"sv},
+    {"????mdat"sv, &mp4Duration, "mov"sv},
+    {"????wide"sv, &mp4Duration, "mov"sv},
     {"OggS"sv, nullptr, "ogg"sv},
-    {"\x1A\x45\xDF\xA3"sv, nullptr, "matroska"sv},
+    {"\x1A\x45\xDF\xA3"sv, &matroskaDuration, ""sv},
     {"\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf"sv},
     {".RMF"sv, nullptr, "rm"sv},
     {".ra\xFD"sv, nullptr, "rm"sv},
@@ -94,7 +97,8 @@ const Format* formatAt(GuardedReader& reader, std::int64_t start) {
 
 std::optional<double> knownDuration(GuardedReader& reader, std::int64_t start, const Format& format) {
     const auto seconds = format.read == nullptr ? std::nullopt : format.read(reader, start);
-    return seconds ? seconds : libavDuration(reader, start, std::string(format.demuxer));
+    return seconds || format.demuxer.empty() ? seconds
+                                             : libavDuration(reader, start, std::string(format.demuxer));
 }
 
 /// For what begins with no magic that we know.

@@ -44,7 +44,7 @@ std::optional<WavPackBlock> parseBlock(Bytes header) {
     }
     WavPackBlock block;
     block.bytes = std::int64_t{le32(header, 4)} + 8;
-    if (const std::uint32_t total = le32(header, 12); total != unknownTotal) {
+    if (const std::uint32_t total = le32(header, 12); total != unknownTotal && total != 0) {
         block.total = (std::int64_t{header[11]} << 32) + total;
     }
     block.index = (std::int64_t{header[10]} << 32) + le32(header, 16);

@@ -1,0 +1,16 @@
+#pragma once
+
+// The playing time of Matroska and WebM (RFC 9559). libavformat reads it; whether what it states can be true
+// is seen from the size of the one element that holds everything.
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace velmora {
+
+/// Times the file at `start` by what it states, or by its packets if it was cut off or states nothing.
+std::optional<double> matroskaDuration(GuardedReader& reader, std::int64_t start);
+
+} // namespace velmora

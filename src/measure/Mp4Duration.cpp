@@ -1,0 +1,81 @@
+#include "measure/Mp4Duration.h"
+
+#include "measure/BigEndian.h"
+#include "measure/Mp4Fragments.h"
+#include "measure/Mp4Track.h"
+
+#include <algorithm>
+
+namespace velmora {
+
+namespace {
+
+/// The file's outermost boxes.
+struct Movie {
+    std::optional<Mp4Box> box; ///< "moov"
+    bool isCutOff = false;     ///< media data end behind the end of the file
+};
+
+Movie readMovie(GuardedReader& reader, std::int64_t start) {
+    Movie movie;
+    bool hasData = false;
+    std::int64_t at = start;
+    while (!movie.box || !hasData) {
+        const auto box = mp4BoxAt(reader, at, reader.size());
+        if (!box) {
+            break;
+        }
+        if (box->type == mp4Type("moov") && !movie.box) {
+            movie.box = box;
+        } else if (box->type == mp4Type("mdat")) {
+            hasData = true;
+            movie.isCutOff |= box->isCutOff;
+        }
+        at = box->end;
+    }
+    return movie;
+}
+
+/// "mvhd": made, changed (4 or 8 bytes each), time scale.
+std::int64_t timeScaleOf(GuardedReader& reader, const Mp4Box& header) {
+    const auto version = reader.header(header.content, 1);
+    const bool isLong = !version.empty() && version[0] == 1;
+    const auto scale = reader.header(header.content + (isLong ? 20 : 12), 4);
+    return scale.empty() ? 0 : HeaderDuration::be32(scale, 0);
+}
+
+double trackSeconds(GuardedReader& reader, const Mp4Track& track, const Movie& movie,
+                    std::int64_t movieScale) {
+    if (!track.isAudio || track.timeScale <= 0) {
+        return 0;
+    }
+    std::int64_t duration = track.mediaDuration;
+    if (movie.isCutOff || duration == 0) {
+        duration = mediaDurationBefore(reader, track, reader.size());
+    }
+    if (duration == 0) {
+        duration = fragmentsDuration(reader, *movie.box, track.id, movie.box->end);
+    }
+    return editedSeconds(track, duration, movieScale);
+}
+
+} // namespace
+
+std::optional<double> mp4Duration(GuardedReader& reader, std::int64_t start) {
+    const Movie movie = readMovie(reader, start);
+    if (!movie.box || findMp4Box(reader, *movie.box, mp4Type("cmov"))) {
+        return std::nullopt;
+    }
+    double longest = 0;
+    std::int64_t movieScale = 0;
+    forEachMp4Box(reader, movie.box->content, movie.box->end, [&](const Mp4Box& box) {
+        if (box.type == mp4Type("mvhd")) {
+            movieScale = timeScaleOf(reader, box);
+        } else if (box.type == mp4Type("trak")) {
+            longest = std::max(longest, trackSeconds(reader, readMp4Track(reader, box), movie, movieScale));
+        }
+    });
+    return longest;
+}
+
+} // namespace velmora

@@ -1,0 +1,238 @@
+#include "measure/Mp4Track.h"
+
+#include "measure/BigEndian.h"
+
+#include <algorithm>
+
+namespace velmora {
+
+namespace {
+
+using HeaderDuration::be32;
+using HeaderDuration::be64;
+using Bytes = std::span<const std::uint8_t>;
+
+constexpr std::int64_t fullBoxBytes = 4; // version and flags, at the start of all these boxes
+constexpr std::int64_t mostEdits = 4096;
+constexpr std::int64_t mostSamples = 1LL << 31; // of a track: a year of the shortest frames
+constexpr std::int64_t mostDuration = 1LL << 50;
+
+/// A version 1 box has its times in 8 bytes instead of 4.
+bool isLong(GuardedReader& reader, const Mp4Box& box) {
+    const Bytes version = reader.header(box.content, 1);
+    return !version.empty() && version[0] == 1;
+}
+
+std::optional<std::uint32_t> word(GuardedReader& reader, const Mp4Box& box, std::int64_t at) {
+    const Bytes bytes = at + 4 <= box.size() ? reader.header(box.content + at, 4) : Bytes();
+    return bytes.empty() ? std::nullopt : std::optional(be32(bytes, 0));
+}
+
+std::optional<std::int64_t> longWord(GuardedReader& reader, const Mp4Box& box, std::int64_t at) {
+    const Bytes bytes = at + 8 <= box.size() ? reader.header(box.content + at, 8) : Bytes();
+    return bytes.empty() ? std::nullopt : std::optional(static_cast<std::int64_t>(be64(bytes, 0)));
+}
+
+/// "mdhd": made, changed (4 or 8 bytes each), time scale (4), duration (4 or 8; all ones if not known).
+void readMediaHeader(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) {
+    constexpr std::uint32_t unknown = 0xFFFF'FFFF;
+    if (isLong(reader, box)) {
+        track.timeScale = word(reader, box, 20).value_or(0);
+        track.mediaDuration = std::max<std::int64_t>(0, longWord(reader, box, 24).value_or(0));
+    } else {
+        track.timeScale = word(reader, box, 12).value_or(0);
+        const std::uint32_t duration = word(reader, box, 16).value_or(0);
+        track.mediaDuration = duration == unknown ? 0 : duration;
+    }
+}
+
+/// "elst": entries (4), each length, media time (4 or 8 bytes each), speed (4).
+void readEdits(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) {
+    const bool hasLongTimes = isLong(reader, box);
+    const std::int64_t entryBytes = hasLongTimes ? 20 : 12;
+    const std::int64_t count = std::min<std::int64_t>(word(reader, box, fullBoxBytes).value_or(0), mostEdits);
+    for (std::int64_t i = 0; i < count; ++i) {
+        const std::int64_t at = fullBoxBytes + 4 + i * entryBytes;
+        if (hasLongTimes) {
+            const auto length = longWord(reader, box, at);
+            const auto mediaTime = longWord(reader, box, at + 8);
+            if (length && mediaTime) {
+                track.edits.push_back({*length, *mediaTime});
+            }
+        } else {
+            const auto length = word(reader, box, at);
+            const auto mediaTime = word(reader, box, at + 4);
+            if (length && mediaTime) {
+                track.edits.push_back({*length, static_cast<std::int32_t>(*mediaTime)});
+            }
+        }
+    }
+}
+
+void readMedia(GuardedReader& reader, const Mp4Box& media, Mp4Track& track) {
+    constexpr std::int64_t handlerAt = 8;
+    forEachMp4Box(reader, media.content, media.end, [&](const Mp4Box& box) {
+        if (box.type == mp4Type("mdhd")) {
+            readMediaHeader(reader, box, track);
+        } else if (box.type == mp4Type("hdlr")) {
+            track.isAudio = word(reader, box, handlerAt) == mp4Type("soun");
+        } else if (box.type == mp4Type("minf") && track.isAudio) {
+            track.sampleTable = findMp4Box(reader, box, mp4Type("stbl"));
+        }
+    });
+}
+
+/// A table of the sample table: its entries begin behind a count.
+struct Table {
+    Mp4Box box;
+    std::int64_t count = 0;
+
+    static constexpr std::int64_t entriesAt = fullBoxBytes + 4;
+};
+
+std::optional<Table> findTable(GuardedReader& reader, const Mp4Box& sampleTable, std::string_view type) {
+    const auto box = findMp4Box(reader, sampleTable, mp4Type(type));
+    const auto count = box ? word(reader, *box, fullBoxBytes) : std::nullopt;
+    return count ? std::optional(Table{*box, *count}) : std::nullopt;
+}
+
+/// A run of samples that stand one behind the other.
+struct Chunk {
+    std::int64_t at = 0;
+    std::int64_t firstSample = 0;
+    std::int64_t samples = 0;
+};
+
+/// How many chunks begin before `end`, and where the last of them stands ("stco" or "co64", in ascending
+/// order).
+std::pair<std::int64_t, std::int64_t> chunksBefore(GuardedReader& reader, const Mp4Box& sampleTable,
+                                                   std::int64_t end) {
+    auto offsets = findTable(reader, sampleTable, "stco");
+    const bool areLong = !offsets;
+    if (areLong) {
+        offsets = findTable(reader, sampleTable, "co64");
+    }
+    if (!offsets) {
+        return {};
+    }
+    const auto offsetOf = [&](std::int64_t i) -> std::int64_t {
+        return areLong ? longWord(reader, offsets->box, Table::entriesAt + i * 8).value_or(end)
+                       : word(reader, offsets->box, Table::entriesAt + i * 4).value_or(end);
+    };
+    std::int64_t low = 0;
+    std::int64_t high = offsets->count;
+    while (low < high) {
+        const std::int64_t middle = low + (high - low) / 2;
+        if (offsetOf(middle) < end) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return {low, low > 0 ? offsetOf(low - 1) : 0};
+}
+
+/// The last of `chunks` chunks, by "stsc": first chunk (from 1), samples a chunk from there on, description.
+Chunk lastChunk(GuardedReader& reader, const Table& runs, std::int64_t chunks, std::int64_t at) {
+    Chunk chunk{at};
+    for (std::int64_t i = 0; i < runs.count; ++i) {
+        const std::int64_t entry = Table::entriesAt + i * 12;
+        const auto first = word(reader, runs.box, entry);
+        const auto samples = word(reader, runs.box, entry + 4);
+        const std::int64_t next =
+            i + 1 < runs.count ? word(reader, runs.box, entry + 12).value_or(0) : chunks + 1;
+        if (!first || !samples || *first > chunks) {
+            break;
+        }
+        chunk.samples = *samples;
+        const std::int64_t before = std::clamp<std::int64_t>(std::min(next, chunks) - *first, 0, 1LL << 29);
+        chunk.firstSample = std::min(chunk.firstSample + before * *samples, mostSamples);
+    }
+    return chunk;
+}
+
+/// How many samples stand before `end`, by "stsz": size of all samples, or 0 and a table of them.
+std::int64_t samplesBefore(GuardedReader& reader, const Mp4Box& sampleTable, std::int64_t end) {
+    const auto sizes = findMp4Box(reader, sampleTable, mp4Type("stsz"));
+    const auto runs = findTable(reader, sampleTable, "stsc");
+    const auto [chunks, at] = chunksBefore(reader, sampleTable, end);
+    if (!sizes || !runs || chunks == 0) {
+        return 0;
+    }
+    const Chunk chunk = lastChunk(reader, *runs, chunks, at);
+    const std::int64_t common = word(reader, *sizes, fullBoxBytes).value_or(0);
+    if (common > 0) {
+        return chunk.firstSample + std::min(chunk.samples, (end - chunk.at) / common);
+    }
+    std::int64_t whole = 0;
+    std::int64_t position = chunk.at;
+    while (whole < chunk.samples) {
+        const auto size = word(reader, *sizes, fullBoxBytes + 8 + (chunk.firstSample + whole) * 4);
+        if (!size || *size > end - position) {
+            break;
+        }
+        position += *size;
+        ++whole;
+    }
+    return chunk.firstSample + whole;
+}
+
+} // namespace
+
+Mp4Track readMp4Track(GuardedReader& reader, const Mp4Box& box) {
+    Mp4Track track;
+    forEachMp4Box(reader, box.content, box.end, [&](const Mp4Box& part) {
+        if (part.type == mp4Type("tkhd")) { // made, changed (4 or 8 bytes each), id
+            track.id = word(reader, part, isLong(reader, part) ? 20 : 12).value_or(0);
+        } else if (part.type == mp4Type("edts")) {
+            if (const auto edits = findMp4Box(reader, part, mp4Type("elst"))) {
+                readEdits(reader, *edits, track);
+            }
+        } else if (part.type == mp4Type("mdia")) {
+            readMedia(reader, part, track);
+        }
+    });
+    return track;
+}
+
+std::int64_t mediaDurationBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end) {
+    if (!track.sampleTable) {
+        return 0;
+    }
+    std::int64_t samples = std::min(samplesBefore(reader, *track.sampleTable, end), mostSamples);
+    const auto times = findTable(reader, *track.sampleTable, "stts"); // samples, units each
+    std::int64_t duration = 0;
+    for (std::int64_t i = 0; times && i < times->count && samples > 0; ++i) {
+        const auto count = word(reader, times->box, Table::entriesAt + i * 8);
+        const auto units = word(reader, times->box, Table::entriesAt + i * 8 + 4);
+        if (!count || !units) {
+            break;
+        }
+        const std::int64_t taken = std::min<std::int64_t>(*count, samples);
+        duration = std::min(duration + taken * (*units & 0x7FFF'FFFF), mostDuration);
+        samples -= taken;
+    }
+    return std::min(duration, track.mediaDuration > 0 ? track.mediaDuration : duration);
+}
+
+double editedSeconds(const Mp4Track& track, std::int64_t mediaDuration, std::int64_t movieScale) {
+    const auto mediaSeconds = [&track](std::int64_t units) {
+        return static_cast<double>(units) / static_cast<double>(track.timeScale);
+    };
+    double seconds = 0;
+    bool hasEdit = false;
+    for (const Mp4Edit& edit : track.edits) {
+        if (edit.mediaTime < 0 || edit.mediaTime >= mediaDuration) {
+            continue;
+        }
+        hasEdit = true;
+        const double rest = mediaSeconds(mediaDuration - edit.mediaTime);
+        const bool isBounded = edit.length > 0 && movieScale > 0;
+        seconds += isBounded
+                       ? std::min(rest, static_cast<double>(edit.length) / static_cast<double>(movieScale))
+                       : rest;
+    }
+    return hasEdit ? seconds : mediaSeconds(mediaDuration);
+}
+
+} // namespace velmora
