@@ -1,0 +1,158 @@
+#include "screenshots/Screenshots.h"
+
+#include "ui/Actions.h"
+#include "ui/Views.h"
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickRenderControl>
+#include <QQuickRenderTarget>
+#include <QQuickWindow>
+#include <QVariant>
+
+#include <array>
+#include <cstdlib>
+#include <fstream>
+#include <memory>
+#include <system_error>
+#include <utility>
+
+namespace velmora::Screenshots {
+
+namespace {
+
+constexpr QSize shotSize(1440, 900);
+constexpr int shotScale = 2;
+
+/// When the moving scenery is photographed, in seconds since its epoch: any moment would do, always the same.
+constexpr double shotTime = 812'000'000;
+
+/// A picture's controls do nothing.
+class NoActions : public Actions {
+public:
+    void choose() override {}
+
+    void copyRuntime() override {}
+
+    void copyFileList() override {}
+
+    void zip() override {}
+
+    void reset() override {}
+
+    void revealZip() override {}
+
+    void checkForUpdates() override {}
+
+    void about() override {}
+
+    void quit() override {}
+};
+
+ScanState resultState() {
+    return {
+        .phase = ScanModel::Phase::done,
+        .status = "COMPLETE",
+        .processed = 14,
+        .found = 14,
+        .progress = 1,
+        .source = "MIDNIGHT SESSIONS",
+        .seconds = 5832.4,
+        .fileCount = 14,
+        .bytes = 1'287'000'000,
+    };
+}
+
+ScanState scanningState() {
+    return {
+        .phase = ScanModel::Phase::scanning,
+        .status = "MEASURING",
+        .processed = 31,
+        .found = 48,
+        .progress = 31.0 / 48,
+        .source = "LIVE SET 2026",
+    };
+}
+
+void write(const QImage& image, const std::filesystem::path& path) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    if (image.save(&buffer, "PNG")) {
+        std::ofstream(path, std::ios::binary | std::ios::trunc).write(bytes.constData(), bytes.size());
+    }
+}
+
+} // namespace
+
+void prepareEnvironment() {
+    for (const char* name :
+         {"QT_SCREEN_SCALE_FACTORS", "QT_ENABLE_HIGHDPI_SCALING", "QT_AUTO_SCREEN_SCALE_FACTOR",
+          "QT_SCALE_FACTOR_ROUNDING_POLICY", "QT_USE_PHYSICAL_DPI", "QT_FONT_DPI", "QT_QPA_PLATFORMTHEME",
+          "QT_STYLE_OVERRIDE", "QT_QUICK_CONTROLS_STYLE", "QT_QPA_OFFSCREEN_NO_GLX", "QSG_RENDER_LOOP",
+          "QSG_RHI_BACKEND", "QML_DISABLE_DISTANCEFIELD", "QT_PLUGIN_PATH", "QML_IMPORT_PATH",
+          "QML2_IMPORT_PATH"}) {
+        ::unsetenv(name);
+    }
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ::setenv("QT_QUICK_BACKEND", "software", 1);
+    ::setenv("QT_SCALE_FACTOR", std::to_string(shotScale).c_str(), 1);
+}
+
+void render(const std::filesystem::path& into) {
+    std::error_code ignored;
+    std::filesystem::create_directories(into, ignored);
+    const std::array<std::pair<const char*, ScanState>, 3> shots = {{
+        {"1-result.png", resultState()},
+        {"2-drop.png", ScanState()},
+        {"3-scanning.png", scanningState()},
+    }};
+    for (const auto& [name, state] : shots) {
+        ScanView scan;
+        scan.show(state);
+        const QImage image = picture(scan, shotSize);
+        if (!image.isNull()) {
+            write(image, into / name);
+        }
+    }
+}
+
+QImage picture(ScanView& scan, const QSize& points) {
+    NoActions actions;
+
+    QQmlEngine engine;
+    QQmlComponent component(&engine, Views::url("ContentView"));
+    const std::unique_ptr<QObject> view(component.createWithInitialProperties({
+        {"scan", QVariant::fromValue(&scan)},
+        {"actions", QVariant::fromValue<Actions*>(&actions)},
+        {"time", shotTime},
+        {"animated", false},
+    }));
+    auto* const content = qobject_cast<QQuickItem*>(view.get());
+    if (content == nullptr) {
+        return {};
+    }
+
+    QQuickRenderControl control;
+    QQuickWindow window(&control);
+    window.setColor(Qt::black);
+    window.setGeometry(QRect({}, points));
+    content->setParentItem(window.contentItem());
+    content->setSize(points);
+
+    const double scale = window.effectiveDevicePixelRatio();
+    QImage image(points * scale, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::black);
+    window.setRenderTarget(QQuickRenderTarget::fromPaintDevice(&image));
+    control.polishItems();
+    control.beginFrame();
+    control.sync();
+    control.render();
+    control.endFrame();
+    return image.convertToFormat(QImage::Format_RGBA8888);
+}
+
+} // namespace velmora::Screenshots

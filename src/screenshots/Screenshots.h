@@ -1,0 +1,28 @@
+#pragma once
+
+// Pictures of the window's content with demonstration data, rendered without a display: the same run makes
+// the images of the web site and proves that every view draws.
+
+#include "ui/ScanView.h"
+
+#include <QImage>
+#include <QSize>
+
+#include <filesystem>
+
+namespace velmora::Screenshots {
+
+/// Makes rendering independent of the desktop: no display, no GPU, two pixels a point, no theme. Before the
+/// application object is created.
+void prepareEnvironment();
+
+/// Writes "1-result.png", "2-drop.png" and "3-scanning.png" into the directory, which is made if it is
+/// missing; 2880 × 1800 pixels each, the same bytes on every run. What fails is left out without a word.
+/// Needs the prepared environment and an application object; main thread.
+void render(const std::filesystem::path& into);
+
+/// The window's content, `points` large, showing `scan`, at the application's pixels a point. Null if it
+/// cannot be drawn.
+QImage picture(ScanView& scan, const QSize& points);
+
+} // namespace velmora::Screenshots

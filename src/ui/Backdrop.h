@@ -1,0 +1,23 @@
+#pragma once
+
+// The ground of the window: a dark gradient, a light in two of its corners, a vignette and a faint grid.
+
+#include "ui/PaintedItem.h"
+
+#include <QtQml/qqmlregistration.h>
+
+namespace velmora {
+
+class Backdrop : public PaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+
+public:
+    using PaintedItem::PaintedItem;
+
+protected:
+    QImage render(const QRectF& area, double scale) const override;
+    void paint(QPainter& painter) const override;
+};
+
+} // namespace velmora

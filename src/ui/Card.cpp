@@ -1,0 +1,64 @@
+#include "ui/Card.h"
+
+#include "ui/Glow.h"
+#include "ui/Neon.h"
+
+#include <QLinearGradient>
+#include <QPainter>
+#include <QPainterPath>
+
+namespace velmora {
+
+namespace {
+
+constexpr double cornerRadius = 18;
+constexpr double fillOpacity = 0.42;
+
+QPainterPath rounded(const QRectF& box, double radius) {
+    QPainterPath path;
+    path.addRoundedRect(box, radius, radius);
+    return path;
+}
+
+} // namespace
+
+Card::Card(QQuickItem* parent)
+    : PaintedItem(parent) {
+    connect(this, &Card::changed, this, &Card::repaint);
+}
+
+double Card::between(double resting, double lit) const {
+    return resting + m_highlight * (lit - resting);
+}
+
+QMarginsF Card::overflow() const {
+    const double reach = blurReach(between(14, 26));
+    return {reach, reach, reach, reach};
+}
+
+void Card::paint(QPainter& painter) const {
+    const QRectF box(0, 0, width(), height());
+    const QPainterPath shape = rounded(box, cornerRadius);
+
+    // The shadow is a light around the card; the card itself stays as dark as its fill.
+    QPainterPath outside;
+    outside.addRect(box.marginsAdded(overflow()));
+    painter.save();
+    painter.setClipPath(outside.subtracted(shape));
+    drawBlurred(painter, box, between(14, 26), Neon::faded(Neon::violet, between(0.12, 0.35)), 1,
+                [&shape](QPainter& target) { target.fillPath(shape, Qt::black); });
+    painter.restore();
+
+    painter.fillPath(shape, Neon::faded(Qt::black, fillOpacity));
+
+    const double opacity = between(0.35, 0.95);
+    const double line = between(1, 2);
+    QLinearGradient gradient(box.topLeft(), box.bottomRight());
+    gradient.setColorAt(0, Neon::faded(Neon::violet, opacity));
+    gradient.setColorAt(1, Neon::faded(Neon::indigo, opacity));
+    painter.strokePath(
+        rounded(box.adjusted(line / 2, line / 2, -line / 2, -line / 2), cornerRadius - line / 2),
+        QPen(gradient, line));
+}
+
+} // namespace velmora

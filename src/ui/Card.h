@@ -1,0 +1,34 @@
+#pragma once
+
+// The panel in the middle of the window. It brightens while a drag hovers.
+
+#include "ui/PaintedItem.h"
+
+#include <QtQml/qqmlregistration.h>
+
+namespace velmora {
+
+class Card : public PaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(double highlight MEMBER m_highlight NOTIFY changed)
+
+public:
+    explicit Card(QQuickItem* parent = nullptr);
+
+    QMarginsF overflow() const override;
+
+signals:
+    void changed();
+
+protected:
+    void paint(QPainter& painter) const override;
+
+private:
+    /// The value on the way from `resting` to `lit`.
+    double between(double resting, double lit) const;
+
+    double m_highlight = 0; ///< from 0, at rest, to 1
+};
+
+} // namespace velmora

@@ -1,0 +1,58 @@
+import QtQuick
+import Velmora
+
+// The card with the panel of the present phase in its middle.
+Card {
+    id: card
+
+    required property ScanView scan
+    property bool animated: true
+
+    highlight: scan.targeted ? 1 : 0
+
+    Behavior on highlight {
+        enabled: card.animated
+
+        NumberAnimation {
+            duration: 180
+            easing.type: Easing.OutCubic
+        }
+    }
+
+    Item {
+        id: inside
+
+        anchors.fill: parent
+        anchors.margins: 30
+
+        DropPrompt {
+            objectName: "dropPrompt"
+            anchors.centerIn: parent
+            visible: card.scan.idle
+            targeted: card.scan.targeted
+            animated: card.animated
+        }
+
+        ScanningPanel {
+            objectName: "scanningPanel"
+            anchors.verticalCenter: parent.verticalCenter
+            width: parent.width
+            visible: card.scan.scanning
+            scan: card.scan
+        }
+
+        ResultPanel {
+            objectName: "resultPanel"
+            anchors.centerIn: parent
+            visible: card.scan.done
+            scan: card.scan
+        }
+
+        EmptyPanel {
+            objectName: "emptyPanel"
+            anchors.centerIn: parent
+            visible: card.scan.empty
+            scan: card.scan
+        }
+    }
+}

@@ -1,0 +1,36 @@
+import QtQuick
+import Velmora
+
+Column {
+    id: panel
+
+    required property ScanView scan
+
+    spacing: 14
+
+    SlashEmblem {
+        objectName: "slashEmblem"
+        anchors.horizontalCenter: parent.horizontalCenter
+        size: 34
+        tint: Neon.alert
+        opacity: 0.9
+    }
+
+    Caption {
+        objectName: "emptyTitle"
+        anchors.horizontalCenter: parent.horizontalCenter
+        text: "NO AUDIO FILES FOUND"
+        size: 15
+        weight: Font.Bold
+        tracking: 2.5
+        color: Neon.ink
+    }
+
+    Caption {
+        objectName: "emptyStatus"
+        anchors.horizontalCenter: parent.horizontalCenter
+        text: panel.scan.status
+        size: 11
+        color: Neon.inkDim
+    }
+}

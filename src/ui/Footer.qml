@@ -1,0 +1,72 @@
+import QtQuick
+import Velmora
+
+// The bottom row: what can be done in the present phase, and how the packing stands.
+Item {
+    id: footer
+
+    required property ScanView scan
+    required property Actions actions
+
+    implicitHeight: buttons.implicitHeight
+
+    Row {
+        id: buttons
+
+        spacing: 10
+
+        NeonButton {
+            objectName: "copyRuntimeButton"
+            visible: footer.scan.done
+            title: footer.scan.copyRuntimeTitle
+            tint: Neon.violet
+            toolTip: "Copy the total  \u00b7  Ctrl+C"
+            onPressed: footer.actions.copyRuntime()
+        }
+
+        NeonButton {
+            objectName: "copyFileListButton"
+            visible: footer.scan.done
+            title: footer.scan.copyFileListTitle
+            tint: Neon.violet
+            toolTip: "Copy the names of the files  \u00b7  Ctrl+Shift+C"
+            onPressed: footer.actions.copyFileList()
+        }
+
+        NeonButton {
+            objectName: "zipButton"
+            visible: footer.scan.done
+            enabled: !footer.scan.zipWorking
+            title: "ZIP\u2026"
+            tint: Neon.indigo
+            toolTip: "Pack the audio files into a zip archive  \u00b7  Ctrl+S"
+            onPressed: footer.actions.zip()
+        }
+
+        NeonButton {
+            objectName: "chooseButton"
+            visible: !footer.scan.done
+            title: "CHOOSE\u2026"
+            tint: Neon.indigo
+            toolTip: "Choose files, folders or archives  \u00b7  Ctrl+O"
+            onPressed: footer.actions.choose()
+        }
+
+        NeonButton {
+            objectName: "resetButton"
+            visible: !footer.scan.idle
+            title: "RESET"
+            tint: Neon.inkDim
+            toolTip: "Start anew  \u00b7  Esc"
+            onPressed: footer.actions.reset()
+        }
+    }
+
+    ZipStatus {
+        anchors.left: buttons.right
+        anchors.right: parent.right
+        anchors.verticalCenter: buttons.verticalCenter
+        scan: footer.scan
+        actions: footer.actions
+    }
+}

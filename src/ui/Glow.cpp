@@ -1,0 +1,121 @@
+#include "ui/Glow.h"
+
+#include <QImage>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <iterator>
+
+namespace velmora {
+
+namespace {
+
+/// Blurring happens at the resolution at which the Gaussian is about this many pixels wide: a finer one would
+/// not show.
+constexpr double workingSigma = 5;
+
+/// The right half of a Gaussian of standard deviation `sigma`, its centre first; the whole sums up to 1.
+std::vector<float> halfKernel(double sigma) {
+    std::vector<float> kernel;
+    double sum = 0;
+    const int reach = static_cast<int>(std::ceil(3.5 * sigma));
+    for (int offset = 0; offset <= reach; ++offset) {
+        const double weight = std::exp(-offset * offset / (2 * sigma * sigma));
+        kernel.push_back(static_cast<float>(weight));
+        sum += offset == 0 ? weight : 2 * weight;
+    }
+    for (float& weight : kernel) {
+        weight = static_cast<float>(weight / sum);
+    }
+    return kernel;
+}
+
+/// Blurs along the columns of `map` and returns the result with rows and columns exchanged.
+CoverageMap blurredTransposed(const CoverageMap& map, const std::vector<float>& kernel) {
+    CoverageMap result{map.height, map.width, std::vector<float>(map.values.size())};
+    const int reach = static_cast<int>(kernel.size()) - 1;
+    std::vector<float> row(static_cast<std::size_t>(map.width));
+    for (int y = 0; y < map.height; ++y) {
+        std::fill(row.begin(), row.end(), 0.0F);
+        for (int from = std::max(0, y - reach); from <= std::min(map.height - 1, y + reach); ++from) {
+            const float weight = kernel[static_cast<std::size_t>(std::abs(from - y))];
+            const float* source = &map.values[static_cast<std::size_t>(from) * row.size()];
+            for (std::size_t x = 0; x < row.size(); ++x) {
+                row[x] += weight * source[x];
+            }
+        }
+        for (std::size_t x = 0; x < row.size(); ++x) {
+            result.values[x * static_cast<std::size_t>(map.height) + static_cast<std::size_t>(y)] = row[x];
+        }
+    }
+    return result;
+}
+
+CoverageMap coverageOf(const QImage& image) {
+    CoverageMap map{image.width(), image.height(), {}};
+    map.values.reserve(static_cast<std::size_t>(map.width) * static_cast<std::size_t>(map.height));
+    for (int y = 0; y < map.height; ++y) {
+        const auto* pixel = reinterpret_cast<const QRgb*>(image.constScanLine(y));
+        std::transform(pixel, pixel + map.width, std::back_inserter(map.values),
+                       [](QRgb argb) { return static_cast<float>(qAlpha(argb)) / 255; });
+    }
+    return map;
+}
+
+QImage tinted(const CoverageMap& map, const QColor& tint) {
+    QImage image(map.width, map.height, QImage::Format_ARGB32_Premultiplied);
+    std::size_t at = 0;
+    for (int y = 0; y < map.height; ++y) {
+        auto* pixel = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = 0; x < map.width; ++x) {
+            const float alpha = map.values[at++] * tint.alphaF();
+            const auto channel = [alpha](float value) {
+                return static_cast<int>(std::lround(255 * alpha * value));
+            };
+            pixel[x] = qRgba(channel(tint.redF()), channel(tint.greenF()), channel(tint.blueF()), channel(1));
+        }
+    }
+    return image;
+}
+
+} // namespace
+
+void blur(CoverageMap& map, double sigma) {
+    if (sigma <= 0 || map.values.empty()) {
+        return;
+    }
+    const std::vector<float> kernel = halfKernel(sigma);
+    map = blurredTransposed(blurredTransposed(map, kernel), kernel);
+}
+
+double blurReach(double radius) {
+    return std::ceil(3 * radius);
+}
+
+void drawBlurred(QPainter& painter, const QRectF& bounds, double radius, const QColor& tint, int copies,
+                 const std::function<void(QPainter& painter)>& shape) {
+    const double reach = blurReach(radius);
+    const QRectF area = bounds.adjusted(-reach, -reach, reach, reach);
+    const double scale = std::min(painter.deviceTransform().m11(), workingSigma / radius);
+    const QSize pixels(static_cast<int>(std::ceil(area.width() * scale)),
+                       static_cast<int>(std::ceil(area.height() * scale)));
+    QImage sharp(pixels, QImage::Format_ARGB32_Premultiplied);
+    sharp.fill(Qt::transparent);
+    QPainter mask(&sharp);
+    mask.setRenderHints(painter.renderHints());
+    mask.scale(scale, scale);
+    mask.translate(-area.topLeft());
+    shape(mask);
+    mask.end();
+
+    CoverageMap map = coverageOf(sharp);
+    blur(map, radius * scale);
+    const QImage image = tinted(map, tint);
+    for (int copy = 0; copy < copies; ++copy) {
+        painter.drawImage(QRectF(area.topLeft(), QSizeF(pixels) / scale), image);
+    }
+}
+
+} // namespace velmora

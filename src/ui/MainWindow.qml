@@ -1,0 +1,76 @@
+import QtQuick
+import Velmora
+
+// The window: a strip of its own on top, the content below. It is moved by dragging any background.
+Window {
+    id: window
+
+    required property ScanView scan
+    required property Actions actions
+    property bool animated: true
+
+    width: 940
+    height: 728
+    minimumWidth: 880
+    minimumHeight: 688
+    color: "black"
+    flags: Qt.Window | Qt.FramelessWindowHint
+    title: "Velmora"
+
+    FrameClock {
+        id: clock
+
+        objectName: "frameClock"
+        running: window.animated && window.visible && window.visibility !== Window.Minimized
+    }
+
+    WindowMover {
+        anchors.fill: parent
+        window: window
+    }
+
+    ContentView {
+        anchors.fill: parent
+        anchors.topMargin: strip.height
+        scan: window.scan
+        actions: window.actions
+        time: clock.time
+        animated: window.animated
+    }
+
+    TitleStrip {
+        id: strip
+
+        width: parent.width
+        window: window
+        onMenuPressed: menu.open()
+    }
+
+    MouseArea {
+        anchors.fill: parent
+        visible: menu.visible
+        onPressed: menu.close()
+    }
+
+    StripMenu {
+        id: menu
+
+        objectName: "menu"
+        x: 6
+        y: strip.height + 2
+        actions: window.actions
+    }
+
+    ResizeFrame {
+        anchors.fill: parent
+        visible: window.visibility !== Window.Maximized && window.visibility !== Window.FullScreen
+        window: window
+    }
+
+    Shortcuts {
+        menuOpen: menu.visible
+        scan: window.scan
+        actions: window.actions
+        onMenuPressed: menu.open()
+    }
+}

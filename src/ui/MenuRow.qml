@@ -1,0 +1,33 @@
+import QtQuick
+import Velmora
+
+// One command of the menu.
+Pressable {
+    id: row
+
+    required property string title
+
+    label: title
+    width: parent ? parent.width : implicitWidth
+    implicitWidth: words.implicitWidth + 28
+    implicitHeight: words.implicitHeight + 14
+    Accessible.role: Accessible.MenuItem
+
+    Plate {
+        anchors.fill: parent
+        fill: Neon.indigo
+        fillOpacity: row.hovered ? 0.35 : 0
+        radius: 6
+    }
+
+    Caption {
+        id: words
+
+        x: 14
+        anchors.verticalCenter: parent.verticalCenter
+        text: row.title
+        size: 12
+        weight: Font.Medium
+        Accessible.ignored: true
+    }
+}

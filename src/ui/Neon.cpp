@@ -1,0 +1,11 @@
+#include "ui/Neon.h"
+
+namespace velmora {
+
+QColor Neon::faded(const QColor& color, double opacity) {
+    QColor result = color;
+    result.setAlphaF(color.alphaF() * static_cast<float>(opacity));
+    return result;
+}
+
+} // namespace velmora

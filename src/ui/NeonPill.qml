@@ -1,0 +1,40 @@
+import QtQuick
+import Velmora
+
+// A small label. With an action it is a button that calls it.
+Pressable {
+    id: pill
+
+    required property string text
+    required property color tint
+    property var action: null
+
+    label: text
+    implicitWidth: words.implicitWidth + 20
+    implicitHeight: words.implicitHeight + 10
+    ringRadius: height
+    enabled: action !== null
+    Accessible.role: enabled ? Accessible.Button : Accessible.StaticText
+    onPressed: action()
+
+    Plate {
+        anchors.fill: parent
+        fill: pill.tint
+        fillOpacity: 0.1
+        border: pill.tint
+        borderOpacity: 0.45
+        capsule: true
+    }
+
+    Caption {
+        id: words
+
+        anchors.centerIn: parent
+        text: pill.text
+        size: 10
+        weight: Font.Bold
+        tracking: 1.6
+        color: pill.tint
+        Accessible.ignored: true
+    }
+}

@@ -1,0 +1,41 @@
+import QtQuick
+import Velmora
+
+// A few words beside a control that the pointer rests on.
+Item {
+    id: toolTip
+
+    required property string text
+    required property bool wanted
+    property bool below: false
+
+    implicitWidth: words.implicitWidth + 20
+    implicitHeight: words.implicitHeight + 10
+    visible: false
+    z: 1
+
+    Timer {
+        interval: 700
+        running: toolTip.wanted && toolTip.text !== ""
+        onTriggered: toolTip.visible = true
+        onRunningChanged: if (!toolTip.wanted)
+            toolTip.visible = false
+    }
+
+    Plate {
+        anchors.fill: parent
+        fill: Neon.bgMid
+        border: Neon.indigo
+        borderOpacity: 0.5
+        radius: 7
+    }
+
+    Caption {
+        id: words
+
+        anchors.centerIn: parent
+        text: toolTip.text
+        size: 11
+        color: Neon.ink
+    }
+}

@@ -1,0 +1,55 @@
+#pragma once
+
+// Text that glows: two blurred copies in its tint, and a sharp one in the accents' gradient above them.
+
+#include "ui/PaintedItem.h"
+#include "ui/TextStyle.h"
+
+#include <QColor>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+namespace velmora {
+
+class PaintedGlowText : public PaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(QString text READ text WRITE setText NOTIFY changed)
+    Q_PROPERTY(int size READ size WRITE setSize NOTIFY changed)
+    Q_PROPERTY(QColor tint READ tint WRITE setTint NOTIFY changed)
+
+public:
+    explicit PaintedGlowText(QQuickItem* parent = nullptr);
+
+    QString text() const { return m_text; }
+
+    int size() const { return m_size; }
+
+    QColor tint() const { return m_tint; }
+
+    void setText(const QString& text);
+    void setSize(int points);
+    void setTint(const QColor& tint);
+
+    /// The radius of the copies' blur, in points.
+    double blurRadius() const;
+
+    TextStyle style() const;
+
+    QMarginsF overflow() const override;
+
+signals:
+    void changed();
+
+protected:
+    void paint(QPainter& painter) const override;
+
+private:
+    void announce();
+
+    QString m_text;
+    int m_size = 44;
+    QColor m_tint;
+};
+
+} // namespace velmora

@@ -1,0 +1,28 @@
+#include "ui/Plate.h"
+
+#include "ui/Neon.h"
+
+#include <QPainter>
+
+#include <algorithm>
+
+namespace velmora {
+
+Plate::Plate(QQuickItem* parent)
+    : PaintedItem(parent) {
+    connect(this, &Plate::changed, this, &Plate::repaint);
+}
+
+void Plate::paint(QPainter& painter) const {
+    const double most = std::min(width(), height()) / 2;
+    const double radius = m_capsule ? most : std::min(m_radius, most);
+    const QRectF box(0, 0, width(), height());
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(Neon::faded(m_fill, m_fillOpacity));
+    painter.drawRoundedRect(box, radius, radius);
+    painter.setPen(QPen(Neon::faded(m_border, m_borderOpacity), 1));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(box.adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5, radius - 0.5);
+}
+
+} // namespace velmora

@@ -1,0 +1,50 @@
+import QtQuick
+import Velmora
+
+// What every control does alike: it is pressed with the pointer, Space, Enter or by a reader of the screen,
+// shows where the focus is, and explains itself.
+FocusScope {
+    id: pressable
+
+    required property string label
+    property string toolTip: ""
+    property bool toolTipBelow: false
+    property real ringRadius: 12
+    readonly property bool hovered: area.containsMouse
+
+    signal pressed
+
+    activeFocusOnTab: true
+    Accessible.role: Accessible.Button
+    Accessible.name: label
+    Accessible.description: toolTip
+    Accessible.focusable: true
+    Accessible.onPressAction: pressable.pressed()
+    Keys.onSpacePressed: pressable.pressed()
+    Keys.onReturnPressed: pressable.pressed()
+    Keys.onEnterPressed: pressable.pressed()
+
+    MouseArea {
+        id: area
+
+        anchors.fill: parent
+        hoverEnabled: true
+        cursorShape: Qt.PointingHandCursor
+        onClicked: pressable.pressed()
+    }
+
+    Plate {
+        anchors.fill: parent
+        anchors.margins: -3
+        border: Neon.ink
+        radius: pressable.ringRadius
+        visible: pressable.activeFocus
+    }
+
+    NeonToolTip {
+        x: Math.max(0, Math.min(0, pressable.width - width))
+        y: pressable.toolTipBelow ? pressable.height + 8 : -height - 8
+        text: pressable.toolTip
+        wanted: pressable.hovered
+    }
+}

@@ -1,0 +1,53 @@
+#include "ui/ProgressCapsule.h"
+
+#include "ui/Glow.h"
+#include "ui/Neon.h"
+
+#include <QLinearGradient>
+#include <QPainter>
+
+#include <algorithm>
+
+namespace velmora {
+
+namespace {
+
+constexpr double leastWidth = 6;
+constexpr double trackOpacity = 0.06;
+constexpr double shadowRadius = 8;
+constexpr double shadowOpacity = 0.7;
+
+void fillCapsule(QPainter& painter, const QRectF& box, const QBrush& brush) {
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(brush);
+    painter.drawRoundedRect(box, box.height() / 2, box.height() / 2);
+}
+
+} // namespace
+
+ProgressCapsule::ProgressCapsule(QQuickItem* parent)
+    : PaintedItem(parent) {
+    connect(this, &ProgressCapsule::changed, this, &ProgressCapsule::repaint);
+}
+
+QMarginsF ProgressCapsule::overflow() const {
+    const double reach = blurReach(shadowRadius);
+    return {reach, reach, reach, reach};
+}
+
+double ProgressCapsule::filledWidth() const {
+    return std::max(leastWidth, width() * std::clamp(m_progress, 0.0, 1.0));
+}
+
+void ProgressCapsule::paint(QPainter& painter) const {
+    const QRectF filled(0, 0, filledWidth(), height());
+    fillCapsule(painter, QRectF(0, 0, width(), height()), Neon::faded(Qt::white, trackOpacity));
+    drawBlurred(painter, filled, shadowRadius, Neon::faded(Neon::violet, shadowOpacity), 1,
+                [&filled](QPainter& target) { fillCapsule(target, filled, Qt::black); });
+    QLinearGradient gradient(filled.topLeft(), filled.topRight());
+    gradient.setColorAt(0, Neon::violet);
+    gradient.setColorAt(1, Neon::indigo);
+    fillCapsule(painter, filled, gradient);
+}
+
+} // namespace velmora

@@ -1,0 +1,34 @@
+#pragma once
+
+// The bar that fills while a scan measures.
+
+#include "ui/PaintedItem.h"
+
+#include <QtQml/qqmlregistration.h>
+
+namespace velmora {
+
+class ProgressCapsule : public PaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(double progress MEMBER m_progress NOTIFY changed)
+
+public:
+    explicit ProgressCapsule(QQuickItem* parent = nullptr);
+
+    QMarginsF overflow() const override;
+
+    /// How wide the filled part is, in points: 6 at least.
+    double filledWidth() const;
+
+signals:
+    void changed();
+
+protected:
+    void paint(QPainter& painter) const override;
+
+private:
+    double m_progress = 0; ///< from 0 to 1
+};
+
+} // namespace velmora

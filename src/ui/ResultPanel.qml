@@ -1,0 +1,75 @@
+import QtQuick
+import Velmora
+
+Column {
+    id: panel
+
+    required property ScanView scan
+
+    spacing: 10
+
+    Caption {
+        objectName: "totalLabel"
+        anchors.horizontalCenter: parent.horizontalCenter
+        text: "TOTAL RUNTIME"
+        size: 11
+        weight: Font.Bold
+        tracking: 4.5
+        color: Neon.inkDim
+    }
+
+    Item {
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: total.implicitWidth - 8
+        height: total.implicitHeight - 8
+
+        GlowText {
+            id: total
+
+            objectName: "totalClock"
+            anchors.centerIn: parent
+            text: panel.scan.totalClock
+            size: 76
+            tint: Neon.violet
+        }
+    }
+
+    Caption {
+        objectName: "totalWords"
+        anchors.horizontalCenter: parent.horizontalCenter
+        text: panel.scan.totalWords
+        size: 13
+        weight: Font.Medium
+        tracking: 2
+        color: Neon.indigo
+    }
+
+    Item {
+        anchors.horizontalCenter: parent.horizontalCenter
+        width: count.implicitWidth + 12
+        height: count.implicitHeight + 12
+
+        Caption {
+            id: count
+
+            objectName: "countLine"
+            anchors.centerIn: parent
+            text: panel.scan.countLine
+            size: 10
+            weight: Font.Bold
+            tracking: 2.2
+            color: Neon.ink
+        }
+    }
+
+    Caption {
+        objectName: "unreadableLine"
+        anchors.horizontalCenter: parent.horizontalCenter
+        visible: text !== ""
+        text: panel.scan.unreadableLine
+        size: 10
+        monospaced: true
+        color: Neon.alert
+        opacity: 0.85
+    }
+}

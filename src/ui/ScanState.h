@@ -1,0 +1,33 @@
+#pragma once
+
+// What the window shows of a scan at one moment: a plain value, so that a window can stand on a running scan
+// as well as on prepared data.
+
+#include "core/ScanModel.h"
+#include "core/ZipState.h"
+
+#include <cstdint>
+#include <string>
+
+namespace velmora {
+
+struct ScanState {
+    ScanModel::Phase phase = ScanModel::Phase::idle;
+    std::string status = {};
+    int processed = 0;       ///< files measured so far
+    int found = 0;           ///< audio files found
+    double progress = 0;     ///< from 0 to 1
+    std::string source = {}; ///< what was dropped, in upper case; bytes, usually UTF-8
+    double seconds = 0;      ///< total playing time
+    int fileCount = 0;       ///< measured files
+    std::int64_t bytes = 0;
+    int unreadable = 0; ///< files and archives that could not be read
+    ZipState zip = {};
+
+    /// What `model` publishes at this moment.
+    static ScanState of(const ScanModel& model);
+
+    bool operator==(const ScanState&) const = default;
+};
+
+} // namespace velmora

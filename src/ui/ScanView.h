@@ -1,0 +1,130 @@
+#pragma once
+
+// The state of the window in the words and colours its views show. Every text is built here, so that the
+// views only lay out and bind.
+
+#include "ui/ScanState.h"
+
+#include <QColor>
+#include <QObject>
+#include <QString>
+#include <QtQml/qqmlregistration.h>
+
+namespace velmora {
+
+class ScanView : public QObject {
+    Q_OBJECT
+    QML_ELEMENT
+    QML_UNCREATABLE("The program provides the state of its window.")
+
+    Q_PROPERTY(bool idle READ idle NOTIFY phaseChanged)
+    Q_PROPERTY(bool scanning READ scanning NOTIFY phaseChanged)
+    Q_PROPERTY(bool done READ done NOTIFY phaseChanged)
+    Q_PROPERTY(bool empty READ empty NOTIFY phaseChanged)
+    Q_PROPERTY(QString pillText READ pillText NOTIFY phaseChanged)
+    Q_PROPERTY(QColor pillTint READ pillTint NOTIFY phaseChanged)
+    Q_PROPERTY(double intensity READ intensity NOTIFY phaseChanged)
+
+    Q_PROPERTY(QString status READ status NOTIFY statusChanged)
+    Q_PROPERTY(QString scanningStatus READ scanningStatus NOTIFY statusChanged)
+
+    Q_PROPERTY(QString countText READ countText NOTIFY countChanged)
+    Q_PROPERTY(double progress READ progress NOTIFY countChanged)
+
+    Q_PROPERTY(QString source READ source NOTIFY summaryChanged)
+    Q_PROPERTY(QString totalClock READ totalClock NOTIFY summaryChanged)
+    Q_PROPERTY(QString totalWords READ totalWords NOTIFY summaryChanged)
+    Q_PROPERTY(QString countLine READ countLine NOTIFY summaryChanged)
+    Q_PROPERTY(QString unreadableLine READ unreadableLine NOTIFY summaryChanged)
+
+    Q_PROPERTY(QString zipText READ zipText NOTIFY zipChanged)
+    Q_PROPERTY(QColor zipTint READ zipTint NOTIFY zipChanged)
+    Q_PROPERTY(double zipTracking READ zipTracking NOTIFY zipChanged)
+    Q_PROPERTY(bool zipWorking READ zipWorking NOTIFY zipChanged)
+    Q_PROPERTY(bool zipSaved READ zipSaved NOTIFY zipChanged)
+
+    Q_PROPERTY(QString copyRuntimeTitle READ copyRuntimeTitle NOTIFY flashChanged)
+    Q_PROPERTY(QString copyFileListTitle READ copyFileListTitle NOTIFY flashChanged)
+    Q_PROPERTY(bool targeted READ targeted WRITE setTargeted NOTIFY targetedChanged)
+
+public:
+    /// The two copy buttons; the one whose text was just copied says so.
+    enum class Copied : std::uint8_t { nothing, total, list };
+
+    /// How long a copy button says "COPIED", in milliseconds.
+    static constexpr int flashMilliseconds = 1400;
+
+    explicit ScanView(QObject* parent = nullptr);
+
+    /// Shows `model` and every change of it. `model` outlives the view.
+    explicit ScanView(const ScanModel& model, QObject* parent = nullptr);
+
+    /// Shows `state`; announces only what differs from what was shown.
+    void show(ScanState state);
+
+    /// Lets `button` say "COPIED" for `flashMilliseconds`, unless another copy takes the flash over.
+    void flash(Copied button);
+
+    Copied flashing() const { return m_flashing; }
+
+    bool idle() const { return m_state.phase == ScanModel::Phase::idle; }
+
+    bool scanning() const { return m_state.phase == ScanModel::Phase::scanning; }
+
+    bool done() const { return m_state.phase == ScanModel::Phase::done; }
+
+    bool empty() const { return m_state.phase == ScanModel::Phase::empty; }
+
+    QString pillText() const;
+    QColor pillTint() const;
+
+    /// How strongly the backdrop moves, from 0 to 1.
+    double intensity() const;
+
+    QString status() const;
+
+    /// `status`; three dots while it is empty.
+    QString scanningStatus() const;
+
+    QString countText() const; ///< "31 / 48"
+
+    double progress() const { return m_state.progress; }
+
+    QString source() const;
+    QString totalClock() const;     ///< "01:37:12"
+    QString totalWords() const;     ///< "1 hr  37 min  12 sec"
+    QString countLine() const;      ///< "14 FILES · 1.29 GB"
+    QString unreadableLine() const; ///< "2 files could not be read"; empty when all could
+
+    QString zipText() const; ///< empty while no packing was asked for
+    QColor zipTint() const;
+    double zipTracking() const;
+
+    bool zipWorking() const { return std::holds_alternative<ZipWorking>(m_state.zip); }
+
+    bool zipSaved() const { return std::holds_alternative<ZipDone>(m_state.zip); }
+
+    QString copyRuntimeTitle() const;
+    QString copyFileListTitle() const;
+
+    /// Whether a drag that carries files hovers over the window.
+    bool targeted() const { return m_targeted; }
+
+    void setTargeted(bool targeted);
+
+signals:
+    void phaseChanged();
+    void statusChanged();
+    void countChanged();
+    void summaryChanged();
+    void zipChanged();
+    void flashChanged();
+    void targetedChanged();
+
+private:
+    ScanState m_state;
+    Copied m_flashing = Copied::nothing;
+    bool m_targeted = false;
+};
+
+} // namespace velmora

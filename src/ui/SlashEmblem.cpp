@@ -1,0 +1,30 @@
+#include "ui/SlashEmblem.h"
+
+#include "ui/Neon.h"
+#include "ui/WaveSymbol.h"
+
+#include <QPainter>
+
+#include <cmath>
+
+namespace velmora {
+
+SlashEmblem::SlashEmblem(QQuickItem* parent)
+    : PaintedItem(parent)
+    , m_tint(Neon::alert) {
+    connect(this, &SlashEmblem::changed, this, &SlashEmblem::resize);
+    resize();
+}
+
+void SlashEmblem::resize() {
+    const QRectF box = waveformWithSlash(m_size).boundingRect();
+    setImplicitSize(std::ceil(box.width()), std::ceil(box.height()));
+    repaint();
+}
+
+void SlashEmblem::paint(QPainter& painter) const {
+    painter.translate(width() / 2, height() / 2);
+    painter.fillPath(waveformWithSlash(m_size), m_tint);
+}
+
+} // namespace velmora

@@ -1,0 +1,34 @@
+#pragma once
+
+// The emblem of a scan that found nothing: a waveform crossed out.
+
+#include "ui/PaintedItem.h"
+
+#include <QColor>
+#include <QtQml/qqmlregistration.h>
+
+namespace velmora {
+
+class SlashEmblem : public PaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(int size MEMBER m_size NOTIFY changed)
+    Q_PROPERTY(QColor tint MEMBER m_tint NOTIFY changed)
+
+public:
+    explicit SlashEmblem(QQuickItem* parent = nullptr);
+
+signals:
+    void changed();
+
+protected:
+    void paint(QPainter& painter) const override;
+
+private:
+    void resize();
+
+    int m_size = 34; ///< of a letter the emblem would stand beside, in points
+    QColor m_tint;
+};
+
+} // namespace velmora

@@ -1,0 +1,38 @@
+#include "ui/SpectrumFormula.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace velmora {
+
+namespace {
+
+constexpr double leastIntensity = 0.16;
+constexpr double leastHeight = 2;
+
+} // namespace
+
+std::vector<Bar> spectrumBars(double width, double height, double intensity, double time) {
+    const int count = static_cast<int>(width / barPitch);
+    const double shares = std::max(count, 2) - 1;
+    const double strength = std::max(intensity, leastIntensity);
+    const double a = 1.1 * time;
+    const double b = 1.9 * time;
+    const double c = 3.2 * time;
+    std::vector<Bar> bars;
+    for (int i = 0; i < count; ++i) {
+        const double u = i / shares;
+        const double m = std::abs(std::sin(b + 9.1 * u) * std::cos(4.3 * u - a));
+        const double s = 0.35 + 0.65 * std::abs(std::sin(c + 21 * u));
+        const double e = m * s;
+        bars.push_back({
+            .x = barPitch * i,
+            .height = std::max(leastHeight, height * (strength * 0.82 * e + 0.18)),
+            .blend = u,
+            .opacity = 0.3 + 0.55 * e,
+        });
+    }
+    return bars;
+}
+
+} // namespace velmora

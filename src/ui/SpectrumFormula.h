@@ -1,0 +1,24 @@
+#pragma once
+
+// The row of moving bars as formulas. Lengths are points, times seconds.
+
+#include <vector>
+
+namespace velmora {
+
+inline constexpr double barPitch = 7; ///< from one bar's left edge to the next one's
+inline constexpr double barWidth = 3;
+inline constexpr double barRadius = 1.5;
+
+struct Bar {
+    double x = 0;       ///< its left edge; it stands on the bottom
+    double height = 0;  ///< at least 2
+    double blend = 0;   ///< its colour: 0 is violet, 1 is indigo
+    double opacity = 0; ///< from 0.3 to 0.85
+};
+
+/// The bars of a strip at `time`, from left to right; none in a strip narrower than 7 points. `intensity`
+/// counts as 0.16 at least.
+std::vector<Bar> spectrumBars(double width, double height, double intensity, double time);
+
+} // namespace velmora

@@ -1,0 +1,117 @@
+#include "ui/SpectrumStrip.h"
+
+#include "ui/MeshWriter.h"
+#include "ui/Neon.h"
+
+#include <QSGGeometryNode>
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace velmora {
+
+namespace {
+
+MeshColor colorOf(const Bar& bar) {
+    return (MeshColor::of(Neon::violet, 1 - bar.blend) + MeshColor::of(Neon::indigo, bar.blend))
+        .faded(bar.opacity);
+}
+
+/// The distance of a point from the edge of a rounded box, negative inside; the point is given from the box's
+/// middle.
+double distanceFromEdge(double x, double y, double halfWidth, double halfHeight, double radius) {
+    const double outX = std::abs(x) - (halfWidth - radius);
+    const double outY = std::abs(y) - (halfHeight - radius);
+    return std::hypot(std::max(outX, 0.0), std::max(outY, 0.0)) + std::min(std::max(outX, outY), 0.0) -
+           radius;
+}
+
+void drawBar(QImage& image, const Bar& bar, double scale) {
+    const MeshColor color = colorOf(bar);
+    const double middleX = bar.x + barWidth / 2;
+    const double middleY = image.height() / scale - bar.height / 2;
+    const double radius = std::min(barRadius, bar.height / 2);
+    const int left = static_cast<int>(bar.x * scale);
+    const int right = std::min(image.width(), static_cast<int>(std::ceil((bar.x + barWidth) * scale)));
+    for (int y = std::max(0, static_cast<int>(image.height() - bar.height * scale)); y < image.height();
+         ++y) {
+        auto* pixels = reinterpret_cast<QRgb*>(image.scanLine(y));
+        for (int x = left; x < right; ++x) {
+            const double distance = distanceFromEdge((x + 0.5) / scale - middleX, (y + 0.5) / scale - middleY,
+                                                     barWidth / 2, bar.height / 2, radius);
+            const MeshColor shade = color.faded(255 * std::clamp(0.5 - distance * scale, 0.0, 1.0));
+            pixels[x] = qRgba(static_cast<int>(shade.red + 0.5F), static_cast<int>(shade.green + 0.5F),
+                              static_cast<int>(shade.blue + 0.5F), static_cast<int>(shade.opacity + 0.5F));
+        }
+    }
+}
+
+constexpr int capSteps = 6; ///< corners of a mesh along a quarter circle
+
+/// Draws a bar with its bottom at `bottom`: a fan, and around it a soft edge one pixel wide.
+void drawBar(MeshWriter& mesh, const Bar& bar, double bottom, double scale) {
+    const MeshColor color = colorOf(bar);
+    const double radius = std::min(barRadius, bar.height / 2);
+    const double soft = 0.5 / scale;
+    const double left = bar.x + radius;
+    const double right = bar.x + barWidth - radius;
+    const double top = bottom - bar.height + radius;
+    const quint32 middle = mesh.corner(bar.x + barWidth / 2, bottom - bar.height / 2, color);
+    quint32 first = 0;
+    for (int quarter = 0; quarter < 4; ++quarter) {
+        const double x = quarter == 0 || quarter == 3 ? right : left;
+        const double y = quarter < 2 ? bottom - radius : top;
+        for (int step = 0; step <= capSteps; ++step) {
+            const double angle = (quarter + static_cast<double>(step) / capSteps) * std::numbers::pi / 2;
+            const double c = std::cos(angle);
+            const double s = std::sin(angle);
+            const quint32 inner = mesh.corner(x + (radius - soft) * c, y + (radius - soft) * s, color);
+            const quint32 outer = mesh.corner(x + (radius + soft) * c, y + (radius + soft) * s, {});
+            if (quarter == 0 && step == 0) {
+                first = inner;
+            } else {
+                mesh.triangle(middle, inner - 2, inner);
+                mesh.quad(inner - 2, inner, outer, outer - 2);
+            }
+        }
+    }
+    const quint32 last = middle + 2 * 4 * (capSteps + 1) - 1;
+    mesh.triangle(middle, last, first);
+    mesh.quad(last, first, first + 1, last + 1);
+}
+
+} // namespace
+
+std::vector<Bar> SpectrumStrip::bars() const {
+    return spectrumBars(width(), height(), intensity(), time());
+}
+
+AnimatedItem::Picture SpectrumStrip::picture(double scale) {
+    const QSize pixels(static_cast<int>(std::ceil(width() * scale)),
+                       static_cast<int>(std::ceil(height() * scale)));
+    if (pixels.isEmpty()) {
+        return {};
+    }
+    QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    for (const Bar& bar : bars()) {
+        drawBar(image, bar, scale);
+    }
+    return {image, QRectF(QPointF(), QSizeF(pixels) / scale)};
+}
+
+QSGGeometryNode* SpectrumStrip::mesh(QSGGeometryNode* mesh, double scale) {
+    if (mesh == nullptr) {
+        mesh = new QSGGeometryNode;
+        prepareMesh(*mesh);
+    }
+    MeshWriter writer;
+    for (const Bar& bar : bars()) {
+        drawBar(writer, bar, height(), scale);
+    }
+    writer.finish(*mesh);
+    return mesh;
+}
+
+} // namespace velmora

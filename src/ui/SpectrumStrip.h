@@ -1,0 +1,29 @@
+#pragma once
+
+// A row of bars that moves like a spectrum.
+
+#include "ui/AnimatedItem.h"
+#include "ui/SpectrumFormula.h"
+
+#include <QtQml/qqmlregistration.h>
+
+#include <vector>
+
+namespace velmora {
+
+class SpectrumStrip : public AnimatedItem {
+    Q_OBJECT
+    QML_ELEMENT
+
+public:
+    using AnimatedItem::AnimatedItem;
+
+protected:
+    Picture picture(double scale) override;
+    QSGGeometryNode* mesh(QSGGeometryNode* mesh, double scale) override;
+
+private:
+    std::vector<Bar> bars() const;
+};
+
+} // namespace velmora

@@ -1,0 +1,21 @@
+import QtQuick
+import Velmora
+
+// A button of the window's strip.
+Pressable {
+    id: button
+
+    required property int sign
+
+    width: 34
+    height: 28
+    ringRadius: 7
+    toolTip: label
+    toolTipBelow: true
+
+    StripGlyph {
+        anchors.fill: parent
+        sign: button.sign
+        color: button.hovered ? Neon.ink : Neon.inkDim
+    }
+}

@@ -1,0 +1,35 @@
+#pragma once
+
+// The four signs on the window's strip, drawn as thin lines.
+
+#include "ui/PaintedItem.h"
+
+#include <QColor>
+#include <QtQml/qqmlregistration.h>
+
+namespace velmora {
+
+class StripGlyph : public PaintedItem {
+    Q_OBJECT
+    QML_ELEMENT
+    Q_PROPERTY(Sign sign MEMBER m_sign NOTIFY changed)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY changed)
+
+public:
+    enum Sign : int { Menu, Minimize, Maximize, Restore, Close };
+    Q_ENUM(Sign)
+
+    explicit StripGlyph(QQuickItem* parent = nullptr);
+
+signals:
+    void changed();
+
+protected:
+    void paint(QPainter& painter) const override;
+
+private:
+    Sign m_sign = Menu;
+    QColor m_color;
+};
+
+} // namespace velmora

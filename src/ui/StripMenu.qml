@@ -1,0 +1,81 @@
+import QtQuick
+import Velmora
+
+// The menu below the strip's first button. It closes when a command is chosen or the focus goes elsewhere.
+FocusScope {
+    id: menu
+
+    required property Actions actions
+
+    function open() {
+        visible = true;
+        about.forceActiveFocus(Qt.PopupFocusReason);
+    }
+
+    function close() {
+        visible = false;
+    }
+
+    implicitWidth: 196
+    implicitHeight: rows.implicitHeight + 12
+    visible: false
+    Accessible.role: Accessible.PopupMenu
+    Accessible.name: "Velmora"
+    onActiveFocusChanged: if (!activeFocus)
+        close()
+    Keys.onEscapePressed: close()
+
+    Plate {
+        anchors.fill: parent
+        fill: Neon.bgMid
+        border: Neon.indigo
+        borderOpacity: 0.5
+    }
+
+    Column {
+        id: rows
+
+        x: 6
+        y: 6
+        width: parent.width - 12
+
+        MenuRow {
+            id: about
+
+            objectName: "aboutRow"
+            title: "About Velmora"
+            KeyNavigation.up: quit
+            KeyNavigation.down: updates
+            onPressed: {
+                menu.close();
+                menu.actions.about();
+            }
+        }
+
+        MenuRow {
+            id: updates
+
+            objectName: "updatesRow"
+            title: "Check for Updates\u2026"
+            KeyNavigation.up: about
+            KeyNavigation.down: quit
+            onPressed: {
+                menu.close();
+                menu.actions.checkForUpdates();
+            }
+        }
+
+        MenuRow {
+            id: quit
+
+            objectName: "quitRow"
+            title: "Quit"
+            KeyNavigation.up: updates
+            KeyNavigation.down: about
+            onPressed: {
+                menu.close();
+                menu.actions.quit();
+            }
+        }
+    }
+}

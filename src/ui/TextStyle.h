@@ -1,0 +1,35 @@
+#pragma once
+
+// How a text is set. The typefaces are embedded in the program, so that it looks the same everywhere.
+
+#include <QFont>
+#include <QString>
+
+namespace velmora {
+
+struct TextStyle {
+    int size = 11; ///< in points of the window; not a printer's
+    QFont::Weight weight = QFont::Normal;
+    double tracking = 0; ///< points added between letters
+    bool monospaced = false;
+
+    QFont font() const;
+
+    /// From the left edge of the first letter's box to the right edge of the last one's, in points: tracking
+    /// parts letters, it does not follow the last.
+    double width(const QString& text) const;
+
+    /// The height of a line and how far below its top the letters stand, in points.
+    double lineHeight() const;
+    double baseline() const;
+
+    /// `text`, its end replaced by an ellipsis as far as needed to fit into `width` points.
+    QString elided(const QString& text, double width) const;
+
+    bool operator==(const TextStyle&) const = default;
+};
+
+/// Makes the embedded typefaces known; once, after the application object exists.
+void loadTypefaces();
+
+} // namespace velmora

@@ -1,0 +1,20 @@
+#include "ui/Views.h"
+
+#include "ui/TextStyle.h"
+
+#include <QQmlExtensionPlugin>
+#include <QString>
+
+Q_IMPORT_QML_PLUGIN(VelmoraPlugin)
+
+namespace velmora::Views {
+
+void prepare() {
+    loadTypefaces();
+}
+
+QUrl url(const char* name) {
+    return QUrl(QStringLiteral("qrc:/qt-project.org/imports/Velmora/%1.qml").arg(QLatin1String(name)));
+}
+
+} // namespace velmora::Views

@@ -1,0 +1,24 @@
+#include "ui/WaveField.h"
+
+#include "ui/WaveGeometry.h"
+
+namespace velmora {
+
+WaveShape WaveField::shape() const {
+    return WaveShape::at(size(), intensity(), time());
+}
+
+AnimatedItem::Picture WaveField::picture(double scale) {
+    m_turn = 1 - m_turn;
+    WaveImage& image = m_images[m_turn];
+    image.draw(shape(), scale);
+    return {image.image(), image.area()};
+}
+
+QSGGeometryNode* WaveField::mesh(QSGGeometryNode* mesh, double scale) {
+    auto* geometry = mesh == nullptr ? new WaveGeometry : static_cast<WaveGeometry*>(mesh);
+    geometry->draw(shape(), scale);
+    return geometry;
+}
+
+} // namespace velmora

@@ -1,0 +1,32 @@
+#pragma once
+
+// Five ribbons of light that move behind the window's content.
+
+#include "ui/AnimatedItem.h"
+#include "ui/WaveImage.h"
+
+#include <QtQml/qqmlregistration.h>
+
+#include <array>
+
+namespace velmora {
+
+class WaveField : public AnimatedItem {
+    Q_OBJECT
+    QML_ELEMENT
+
+public:
+    using AnimatedItem::AnimatedItem;
+
+protected:
+    Picture picture(double scale) override;
+    QSGGeometryNode* mesh(QSGGeometryNode* mesh, double scale) override;
+
+private:
+    WaveShape shape() const;
+
+    std::array<WaveImage, 2> m_images; ///< in turns: the last one is still shown while the next is drawn
+    std::size_t m_turn = 0;
+};
+
+} // namespace velmora

@@ -1,0 +1,79 @@
+#include "ui/WaveGeometry.h"
+
+#include "ui/MeshWriter.h"
+#include "ui/Neon.h"
+
+#include <array>
+#include <cmath>
+#include <span>
+
+namespace velmora {
+
+namespace {
+
+/// A cross-section of a strip: at which distance from its middle, with which share of its colour.
+struct Rib {
+    double distance = 0;
+    double share = 0;
+};
+
+MeshColor meshColor(const AccentMix& mix) {
+    return MeshColor::of(Neon::violet, mix.violet) + MeshColor::of(Neon::indigo, mix.indigo);
+}
+
+/// Draws a strip along `curve` with a corner on every rib every `step` points.
+void drawStrip(MeshWriter& mesh, const WaveShape& shape, const RibbonCurve& curve, double step,
+               std::span<const Rib> ribs, bool glows) {
+    std::vector<quint32> before;
+    for (double x = 0; x <= curve.end(); x += step) {
+        const RibbonPoint point = curve.at(x);
+        const double length = std::sqrt(1 + point.slope * point.slope);
+        const MeshColor color = meshColor(shape.color(curve, x)).faded(glows ? shape.glowPeak(x) : 1);
+        std::vector<quint32> here;
+        for (const Rib& rib : ribs) {
+            here.push_back(mesh.corner(x - rib.distance * point.slope / length,
+                                       point.y + rib.distance / length, color.faded(rib.share)));
+        }
+        for (std::size_t i = 0; i + 1 < ribs.size() && !before.empty(); ++i) {
+            mesh.quad(before[i], here[i], here[i + 1], before[i + 1]);
+        }
+        before.swap(here);
+    }
+}
+
+/// The soft edge of a stroke is one pixel wide.
+std::array<Rib, 4> strokeRibs(double scale) {
+    const double inner = ribbonWidth / 2 - 0.5 / scale;
+    const double outer = ribbonWidth / 2 + 0.5 / scale;
+    return {{{-outer, 0}, {-inner, 1}, {inner, 1}, {outer, 0}}};
+}
+
+std::array<Rib, 13> glowRibs() {
+    std::array<Rib, 13> ribs;
+    for (std::size_t i = 0; i < ribs.size(); ++i) {
+        const double at = (static_cast<double>(i) - 6) / 2; // in radii, from -3 to 3
+        ribs[i] = {at * ribbonGlowRadius, std::exp(-at * at / 2)};
+    }
+    return ribs;
+}
+
+} // namespace
+
+WaveGeometry::WaveGeometry() {
+    prepareMesh(*this);
+}
+
+void WaveGeometry::draw(const WaveShape& shape, double scale) {
+    constexpr int glowSteps = 4;
+    static const std::array<Rib, 13> glow = glowRibs();
+    MeshWriter mesh;
+    for (const RibbonCurve& curve : shape.curves) {
+        drawStrip(mesh, shape, curve, glowSteps * ribbonStep, glow, true);
+    }
+    for (const RibbonCurve& curve : shape.curves) {
+        drawStrip(mesh, shape, curve, ribbonStep, strokeRibs(scale), false);
+    }
+    mesh.finish(*this);
+}
+
+} // namespace velmora

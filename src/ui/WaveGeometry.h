@@ -1,0 +1,19 @@
+#pragma once
+
+// The ribbons drawn by a GPU: one mesh with a colour at every corner.
+
+#include "ui/WaveShape.h"
+
+#include <QSGGeometryNode>
+
+namespace velmora {
+
+class WaveGeometry : public QSGGeometryNode {
+public:
+    WaveGeometry();
+
+    /// Draws `shape` for a display of `scale` pixels a point.
+    void draw(const WaveShape& shape, double scale);
+};
+
+} // namespace velmora

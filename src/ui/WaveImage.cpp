@@ -1,0 +1,215 @@
+#include "ui/WaveImage.h"
+
+#include "ui/Dither.h"
+#include "ui/Neon.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <cstdint>
+
+namespace velmora {
+
+namespace {
+
+/// Points between the knots of the glow's grid: a glow that soft needs no finer one.
+constexpr double cell = 4;
+
+/// The glow ends where it is this many radii away.
+constexpr double glowReach = 3;
+
+using Channels = std::array<float, 4>; // blue, green, red, alpha: the order of the bytes in a pixel
+
+Channels channels(const AccentMix& mix) {
+    const auto blend = [&mix](float violet, float indigo) {
+        return 255 * (mix.violet * violet + mix.indigo * indigo);
+    };
+    return {
+        blend(Neon::violet.blueF(), Neon::indigo.blueF()),
+        blend(Neon::violet.greenF(), Neon::indigo.greenF()),
+        blend(Neon::violet.redF(), Neon::indigo.redF()),
+        blend(1, 1),
+    };
+}
+
+/// exp(-x * x / 2) for x from 0 to `glowReach`.
+float bell(double x) {
+    constexpr std::size_t entries = 768;
+    static const std::vector<float> table = [] {
+        std::vector<float> values(entries + 1);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            const double at = glowReach * static_cast<double>(i) / entries;
+            values[i] = static_cast<float>(std::exp(-at * at / 2));
+        }
+        return values;
+    }();
+    return table[std::min(static_cast<std::size_t>(std::abs(x) * entries / glowReach), entries)];
+}
+
+/// Fixed-point steps of a channel in an expanded row of the glow.
+constexpr int subSteps = 64;
+
+/// One row of the glow's grid at full width: four channels a pixel.
+void expandRow(const AccentMix* knots, int knotCount, int pixels, double cellPixels,
+               std::vector<std::uint16_t>& row) {
+    row.resize(static_cast<std::size_t>(pixels) * 4);
+    std::size_t out = 0;
+    int pixel = 0;
+    for (int knot = 0; knot + 1 < knotCount && pixel < pixels; ++knot) {
+        const Channels left = channels(knots[knot]);
+        const Channels right = channels(knots[knot + 1]);
+        const int end = std::min(pixels, static_cast<int>(std::ceil((knot + 1) * cellPixels - 0.5)));
+        for (; pixel < end; ++pixel) {
+            const auto share = static_cast<float>((pixel + 0.5) / cellPixels - knot);
+            for (std::size_t channel = 0; channel < 4; ++channel) {
+                const float value = left[channel] + share * (right[channel] - left[channel]);
+                row[out++] = static_cast<std::uint16_t>(value * subSteps);
+            }
+        }
+    }
+}
+
+/// Blends two expanded rows, `weight` sixteenths of the lower one, into the pixels of an image row.
+void blendRows(const std::vector<std::uint16_t>& upper, const std::vector<std::uint16_t>& lower, int weight,
+               const std::array<int, 4>& sixteenths, uchar* pixels) {
+    std::array<std::uint16_t, 16> offsets{};
+    for (std::size_t i = 0; i < offsets.size(); ++i) {
+        offsets[i] = static_cast<std::uint16_t>(sixteenths[i / 4] * subSteps + subSteps / 2);
+    }
+    const auto below = static_cast<std::uint16_t>(weight);
+    const auto above = static_cast<std::uint16_t>(16 - weight);
+    const std::size_t whole = upper.size() / 16 * 16;
+    for (std::size_t i = 0; i < whole; i += 16) {
+        for (std::size_t j = 0; j < 16; ++j) {
+            const auto sum =
+                static_cast<std::uint16_t>(upper[i + j] * above + lower[i + j] * below + offsets[j]);
+            pixels[i + j] = static_cast<uchar>(sum >> 10U);
+        }
+    }
+    for (std::size_t i = whole; i < upper.size(); ++i) {
+        pixels[i] = static_cast<uchar>((upper[i] * above + lower[i] * below + offsets[i % 16]) >> 10U);
+    }
+}
+
+double ramp(double x) {
+    return x > 0 ? x * x / 2 : 0;
+}
+
+/// How much of a band lies above `y`, as an area in one column of pixels: the band is `half` high on each
+/// side of its middle, which rises or falls by `lean` on each side of the column's middle.
+double areaAbove(double y, double half, double lean) {
+    return (ramp(y + half + lean) - ramp(y + half - lean) - ramp(y - half + lean) + ramp(y - half - lean)) /
+           (2 * lean);
+}
+
+void drawOver(QRgb& pixel, const Channels& color, float coverage) {
+    const float kept = 1 - color[3] * coverage / 255;
+    const auto channel = [&](int below, float above) {
+        return static_cast<int>(static_cast<float>(below) * kept + above * coverage + 0.5F);
+    };
+    pixel = qRgba(channel(qRed(pixel), color[2]), channel(qGreen(pixel), color[1]),
+                  channel(qBlue(pixel), color[0]), channel(qAlpha(pixel), color[3]));
+}
+
+} // namespace
+
+void WaveImage::draw(const WaveShape& shape, double scale) {
+    placeRows(shape, scale);
+    gatherGlow(shape);
+    drawGlow(scale);
+    for (const RibbonCurve& curve : shape.curves) {
+        drawRibbon(shape, curve, scale);
+    }
+}
+
+void WaveImage::placeRows(const WaveShape& shape, double scale) {
+    double top = shape.size.height();
+    double bottom = 0;
+    for (const RibbonCurve& curve : shape.curves) {
+        const auto [least, most] = std::minmax_element(curve.path.begin(), curve.path.end());
+        top = std::min(top, *least);
+        bottom = std::max(bottom, *most);
+    }
+    // On multiples of the grid's cell, which fall on pixels at every usual scale.
+    const double reach = 2 * glowReach * ribbonGlowRadius;
+    top = std::max(0.0, std::floor((top - reach) / cell) * cell);
+    bottom = std::min(shape.size.height(), std::ceil((bottom + reach) / cell) * cell);
+    const QSize pixels(static_cast<int>(std::ceil(shape.size.width() * scale)),
+                       static_cast<int>(std::ceil((bottom - top) * scale)));
+    m_area = QRectF(QPointF(0, top), QSizeF(pixels) / scale);
+    if (m_image.size() != pixels || !m_image.isDetached()) {
+        m_image = QImage(pixels, QImage::Format_ARGB32_Premultiplied);
+    }
+}
+
+void WaveImage::gatherGlow(const WaveShape& shape) {
+    m_columns = static_cast<int>(std::ceil(m_area.width() / cell)) + 2;
+    m_rows = static_cast<int>(std::ceil(m_area.height() / cell)) + 2;
+    m_glow.assign(static_cast<std::size_t>(m_columns) * static_cast<std::size_t>(m_rows), {});
+    for (int column = 0; column < m_columns; ++column) {
+        const double x = std::min(column * cell, shape.size.width());
+        const double peak = shape.glowPeak(x);
+        for (const RibbonCurve& curve : shape.curves) {
+            const RibbonPoint point = curve.at(x);
+            const AccentMix color = shape.color(curve, x);
+            // Across a leaning line the glow is as wide as ever, so straight down it is wider.
+            const double spread = ribbonGlowRadius * std::sqrt(1 + point.slope * point.slope);
+            const double middle = (point.y - m_area.top()) / cell;
+            const double reach = glowReach * spread / cell;
+            const int last = std::min(m_rows - 1, static_cast<int>(middle + reach));
+            for (int row = std::max(0, static_cast<int>(middle - reach)); row <= last; ++row) {
+                const auto glow = static_cast<float>(peak) * bell((row - middle) * cell / spread);
+                AccentMix& knot = m_glow[static_cast<std::size_t>(row * m_columns + column)];
+                knot.violet += glow * color.violet;
+                knot.indigo += glow * color.indigo;
+            }
+        }
+    }
+}
+
+void WaveImage::drawGlow(double scale) {
+    const double cellPixels = cell * scale;
+    std::vector<std::uint16_t> upper;
+    std::vector<std::uint16_t> lower;
+    int expanded = -1; // the grid's row that `upper` holds
+    for (int y = 0; y < m_image.height(); ++y) {
+        const double at = (y + 0.5) / cellPixels;
+        const int row = static_cast<int>(at);
+        if (row != expanded) {
+            const AccentMix* knots = &m_glow[static_cast<std::size_t>(row * m_columns)];
+            if (row == expanded + 1 && expanded >= 0) {
+                upper.swap(lower);
+            } else {
+                expandRow(knots, m_columns, m_image.width(), cellPixels, upper);
+            }
+            expandRow(knots + m_columns, m_columns, m_image.width(), cellPixels, lower);
+            expanded = row;
+        }
+        blendRows(upper, lower, static_cast<int>(std::lround((at - row) * 16)),
+                  ditherSixteenths[static_cast<std::size_t>(y) % 4], m_image.scanLine(y));
+    }
+}
+
+void WaveImage::drawRibbon(const WaveShape& shape, const RibbonCurve& curve, double scale) {
+    const int columns =
+        std::min(m_image.width(), static_cast<int>((curve.end() + ribbonWidth / 2) * scale) + 1);
+    for (int column = 0; column < columns; ++column) {
+        const double x = (column + 0.5) / scale;
+        const RibbonPoint point = curve.at(x);
+        const Channels color = channels(shape.color(curve, x));
+        const double middle = (point.y - m_area.top()) * scale;
+        const double half = ribbonWidth / 2 * scale * std::sqrt(1 + point.slope * point.slope);
+        const double lean = std::max(std::abs(point.slope) / 2, 1e-3);
+        const int first = std::max(0, static_cast<int>(std::floor(middle - half - lean)));
+        const int last = std::min(m_image.height() - 1, static_cast<int>(std::floor(middle + half + lean)));
+        double above = areaAbove(first - middle, half, lean);
+        for (int row = first; row <= last; ++row) {
+            const double next = areaAbove(row + 1 - middle, half, lean);
+            auto* pixels = reinterpret_cast<QRgb*>(m_image.scanLine(row));
+            drawOver(pixels[column], color, static_cast<float>(next - above));
+            above = next;
+        }
+    }
+}
+
+} // namespace velmora

@@ -1,0 +1,37 @@
+#pragma once
+
+// The ribbons drawn without a GPU: by hand, column by column, several times faster than a general stroker.
+
+#include "ui/WaveShape.h"
+
+#include <QImage>
+#include <QRectF>
+
+#include <vector>
+
+namespace velmora {
+
+class WaveImage {
+public:
+    /// Draws `shape` at `scale` pixels a point. Only the rows that hold something are drawn.
+    void draw(const WaveShape& shape, double scale);
+
+    const QImage& image() const { return m_image; }
+
+    /// Where the image stands in the field, in points.
+    QRectF area() const { return m_area; }
+
+private:
+    void placeRows(const WaveShape& shape, double scale);
+    void gatherGlow(const WaveShape& shape);
+    void drawGlow(double scale);
+    void drawRibbon(const WaveShape& shape, const RibbonCurve& curve, double scale);
+
+    QImage m_image;
+    QRectF m_area;
+    int m_columns = 0; ///< of the glow's coarse grid
+    int m_rows = 0;
+    std::vector<AccentMix> m_glow;
+};
+
+} // namespace velmora

@@ -1,0 +1,43 @@
+import QtQuick
+import Velmora
+
+// The line that tells how the packing stands; once the archive is saved, a button that shows it.
+Item {
+    id: line
+
+    required property ScanView scan
+    required property Actions actions
+
+    implicitHeight: words.implicitHeight + 20
+    visible: words.text !== ""
+
+    Pressable {
+        objectName: "zipStatus"
+        x: 4
+        y: 4
+        width: words.width + 12
+        height: words.height + 12
+        enabled: line.scan.zipSaved
+        label: line.scan.zipText
+        toolTip: line.scan.zipSaved ? "Show the archive in its folder" : ""
+        ringRadius: 9
+        Accessible.role: enabled ? Accessible.Button : Accessible.StaticText
+        onPressed: line.actions.revealZip()
+    }
+
+    Caption {
+        id: words
+
+        objectName: "zipLine"
+        x: 10
+        y: 10
+        width: Math.min(implicitWidth, line.width - 20)
+        text: line.scan.zipText
+        size: 10
+        weight: Font.Bold
+        monospaced: true
+        tracking: line.scan.zipTracking
+        color: line.scan.zipTint
+        Accessible.ignored: true
+    }
+}
