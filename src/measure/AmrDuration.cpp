@@ -35,7 +35,9 @@ std::int64_t countFrames(GuardedReader& reader, std::int64_t at, const FrameSize
         const auto bytes = window.from(at, 1);
         std::size_t used = 0;
         while (used < bytes.size()) {
-            const std::size_t length = frameBytes[bytes[used] >> 3 & 0x0F];
+            // A first byte of zero would be the smallest frame, marked as damaged: what follows the audio is
+            // empty.
+            const std::size_t length = bytes[used] == 0 ? 0 : frameBytes[bytes[used] >> 3 & 0x0F];
             const bool isCutOff = at + static_cast<std::int64_t>(used + length) > window.end();
             if (length == 0 || isCutOff) {
                 return frames;

@@ -12,10 +12,11 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::size_t lookAhead = 32 << 10; // more than a chain of the longest frames
+constexpr std::size_t lookAhead = 64 << 10; // more than a chain of the longest frames
 constexpr std::int64_t dearestTag =
-    SlidingWindow::windowBytes; // a tag is stepped over, at the price of one read
-constexpr int chainFrames = 3;  // headers in a row that chance does not make
+    SlidingWindow::windowBytes;   // a tag is stepped over, at the price of one read
+constexpr int chainFrames = 3;    // headers in a row where one is expected
+constexpr int surpriseFrames = 6; // headers in a row anywhere; tables of numbers make shorter chains
 
 /// True if `bytes` begin with `count` frames of one kind, or with at least one and end exactly with a frame.
 bool beginsChain(Bytes bytes, int count, std::int32_t freeBytes) {
@@ -47,12 +48,15 @@ public:
 
     std::int64_t position() const { return m_position; }
 
-    bool isAtFrame() { return beginsChain(m_window.from(m_position, lookAhead), chainFrames, m_freeBytes); }
+    bool isAtChain(int frames) {
+        return beginsChain(m_window.from(m_position, lookAhead), frames, m_freeBytes);
+    }
 
-    /// Goes to the next place where a chain of frames begins, not before the position itself; false if none.
-    bool synchronise() {
+    /// Goes to the next place where a chain of `frames` begins, not before the position itself; false if
+    /// none.
+    bool synchronise(int frames) {
         while (m_position < m_window.end()) {
-            if (isAtFrame()) {
+            if (isAtChain(frames)) {
                 return true;
             }
             const Bytes bytes = m_window.from(m_position, lookAhead);
@@ -81,6 +85,7 @@ public:
             last = *frame;
             samples += frame->samples;
             ++sum.frames;
+            sum.bytes += frame->bytes;
         }
         if (last.rate != 0) {
             sum.seconds += static_cast<double>(samples) / last.rate;
@@ -95,7 +100,7 @@ private:
         Bytes bytes = m_window.from(m_position, frameHeaderBytes);
         std::optional<AudioFrame> frame = parseFrame(bytes, m_freeBytes);
         if (!frame || frame->kind != kind) {
-            if (!synchronise()) {
+            if (!synchronise(chainFrames)) {
                 return std::nullopt;
             }
             bytes = m_window.from(m_position, frameHeaderBytes);
@@ -127,12 +132,12 @@ private:
 } // namespace
 
 bool isFrameAt(GuardedReader& reader, std::int64_t start, std::int64_t end) {
-    return Hopper(reader, start, end).isAtFrame();
+    return Hopper(reader, start, end).isAtChain(chainFrames);
 }
 
 std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start, std::int64_t end) {
     Hopper hopper(reader, start, end);
-    return hopper.synchronise() ? std::optional(hopper.position()) : std::nullopt;
+    return hopper.synchronise(surpriseFrames) ? std::optional(hopper.position()) : std::nullopt;
 }
 
 FrameSum sumFrames(GuardedReader& reader, std::int64_t start, std::int64_t end) {

@@ -14,13 +14,14 @@ namespace velmora {
 struct FrameSum {
     double seconds = 0;
     std::int64_t frames = 0;
+    std::int64_t bytes = 0; ///< of those frames, without what stands between them
 };
 
 /// True if at `start` a frame stands that others follow, or that ends exactly at `end`.
 bool isFrameAt(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
-/// Where the first such frame at or behind `start` stands. What is not audio is paid
-/// from the reader's budget. Absent if there is none before `end`.
+/// Where the first frame at or behind `start` stands, one with more followers than chance makes. What is not
+/// audio is paid from the reader's budget. Absent if there is none before `end`.
 std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
 /// The whole frames between `start` and `end`. A last frame that is cut off does not count.

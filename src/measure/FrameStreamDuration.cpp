@@ -57,7 +57,10 @@ std::optional<double> frameStreamDuration(GuardedReader& reader, std::int64_t st
 
 std::optional<double> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
     const std::optional<std::int64_t> first = findFrame(reader, start, end);
-    return first ? frameStreamDuration(reader, *first, end) : std::nullopt;
+    if (!first || sumFrames(reader, *first, end).bytes < (end - *first) / 2) {
+        return std::nullopt;
+    }
+    return frameStreamDuration(reader, *first, end);
 }
 
 } // namespace velmora

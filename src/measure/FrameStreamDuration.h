@@ -14,7 +14,7 @@ namespace velmora {
 /// Times the frames between `start` and `end`, the first of which stands at `start`. Absent if none does.
 std::optional<double> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
-/// The same when the first frame may stand anywhere behind `start`.
+/// The same when the first frame may stand anywhere behind `start`; from there on most of it must be frames.
 std::optional<double> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
 } // namespace velmora

@@ -47,9 +47,9 @@ bool GuardedReader::isOver() const {
     return m_budget < 0 || m_stop.stop_requested() || Clock::now() > m_deadline;
 }
 
-void GuardedReader::startWalk() {
-    m_budget = searchBytes + 2 * size();
-    m_deadline = Clock::now() + searchTime + std::chrono::seconds(size() / 50'000'000);
+void GuardedReader::renew() {
+    m_budget = searchBytes;
+    m_deadline = Clock::now() + searchTime;
 }
 
 } // namespace velmora

@@ -21,9 +21,9 @@ class GuardedReader {
 public:
     using Clock = std::chrono::steady_clock;
 
-    static constexpr std::size_t windowBytes = 4096;        ///< most that `header` gives at once
-    static constexpr std::int64_t searchBytes = 64LL << 20; ///< the budget
-    static constexpr std::chrono::seconds searchTime{10};   ///< the deadline, from construction
+    static constexpr std::size_t windowBytes = 4096;       ///< most that `header` gives at once
+    static constexpr std::int64_tsearchBytes = 16LL << 20; ///< the budget
+    static constexpr std::chrono::seconds searchTime{10};  ///< the deadline, from construction
 
     GuardedReader(ByteSource source, std::stop_token stop);
 
@@ -45,9 +45,8 @@ public:
     /// True once the budget is spent, the deadline is past or the measurement was stopped.
     bool isOver() const;
 
-    /// From here on packets of audio are read: the budget allows for the whole file twice, the deadline for
-    /// reading it at 50 MB/s.
-    void startWalk();
+    /// A piece of media was found: budget and deadline begin anew for the search of the next.
+    void renew();
 
 private:
     ByteSource m_source;

@@ -24,16 +24,18 @@ bool isAudio(const AVStream& stream) {
     return stream.codecpar->codec_type == AVMEDIA_TYPE_AUDIO;
 }
 
+bool hasAudio(const AVFormatContext& context) {
+    return std::ranges::any_of(streamsOf(context), [](const AVStream* stream) { return isAudio(*stream); });
+}
+
 std::optional<double> statedSeconds(const AVFormatContext& context) {
     double longest = 0;
-    bool hasAudio = false;
     for (const AVStream* const stream : streamsOf(context)) {
         if (isAudio(*stream)) {
-            hasAudio = true;
             longest = std::max(longest, static_cast<double>(stream->duration) * av_q2d(stream->time_base));
         }
     }
-    if (hasAudio && !(longest > 0)) {
+    if (!(longest > 0) && hasAudio(context)) {
         longest = static_cast<double>(context.duration) / AV_TIME_BASE; // "unknown" is negative
     }
     return longest > 0 ? std::optional(longest) : std::nullopt;
@@ -88,12 +90,13 @@ double trimmedSeconds(const AVPacket& packet, const AVCodecParameters& parameter
 }
 
 std::optional<double> walkedSeconds(AVFormatContext& context, GuardedReader& reader) {
-    reader.startWalk();
+    reader.renew();
     avformat_find_stream_info(&context,
-                              nullptr); // what it guesses is not looked at, but packets get their lengths
+                              nullptr); // packets get their lengths; what it guesses is not looked at
     std::vector<SegmentSum> sums;
     AVPacket* packet = av_packet_alloc();
     while (packet != nullptr && !reader.isOver() && av_read_frame(&context, packet) >= 0) {
+        reader.renew();
         const auto index = static_cast<std::size_t>(packet->stream_index);
         AVStream& stream = *context.streams[index];
         if (isAudio(stream)) {
@@ -110,7 +113,8 @@ std::optional<double> walkedSeconds(AVFormatContext& context, GuardedReader& rea
     for (const SegmentSum& sum : sums) {
         longest = std::max(longest, sum.seconds());
     }
-    return longest > 0 && !reader.isOver() ? std::optional(longest) : std::nullopt;
+    const bool isAnswer = longest > 0 || !hasAudio(context);
+    return isAnswer && !reader.isOver() ? std::optional(longest) : std::nullopt;
 }
 
 } // namespace
@@ -122,6 +126,10 @@ std::optional<double> libavDuration(GuardedReader& reader, std::int64_t start, c
     }
     if (const std::optional<double> stated = statedSeconds(*file.context())) {
         return stated;
+    }
+    const bool mayGetStreams = (file.context()->ctx_flags & AVFMTCTX_NOHEADER) != 0;
+    if (!hasAudio(*file.context()) && !mayGetStreams) {
+        return 0;
     }
     return walkedSeconds(*file.context(), reader);
 }

@@ -11,8 +11,8 @@
 
 namespace velmora {
 
-/// Times what stands at byte `start`, opened with `demuxer`. Absent without an audio stream, or when nothing
-/// can be learnt within the reader's bounds. Positive.
+/// Times what stands at byte `start`, opened with `demuxer`. Zero if it opens but holds no audio; absent when
+/// nothing can be learnt within the reader's bounds.
 std::optional<double> libavDuration(GuardedReader& reader, std::int64_t start, const std::string& demuxer);
 
 /// The same, but what the file states is not believed: all its packets are read.

@@ -113,7 +113,7 @@ MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std:
         }
     }
     const AVInputFormat* const named = probeDemuxer(reader, start, name);
-    return {std::nullopt, named != nullptr && !isMediaDemuxer(*named)};
+    return {std::nullopt, named != nullptr && (!isMediaDemuxer(*named) || isFrameDemuxer(*named))};
 }
 
 MediaAnswer answer(GuardedReader& reader, const std::filesystem::path& name) {
@@ -145,7 +145,7 @@ MediaAnswer mediaDuration(const RegularFile& file, const std::filesystem::path& 
     GuardedReader reader(sourceOf(file), stop);
     MediaAnswer result = answer(reader, name);
     if (result.seconds && (!(*result.seconds > 0) || !std::isfinite(*result.seconds))) {
-        result.seconds.reset();
+        return {std::nullopt, true};
     }
     return result;
 }

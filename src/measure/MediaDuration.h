@@ -13,8 +13,8 @@ namespace velmora {
 struct MediaAnswer {
     std::optional<double> seconds;
 
-    /// The content is not audio but something a general media tool would still open (playlist, script,
-    /// picture, subtitle): no further tool is asked.
+    /// The content plays nothing, or is not audio but something a general media tool would still open
+    /// (playlist, script, picture, subtitle, video alone): no further tool is asked.
     bool isForeign = false;
 };
 
