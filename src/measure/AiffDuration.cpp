@@ -118,7 +118,7 @@ std::optional<double> aiffDuration(GuardedReader& reader, std::int64_t start) {
         }
         at += stated + stated % 2;
     }
-    return common && soundBytes ? soundSeconds(*common, *soundBytes) : std::nullopt;
+    return common ? soundSeconds(*common, soundBytes.value_or(0)) : std::nullopt;
 }
 
 } // namespace velmora

@@ -46,6 +46,11 @@ bool isFrameDemuxer(const AVInputFormat& demuxer) {
 /// absent if the reader cannot tell.
 using TimeReader = std::optional<double> (*)(GuardedReader& reader, std::int64_t start);
 
+/// A stream that was never finished states an hour, so nothing is believed.
+std::optional<double> realMediaDuration(GuardedReader& reader, std::int64_t start) {
+    return libavWalkedDuration(reader, start, "rm");
+}
+
 struct Format {
     std::string_view pattern; ///< see `matches`
     TimeReader read;          ///< our own reader; null if there is none
@@ -82,7 +87,7 @@ constexpr auto formats = std::to_array<Format>({
     {"OggS"sv, nullptr, "ogg"sv},
     {"\x1A\x45\xDF\xA3"sv, &matroskaDuration, ""sv},
     {"\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf"sv},
-    {".RMF"sv, nullptr, "rm"sv},
+    {".RMF"sv, &realMediaDuration, ""sv},
     {".ra\xFD"sv, nullptr, "rm"sv},
     {"TTA1"sv, nullptr, "tta"sv},
 });
@@ -104,13 +109,15 @@ std::optional<double> knownDuration(GuardedReader& reader, std::int64_t start, c
 /// For what begins with no magic that we know.
 MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std::filesystem::path& name) {
     const AVInputFormat* const demuxer = probeDemuxer(reader, start, "");
+    std::optional<double> seconds;
     if (demuxer != nullptr && isMediaDemuxer(*demuxer) && !isFrameDemuxer(*demuxer)) {
-        return {libavDuration(reader, start, demuxer->name), false};
+        seconds = libavDuration(reader, start, demuxer->name);
     }
-    if (demuxer == nullptr || isFrameDemuxer(*demuxer)) {
-        if (const auto seconds = searchedFrameDuration(reader, start, findTrailingTags(reader, start))) {
-            return {seconds, false};
-        }
+    if (!seconds) {
+        seconds = searchedFrameDuration(reader, start, findTrailingTags(reader, start));
+    }
+    if (seconds) {
+        return {seconds, false};
     }
     const AVInputFormat* const named = probeDemuxer(reader, start, name);
     return {std::nullopt, named != nullptr && (!isMediaDemuxer(*named) || isFrameDemuxer(*named))};
@@ -142,7 +149,12 @@ MediaAnswer mediaDuration(const RegularFile& file, const std::filesystem::path& 
             return {seconds, false};
         }
     }
-    GuardedReader reader(sourceOf(file), stop);
+    return mediaDuration(sourceOf(file), name, stop);
+}
+
+MediaAnswer mediaDuration(const ByteSource& source, const std::filesystem::path& name,
+                          const std::stop_token& stop) {
+    GuardedReader reader(source, stop);
     MediaAnswer result = answer(reader, name);
     if (result.seconds && (!(*result.seconds > 0) || !std::isfinite(*result.seconds))) {
         return {std::nullopt, true};

@@ -1,0 +1,235 @@
+// Containers whose length follows from their bytes: what their headers may say wrong, and how far they are
+// believed.
+
+#include "measure/MediaBytes.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <string>
+#include <string_view>
+
+namespace velmora::test {
+
+namespace {
+
+using namespace std::string_literals;
+
+constexpr double second = 1.0;
+
+std::string waveFormat(std::uint16_t tag, std::uint16_t channels, std::uint32_t rate, std::uint16_t block,
+                       std::uint16_t bits, std::string_view extension = "") {
+    return le(tag, 2) + le(channels, 2) + le(rate, 4) + le(rate * block, 4) + le(block, 2) + le(bits, 2) +
+           std::string(extension);
+}
+
+const std::string pcm8k = waveFormat(1, 1, 8'000, 2, 16); // 16,000 bytes a second
+
+std::string riff(std::string_view content, std::string_view magic = "RIFF") {
+    return std::string(magic) + le(content.size() + 4, 4) + "WAVE" + std::string(content);
+}
+
+std::string dataChunk(std::uint32_t stated, std::size_t there) {
+    return "data" + le(stated, 4) + times(there, "\x55");
+}
+
+std::string aiff(std::string_view chunks, std::string_view type = "AIFF") {
+    return "FORM" + be(chunks.size() + 4, 4) + std::string(type) + std::string(chunks);
+}
+
+/// 8 kHz as a number of 80 bits.
+const std::string extended8k = be(16'383 + 12, 2) + be(8'000ULL << 51, 8);
+
+std::string common(std::uint32_t frames, std::string_view compression = "") {
+    return iffChunk("COMM", be(1, 2) + be(frames, 4) + be(16, 2) + extended8k + std::string(compression));
+}
+
+std::string sound(std::size_t bytes) {
+    return iffChunk("SSND", zeros(8) + times(bytes, "x"));
+}
+
+std::string cafChunk(std::string_view name, std::int64_t size, std::string_view content) {
+    return std::string(name) + be(static_cast<std::uint64_t>(size), 8) + std::string(content);
+}
+
+std::string cafDescription(std::uint32_t packetBytes, std::uint32_t packetFrames) {
+    return "caff" + be(0x10000, 4) +
+           cafChunk("desc", 32,
+                    be(std::bit_cast<std::uint64_t>(8'000.0), 8) + "lpcm" + zeros(4) + be(packetBytes, 4) +
+                        be(packetFrames, 4) + be(1, 4) + be(16, 4));
+}
+
+std::string vocBlock(int type, std::string_view content) {
+    return le(static_cast<std::uint64_t>(type), 1) + le(content.size(), 3) + std::string(content);
+}
+
+const std::string vocHeader = "Creative Voice File\x1A" + le(26, 2) + le(0x10A, 2) + le(0x1129, 2);
+
+} // namespace
+
+TEST(Wav, IsItsBytesByItsRate) {
+    EXPECT_NEAR(secondsOf(riff(riffChunk("fmt ", pcm8k) + dataChunk(16'000, 16'000))), second, 1e-9);
+    EXPECT_NEAR(secondsOf(riff(riffChunk("fmt ", pcm8k) + riffChunk("LIST", zeros(9'001)) +
+                               dataChunk(16'000, 16'000) + riffChunk("id3 ", zeros(500)))),
+                second, 1e-9);
+    const std::string extension = le(22, 2) + le(24, 2) + le(0, 4) + le(1, 2) + zeros(14);
+    EXPECT_NEAR(secondsOf(riff(riffChunk("fmt ", waveFormat(0xFFFE, 6, 8'000, 18, 24, extension)) +
+                               dataChunk(144'000, 144'000))),
+                second, 1e-9);
+}
+
+TEST(Wav, IsWhatTheFileHoldsWhateverItsHeaderSays) {
+    const std::string head = riffChunk("fmt ", pcm8k);
+    for (const std::uint32_t stated : {0U, 0xFFFFFFFFU, 0x7FFFFFFFU, 0x7FFFF000U, 0xFFFFFFDBU, 999'999U}) {
+        EXPECT_NEAR(secondsOf(riff(head + dataChunk(stated, 16'000))), second, 1e-9) << stated;
+    }
+    EXPECT_NEAR(secondsOf(riff(head + dataChunk(16'000, 8'000))), second / 2, 1e-9) << "cut off";
+}
+
+TEST(Wav, ThatIsEmptyPlaysNothing) {
+    const std::string head = riffChunk("fmt ", pcm8k);
+    EXPECT_FALSE(answerFor(riff(head + dataChunk(0, 0))).seconds);
+    EXPECT_TRUE(answerFor(riff(head + dataChunk(0, 0))).isForeign) << "and no other tool may guess";
+    EXPECT_FALSE(answerFor(riff(head + dataChunk(0, 0) + riffChunk("LIST", zeros(400)))).seconds);
+}
+
+TEST(Wav, ReadsItsRelatives) {
+    const std::string longSizes = riffChunk("ds64", le(0, 8) + le(16'000, 8) + le(8'000, 8) + le(0, 4));
+    const std::string content = longSizes + riffChunk("fmt ", pcm8k) + dataChunk(0xFFFFFFFF, 16'000);
+    EXPECT_NEAR(secondsOf(riff(content + riffChunk("LIST", zeros(800)), "RF64")), second, 1e-9);
+    EXPECT_NEAR(secondsOf(riff(content + riffChunk("LIST", zeros(800)), "BW64")), second, 1e-9);
+    const std::string bigEndian = be(1, 2) + be(1, 2) + be(8'000, 4) + be(16'000, 4) + be(2, 2) + be(16, 2);
+    EXPECT_NEAR(
+        secondsOf("RIFX" + be(0, 4) + "WAVE" + iffChunk("fmt ", bigEndian) + iffChunk("data", zeros(16'000))),
+        second, 1e-9);
+}
+
+TEST(Wav, UnderstandsOddChunksWithAndWithoutPadding) {
+    const std::string odd = "note" + le(5, 4) + "12345";
+    const std::string rest = riffChunk("fmt ", pcm8k) + dataChunk(16'000, 16'000);
+    EXPECT_NEAR(secondsOf(riff(odd + zeros(1) + rest)), second, 1e-9);
+    EXPECT_NEAR(secondsOf(riff(odd + rest)), second, 1e-9);
+}
+
+TEST(Wav, ReckonsCompressedBlocks) {
+    // IMA: 4 bytes of state and a sample, then two samples a byte.
+    const std::string ima = riffChunk("fmt ", waveFormat(0x11, 1, 8'000, 256, 4, le(2, 2) + le(505, 2)));
+    EXPECT_NEAR(secondsOf(riff(ima + dataChunk(2'560, 2'560))), 5'050 / 8'000.0, 1e-9);
+    EXPECT_NEAR(secondsOf(riff(ima + dataChunk(2'560 + 56, 2'560 + 56))), (5'050 + 105) / 8'000.0, 1e-9);
+    const std::string fact = riffChunk("fact", le(4'900, 4));
+    EXPECT_NEAR(secondsOf(riff(ima + fact + dataChunk(2'560, 2'560))), 4'900 / 8'000.0, 1e-9);
+    EXPECT_NEAR(secondsOf(riff(ima + riffChunk("fact", le(99, 4)) + dataChunk(2'560, 2'560))),
+                5'050 / 8'000.0, 1e-9)
+        << "a fact that does not fit";
+    const std::string microsoft = riffChunk("fmt ", waveFormat(2, 2, 8'000, 512, 4, le(2, 2) + le(500, 2)));
+    EXPECT_NEAR(secondsOf(riff(microsoft + dataChunk(5'120, 5'120))), 5'000 / 8'000.0, 1e-9);
+    const std::string gsm = riffChunk("fmt ", waveFormat(0x31, 1, 8'000, 65, 0, le(2, 2) + le(320, 2)));
+    EXPECT_NEAR(secondsOf(riff(gsm + dataChunk(6'500, 6'500))), 32'000 / 8'000.0, 1e-9);
+}
+
+TEST(Wav, CountsTheFramesOfMp3Inside) {
+    const std::string frames = times(100, "\xFF\xFB\x90\x00"s + zeros(413));
+    const std::string head = riffChunk("fmt ", waveFormat(0x55, 2, 44'100, 1, 0, le(12, 2) + zeros(12)));
+    const auto size = static_cast<std::uint32_t>(frames.size());
+    EXPECT_NEAR(secondsOf(riff(head + "data" + le(size, 4) + frames)), 100 * 1152 / 44'100.0, 1e-9);
+}
+
+TEST(Wave64, ReadsLongSizes) {
+    const std::string tail = "\xF3\xAC\xD3\x11\x8C\xD1\x00\xC0\x4F\x8E\xDB\x8A"s;
+    const auto chunk = [&](std::string_view name, std::uint64_t stated, const std::string& content) {
+        return std::string(name) + tail + le(stated, 8) + content + zeros((8 - content.size() % 8) % 8);
+    };
+    const std::string file = "riff\x2E\x91\xCF\x11\xA5\xD6\x28\xDB\x04\xC1\x00\x00"s + le(0, 8) + "wave" +
+                             tail + chunk("fmt ", 40, pcm8k) + chunk("junk", 24 + 13, zeros(13));
+    EXPECT_NEAR(
+        secondsOf(file + chunk("data", 24 + 16'000, zeros(16'000)) + chunk("list", 24 + 80, zeros(80))),
+        second, 1e-9);
+    EXPECT_NEAR(secondsOf(file + chunk("data", 24 + 99'999, zeros(16'000))), second, 1e-9);
+    EXPECT_NEAR(secondsOf(file + chunk("data", ~0ULL, zeros(16'000))), second, 1e-9);
+}
+
+TEST(Aiff, IsWhatItStatesClampedToItsSound) {
+    EXPECT_NEAR(secondsOf(aiff(common(8'000) + sound(16'000))), second, 1e-9);
+    EXPECT_NEAR(secondsOf(aiff(sound(16'000) + common(8'000))), second, 1e-9) << "in the other order";
+    EXPECT_NEAR(secondsOf(aiff(common(4'000) + sound(16'000))), second / 2, 1e-9);
+    EXPECT_NEAR(secondsOf(aiff(common(0x7F000000) + "SSND" + be(0x7FFFFFFF, 4) + zeros(8 + 16'000))), second,
+                1e-9);
+    EXPECT_NEAR(secondsOf(aiff(common(0) + "SSND" + be(0, 4) + zeros(8 + 16'000))), second, 1e-9)
+        << "a pipe's";
+    EXPECT_FALSE(answerFor(aiff(common(8'000))).seconds);
+}
+
+TEST(Aiff, KnowsCompressions) {
+    EXPECT_NEAR(secondsOf(aiff(common(8'000, "sowt") + sound(16'000), "AIFC")), second, 1e-9);
+    EXPECT_NEAR(secondsOf(aiff(common(8'000, "fl32") + sound(32'000), "AIFC")), second, 1e-9);
+    EXPECT_NEAR(secondsOf(aiff(common(125, "ima4") + sound(125 * 34), "AIFC")), second, 1e-9);
+    EXPECT_NEAR(secondsOf(aiff(common(8'000, "ima4") + sound(125 * 34), "AIFC")), second, 1e-9);
+}
+
+TEST(Au, IsWhatTheFileHolds) {
+    const auto au = [](std::uint32_t size, std::uint32_t encoding, std::size_t there) {
+        return ".snd" + be(28, 4) + be(size, 4) + be(encoding, 4) + be(8'000, 4) + be(1, 4) +
+               zeros(4 + there);
+    };
+    EXPECT_NEAR(secondsOf(au(16'000, 3, 16'000)), second, 1e-9);
+    EXPECT_NEAR(secondsOf(au(8'000, 3, 16'000)), second / 2, 1e-9);
+    EXPECT_NEAR(secondsOf(au(0xFFFFFFFF, 1, 8'000)), second, 1e-9);
+    EXPECT_NEAR(secondsOf(au(0xFFFFFFFE, 6, 32'000)), second, 1e-9);
+    EXPECT_NEAR(
+        secondsOf("dns." + le(24, 4) + le(16'000, 4) + le(3, 4) + le(8'000, 4) + le(1, 4) + zeros(16'000)),
+        second, 1e-9);
+}
+
+TEST(Caf, IsItsBytesOrItsPacketTable) {
+    const std::string pcm = cafDescription(2, 1);
+    EXPECT_NEAR(secondsOf(pcm + cafChunk("data", 16'004, zeros(16'004))), second, 1e-9);
+    EXPECT_NEAR(secondsOf(pcm + cafChunk("data", -1, zeros(16'004))), second, 1e-9);
+    EXPECT_NEAR(secondsOf(pcm + cafChunk("data", 999'999, zeros(16'004))), second, 1e-9);
+    // 9 packets of 100 bytes and 1,000 frames; 8,000 frames play.
+    const std::string table = be(9, 8) + be(8'000, 8) + be(600, 4) + be(400, 4) + times(9, "\x64");
+    const std::string packed = cafDescription(0, 1'000);
+    EXPECT_NEAR(secondsOf(packed + cafChunk("data", 904, zeros(904)) + cafChunk("pakt", 33, table)), second,
+                1e-9);
+    EXPECT_NEAR(secondsOf(packed + cafChunk("pakt", 33, table) + cafChunk("data", 904, zeros(904))), second,
+                1e-9);
+    EXPECT_NEAR(secondsOf(packed + cafChunk("pakt", 33, table) + cafChunk("data", 904, zeros(454))),
+                (4'000 - 600) / 8'000.0, 1e-9)
+        << "cut off";
+}
+
+TEST(Dsd, IsItsBitsByItsRate) {
+    const auto dsf = [](std::uint64_t samples, std::size_t there) {
+        return "DSD " + le(28, 8) + zeros(16) + "fmt " + le(52, 8) + le(1, 4) + le(0, 4) + le(2, 4) +
+               le(2, 4) + le(2'822'400, 4) + le(1, 4) + le(samples, 8) + le(4096, 4) + zeros(4) + "data" +
+               le(there + 12, 8) + zeros(there);
+    };
+    EXPECT_NEAR(secondsOf(dsf(2'822'400, 174 * 4096)), second, 1e-9);
+    EXPECT_NEAR(secondsOf(dsf(2'822'400, 352'800)), second / 2, 1e-9) << "cut off";
+    const std::string properties = "PROP" + be(4 + 16 + 22, 8) + "SND " + "FS  " + be(4, 8) +
+                                   be(2'822'400, 4) + "CHNL" + be(10, 8) + be(2, 2) + "SLFTSRGT";
+    const std::string head = "FRM8" + be(0, 8) + "DSD " + "FVER" + be(4, 8) + be(0x01050000, 4) + properties;
+    EXPECT_NEAR(secondsOf(head + "DSD " + be(705'600, 8) + zeros(705'600)), second, 1e-9);
+    EXPECT_NEAR(secondsOf(head + "DSD " + be(705'600, 8) + zeros(352'800)), second / 2, 1e-9);
+    EXPECT_NEAR(
+        secondsOf(head + "DST " + be(9'999, 8) + "FRTE" + be(6, 8) + be(75, 4) + be(75, 2) + zeros(900)),
+        second, 1e-9);
+}
+
+TEST(Voc, AddsSoundAndSilence) {
+    const std::string sound8k =
+        vocBlock(1, be(256 - 125, 1) + be(0, 1) + times(8'000, "x")); // 1,000,000 / 125
+    EXPECT_NEAR(secondsOf(vocHeader + sound8k + zeros(1)), second, 1e-9);
+    EXPECT_NEAR(secondsOf(vocHeader + sound8k), second, 1e-9) << "without an end";
+    EXPECT_NEAR(secondsOf(vocHeader + sound8k + vocBlock(2, times(4'000, "x")) + zeros(1)), second * 1.5,
+                1e-9);
+    EXPECT_NEAR(secondsOf(vocHeader + sound8k + vocBlock(3, le(15'999, 2) + be(256 - 125, 1)) + zeros(1)),
+                second * 3, 1e-9);
+    const std::string stereo = le(8'000, 4) + le(16, 1) + le(2, 1) + le(4, 2) + zeros(4);
+    EXPECT_NEAR(secondsOf(vocHeader + vocBlock(9, stereo + times(32'000, "x")) + zeros(1)), second, 1e-9);
+    const std::string parameters = vocBlock(8, le(65'536 - 256'000'000 / 16'000, 2) + be(0, 1) + be(1, 1));
+    EXPECT_NEAR(
+        secondsOf(vocHeader + parameters + vocBlock(1, be(99, 1) + be(0, 1) + times(16'000, "x")) + zeros(1)),
+        second, 1e-9);
+}
+
+} // namespace velmora::test
