@@ -1,7 +1,9 @@
 #include "gather/ArchiveExtraction.h"
 
+#include "gather/ExtractionPlan.h"
 #include "gather/TempRegistry.h"
 #include "gather/ToolRunner.h"
+#include "gather/ZipNames.h"
 #include "system/FileCopy.h"
 #include "system/FileName.h"
 #include "system/OwnerAccess.h"
@@ -11,9 +13,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <string>
-#include <string_view>
-#include <vector>
+#include <algorithm>
 
 namespace velmora::Collector {
 
@@ -21,92 +21,45 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view dittoTool = "/usr/bin/ditto";
-constexpr std::string_view tarTool = "/usr/bin/tar";
-constexpr std::string_view unzipTool = "/usr/bin/unzip";
-constexpr std::string_view gunzipTool = "/usr/bin/gunzip";
-constexpr std::string_view bunzip2Tool = "/usr/bin/bunzip2";
-constexpr std::string_view bsdtarTool = "/usr/bin/bsdtar";
-
-/// What the tools read: a copy of the archive in the temporary directory, deleted at the end, or the archive
-/// itself where no copy can be made.
-class ToolInput {
+/// A copy of an archive in the temporary directory, for the tools to read; deleted with its owner.
+class WorkingCopy {
 public:
-    ToolInput(const fs::path& archive, const std::stop_token& stop)
+    WorkingCopy(const fs::path& archive, const std::stop_token& stop)
         : m_path(TempRegistry::freshPath("src-")) {
         m_path += "-" + lastComponent(archive);
         try {
             copyFile(archive, m_path, stop);
         } catch (const fs::filesystem_error&) {
-            m_path = archive;
-            m_isCopy = false;
+            m_path.clear();
         }
     }
 
-    ToolInput(const ToolInput&) = delete;
-    ToolInput& operator=(const ToolInput&) = delete;
+    WorkingCopy(const WorkingCopy&) = delete;
+    WorkingCopy& operator=(const WorkingCopy&) = delete;
 
-    ~ToolInput() {
-        if (m_isCopy) {
+    ~WorkingCopy() {
+        if (!m_path.empty()) {
             ::unlink(m_path.c_str());
         }
     }
 
-    const std::string& path() const { return m_path.native(); }
-
-    /// Whether unzip, which takes some names for patterns, would open this file and no other. The fresh UUID
-    /// in a copy's name sees to that.
-    bool isPlainForUnzip() const { return m_isCopy || path().find_first_of("[*?") == std::string::npos; }
+    /// Empty when no copy could be made.
+    const fs::path& path() const { return m_path; }
 
 private:
     fs::path m_path;
-    bool m_isCopy = true;
 };
 
-/// The attempts to unpack one archive.
-class Extraction {
-public:
-    Extraction(const fs::path& archive, const fs::path& directory, const std::stop_token& stop)
-        : m_input(archive, stop)
-        , m_name(lastComponent(archive))
-        , m_extension(classifyingExtension(archive))
-        , m_directory(directory)
-        , m_stop(stop) {}
-
-    bool succeeds() const {
-        return byDitto() || byTar(tarTool) || byUnzip() || asSingleFile() || byTar(bsdtarTool);
-    }
-
-private:
-    bool byDitto() const {
-        return (m_extension == "zip" || m_extension == "zipx") &&
-               run(dittoTool, {"-x", "-k", "--noqtn", m_input.path(), m_directory}, m_stop);
-    }
-
-    bool byTar(std::string_view tool) const {
-        return run(tool, {"-x", "-f", m_input.path(), "-C", m_directory}, m_stop);
-    }
-
-    bool byUnzip() const {
-        return m_input.isPlainForUnzip() &&
-               run(unzipTool, {"-qq", "-o", m_input.path(), "-d", m_directory}, m_stop);
-    }
-
-    bool asSingleFile() const {
-        const std::string_view stem = withoutExtension(m_name);
-        if (stem.empty() || (m_extension != "gz" && m_extension != "bz2")) {
-            return false;
-        }
-        return runCapturing(m_extension == "gz" ? gunzipTool : bunzip2Tool, {"-c", m_input.path()},
-                            m_directory / stem, m_stop);
-    }
-
-    ToolInput m_input;
-    std::string m_name;
-    std::string m_extension;
-    const fs::path& m_directory;
-    const std::stop_token& m_stop;
-};
+bool unpack(const fs::path& archive, const fs::path& directory, const std::stop_token& stop) {
+    const WorkingCopy copy(archive, stop);
+    const fs::path& input = copy.path().empty() ? archive : copy.path();
+    const UnzipTurn unzip = unzipGarblesNames(input) ? UnzipTurn::last : UnzipTurn::asUsual;
+    const std::vector<ExtractionStep> plan = extractionPlan(archive, input, directory, unzip);
+    return std::any_of(plan.begin(), plan.end(), [&](const ExtractionStep& step) {
+        return step.out ? runCapturing(step.tool, step.args, *step.out, stop)
+                        : run(step.tool, step.args, stop);
+    });
+}
 
 } // namespace
 
@@ -118,10 +71,11 @@ std::optional<fs::path> extract(const fs::path& url, const std::stop_token& stop
     if (::mkdir(directory.c_str(), S_IRWXU) != 0) {
         return std::nullopt;
     }
-    if (!Extraction(url, directory, stop).succeeds() || stop.stop_requested()) {
+    if (!unpack(url, directory, stop) || stop.stop_requested()) {
         removeTree(directory);
         return std::nullopt;
     }
+    ::chmod(directory.c_str(), S_IRWXU); // an archive may hold permissions for its top folder, too
     grantOwnerBelow(directory);
     return directory;
 }

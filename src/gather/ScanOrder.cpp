@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <functional>
 #include <memory>
+#include <numeric>
 #include <set>
 #include <string>
 #include <string_view>
@@ -108,10 +109,16 @@ struct Rank {
     bool fromArchive = false;
 };
 
+std::size_t totalSize(const std::vector<fs::path>& files) {
+    return std::accumulate(files.begin(), files.end(), std::size_t{0},
+                           [](std::size_t sum, const fs::path& file) { return sum + file.native().size(); });
+}
+
 /// The ranks of `files`, in order.
 std::vector<Rank> ranked(const std::vector<fs::path>& files, const ArchiveContent& archiveContent) {
     KeyMaker keyMaker;
     std::string keys;
+    keys.reserve(2 * totalSize(files)); // more than enough as a rule; what is not used is never touched
     std::vector<Rank> ranks;
     ranks.reserve(files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {

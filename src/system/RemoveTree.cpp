@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <new>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -86,7 +86,7 @@ void removeTree(const std::filesystem::path& path) noexcept {
         } else {
             ::unlink(path.c_str());
         }
-    } catch (const std::bad_alloc&) { // nothing more can be removed
+    } catch (const std::exception&) { // no memory: nothing more can be removed
     }
 }
 

@@ -1,16 +1,19 @@
 #include "system/Uuid.h"
 
+#include <unistd.h>
+
 #include <array>
+#include <cerrno>
 #include <cstdint>
-#include <random>
+#include <string_view>
+#include <system_error>
 
 namespace velmora {
 
 std::string randomUuid() {
-    std::random_device device;
     std::array<std::uint8_t, 16> bytes{};
-    for (std::uint8_t& byte : bytes) {
-        byte = static_cast<std::uint8_t>(device());
+    if (::getentropy(bytes.data(), bytes.size()) != 0) {
+        throw std::system_error(errno, std::generic_category(), "no random bytes");
     }
     bytes[6] = static_cast<std::uint8_t>((bytes[6] & 0x0F) | 0x40); // version 4
     bytes[8] = static_cast<std::uint8_t>((bytes[8] & 0x3F) | 0x80); // variant of RFC 4122

@@ -7,6 +7,7 @@
 namespace velmora {
 
 /// A fresh random (version 4) UUID in canonical text form: 36 characters, upper-case hexadecimal and hyphens.
+/// Throws std::system_error on a system that gives no random bytes.
 std::string randomUuid();
 
 } // namespace velmora

@@ -1,0 +1,163 @@
+#include "gather/TempRegistry.h"
+
+#include "support/Files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+#include <regex>
+#include <set>
+#include <thread>
+
+namespace velmora {
+
+namespace {
+
+using test::freshFolder;
+using test::write;
+using testing::ElementsAre;
+using testing::IsEmpty;
+namespace fs = std::filesystem;
+
+/// A new directory of the kind that an extraction leaves, with a file in it.
+fs::path extractionDirectory() {
+    fs::path directory = TempRegistry::freshPath("");
+    write(directory / "a.wav");
+    return directory;
+}
+
+TEST(TempRegistry, MakesPathsThatNothingHas) {
+    const std::regex form("velmora-zip-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
+    std::set<fs::path> paths;
+    for (int i = 0; i < 100; ++i) {
+        const fs::path path = TempRegistry::freshPath("zip-");
+        EXPECT_EQ(path.parent_path(), fs::temp_directory_path());
+        EXPECT_TRUE(std::regex_match(path.filename().native(), form)) << path;
+        EXPECT_FALSE(fs::exists(path));
+        paths.insert(path);
+    }
+    EXPECT_EQ(paths.size(), 100U);
+    EXPECT_TRUE(TempRegistry::freshPath("").filename().native().starts_with("velmora-"));
+}
+
+TEST(TempRegistry, MakesAbsolutePathsWhateverTheEnvironmentSays) {
+    const fs::path folder = freshFolder();
+    fs::create_directory(folder / "temporary");
+    fs::current_path(folder);
+    ::setenv("TMPDIR", "temporary", 1);
+    EXPECT_EQ(TempRegistry::freshPath("").parent_path(), folder / "temporary");
+    ::setenv("TMPDIR", (folder / "missing").c_str(), 1);
+    EXPECT_EQ(TempRegistry::freshPath("").parent_path(), "/tmp");
+}
+
+TEST(TempRegistry, ReleasesWhatWasAdded) {
+    const fs::path first = extractionDirectory();
+    const fs::path second = extractionDirectory();
+    const fs::path other = extractionDirectory();
+    TempRegistry::add({first});
+    TempRegistry::add({second});
+    EXPECT_TRUE(fs::exists(first));
+    TempRegistry::releaseAll();
+    EXPECT_FALSE(fs::exists(first));
+    EXPECT_FALSE(fs::exists(second));
+    EXPECT_TRUE(fs::exists(other));
+}
+
+TEST(TempRegistry, ForgetsWhatItReleased) {
+    const fs::path directory = extractionDirectory();
+    TempRegistry::add({directory});
+    TempRegistry::releaseAll();
+    write(directory / "again.wav");
+    TempRegistry::releaseAll();
+    EXPECT_TRUE(fs::exists(directory));
+}
+
+TEST(TempRegistry, ReleasingNothingHasNoEffect) {
+    const fs::path directory = extractionDirectory();
+    TempRegistry::releaseAll();
+    TempRegistry::add({});
+    TempRegistry::releaseAll();
+    EXPECT_THAT(test::temporaryItems(), ElementsAre(directory.filename().native()));
+}
+
+TEST(TempRegistry, GoesOnWhenADirectoryIsGone) {
+    const fs::path first = extractionDirectory();
+    const fs::path second = extractionDirectory();
+    TempRegistry::add({first, first, second});
+    fs::remove_all(first);
+    TempRegistry::releaseAll();
+    EXPECT_FALSE(fs::exists(second));
+}
+
+TEST(TempRegistry, SweepsEverythingWithItsPrefix) {
+    const fs::path temporary = fs::temp_directory_path();
+    write(temporary / "velmora-1234" / "a.wav");
+    write(temporary / "velmora-src-x-y.zip");
+    write(temporary / "velmora-zip-1" / "b" / "c.wav");
+    write(temporary / "velmora-");
+    write(temporary / "Velmora-1234" / "a.wav");
+    write(temporary / "other-velmora-1");
+    write(temporary / ".velmora-1");
+    const fs::path outside = write(freshFolder() / "outside" / "a.wav");
+    fs::create_directory_symlink(outside.parent_path(), temporary / "velmora-link");
+
+    TempRegistry::sweepStale();
+
+    EXPECT_THAT(test::temporaryItems(), IsEmpty());
+    EXPECT_THAT(test::namesIn(temporary),
+                ElementsAre(".velmora-1", "Velmora-1234", "folders", "other-velmora-1"));
+    EXPECT_TRUE(fs::exists(outside));
+}
+
+TEST(TempRegistry, SweepsNothingWhereTheTemporaryDirectoryCannotBeRead) {
+    ::setenv("TMPDIR", "/proc/self/task", 1);
+    TempRegistry::sweepStale();
+    EXPECT_TRUE(fs::exists("/proc/self/task"));
+}
+
+TEST(TempRegistry, IsNotLockedWhileItDeletes) {
+    const fs::path large = TempRegistry::freshPath("");
+    constexpr int files = 1000;
+    for (int i = 0; i < files; ++i) {
+        write(large / std::to_string(i));
+    }
+    const fs::path added = extractionDirectory();
+    TempRegistry::add({large});
+    std::thread releasing(&TempRegistry::releaseAll);
+    const auto remaining = [&] {
+        std::error_code error;
+        return std::distance(fs::directory_iterator(large, error), fs::directory_iterator());
+    };
+    while (remaining() == files) {
+        std::this_thread::yield();
+    }
+    TempRegistry::add({added});
+    EXPECT_GT(remaining(), 0) << "adding waited for the deletion";
+    releasing.join();
+    EXPECT_TRUE(fs::exists(added));
+}
+
+TEST(TempRegistry, TakesDirectoriesFromManyThreads) {
+    std::array<std::thread, 4> threads;
+    for (std::thread& thread : threads) {
+        thread = std::thread([] {
+            for (int j = 0; j < 20; ++j) {
+                TempRegistry::add({extractionDirectory()});
+                if (j % 5 == 0) {
+                    TempRegistry::releaseAll();
+                }
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    TempRegistry::releaseAll();
+    EXPECT_THAT(test::temporaryItems(), IsEmpty());
+}
+
+} // namespace
+
+} // namespace velmora

@@ -1,0 +1,81 @@
+#include "gather/ZipNames.h"
+
+#include "support/Archives.h"
+#include "support/Shell.h"
+
+#include <gtest/gtest.h>
+
+namespace velmora {
+
+namespace {
+
+using Collector::unzipGarblesNames;
+using test::freshFolder;
+using test::Member;
+using test::write;
+namespace fs = std::filesystem;
+
+const std::vector<Member> members = {{.name = "01.wav", .content = "x"}, {.name = "Füße.wav"}};
+
+TEST(ZipNames, AgreesWithUnzip) {
+    struct Row {
+        test::ZipMaker maker;
+        bool garbled;
+    };
+
+    const std::vector<Row> rows = {
+        {{.system = 0, .version = 20}, true},   {{.system = 0, .version = 45}, true},
+        {{.system = 0, .version = 63}, true},   {{.system = 3, .version = 30}, false},
+        {{.system = 6, .version = 20}, true},   {{.system = 10, .version = 63}, false},
+        {{.system = 11, .version = 45}, false}, {{.system = 11, .version = 50}, true},
+        {{.system = 11, .version = 63}, false}, {{.system = 19, .version = 20}, false},
+    };
+    for (const Row& row : rows) {
+        const fs::path folder = freshFolder();
+        const fs::path zip = write(folder / "a.zip", test::zipArchive(members, row.maker));
+        test::shell("LC_ALL=C.UTF-8 unzip -qq a.zip", folder);
+        EXPECT_EQ(!fs::exists(folder / "Füße.wav"), row.garbled)
+            << row.maker.system << " " << row.maker.version;
+        EXPECT_EQ(unzipGarblesNames(zip), row.garbled) << row.maker.system << " " << row.maker.version;
+    }
+}
+
+TEST(ZipNames, AsciiIsNeverGarbled) {
+    EXPECT_FALSE(unzipGarblesNames(write(freshFolder() / "a.zip", test::zipArchive({{.name = "01.wav"}}))));
+    EXPECT_FALSE(unzipGarblesNames(write(freshFolder() / "a.zip", test::zipArchive({}))));
+}
+
+TEST(ZipNames, FindsTheDirectoryBeforeAComment) {
+    test::Bytes bytes = test::zipArchive(members);
+    bytes[bytes.size() - 1] = 0xFF; // length of the comment
+    bytes[bytes.size() - 2] = 0xFF;
+    bytes.resize(bytes.size() + 0xFFFF, 'c');
+    EXPECT_TRUE(unzipGarblesNames(write(freshFolder() / "a.zip", bytes)));
+}
+
+TEST(ZipNames, SaysNothingOfOtherFiles) {
+    const fs::path folder = freshFolder();
+    EXPECT_FALSE(unzipGarblesNames(folder / "missing.zip"));
+    EXPECT_FALSE(unzipGarblesNames(folder));
+    EXPECT_FALSE(unzipGarblesNames(write(folder / "empty.zip")));
+    EXPECT_FALSE(unzipGarblesNames(write(folder / "a.tar", test::tarArchive(members))));
+}
+
+TEST(ZipNames, SurvivesEveryCutAndEveryFlippedByte) {
+    const test::Bytes whole = test::zipArchive(members);
+    const fs::path path = freshFolder() / "a.zip";
+    ASSERT_TRUE(unzipGarblesNames(write(path, whole)));
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        const test::Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        EXPECT_FALSE(unzipGarblesNames(write(path, cut))) << size;
+    }
+    for (std::size_t at = 0; at < whole.size(); ++at) {
+        test::Bytes flipped = whole;
+        flipped[at] ^= 0xFF;
+        unzipGarblesNames(write(path, flipped)); // any answer, but an answer
+    }
+}
+
+} // namespace
+
+} // namespace velmora

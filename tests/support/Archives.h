@@ -1,0 +1,51 @@
+#pragma once
+
+// Archives for tests. Where a real packer exists it packs; where it would refuse (a name that leads out of
+// the archive, a name in an old code page) or does not exist (rar), the bytes are written here.
+
+#include "support/Files.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::test {
+
+/// Packs everything in `folder` into `archive` with the real tool for its extension: zip, zipx, tar, tgz,
+/// tbz, tbz2, txz, 7z. Further `options` go to the tool as they are. Returns `archive`.
+fs::path pack(const fs::path& archive, const fs::path& folder, std::string_view options = "");
+
+/// Compresses one file with gzip, bzip2 or xz, by the extension of `compressed`. Returns `compressed`.
+fs::path compress(const fs::path& compressed, std::string_view content);
+
+/// One member of an archive written byte by byte.
+struct Member {
+    std::string name = {};
+    std::string content = {};
+    char type = '0';             ///< of a tar member: '0' file, '1' hard link, '2' link, '5' folder, '6' FIFO
+    unsigned mode = 0644;        ///< of a tar member: its permissions
+    std::string linkTarget = {}; ///< of a tar member of type '1' or '2'
+    std::optional<std::uint64_t> declaredSize =
+        {}; ///< of a tar member: what its header says, if not the truth
+};
+
+/// A tar archive in the ustar format, names as they are.
+Bytes tarArchive(const std::vector<Member>& members);
+
+/// What a zip archive says of the program that made it. The default is what Windows and Java write.
+struct ZipMaker {
+    int system = 0;   ///< 0 DOS, 3 Unix, 11 NTFS
+    int version = 20; ///< of the zip format, times ten
+};
+
+/// A zip archive, members stored, names as they are and flagged as UTF-8.
+Bytes zipArchive(const std::vector<Member>& members, const ZipMaker& maker = {});
+
+enum class RarSecrecy : std::uint8_t { open, content, contentAndNames };
+
+/// A rar archive (version 4) with its members stored, or with noise in the place of what is encrypted.
+Bytes rarArchive(const std::vector<Member>& members, RarSecrecy secrecy = RarSecrecy::open);
+
+} // namespace velmora::test

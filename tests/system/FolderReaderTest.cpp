@@ -1,0 +1,95 @@
+#include "system/FolderReader.h"
+
+#include "support/Files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <map>
+
+namespace velmora {
+
+namespace {
+
+using test::freshFolder;
+using test::write;
+using testing::Pair;
+using testing::UnorderedElementsAre;
+namespace fs = std::filesystem;
+
+std::map<std::string, EntryKind> entriesOf(FolderReader reader) {
+    std::map<std::string, EntryKind> entries;
+    while (const auto entry = reader.next()) {
+        entries.emplace(entry->name, entry->kind);
+    }
+    return entries;
+}
+
+TEST(FolderReader, TellsFoldersAndLinksFromTheRest) {
+    const fs::path folder = freshFolder();
+    fs::create_directory(folder / "folder");
+    write(folder / "file");
+    fs::create_symlink("folder", folder / "link");
+    ASSERT_EQ(::mkfifo((folder / "fifo").c_str(), 0600), 0);
+    EXPECT_THAT(entriesOf(FolderReader(folder)),
+                UnorderedElementsAre(Pair("folder", EntryKind::folder), Pair("file", EntryKind::other),
+                                     Pair("link", EntryKind::link), Pair("fifo", EntryKind::other)));
+}
+
+TEST(FolderReader, GivesHiddenNamesButNotTheFolderItself) {
+    const fs::path folder = freshFolder();
+    write(folder / ".hidden");
+    write(folder / "...");
+    EXPECT_THAT(entriesOf(FolderReader(folder)),
+                UnorderedElementsAre(Pair(".hidden", EntryKind::other), Pair("...", EntryKind::other)));
+}
+
+TEST(FolderReader, GivesNamesAsTheirBytes) {
+    const fs::path folder = freshFolder();
+    write(folder / "caf\xE9\n.wav");
+    write(folder / std::string(255, 'x'));
+    EXPECT_THAT(entriesOf(FolderReader(folder)),
+                UnorderedElementsAre(Pair("caf\xE9\n.wav", EntryKind::other),
+                                     Pair(std::string(255, 'x'), EntryKind::other)));
+}
+
+TEST(FolderReader, KnowsLinksThatLeadToFolders) {
+    const fs::path folder = freshFolder();
+    fs::create_directory(folder / "folder");
+    write(folder / "file");
+    fs::create_symlink("folder", folder / "to-folder");
+    fs::create_symlink("file", folder / "to-file");
+    fs::create_symlink("nowhere", folder / "dangling");
+    fs::create_symlink("loop", folder / "loop");
+
+    FolderReader reader(folder);
+    std::map<std::string, bool> leading;
+    while (const auto entry = reader.next()) {
+        leading.emplace(entry->name, reader.leadsToFolder(*entry));
+    }
+
+    EXPECT_THAT(leading,
+                UnorderedElementsAre(Pair("folder", false), Pair("file", false), Pair("to-folder", true),
+                                     Pair("to-file", false), Pair("dangling", false), Pair("loop", false)));
+}
+
+TEST(FolderReader, FindsNothingInWhatIsNotAFolder) {
+    const fs::path folder = freshFolder();
+    EXPECT_THAT(entriesOf(FolderReader(folder)), testing::IsEmpty());
+    EXPECT_THAT(entriesOf(FolderReader(folder / "missing")), testing::IsEmpty());
+    EXPECT_THAT(entriesOf(FolderReader(write(folder / "file"))), testing::IsEmpty());
+    EXPECT_THAT(entriesOf(FolderReader(FileDescriptor())), testing::IsEmpty());
+}
+
+TEST(FolderReader, OpensAFolderThroughALink) {
+    const fs::path folder = freshFolder();
+    write(folder / "real" / "file");
+    fs::create_symlink("real", folder / "link");
+    EXPECT_THAT(entriesOf(FolderReader(folder / "link")),
+                UnorderedElementsAre(Pair("file", EntryKind::other)));
+}
+
+} // namespace
+
+} // namespace velmora
