@@ -85,6 +85,8 @@ INSTANTIATE_TEST_SUITE_P(
         ArrowCase{"SystemToRecords", "system/FileName.cpp", "#include \"core/Records.h\"", false},
         ArrowCase{"CommandLineToModel", "cli/Main.cpp", "#include \"core/ScanModel.h\"", true},
         ArrowCase{"CommandLineToMeasure", "cli/Main.cpp", "#include \"measure/OggDuration.h\"", false},
+        ArrowCase{"ViewsToPictures", "ui/Views.cpp", "#include \"screenshots/Screenshots.h\"", false},
+        ArrowCase{"WindowToPictures", "ui/main.cpp", "#include \"screenshots/Screenshots.h\"", true},
         ArrowCase{"UndrawnFolder", "extras/Toy.cpp", "#include <vector>", false},
         ArrowCase{"SourceFile", "core/ScanModel.cpp", "#include \"core/Summary.cpp\"", false},
         ArrowCase{"WithoutFolder", "core/ScanModel.cpp", "#include \"Summary.h\"", false},
