@@ -7,11 +7,13 @@ import sys
 import archives
 import busy
 import kinds
+import micro
 import peers
 import scaling
 from measuring import DATA, ROOT, output_of
 
-BENCHMARKS = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "archives": archives}
+BENCHMARKS = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
+              "archives": archives}
 
 
 def machine() -> str:
