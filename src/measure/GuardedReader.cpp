@@ -12,17 +12,18 @@ std::span<const std::uint8_t> GuardedReader::header(std::int64_t offset, std::si
     if (offset < 0 || count > windowBytes || offset > size() - static_cast<std::int64_t>(count)) {
         return {};
     }
-    const bool isInWindow =
-        offset >= m_windowStart &&
-        offset - m_windowStart <= static_cast<std::int64_t>(m_windowSize) - static_cast<std::int64_t>(count);
-    if (!isInWindow) {
-        m_windowSize = search(offset, m_window);
-        m_windowStart = offset;
-        if (m_windowSize < count) {
+    if (!m_windows[m_latest].holds(offset, count)) {
+        m_latest = 1 - m_latest;
+    }
+    Window& window = m_windows[m_latest];
+    if (!window.holds(offset, count)) {
+        window.size = search(offset, window.bytes);
+        window.start = offset;
+        if (window.size < count) {
             return {};
         }
     }
-    return std::span(m_window).subspan(static_cast<std::size_t>(offset - m_windowStart), count);
+    return std::span(window.bytes).subspan(static_cast<std::size_t>(offset - window.start), count);
 }
 
 std::size_t GuardedReader::search(std::int64_t offset, std::span<std::uint8_t> buffer) {

@@ -53,9 +53,21 @@ private:
     std::stop_token m_stop;
     std::int64_t m_budget = searchBytes;
     Clock::time_point m_deadline = Clock::now() + searchTime;
-    std::array<std::uint8_t, windowBytes> m_window; // filled up to m_windowSize
-    std::int64_t m_windowStart = 0;
-    std::size_t m_windowSize = 0;
+
+    /// What was read last. There are two, because readers go to and fro between two places.
+    struct Window {
+        std::array<std::uint8_t, windowBytes> bytes; // the first `size` of them are filled
+        std::int64_t start = 0;
+        std::size_t size = 0;
+
+        bool holds(std::int64_t offset, std::size_t count) const {
+            return offset >= start &&
+                   offset - start <= static_cast<std::int64_t>(size) - static_cast<std::int64_t>(count);
+        }
+    };
+
+    std::array<Window, 2> m_windows;
+    std::size_t m_latest = 0;
 };
 
 } // namespace velmora

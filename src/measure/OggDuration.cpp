@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -72,6 +73,17 @@ std::optional<std::uint64_t> pageGranule(Bytes bytes) {
     return granule == 0 || granule == noGranule ? std::nullopt : std::optional(granule);
 }
 
+/// The same of the last such page header that begins among the first `searched` bytes of `window`.
+std::optional<std::uint64_t> lastGranuleIn(Bytes window, std::size_t searched) {
+    while (const void* const letter = ::memrchr(window.data(), capturePattern.front(), searched)) {
+        searched = static_cast<std::size_t>(static_cast<const std::uint8_t*>(letter) - window.data());
+        if (const auto granule = pageGranule(window.subspan(searched))) {
+            return granule;
+        }
+    }
+    return std::nullopt;
+}
+
 /// The granule position of the last page that has one. The tail is searched from its end in windows that
 /// double, so that a common file, whose last page is below 8 KiB, costs one small read.
 std::optional<std::uint64_t> lastGranule(const ByteSource& source) {
@@ -90,10 +102,8 @@ std::optional<std::uint64_t> lastGranule(const ByteSource& source) {
         if (!source.fill(start, std::span(window).first(missing))) {
             return std::nullopt;
         }
-        for (std::size_t at = searched; at-- > 0;) {
-            if (const auto granule = pageGranule(Bytes(window).subspan(at))) {
-                return granule;
-            }
+        if (const auto granule = lastGranuleIn(window, searched)) {
+            return granule;
         }
         end = start;
     }

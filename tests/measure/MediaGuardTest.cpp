@@ -1,6 +1,8 @@
 // What a file may not do to the program: make it open a second file, take its name for an address, or keep it
 // busy.
 
+#include "measure/HeaderBytes.h"
+#include "measure/MediaBytes.h"
 #include "measure/MediaDuration.h"
 #include "support/Files.h"
 #include "support/RealAudio.h"
@@ -11,14 +13,17 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
+#include <future>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace velmora::test {
 
 namespace {
+
+using namespace std::string_literals;
 
 MediaAnswer measured(const fs::path& path) {
     const std::optional<RegularFile> file = RegularFile::open(path);
@@ -49,6 +54,21 @@ public:
 private:
     FileDescriptor m_notify;
 };
+
+/// `head`, and zeros up to `size`; the bytes that are read are added to `readBytes`.
+ByteSource paddedSource(const std::string& head, std::int64_t size, std::int64_t& readBytes) {
+    return {size, [&head, size, &readBytes](std::int64_t offset, std::span<std::uint8_t> buffer) {
+                const auto count =
+                    std::clamp<std::int64_t>(size - offset, 0, static_cast<std::int64_t>(buffer.size()));
+                std::ranges::fill(buffer, std::uint8_t{0});
+                for (std::size_t i = 0;
+                     i < buffer.size() && offset + static_cast<std::int64_t>(i) < std::ssize(head); ++i) {
+                    buffer[i] = static_cast<std::uint8_t>(head[static_cast<std::size_t>(offset) + i]);
+                }
+                readBytes += count;
+                return std::optional(static_cast<std::size_t>(count));
+            }};
+}
 
 struct TrapRow {
     std::string_view name;
@@ -97,6 +117,100 @@ TEST(MediaGuard, EndsWhenStopped) {
     std::stop_source stop;
     stop.request_stop();
     EXPECT_FALSE(mediaDuration(*file, path, stop.get_token()).seconds);
+}
+
+TEST(MediaGuard, SearchesNoFurtherThanItsBudgetInEmptyFiles) {
+    const std::string mpeg = times(100, "\xFF\xFB\x90\x00"s + zeros(413));
+    const std::string wav = "RIFF" + le(0, 4) + "WAVE" + riffChunk("fmt ", zeros(16));
+    const double mpegSeconds = 100 * 1152 / 44'100.0;
+
+    const struct {
+        std::string_view name;
+        std::string head;
+        double seconds;
+    } rows[] = {
+        {"nothing", "", -1},
+        {"chunks without end", wav, -1},
+        {"iff", "FORM" + be(0, 4) + "AIFF", -1},
+        {"avi", "RIFF" + le(0, 4) + "AVI ", -1},
+        {"speech", "#!AMR\n" + times(10, "\x7C"), 0.2},
+        {"mpeg audio", mpeg, mpegSeconds},
+        {"matroska", "\x1A\x45\xDF\xA3", -1},
+    };
+
+    for (const auto& row : rows) {
+        std::int64_t readBytes = 0;
+        const MediaAnswer answer =
+            mediaDuration(paddedSource(row.head, 4LL << 30, readBytes), "track.mp3", {});
+        EXPECT_NEAR(answer.seconds.value_or(-1), row.seconds, 1e-9) << row.name;
+        EXPECT_LT(readBytes, 64 << 20) << row.name;
+    }
+}
+
+TEST(MediaGuard, CountsAudioBeyondTheBudgetOfTheSearch) {
+    const std::string frame = "\xFF\xFB\x90\x00"s + zeros(413);
+    constexpr std::int64_t frames = 200'000; // 83 MB
+    const ByteSource source{frames * 417, [&frame](std::int64_t offset, std::span<std::uint8_t> buffer) {
+                                std::size_t filled = 0;
+                                while (filled < buffer.size() && offset < frames * 417) {
+                                    buffer[filled++] = static_cast<std::uint8_t>(
+                                        frame[static_cast<std::size_t>(offset++ % 417)]);
+                                }
+                                return std::optional(filled);
+                            }};
+    EXPECT_NEAR(mediaDuration(source, "long.mp3", {}).seconds.value_or(-1), frames * 1152 / 44'100.0, 1e-6);
+}
+
+TEST(MediaGuard, ReadsLittleOfAFileThatStatesItsLength) {
+    const AudioShape shape{.frames = 44'100 * 30};
+    const fs::path folder = freshFolder();
+    const std::string picture = "ID3\x04"s + zeros(3) + "\x10" + zeros(2) + zeros(16 << 14);
+    const std::string faststart = R"(ffmpeg -v error -y -i "$IN" -c:a aac -movflags faststart "$OUT")";
+    const std::pair<std::string_view, std::string> rows[] = {
+        {"wav", read(encodeAudio(folder / "a.wav", shape))},
+        {"aiff", read(encodeAudio(folder / "a.aiff", shape))},
+        {"mp3 behind a picture", picture + read(encodeAudio(folder / "a.mp3", shape))},
+        {"flac", read(encodeAudio(folder / "a.flac", shape))},
+        {"m4a", read(encodeAudio(folder / "a.m4a", faststart, shape))},
+        {"mpc", read(encodeAudio(folder / "a.mpc", shape))},
+        {"wv", read(encodeAudio(folder / "a.wv", shape))},
+    };
+    for (const auto& [name, bytes] : rows) {
+        std::vector<Read> reads;
+        const Bytes content(bytes.begin(), bytes.end());
+        const MediaAnswer answer = mediaDuration(counted(content, reads), "track", {});
+        EXPECT_NEAR(answer.seconds.value_or(-1), shape.seconds(), 0.001) << name;
+        EXPECT_LE(reads.size(), 3) << name;
+        std::int64_t sum = 0;
+        for (const Read& one : reads) {
+            sum += one.bytes;
+        }
+        EXPECT_LE(sum, 128 << 10) << name;
+    }
+}
+
+TEST(MediaGuard, GivesEveryThreadTheSameAnswer) {
+    const fs::path folder = freshFolder();
+    std::vector<fs::path> files;
+    for (const char* const extension : {"mp3", "flac", "m4a", "ogg", "mka", "wma", "tta", "aac", "ra"}) {
+        files.push_back(encodeAudio(folder / ("track."s + extension)));
+    }
+    const auto measureAll = [&files] {
+        std::vector<double> seconds;
+        for (const fs::path& file : files) {
+            seconds.push_back(measured(file).seconds.value_or(-1));
+        }
+        return seconds;
+    };
+    const std::vector<double> expected = measureAll();
+    EXPECT_EQ(std::ranges::count(expected, -1), 0);
+    std::vector<std::future<std::vector<double>>> threads;
+    for (int i = 0; i < 6; ++i) {
+        threads.push_back(std::async(std::launch::async, measureAll));
+    }
+    for (auto& thread : threads) {
+        EXPECT_EQ(thread.get(), expected);
+    }
 }
 
 } // namespace velmora::test
