@@ -1,0 +1,136 @@
+#include "export/Zipper.h"
+
+#include "export/EntryNames.h"
+#include "export/ZipWriter.h"
+#include "gather/TempRegistry.h"
+#include "system/FileCopy.h"
+#include "system/FileName.h"
+#include "system/RemoveTree.h"
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace velmora::Zipper {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+class ErrorDomain : public std::error_category {
+public:
+    const char* name() const noexcept override { return "Velmora"; }
+
+    std::string message(int code) const override {
+        return code == archiveNotWritten ? "The archive could not be written." : "Unknown error.";
+    }
+};
+
+[[noreturn]] void fail(const char* what, const fs::path& path, int error) {
+    throw fs::filesystem_error(what, path, std::error_code(error, std::generic_category()));
+}
+
+void endIfStopped(const std::stop_token& stop) {
+    if (stop.stop_requested()) {
+        throw std::system_error(ECANCELED, std::generic_category());
+    }
+}
+
+/// A new private directory in the temporary directory, removed with all that is in it.
+class StagingDirectory {
+public:
+    StagingDirectory()
+        : m_path(TempRegistry::freshPath("zip-")) {
+        if (::mkdir(m_path.c_str(), S_IRWXU) != 0) {
+            fail("cannot make a folder in", m_path.parent_path(), errno);
+        }
+    }
+
+    StagingDirectory(const StagingDirectory&) = delete;
+    StagingDirectory& operator=(const StagingDirectory&) = delete;
+
+    ~StagingDirectory() { removeTree(m_path); }
+
+    const fs::path& path() const { return m_path; }
+
+private:
+    fs::path m_path;
+};
+
+/// The name of the archive's one folder. Never one that stands for another folder: "...zip" would give "..".
+std::string folderName(const fs::path& destination) {
+    const std::string name = lastComponent(destination);
+    const std::string_view stem = withoutExtension(name);
+    return std::string(stem.empty() || stem == "." || stem == ".." ? "Audio" : stem);
+}
+
+void stage(const fs::path& file, const fs::path& staged, const std::stop_token& stop) {
+    endIfStopped(stop);
+    std::error_code error;
+    fs::create_directories(staged.parent_path(), error);
+    if (error) {
+        throw fs::filesystem_error("cannot make the folder of", file, error);
+    }
+    copyFile(file, staged, stop);
+}
+
+/// Moves `archive` to `destination`. A rename replaces the old archive in one step; to another file system
+/// the archive is copied, and then the old one has to go first.
+void place(const fs::path& archive, const fs::path& destination, const std::stop_token& stop) {
+    if (std::rename(archive.c_str(), destination.c_str()) == 0) {
+        return;
+    }
+    if (::unlink(destination.c_str()) != 0 && errno != ENOENT) {
+        fail("cannot replace", destination, errno);
+    }
+    try {
+        copyFile(archive, destination, stop);
+    } catch (const fs::filesystem_error& error) {
+        throw fs::filesystem_error("cannot write", destination, error.code());
+    }
+    std::error_code ignored; // there are file systems without permissions
+    fs::permissions(destination, fs::status(archive, ignored).permissions(), ignored);
+}
+
+} // namespace
+
+const std::error_category& errorDomain() {
+    static const ErrorDomain domain;
+    return domain;
+}
+
+void zip(const std::vector<fs::path>& files, const std::vector<fs::path>& roots, const fs::path& destination,
+         const Progress& progress, const std::stop_token& stop) {
+    std::error_code ignored;
+    if (fs::is_directory(destination, ignored)) {
+        fail("cannot replace", destination, EISDIR);
+    }
+    const StagingDirectory staging;
+    const std::string name = folderName(destination);
+    const fs::path content = staging.path() / name;
+    if (::mkdir(content.c_str(), S_IRWXU) != 0) {
+        fail("cannot make a folder for", destination, errno);
+    }
+    const std::vector<std::string> names = entryNames(files, roots);
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        stage(files[i], content / names[i], stop);
+        progress(static_cast<int>(i + 1), static_cast<int>(files.size()));
+    }
+    const fs::path archive = staging.path() / withEnding(name, ".zip");
+    writeZip(archive, content, names, stop);
+    endIfStopped(stop);
+    place(archive, destination, stop);
+}
+
+std::string description(const std::exception& error) {
+    const auto* file = dynamic_cast<const fs::filesystem_error*>(&error);
+    if (file != nullptr && !file->path1().empty()) {
+        return lastComponent(file->path1()) + ": " + file->code().message();
+    }
+    const auto* system = dynamic_cast<const std::system_error*>(&error);
+    return system != nullptr ? system->code().message() : error.what();
+}
+
+} // namespace velmora::Zipper
