@@ -1,0 +1,144 @@
+#include "cli/Options.h"
+
+#include "cli/Names.h"
+
+#include <getopt.h>
+
+#include <algorithm>
+#include <array>
+
+namespace velmora {
+
+namespace {
+
+constexpr const char* shortOptions = ":lfj0:z:qVh"; // the colon in front tells a missing value apart
+
+const std::array<option, 9> longOptions = {{{"list", no_argument, nullptr, 'l'},
+                                            {"files", no_argument, nullptr, 'f'},
+                                            {"json", no_argument, nullptr, 'j'},
+                                            {"files0-from", required_argument, nullptr, '0'},
+                                            {"zip", required_argument, nullptr, 'z'},
+                                            {"quiet", no_argument, nullptr, 'q'},
+                                            {"version", no_argument, nullptr, 'V'},
+                                            {"help", no_argument, nullptr, 'h'},
+                                            {nullptr, 0, nullptr, 0}}};
+
+/// The arguments in the form getopt takes and permutes them, and its state set back to the beginning.
+class ArgumentReader {
+public:
+    explicit ArgumentReader(std::vector<std::string>& arguments)
+        : m_words{m_name.data()} {
+        for (std::string& argument : arguments) {
+            m_words.push_back(argument.data());
+        }
+        m_words.push_back(nullptr);
+        optind = 0; // also forgets where in a word of combined options the last reading ended
+        opterr = 0; // the messages are ours
+    }
+
+    /// The next option's letter; '?' for one that is wrong, ':' for one without its value, -1 after the last.
+    int next() { return ::getopt_long(count(), m_words.data(), shortOptions, longOptions.data(), nullptr); }
+
+    /// Why `next` gave '?' or ':'.
+    UsageError error(int answer) const {
+        const std::string letter = optopt == 0 ? std::string() : std::string{'-', static_cast<char>(optopt)};
+        if (answer == ':') {
+            return {"option " + quotedName(letter) + " needs a value"};
+        }
+        if (optopt == 0) {
+            return {"unknown option " + quotedName(m_words[static_cast<std::size_t>(optind - 1)])};
+        }
+        const bool known = std::ranges::any_of(longOptions, [](const option& o) { return o.val == optopt; });
+        return {known ? "option " + quotedName(letter) + " takes no value"
+                      : "unknown option " + quotedName(letter)};
+    }
+
+    std::vector<std::filesystem::path> rest() const { return {m_words.begin() + optind, m_words.end() - 1}; }
+
+private:
+    int count() const { return static_cast<int>(m_words.size()) - 1; }
+
+    std::string m_name = "velmora-scan";
+    std::vector<char*> m_words;
+};
+
+/// Chooses `wanted`, the first time or again.
+std::optional<UsageError> choose(std::optional<Output>& output, Output wanted) {
+    if (output.value_or(wanted) != wanted) {
+        return UsageError{"only one of --list, --files and --json can be given"};
+    }
+    output = wanted;
+    return std::nullopt;
+}
+
+} // namespace
+
+CommandLine parseCommandLine(std::vector<std::string> arguments) {
+    ArgumentReader reader(arguments);
+    Options options;
+    std::optional<Output> output;
+    std::optional<UsageError> error;
+    for (int letter = reader.next(); letter != -1 && !error; letter = reader.next()) {
+        switch (letter) {
+        case 'l':
+            error = choose(output, Output::list);
+            break;
+        case 'f':
+            error = choose(output, Output::files);
+            break;
+        case 'j':
+            error = choose(output, Output::json);
+            break;
+        case '0':
+            options.pathLists.emplace_back(optarg);
+            break;
+        case 'z':
+            options.zip = optarg;
+            break;
+        case 'q':
+            options.quiet = true;
+            break;
+        case 'V':
+            return TextWanted{versionText()};
+        case 'h':
+            return TextWanted{helpText()};
+        default:
+            error = reader.error(letter);
+        }
+    }
+    if (error) {
+        return *error;
+    }
+    options.output = output.value_or(Output::total);
+    options.paths = reader.rest();
+    if (options.paths.empty() && options.pathLists.empty()) {
+        return UsageError{"no path given"};
+    }
+    return options;
+}
+
+std::string versionText() {
+    return "velmora-scan " VELMORA_VERSION "\n";
+}
+
+std::string helpText() {
+    return R"(Usage: velmora-scan [OPTION...] PATH...
+Tells how long all the audio in files, folders and archives plays.
+
+  -l, --list              write the names of the measured files
+  -f, --files             write a line a file: seconds, a tab, the path
+  -j, --json              write everything as one JSON object
+  -0, --files0-from FILE  scan the paths in FILE too, separated by NUL;
+                          with - they are read from standard input
+  -z, --zip FILE          pack the measured files into the zip archive FILE
+  -q, --quiet             show no progress
+  -V, --version           write the version
+  -h, --help              write this help
+
+Exit status: 0 everything was measured, 1 something could not be read,
+2 wrong usage, 3 nothing was measured, 4 the zip archive was not written,
+130 interrupted.
+)";
+}
+
+} // namespace velmora

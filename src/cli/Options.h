@@ -1,0 +1,59 @@
+#pragma once
+
+// The command line of velmora-scan, in GNU style: options and paths in any order, "--" ends the options,
+// "-qf" is "-q -f", "--zip=FILE" is "--zip FILE".
+
+#include <cstdint>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace velmora {
+
+/// What is written to standard output.
+enum class Output : std::uint8_t {
+    total, ///< the total in two lines
+    list,  ///< the names of the measured files
+    files, ///< a line a file: seconds, TAB, path
+    json,  ///< one object
+};
+
+/// A command line that asks for a scan.
+struct Options {
+    using Paths = std::vector<std::filesystem::path>;
+
+    Output output = Output::total;
+    bool quiet = false;                            ///< no progress
+    Paths paths = {};                              ///< as they were given
+    Paths pathLists = {};                          ///< files of further paths; "-" is standard input
+    std::optional<std::filesystem::path> zip = {}; ///< where the zip export goes; absent: none is wanted
+
+    bool operator==(const Options&) const = default;
+};
+
+/// A command line that asks for a text on standard output and nothing else.
+struct TextWanted {
+    std::string text;
+    bool operator==(const TextWanted&) const = default;
+};
+
+/// A command line that cannot be carried out; `text` says why, without a line feed.
+struct UsageError {
+    std::string text;
+    bool operator==(const UsageError&) const = default;
+};
+
+using CommandLine = std::variant<Options, TextWanted, UsageError>;
+
+/// Reads `arguments`, the program's name left out. Not for several threads at once.
+CommandLine parseCommandLine(std::vector<std::string> arguments);
+
+/// What --version writes: "velmora-scan 1.0.0" and a line feed.
+std::string versionText();
+
+/// What --help writes.
+std::string helpText();
+
+} // namespace velmora

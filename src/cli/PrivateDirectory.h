@@ -1,0 +1,35 @@
+#pragma once
+
+// The directory one run of velmora-scan works in. Everything temporary lies in it, its tools' files too, so
+// runs never meet each other's or the window's files, and one removal leaves nothing behind.
+
+#include "system/RegularFile.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+/// A new directory scan-velmora-XXXXXX (mode 0700) in the temporary directory, locked (see cli/RunLock.h).
+/// TMPDIR names it while it exists. Made and destroyed while the program has one thread.
+class PrivateDirectory {
+public:
+    /// Removes what dead runs left, then makes the directory. Throws std::system_error when there is no
+    /// usable temporary directory.
+    PrivateDirectory();
+    PrivateDirectory(const PrivateDirectory&) = delete;
+    PrivateDirectory& operator=(const PrivateDirectory&) = delete;
+
+    /// Removes the directory with everything in it and gives TMPDIR its old value.
+    ~PrivateDirectory();
+
+    const std::filesystem::path& path() const { return m_path; }
+
+private:
+    std::filesystem::path m_path;
+    FileDescriptor m_lock;
+    std::optional<std::string> m_outerTmpdir; // absent when it was not set
+};
+
+} // namespace velmora

@@ -1,0 +1,126 @@
+#include "cli/Report.h"
+
+#include "cli/Names.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QStringDecoder>
+
+#include <array>
+#include <charconv>
+#include <limits>
+
+namespace velmora {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The version of the object's keys and their meaning.
+constexpr int jsonSchema = 1;
+
+std::string threeDecimals(double seconds) {
+    constexpr int decimals = 3;
+    std::array<char, std::numeric_limits<double>::max_exponent10 + decimals + 4> buffer{};
+    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), seconds,
+                                      std::chars_format::fixed, decimals);
+    return {buffer.data(), result.ptr};
+}
+
+QString textOf(const std::string& bytes) {
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
+    return decoder(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
+}
+
+QJsonObject pathObject(const fs::path& path) {
+    const QString text = textOf(path.native());
+    QJsonObject object{{"path", text}};
+    const QByteArray bytes = QByteArray::fromStdString(path.native());
+    if (text.toUtf8() != bytes) {
+        object["pathBytes"] = QString::fromLatin1(bytes.toBase64());
+    }
+    return object;
+}
+
+QJsonArray formatArray(const std::vector<FormatStat>& formats) {
+    QJsonArray array;
+    for (const FormatStat& format : formats) {
+        array.append(
+            QJsonObject{{"ext", textOf(format.ext)}, {"count", format.count}, {"seconds", format.seconds}});
+    }
+    return array;
+}
+
+QJsonObject fileObject(const Measured& file, const ScanDetails& details) {
+    QJsonObject object = pathObject(details.shownPath(file.url));
+    if (file.seconds >= 0) {
+        object["seconds"] = file.seconds;
+        object["bytes"] = static_cast<qint64>(file.bytes);
+    }
+    return object;
+}
+
+} // namespace
+
+std::string report(Output output, const ScanModel& model) {
+    switch (output) {
+    case Output::total:
+        return model.totalText() + "\n";
+    case Output::list:
+        return model.fileListText() + "\n";
+    case Output::files:
+        return filesReport(model.details());
+    case Output::json:
+        return jsonReport(model.status(), model.summary(), model.details());
+    }
+    return {};
+}
+
+std::string filesReport(const ScanDetails& details) {
+    std::string text;
+    for (const Measured& file : details.files) {
+        text += file.seconds < 0 ? "-" : threeDecimals(file.seconds);
+        text += "\t" + fieldName(details.shownPath(file.url).native()) + "\n";
+    }
+    return text;
+}
+
+std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details) {
+    QJsonArray measured;
+    QJsonArray unreadable;
+    for (const Measured& file : details.files) {
+        (file.seconds < 0 ? unreadable : measured).append(fileObject(file, details));
+    }
+    const QJsonObject object{
+        {"schema", jsonSchema},
+        {"status", textOf(status)},
+        {"source", textOf(summary.source)},
+        {"seconds", summary.seconds},
+        {"fileCount", summary.fileCount},
+        {"bytes", static_cast<qint64>(summary.bytes)},
+        {"unreadable", summary.unreadable},
+        {"skippedArchives", static_cast<qint64>(details.skippedArchives.size())},
+        {"formats", formatArray(summary.formats)},
+        {"longestName", textOf(summary.longestName)},
+        {"longestSeconds", summary.longestSeconds},
+        {"files", measured},
+        {"unreadableFiles", unreadable},
+    };
+    return QJsonDocument(object).toJson().toStdString();
+}
+
+std::vector<std::string> problems(const ScanDetails& details) {
+    std::vector<std::string> messages;
+    for (const fs::path& archive : details.skippedArchives) {
+        messages.push_back("cannot unpack " + quotedName(details.shownPath(archive).native()));
+    }
+    for (const Measured& file : details.files) {
+        if (file.seconds < 0) {
+            messages.push_back("cannot time " + quotedName(details.shownPath(file.url).native()));
+        }
+    }
+    return messages;
+}
+
+} // namespace velmora

@@ -1,0 +1,27 @@
+#pragma once
+
+// What velmora-scan writes about a scan that has ended.
+
+#include "cli/Options.h"
+#include "core/Records.h"
+#include "core/ScanModel.h"
+
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+/// What goes to standard output for `output`, with its last line feed.
+std::string report(Output output, const ScanModel& model);
+
+/// A line a file in scan order: seconds with three decimals ("-" when unreadable), TAB, path.
+std::string filesReport(const ScanDetails& details);
+
+/// The scan as one JSON object. Numbers read back to the same value. A path is shown with U+FFFD for what is
+/// not UTF-8; `pathBytes` beside it then holds its bytes in base64.
+std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details);
+
+/// A message for each skipped archive, then for each unreadable file, in the order they were met.
+std::vector<std::string> problems(const ScanDetails& details);
+
+} // namespace velmora

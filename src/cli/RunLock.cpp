@@ -1,0 +1,34 @@
+#include "cli/RunLock.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace velmora {
+
+namespace {
+
+/// Whether `path` still leads to what is open as `descriptor`.
+bool isStillAt(const std::filesystem::path& path, const struct stat& opened) {
+    struct stat found {};
+
+    return ::lstat(path.c_str(), &found) == 0 && found.st_dev == opened.st_dev &&
+           found.st_ino == opened.st_ino;
+}
+
+} // namespace
+
+FileDescriptor lockRun(const std::filesystem::path& path) {
+    FileDescriptor directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+
+    struct stat status {};
+
+    const bool ours = directory && ::fstat(directory.get(), &status) == 0 && status.st_uid == ::geteuid();
+    if (!ours || ::flock(directory.get(), LOCK_EX | LOCK_NB) != 0 || !isStillAt(path, status)) {
+        return {};
+    }
+    return directory;
+}
+
+} // namespace velmora

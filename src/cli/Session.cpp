@@ -1,0 +1,140 @@
+#include "cli/Session.h"
+
+#include "cli/Interrupt.h"
+#include "cli/Names.h"
+#include "cli/PrivateDirectory.h"
+#include "cli/Progress.h"
+#include "cli/Report.h"
+#include "cli/Sources.h"
+#include "core/ScanModel.h"
+
+#include <QCoreApplication>
+
+#include <array>
+#include <optional>
+#include <utility>
+#include <variant>
+
+namespace velmora {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The application object, which wants the program's arguments: a name is enough.
+class Application {
+private:
+    int m_count = 1;
+    std::string m_name = "velmora-scan";
+    std::array<char*, 2> m_words = {m_name.data(), nullptr};
+    QCoreApplication m_application{m_count, m_words.data()};
+};
+
+/// Runs the model's work one after the other in the event loop. The members stand in the order in which they
+/// need each other: background work ends first, then its directory goes, then signals are delivered.
+class Session {
+public:
+    explicit Session(const Options& options)
+        : m_progress(!options.quiet) {
+        QObject::connect(&m_model, &ScanModel::statusChanged, &m_model, [this] { scanMoved(); });
+        QObject::connect(&m_model, &ScanModel::processedChanged, &m_model, [this] { showMeasuring(); });
+        QObject::connect(&m_model, &ScanModel::zipStateChanged, &m_model, [this] { zipMoved(); });
+    }
+
+    /// False when it was interrupted.
+    bool scan(const std::vector<fs::path>& paths) {
+        m_model.ingest(paths);
+        return paths.empty() || awaitEnd();
+    }
+
+    /// False when it was interrupted.
+    bool zip(const fs::path& destination) {
+        m_model.makeZip(destination);
+        return awaitEnd();
+    }
+
+    const ScanModel& model() const { return m_model; }
+
+private:
+    bool awaitEnd() {
+        QCoreApplication::exec();
+        m_progress.clear();
+        return !m_interrupt.requested();
+    }
+
+    void scanMoved() {
+        switch (m_model.phase()) {
+        case ScanModel::Phase::idle:
+            break;
+        case ScanModel::Phase::scanning:
+            m_progress.show(m_model.status());
+            break;
+        case ScanModel::Phase::done:
+        case ScanModel::Phase::empty:
+            QCoreApplication::quit(); // the status is the last thing published
+        }
+    }
+
+    void showMeasuring() {
+        if (m_model.found() > 0) {
+            m_progress.show(m_model.status(), Advance{m_model.processed(), m_model.found()});
+        }
+    }
+
+    void zipMoved() {
+        const ZipState& state = m_model.zipState();
+        if (const auto* working = std::get_if<ZipWorking>(&state)) {
+            m_progress.show("ZIPPING", Advance{working->done, working->total});
+        } else if (!std::holds_alternative<ZipIdle>(state)) {
+            QCoreApplication::quit();
+        }
+    }
+
+    Application m_application;
+    Interrupt m_interrupt{[] { QCoreApplication::quit(); }};
+    Progress m_progress;
+    PrivateDirectory m_directory;
+    ScanModel m_model;
+};
+
+ExitStatus statusOf(const ScanSummary& summary) {
+    if (summary.fileCount == 0) {
+        return ExitStatus::nothingMeasured;
+    }
+    return summary.unreadable > 0 ? ExitStatus::incomplete : ExitStatus::complete;
+}
+
+/// Writes the zip export of a scan that has ended to `destination`, an absolute path.
+void makeZip(Session& session, const fs::path& destination, Outcome& outcome) {
+    const std::string failure = "cannot write the zip archive: ";
+    if (outcome.status == ExitStatus::nothingMeasured) {
+        outcome.problems.push_back(failure + "nothing was measured");
+        return;
+    }
+    if (!session.zip(destination)) {
+        outcome.status = ExitStatus::interrupted;
+    } else if (const auto* failed = std::get_if<ZipFailed>(&session.model().zipState())) {
+        outcome.problems.push_back(failure + terminalText(failed->text));
+        outcome.status = ExitStatus::zipFailed;
+    }
+}
+
+} // namespace
+
+Outcome runScan(const Options& options, const std::vector<fs::path>& paths) {
+    const fs::path zip = options.zip ? absolutePath(*options.zip) : fs::path();
+    Session session(options);
+    if (!session.scan(paths)) {
+        return {.status = ExitStatus::interrupted, .report = {}, .problems = {}};
+    }
+    const ScanModel& model = session.model();
+    Outcome outcome{.status = statusOf(model.summary()),
+                    .report = report(options.output, model),
+                    .problems = problems(model.details())};
+    if (options.zip) {
+        makeZip(session, zip, outcome);
+    }
+    return outcome;
+}
+
+} // namespace velmora

@@ -1,0 +1,27 @@
+#pragma once
+
+// One scan from start to clean end, with its progress on the terminal. What it has to say is kept until
+// everything temporary is gone: whoever then reads or does not read it, nothing is left to clean up.
+
+#include "cli/ExitStatus.h"
+#include "cli/Options.h"
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace velmora {
+
+/// Of an interrupted scan only `status` counts.
+struct Outcome {
+    ExitStatus status = ExitStatus::complete;
+    std::string report;                ///< for standard output
+    std::vector<std::string> problems; ///< messages for standard error
+};
+
+/// Scans `paths` (absolute) as `options` ask and writes the zip export when they ask for it. Blocks until all
+/// background work has ended and the private directory is gone. Throws std::system_error when there is no
+/// directory to work in. Main thread; makes the QCoreApplication.
+Outcome runScan(const Options& options, const std::vector<std::filesystem::path>& paths);
+
+} // namespace velmora

@@ -1,0 +1,52 @@
+#include "cli/Terminal.h"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <string>
+#include <system_error>
+
+namespace velmora {
+
+void reserveStandardDescriptors() {
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
+        if (::fcntl(descriptor, F_GETFD) < 0) {
+            // Opened the wrong way round: use is an error. The lowest free number is this one.
+            (void)::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
+        }
+    }
+}
+
+int writeText(int descriptor, std::string_view text) noexcept {
+    while (!text.empty()) {
+        const ssize_t written = ::write(descriptor, text.data(), text.size());
+        if (written >= 0) {
+            text.remove_prefix(static_cast<std::size_t>(written));
+        } else if (errno == EAGAIN) { // another program made it non-blocking
+            pollfd room{descriptor, POLLOUT, 0};
+            ::poll(&room, 1, -1);
+        } else if (errno != EINTR) {
+            return errno;
+        }
+    }
+    return 0;
+}
+
+void complain(std::string_view message) noexcept {
+    for (const std::string_view part :
+         {std::string_view("velmora-scan: "), message, std::string_view("\n")}) {
+        writeText(STDERR_FILENO, part);
+    }
+}
+
+bool writeOutput(std::string_view text) {
+    const int error = writeText(STDOUT_FILENO, text);
+    if (error != 0) {
+        complain("cannot write the report: " + std::generic_category().message(error));
+    }
+    return error == 0;
+}
+
+} // namespace velmora

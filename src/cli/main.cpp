@@ -1,0 +1,67 @@
+// velmora-scan: how long does all this audio play? Answered in the terminal.
+
+#include "cli/Interrupt.h"
+#include "cli/Options.h"
+#include "cli/Session.h"
+#include "cli/Sources.h"
+#include "cli/Terminal.h"
+
+#include <algorithm>
+#include <csignal>
+#include <exception>
+#include <system_error>
+
+namespace velmora {
+
+namespace {
+
+ExitStatus carryOut(const Options& options) {
+    std::vector<std::filesystem::path> given;
+    try {
+        given = givenPaths(options);
+    } catch (const std::system_error& error) {
+        complain(error.what());
+        return ExitStatus::usage;
+    }
+    const Sources sources = locate(given);
+    std::ranges::for_each(sources.problems, &complain);
+
+    const Outcome outcome = runScan(options, sources.paths);
+    if (outcome.status == ExitStatus::interrupted) {
+        return outcome.status;
+    }
+    std::ranges::for_each(outcome.problems, &complain);
+    const bool written = writeOutput(outcome.report);
+    if (outcome.status == ExitStatus::complete && (!written || !sources.problems.empty())) {
+        return ExitStatus::incomplete;
+    }
+    return outcome.status;
+}
+
+ExitStatus carryOut(const TextWanted& wanted) {
+    return writeOutput(wanted.text) ? ExitStatus::complete : ExitStatus::incomplete;
+}
+
+ExitStatus carryOut(const UsageError& error) {
+    complain(error.text);
+    complain("'velmora-scan --help' tells more");
+    return ExitStatus::usage;
+}
+
+} // namespace
+
+} // namespace velmora
+
+int main(int argc, char** argv) {
+    using namespace velmora;
+    reserveStandardDescriptors();
+    std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error of the write
+    endAtSignals();
+    try {
+        const CommandLine line = parseCommandLine({argv + std::min(argc, 1), argv + argc});
+        return static_cast<int>(std::visit([](const auto& asked) { return carryOut(asked); }, line));
+    } catch (const std::exception& error) {
+        complain(error.what());
+        return static_cast<int>(ExitStatus::nothingMeasured);
+    }
+}
