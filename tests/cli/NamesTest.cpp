@@ -1,0 +1,59 @@
+#include "cli/Names.h"
+
+#include <gtest/gtest.h>
+
+namespace velmora {
+namespace {
+
+struct NameCase {
+    std::string label;
+    std::string name;
+    std::string field;
+    std::string quoted;
+};
+
+class Name : public testing::TestWithParam<NameCase> {};
+
+TEST_P(Name, IsWrittenAsAField) {
+    EXPECT_EQ(fieldName(GetParam().name), GetParam().field);
+}
+
+TEST_P(Name, IsQuotedForAMessage) {
+    EXPECT_EQ(quotedName(GetParam().name), GetParam().quoted);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, Name,
+    testing::Values(
+        NameCase{"Empty", "", "", "''"},                                            //
+        NameCase{"Plain", "/a/b c.wav", "/a/b c.wav", "'/a/b c.wav'"},              //
+        NameCase{"LineFeed", "a\nb", "a\\nb", "'a\\x0Ab'"},                         //
+        NameCase{"Tab", "a\tb", "a\\tb", "'a\\x09b'"},                              //
+        NameCase{"Backslash", "a\\nb", "a\\\\nb", "'a\\\\nb'"},                     //
+        NameCase{"Quote", "it's", "it's", "'it's'"},                                //
+        NameCase{"EscapeSequence", "\x1B[31mred", "\x1B[31mred", "'\\x1B[31mred'"}, //
+        NameCase{"Delete", "a\x7F", "a\x7F", "'a\\x7F'"},                           //
+        NameCase{"Umlaut", "Zaubergarten – Süß", "Zaubergarten – Süß", "'Zaubergarten – Süß'"},
+        NameCase{"Emoji", "👨‍👩‍👧.mp3", "👨‍👩‍👧.mp3", "'👨‍👩‍👧.mp3'"},
+        NameCase{"Latin1", "S\xFC\xDF", "S\xFC\xDF", "'S\\xFC\\xDF'"},
+        NameCase{"CutOffUtf8", "a\xE2\x82", "a\xE2\x82", "'a\\xE2\\x82'"},
+        NameCase{"ControlInTwoBytes",
+                 "a\xC2\x9B"
+                 "2J",
+                 "a\xC2\x9B"
+                 "2J",
+                 "'a\\xC2\\x9B2J'"},
+        NameCase{"LineSeparator", "a\u2028b", "a\u2028b", "'a\\xE2\\x80\\xA8b'"},
+        NameCase{"DirectionOverride", "a\u202Evaw.exe", "a\u202Evaw.exe", "'a\\xE2\\x80\\xAEvaw.exe'"}),
+    [](const auto& row) { return row.param.label; });
+
+TEST(QuotedName, WritesEveryByteThatIsNoText) {
+    for (int byte = 1; byte < 0x20; ++byte) {
+        const std::string quoted = quotedName(std::string(1, static_cast<char>(byte)));
+        EXPECT_EQ(quoted.size(), std::string_view("'\\x00'").size()) << byte;
+        EXPECT_EQ(std::stoi(quoted.substr(3, 2), nullptr, 16), byte);
+    }
+}
+
+} // namespace
+} // namespace velmora

@@ -1,0 +1,119 @@
+#include "cli/Options.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora {
+namespace {
+
+using testing::AllOf;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using Arguments = std::vector<std::string>;
+
+struct AcceptedCase {
+    std::string name;
+    Arguments arguments;
+    Options expected;
+};
+
+class AcceptedCommandLine : public testing::TestWithParam<AcceptedCase> {};
+
+TEST_P(AcceptedCommandLine, GivesOptions) {
+    const AcceptedCase& row = GetParam();
+    EXPECT_EQ(parseCommandLine(row.arguments), CommandLine(row.expected));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, AcceptedCommandLine,
+    testing::Values(
+        AcceptedCase{"PathsAlone", {"b", "a"}, {.paths = {"b", "a"}}},
+        AcceptedCase{"ShortList", {"-l", "a"}, {.output = Output::list, .paths = {"a"}}},
+        AcceptedCase{"LongList", {"--list", "a"}, {.output = Output::list, .paths = {"a"}}},
+        AcceptedCase{"ShortFiles", {"-f", "a"}, {.output = Output::files, .paths = {"a"}}},
+        AcceptedCase{"LongFiles", {"--files", "a"}, {.output = Output::files, .paths = {"a"}}},
+        AcceptedCase{"ShortJson", {"-j", "a"}, {.output = Output::json, .paths = {"a"}}},
+        AcceptedCase{"LongJson", {"--json", "a"}, {.output = Output::json, .paths = {"a"}}},
+        AcceptedCase{"ShortQuiet", {"-q", "a"}, {.quiet = true, .paths = {"a"}}},
+        AcceptedCase{"LongQuiet", {"--quiet", "a"}, {.quiet = true, .paths = {"a"}}},
+        AcceptedCase{"ShortZip", {"-z", "o.zip", "a"}, {.paths = {"a"}, .zip = "o.zip"}},
+        AcceptedCase{"ShortZipInOneWord", {"-zo.zip", "a"}, {.paths = {"a"}, .zip = "o.zip"}},
+        AcceptedCase{"LongZip", {"--zip", "o.zip", "a"}, {.paths = {"a"}, .zip = "o.zip"}},
+        AcceptedCase{"LongZipWithEqualsSign", {"--zip=o=1.zip", "a"}, {.paths = {"a"}, .zip = "o=1.zip"}},
+        AcceptedCase{"TheLastZipCounts", {"-z", "1", "-z", "2", "a"}, {.paths = {"a"}, .zip = "2"}},
+        AcceptedCase{"CombinedShortOptions",
+                     {"-qfz", "o", "a"},
+                     {.output = Output::files, .quiet = true, .paths = {"a"}, .zip = "o"}},
+        AcceptedCase{"OptionsBehindPaths", {"a", "-q", "b"}, {.quiet = true, .paths = {"a", "b"}}},
+        AcceptedCase{
+            "NoOptionBehindTwoDashes", {"-q", "--", "-l", "--"}, {.quiet = true, .paths = {"-l", "--"}}},
+        AcceptedCase{"ADashIsAPath", {"-"}, {.paths = {"-"}}},
+        AcceptedCase{"AListFromStandardInput", {"-0", "-"}, {.pathLists = {"-"}}},
+        AcceptedCase{"SeveralListsAndAPath",
+                     {"--files0-from=x", "a", "-0y"},
+                     {.paths = {"a"}, .pathLists = {"x", "y"}}},
+        AcceptedCase{"AnUnmistakableBeginning", {"--qui", "a"}, {.quiet = true, .paths = {"a"}}},
+        AcceptedCase{"TheSameOutputTwice", {"-jj", "--json", "a"}, {.output = Output::json, .paths = {"a"}}},
+        AcceptedCase{"APathThatIsNotUtf8", {"\xFF"}, {.paths = {"\xFF"}}}),
+    [](const auto& row) { return row.param.name; });
+
+struct RefusedCase {
+    std::string name;
+    Arguments arguments;
+    std::string message;
+};
+
+class RefusedCommandLine : public testing::TestWithParam<RefusedCase> {};
+
+TEST_P(RefusedCommandLine, SaysWhy) {
+    const RefusedCase& row = GetParam();
+    EXPECT_EQ(parseCommandLine(row.arguments), CommandLine(UsageError{row.message}));
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Rows, RefusedCommandLine,
+    testing::Values(
+        RefusedCase{"Nothing", {}, "no path given"}, RefusedCase{"NoPath", {"-q", "--"}, "no path given"},
+        RefusedCase{"UnknownShort", {"-x", "a"}, "unknown option '-x'"},
+        RefusedCase{"UnknownAmongKnown", {"-qxf", "a"}, "unknown option '-x'"},
+        RefusedCase{"UnknownLong", {"a", "--nope"}, "unknown option '--nope'"},
+        RefusedCase{"UnknownThatWouldActOnATerminal", {"--\x1B[2J", "a"}, "unknown option '--\\x1B[2J'"},
+        RefusedCase{"UnknownByteAboveAscii", {"-\xE9", "a"}, "unknown option '-\\xE9'"},
+        RefusedCase{"AmbiguousBeginning", {"--file", "a"}, "unknown option '--file'"},
+        RefusedCase{"ValueNotWanted", {"--quiet=yes", "a"}, "option '-q' takes no value"},
+        RefusedCase{"ShortValueMissing", {"a", "-z"}, "option '-z' needs a value"},
+        RefusedCase{"LongValueMissing", {"a", "--zip"}, "option '-z' needs a value"},
+        RefusedCase{"TwoOutputs", {"-l", "-f", "a"}, "only one of --list, --files and --json can be given"},
+        RefusedCase{
+            "TwoOutputsInOneWord", {"-jl", "a"}, "only one of --list, --files and --json can be given"}),
+    [](const auto& row) { return row.param.name; });
+
+TEST(CommandLine, AsksForTheVersionInEitherForm) {
+    EXPECT_EQ(parseCommandLine({"-V"}), CommandLine(TextWanted{versionText()}));
+    EXPECT_EQ(parseCommandLine({"--version", "--nope"}), CommandLine(TextWanted{versionText()}));
+}
+
+TEST(CommandLine, AsksForHelpInEitherForm) {
+    EXPECT_EQ(parseCommandLine({"-h"}), CommandLine(TextWanted{helpText()}));
+    EXPECT_EQ(parseCommandLine({"a", "--help"}), CommandLine(TextWanted{helpText()}));
+}
+
+TEST(CommandLine, IsReadAfreshEachTime) {
+    EXPECT_EQ(parseCommandLine({"-qx", "a"}), CommandLine(UsageError{"unknown option '-x'"}));
+    EXPECT_EQ(parseCommandLine({"-q", "a"}), CommandLine(Options{.quiet = true, .paths = {"a"}}));
+}
+
+TEST(CommandLine, NamesProgramAndVersion) {
+    EXPECT_THAT(versionText(), MatchesRegex("velmora-scan [0-9][0-9.]*\n"));
+}
+
+TEST(CommandLine, HelpNamesEveryOptionInBothForms) {
+    EXPECT_THAT(helpText(), AllOf(HasSubstr("-l, --list "), HasSubstr("-f, --files "),
+                                  HasSubstr("-j, --json "), HasSubstr("-0, --files0-from FILE "),
+                                  HasSubstr("-z, --zip FILE "), HasSubstr("-q, --quiet "),
+                                  HasSubstr("-V, --version "), HasSubstr("-h, --help "), EndsWith("\n")));
+}
+
+} // namespace
+} // namespace velmora

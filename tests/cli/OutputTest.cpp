@@ -1,0 +1,203 @@
+// What the program writes and how it ends, for each thing it can be asked.
+
+#include "cli/Options.h"
+#include "cli/ScanProcess.h"
+#include "support/ForkedProcess.h"
+#include "support/RealAudio.h"
+#include "support/Shell.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::StartsWith;
+
+constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};
+
+/// A folder "Live Set" with two tracks of a second, and beside it a file that is no audio.
+class VelmoraScan : public testing::Test {
+protected:
+    Finished scan(std::vector<std::string> arguments) const {
+        return runToEnd({.arguments = std::move(arguments), .folder = folder});
+    }
+
+    std::string pathOf(std::string_view name) const { return folder / name; }
+
+    const fs::path folder = freshFolder();
+    const fs::path first = writeWav(folder / "Live Set" / "1.wav", oneSecond);
+    const fs::path second = writeWav(folder / "Live Set" / "2.wav", oneSecond);
+    const fs::path broken = write(folder / "broken.mp3", "no audio at all");
+    const std::string nothing = "TOTAL RUNTIME  00:00:00   (0 sec)\n0 audio files";
+};
+
+TEST_F(VelmoraScan, WritesTheTotal) {
+    const Finished run = scan({"Live Set"});
+    EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(run.status, 0);
+}
+
+TEST_F(VelmoraScan, WritesTheList) {
+    EXPECT_EQ(scan({"-l", "Live Set"}).output, "1.wav\n2.wav\n");
+}
+
+TEST_F(VelmoraScan, WritesTheFilesWithTheirSeconds) {
+    const Finished run = scan({"--files", "broken.mp3", "Live Set"});
+    EXPECT_EQ(run.output,
+              "-\t" + broken.native() + "\n1.000\t" + first.native() + "\n1.000\t" + second.native() + "\n");
+}
+
+TEST_F(VelmoraScan, NamesWhatItCannotTime) {
+    const Finished run = scan({"broken.mp3", "Live Set"});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot time '" + broken.native() + "'\n");
+    EXPECT_THAT(run.output, HasSubstr("2 audio files — 2 ITEMS\n"));
+    EXPECT_EQ(run.status, 1);
+}
+
+TEST_F(VelmoraScan, NamesWhatItCannotUnpack) {
+    write(folder / "broken\x1B.zip", "no archive at all");
+    const Finished run = scan({"broken\x1B.zip", "Live Set"});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot unpack '" + pathOf("broken\\x1B.zip") + "'\n");
+    EXPECT_EQ(run.status, 1);
+}
+
+TEST_F(VelmoraScan, NamesAMissingPathAndGoesOn) {
+    const Finished run = scan({"missing.wav", "Live Set"});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot read 'missing.wav': No such file or directory\n");
+    EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
+    EXPECT_EQ(run.status, 1);
+}
+
+TEST_F(VelmoraScan, EndsWith3WhenNoPathIsThere) {
+    const Finished run = scan({"missing.wav"});
+    EXPECT_EQ(run.output, nothing + "\n");
+    EXPECT_EQ(run.status, 3);
+}
+
+TEST_F(VelmoraScan, EndsWith3WhenNothingIsAudio) {
+    write(folder / "notes.txt", "text");
+    const Finished run = scan({"notes.txt"});
+    EXPECT_EQ(run.output, nothing + " — NOTES.TXT\n");
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(run.status, 3);
+}
+
+TEST_F(VelmoraScan, EndsWith3RatherThan1WhenNoFileCanBeTimed) {
+    EXPECT_EQ(scan({"broken.mp3", "missing.wav"}).status, 3);
+}
+
+TEST_F(VelmoraScan, NamesAFolderItMayNotEnter) {
+    fs::create_directory(folder / "shut");
+    fs::permissions(folder / "shut", fs::perms::none);
+    asOrdinaryUser([&] {
+        const Finished run = scan({"shut", "Live Set"});
+        EXPECT_EQ(run.errors, "velmora-scan: cannot read 'shut': Permission denied\n");
+        EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
+        EXPECT_EQ(run.status, 1);
+    });
+}
+
+TEST_F(VelmoraScan, EndsWith3WhereItMayNotMakeADirectory) {
+    fs::create_directory(folder / "tmp");
+    asOrdinaryUser([&] {
+        const Finished run = runToEnd(
+            {.arguments = {"Live Set"}, .folder = folder, .environment = {{"TMPDIR", folder / "tmp"}}});
+        EXPECT_EQ(run.errors,
+                  "velmora-scan: cannot make a directory in '" + pathOf("tmp") + "': Permission denied\n");
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(run.status, 3);
+    });
+}
+
+TEST_F(VelmoraScan, TakesPathsFromStandardInput) {
+    using namespace std::string_literals;
+    const fs::path list = write(folder / "list", "Live Set/2.wav\0Live Set/1.wav"s);
+    const Finished run = runToEnd({.arguments = {"-l", "--files0-from=-"}, .folder = folder, .input = list});
+    EXPECT_EQ(run.output, "1.wav\n2.wav\n");
+    EXPECT_EQ(run.status, 0);
+}
+
+TEST_F(VelmoraScan, TakesPathsFromAPipeBehindThoseOfTheCommandLine) {
+    const std::string command =
+        shellWord(VELMORA_SCAN) + " -f -0 <(find 'Live Set' -name 1.wav -print0) " + "'Live Set/2.wav'";
+    EXPECT_EQ(shell("bash -c " + shellWord(command), folder),
+              "1.000\t" + first.native() + "\n1.000\t" + second.native() + "\n");
+}
+
+TEST_F(VelmoraScan, EndsWith3WhenTheListIsEmpty) {
+    const Finished run = scan({"-0", "-"});
+    EXPECT_EQ(run.output, nothing + "\n");
+    EXPECT_EQ(run.status, 3);
+}
+
+TEST_F(VelmoraScan, EndsWith2WhenTheListCannotBeRead) {
+    const Finished run = scan({"-0", "missing", "Live Set"});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot read the list 'missing': No such file or directory\n");
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.status, 2);
+}
+
+TEST_F(VelmoraScan, EndsWith2WithoutAPath) {
+    const Finished run = scan({});
+    EXPECT_EQ(run.errors, "velmora-scan: no path given\nvelmora-scan: 'velmora-scan --help' tells more\n");
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.status, 2);
+}
+
+TEST_F(VelmoraScan, EndsWith2AtAnUnknownOption) {
+    const Finished run = scan({"--frobnicate", "Live Set"});
+    EXPECT_THAT(run.errors, StartsWith("velmora-scan: unknown option '--frobnicate'\n"));
+    EXPECT_EQ(run.status, 2);
+}
+
+TEST_F(VelmoraScan, WritesVersionAndHelpToStandardOutput) {
+    const Finished version = scan({"-V"});
+    EXPECT_EQ(version.output, versionText());
+    EXPECT_EQ(version.status, 0);
+    const Finished help = scan({"-h"});
+    EXPECT_EQ(help.output, helpText());
+    EXPECT_EQ(help.status, 0);
+}
+
+TEST_F(VelmoraScan, LabelsADotWithTheFoldersName) {
+    const Finished run = runToEnd({.arguments = {"."}, .folder = folder / "Live Set"});
+    EXPECT_THAT(run.output, HasSubstr(" — LIVE SET\n"));
+}
+
+TEST_F(VelmoraScan, SaysNothingMoreInALocaleThatIsNotUtf8) {
+    const Finished run =
+        runToEnd({.arguments = {"-f", "Live Set/1.wav"}, .folder = folder, .environment = {{"LC_ALL", "C"}}});
+    EXPECT_EQ(run.output, "1.000\t" + first.native() + "\n");
+    EXPECT_EQ(run.errors, "");
+}
+
+TEST_F(VelmoraScan, ListsNamesAsTheBytesTheyAre) {
+    fs::rename(first, folder / "S\xFC\xDF\n.wav");
+    const Finished run = scan({"-f", "S\xFC\xDF\n.wav"});
+    EXPECT_EQ(run.output, "1.000\t" + pathOf("S\xFC\xDF\\n.wav") + "\n");
+    EXPECT_EQ(run.status, 0);
+}
+
+TEST_F(VelmoraScan, LeavesNothingInTheTemporaryDirectory) {
+    shell("zip -qr set.zip 'Live Set' && tar -czf set.tgz set.zip", folder);
+    const Finished run = scan({"-l", "-z", "out.zip", "set.tgz"});
+    EXPECT_EQ(run.output, "1.wav\n2.wav\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(privateDirectories(), IsEmpty());
+    EXPECT_THAT(temporaryItems(), IsEmpty());
+}
+
+TEST_F(VelmoraScan, EndsWith3WhenThereIsNoTemporaryDirectory) {
+    const Finished run = runToEnd(
+        {.arguments = {"Live Set"}, .folder = folder, .environment = {{"TMPDIR", folder / "missing"}}});
+    EXPECT_THAT(run.errors, HasSubstr("cannot use the temporary directory: No such file or directory"));
+    EXPECT_EQ(run.output, "");
+    EXPECT_EQ(run.status, 3);
+}
+
+} // namespace
+} // namespace velmora::test

@@ -1,0 +1,158 @@
+#include "cli/Report.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace velmora {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+QJsonObject parsed(const std::string& report) {
+    QJsonParseError error{};
+    const QJsonDocument document = QJsonDocument::fromJson(QByteArray::fromStdString(report), &error);
+    EXPECT_EQ(error.error, QJsonParseError::NoError) << report;
+    return document.object();
+}
+
+TEST(FilesReport, WritesALineAFileInScanOrder) {
+    ScanDetails details;
+    details.files = {{"/m/b.wav", 1.0005, 10}, {"/m/a.wav", -1.0, 20}, {"/m/c.wav", 3725.4567, 30}};
+    EXPECT_EQ(filesReport(details), "1.000\t/m/b.wav\n-\t/m/a.wav\n3725.457\t/m/c.wav\n");
+}
+
+TEST(FilesReport, KeepsALineWholeWhateverAPathHolds) {
+    ScanDetails details;
+    details.files = {{"/m/a\nb\tc\\d\xFF.wav", 0, 0}};
+    EXPECT_EQ(filesReport(details), "0.000\t/m/a\\nb\\tc\\\\d\xFF.wav\n");
+}
+
+TEST(FilesReport, WritesTheLongestDurationInFull) {
+    ScanDetails details;
+    details.files = {{"/m/a.ogg", 0x1p80, 0}};
+    EXPECT_EQ(filesReport(details), "1208925819614629174706176.000\t/m/a.ogg\n");
+}
+
+TEST(FilesReport, ShowsAFileOutOfAnArchiveBelowTheArchive) {
+    ScanDetails details;
+    details.archiveOf = {{"/tmp/velmora-1", "/m/set.zip"}, {"/tmp/velmora-2", "/tmp/velmora-1/in/deep.tar"}};
+    details.files = {{"/tmp/velmora-1/Disc 1/01.wav", 1, 0}, {"/tmp/velmora-2/02.wav", 2, 0}};
+    EXPECT_EQ(filesReport(details),
+              "1.000\t/m/set.zip/Disc 1/01.wav\n2.000\t/m/set.zip/in/deep.tar/02.wav\n");
+}
+
+TEST(FilesReport, IsEmptyWithoutFiles) {
+    EXPECT_EQ(filesReport({}), "");
+}
+
+TEST(JsonReport, HoldsTheWholeScan) {
+    ScanDetails details;
+    details.files = {{"/m/a.wav", 1.5, 10}, {"/m/b.mp3", -1.0, 20}, {"/m/c.wav", 0.25, 30}};
+    details.skippedArchives = {"/m/x.zip"};
+    const ScanSummary summary{.seconds = 1.75,
+                              .fileCount = 2,
+                              .bytes = 40,
+                              .formats = {{"WAV", 2, 1.75}},
+                              .longestName = "a.wav",
+                              .longestSeconds = 1.5,
+                              .unreadable = 2,
+                              .source = "M",
+                              .files = {"/m/a.wav", "/m/c.wav"},
+                              .dropped = {"/m"},
+                              .roots = {"/m"}};
+
+    const char* expected = R"({
+        "schema": 1, "status": "COMPLETE", "source": "M", "seconds": 1.75, "fileCount": 2, "bytes": 40,
+        "unreadable": 2, "skippedArchives": 1, "formats": [{"ext": "WAV", "count": 2, "seconds": 1.75}],
+        "longestName": "a.wav", "longestSeconds": 1.5,
+        "files": [{"path": "/m/a.wav", "seconds": 1.5, "bytes": 10},
+                  {"path": "/m/c.wav", "seconds": 0.25, "bytes": 30}],
+        "unreadableFiles": [{"path": "/m/b.mp3"}]
+    })";
+    EXPECT_EQ(parsed(jsonReport("COMPLETE", summary, details)), parsed(expected));
+}
+
+TEST(JsonReport, HasEveryKeyWhenNothingWasFound) {
+    const QJsonObject object = parsed(jsonReport("NO AUDIO FOUND", {}, {}));
+    EXPECT_EQ(object, parsed(R"({"schema": 1, "status": "NO AUDIO FOUND", "source": "", "seconds": 0,
+        "fileCount": 0, "bytes": 0, "unreadable": 0, "skippedArchives": 0, "formats": [],
+        "longestName": "", "longestSeconds": 0, "files": [], "unreadableFiles": []})"));
+}
+
+TEST(JsonReport, WritesNumbersThatReadBackToTheSame) {
+    for (const double seconds : {0.1, 1.0 / 3, 133423.0 / 44100, 5e-324, 0x1.fffffffffffffp+62, 1e300,
+                                 std::nextafter(1.0, 2.0), 9007199254740993.0}) {
+        ScanDetails details;
+        details.files = {{"/a.wav", seconds, 0}};
+        ScanSummary summary;
+        summary.seconds = seconds;
+        const QJsonObject object = parsed(jsonReport("", summary, details));
+        EXPECT_EQ(object["seconds"].toDouble(), seconds);
+        EXPECT_EQ(object["files"][0]["seconds"].toDouble(), seconds);
+    }
+}
+
+TEST(JsonReport, WritesEveryByteCountExactly) {
+    constexpr std::int64_t most = 9'223'372'036'854'775'807;
+    ScanDetails details;
+    details.files = {{"/a.wav", 1, most}};
+    ScanSummary summary;
+    summary.bytes = most;
+    const QJsonObject object = parsed(jsonReport("", summary, details));
+    EXPECT_EQ(object["bytes"].toInteger(), most);
+    EXPECT_EQ(object["files"][0]["bytes"].toInteger(), most);
+}
+
+TEST(JsonReport, CarriesTheBytesOfAPathThatIsNotUtf8) {
+    ScanDetails details;
+    details.files = {{"/S\xFC\xDF.wav", 1, 2}, {"/S\xFC\xDF.mp3", -1.0, 2}, {"/Süß.wav", 1, 2}};
+    const QJsonObject object = parsed(jsonReport("", {}, details));
+
+    EXPECT_EQ(object["files"][0]["path"].toString(), QString::fromUtf8("/S\uFFFD\uFFFD.wav"));
+    EXPECT_EQ(QByteArray::fromBase64(object["files"][0]["pathBytes"].toString().toLatin1()),
+              "/S\xFC\xDF.wav");
+    EXPECT_EQ(QByteArray::fromBase64(object["unreadableFiles"][0]["pathBytes"].toString().toLatin1()),
+              "/S\xFC\xDF.mp3");
+    EXPECT_EQ(object["files"][1]["path"].toString(), QString::fromUtf8("/Süß.wav"));
+    EXPECT_TRUE(object["files"][1]["pathBytes"].isUndefined());
+}
+
+TEST(JsonReport, TakesAReplacementCharacterInANameForItself) {
+    ScanDetails details;
+    details.files = {{"/a\uFFFD\uFFFE.wav", 1, 2}};
+    const QJsonValue file = parsed(jsonReport("", {}, details))["files"][0];
+    EXPECT_EQ(file["path"].toString(), QString::fromUtf8("/a\uFFFD\uFFFE.wav"));
+    EXPECT_TRUE(file["pathBytes"].isUndefined());
+}
+
+TEST(JsonReport, KeepsAByteOrderMarkAtTheBeginningOfAName) {
+    ScanSummary summary;
+    summary.longestName = "\uFEFFa.wav";
+    EXPECT_THAT(jsonReport("", summary, {}), HasSubstr("\"longestName\": \"\uFEFFa.wav\""));
+}
+
+TEST(JsonReport, EscapesControlCharactersAndQuotes) {
+    ScanDetails details;
+    details.files = {{"/a\n\x1B\"\\.wav", 1, 2}};
+    EXPECT_EQ(parsed(jsonReport("", {}, details))["files"][0]["path"].toString(), "/a\n\x1B\"\\.wav");
+}
+
+TEST(Problems, NameEveryArchiveSkippedAndEveryFileUnreadable) {
+    ScanDetails details;
+    details.archiveOf = {{"/tmp/velmora-1", "/m/set.zip"}};
+    details.files = {{"/m/a.wav", 1, 1}, {"/m/b\x1B.wav", -1.0, 1}, {"/tmp/velmora-1/c.wav", -1.0, 1}};
+    details.skippedArchives = {"/m/x.zip", "/tmp/velmora-1/y.7z"};
+    EXPECT_THAT(problems(details),
+                ElementsAre("cannot unpack '/m/x.zip'", "cannot unpack '/m/set.zip/y.7z'",
+                            "cannot time '/m/b\\x1B.wav'", "cannot time '/m/set.zip/c.wav'"));
+}
+
+} // namespace
+} // namespace velmora

@@ -1,0 +1,199 @@
+#include "cli/ScanProcess.h"
+
+#include "support/Shell.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fstream>
+
+namespace velmora::test {
+
+namespace {
+
+constexpr std::string_view runPrefix = "scan-velmora-";
+
+void redirect(int descriptor, const fs::path& file, int flags) {
+    const int opened = ::open(file.c_str(), flags | O_CLOEXEC, 0600);
+    ::dup2(opened, descriptor);
+}
+
+[[noreturn]] void becomeScan(const Launch& launch, const fs::path& folder, int terminal) {
+    redirect(STDIN_FILENO, launch.input, O_RDONLY);
+    redirect(STDOUT_FILENO, folder / "out", O_WRONLY | O_CREAT);
+    if (terminal < 0) {
+        redirect(STDERR_FILENO, folder / "err", O_WRONLY | O_CREAT);
+    } else {
+        ::dup2(terminal, STDERR_FILENO);
+    }
+    ::setenv("TERM", "xterm", 1);
+    ::unsetenv("NO_COLOR");
+    for (const auto& [name, value] : launch.environment) {
+        ::setenv(name.c_str(), value.c_str(), 1);
+    }
+    std::vector<std::string> words = launch.arguments;
+    words.insert(words.begin(), "velmora-scan");
+    std::vector<char*> pointers;
+    for (std::string& word : words) {
+        pointers.push_back(word.data());
+    }
+    pointers.push_back(nullptr);
+    if (::chdir(launch.folder.c_str()) == 0) {
+        launch.beforeStart();
+        ::execv(VELMORA_SCAN, pointers.data());
+    }
+    ::_exit(127);
+}
+
+std::string contentOf(const fs::path& file) {
+    return fs::exists(file) ? read(file) : std::string();
+}
+
+/// The value of TMPDIR the process was started with.
+std::string tmpdirOf(const fs::path& process) {
+    std::ifstream stream(process / "environ", std::ios::binary);
+    for (std::string entry; std::getline(stream, entry, '\0');) {
+        if (entry.starts_with("TMPDIR=")) {
+            return entry.substr(std::string_view("TMPDIR=").size());
+        }
+    }
+    return {};
+}
+
+} // namespace
+
+ScanProcess::ScanProcess(const Launch& launch) {
+    int terminal = -1;
+    if (launch.terminalColumns > 0) {
+        const winsize size{.ws_row = 24,
+                           .ws_col = static_cast<unsigned short>(launch.terminalColumns),
+                           .ws_xpixel = 0,
+                           .ws_ypixel = 0};
+        EXPECT_EQ(::openpty(&m_terminal, &terminal, nullptr, nullptr, &size), 0);
+        ::fcntl(m_terminal, F_SETFD, FD_CLOEXEC);
+        ::fcntl(terminal, F_SETFD, FD_CLOEXEC);
+    }
+    m_id = ::fork();
+    if (m_id == 0) {
+        becomeScan(launch, m_folder, terminal);
+    }
+    EXPECT_GT(m_id, 0);
+    if (m_terminal >= 0) {
+        ::close(terminal);
+        m_reader = std::jthread([this] { readTerminal(); });
+    }
+}
+
+ScanProcess::~ScanProcess() {
+    if (m_id > 0) {
+        send(SIGKILL);
+        wait();
+    }
+}
+
+void ScanProcess::send(int signal) const {
+    EXPECT_EQ(::kill(m_id, signal), 0);
+}
+
+bool ScanProcess::ended() {
+    siginfo_t info{};
+    return ::waitid(P_PID, static_cast<id_t>(m_id), &info, WEXITED | WNOHANG | WNOWAIT) == 0 &&
+           info.si_pid == m_id;
+}
+
+Finished ScanProcess::wait() {
+    int status = 0;
+    EXPECT_EQ(::waitpid(m_id, &status, 0), m_id);
+    m_id = -1;
+    if (m_reader.joinable()) {
+        m_reader.join();
+        ::close(m_terminal);
+    }
+    Finished finished;
+    finished.signalled = WIFSIGNALED(status);
+    finished.status = finished.signalled ? 128 + WTERMSIG(status) : WEXITSTATUS(status);
+    finished.output = contentOf(m_folder / "out");
+    finished.errors = contentOf(m_folder / "err") + m_shown;
+    return finished;
+}
+
+/// Reads until no process has the terminal any more: read fails then.
+void ScanProcess::readTerminal() {
+    std::array<char, 4096> buffer{};
+    for (;;) {
+        const ssize_t got = ::read(m_terminal, buffer.data(), buffer.size());
+        if (got <= 0 && errno != EINTR) {
+            return;
+        }
+        m_shown.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+    }
+}
+
+Finished runToEnd(const Launch& launch) {
+    return ScanProcess(launch).wait();
+}
+
+void waitUntil(const std::function<bool()>& condition) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::minutes(1);
+    while (!condition()) {
+        if (std::chrono::steady_clock::now() > deadline) {
+            FAIL() << "waited in vain";
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
+std::vector<std::string> privateDirectories() {
+    return namesIn(fs::temp_directory_path(), runPrefix);
+}
+
+std::vector<std::string> toolsAtWork() {
+    const std::string inPrivateDirectory = fs::temp_directory_path() / runPrefix;
+    std::vector<std::string> tools;
+    for (const fs::directory_entry& process : fs::directory_iterator("/proc")) {
+        if (tmpdirOf(process.path()).starts_with(inPrivateDirectory)) {
+            tools.push_back(contentOf(process.path() / "comm"));
+        }
+    }
+    return tools;
+}
+
+std::vector<fs::path> temporaryPaths(std::string_view prefix) {
+    std::vector<fs::path> paths;
+    for (const std::string& run : privateDirectories()) {
+        const fs::path directory = fs::temp_directory_path() / run;
+        for (const std::string& name : namesIn(directory, prefix)) {
+            paths.push_back(directory / name);
+        }
+    }
+    return paths;
+}
+
+fs::path slowArchive(const fs::path& folder) {
+    // Packed piece by piece, which is quicker than as a whole: the header, then the same zeros again and
+    // again.
+    shell(
+        "truncate -s 512M slow.wav && tar -cf - slow.wav | head -c 512 | xz > slow.tar.xz && rm slow.wav && "
+        "head -c 8M /dev/zero | xz > zeros && for i in $(seq 65); do cat zeros; done >> slow.tar.xz && rm "
+        "zeros",
+        folder);
+    return folder / "slow.tar.xz";
+}
+
+void writeSlowTracks(const fs::path& folder) {
+    constexpr int tracks = 500;
+    for (int i = 0; i < tracks; ++i) {
+        write(folder / (std::to_string(i) + ".ogg"), "OggS" + std::string(2000, '0'));
+    }
+}
+
+} // namespace velmora::test

@@ -1,0 +1,119 @@
+#include "cli/Sources.h"
+
+#include "support/Files.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <system_error>
+
+namespace velmora::test {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+/// Makes `folder` the working directory while it lives.
+class WorkingFolder {
+public:
+    explicit WorkingFolder(const fs::path& folder) { fs::current_path(folder); }
+
+    WorkingFolder(const WorkingFolder&) = delete;
+    WorkingFolder& operator=(const WorkingFolder&) = delete;
+
+    ~WorkingFolder() { fs::current_path(m_outer); }
+
+private:
+    fs::path m_outer = fs::current_path();
+};
+
+TEST(PathList, IsSplitAtNul) {
+    using namespace std::string_literals;
+    EXPECT_THAT(splitAtNul(""s), IsEmpty());
+    EXPECT_THAT(splitAtNul("a"s), ElementsAre("a"));
+    EXPECT_THAT(splitAtNul("a\0"s), ElementsAre("a"));
+    EXPECT_THAT(splitAtNul("a\0b\nc"s), ElementsAre("a", "b\nc"));
+    EXPECT_THAT(splitAtNul("a\0\0b\0"s), ElementsAre("a", "", "b"));
+    EXPECT_THAT(splitAtNul("\0"s), ElementsAre(""));
+    EXPECT_THAT(splitAtNul("\xFF\xFE\0"s), ElementsAre("\xFF\xFE"));
+}
+
+TEST(GivenPaths, AreThoseOfTheCommandLineThenThoseOfTheLists) {
+    using namespace std::string_literals;
+    const fs::path folder = freshFolder();
+    const Options options{.paths = {"z"},
+                          .pathLists = {write(folder / "one", "c\0b\0"s), write(folder / "two", "a"s)}};
+    EXPECT_THAT(givenPaths(options), ElementsAre("z", "c", "b", "a"));
+}
+
+TEST(GivenPaths, NamesAListThatCannotBeRead) {
+    const fs::path folder = freshFolder();
+    for (const fs::path& list : {folder / "missing", folder}) {
+        try {
+            givenPaths({.pathLists = {list}});
+            ADD_FAILURE() << list << " was read";
+        } catch (const std::system_error& error) {
+            EXPECT_THAT(error.what(), HasSubstr("cannot read the list '" + list.native() + "'"));
+        }
+    }
+}
+
+TEST(Sources, AreAbsoluteInTheirOrder) {
+    const fs::path folder = freshFolder();
+    write(folder / "b.wav");
+    write(folder / "a" / "x.wav");
+    const WorkingFolder here(folder);
+
+    const Sources sources = locate({"b.wav", folder / "a", "./a/", "."});
+
+    EXPECT_THAT(sources.paths, ElementsAre(folder / "b.wav", folder / "a", folder / "a", folder));
+    EXPECT_THAT(sources.problems, IsEmpty());
+}
+
+TEST(Sources, LeaveOutWhatIsNotThereAndSayWhy) {
+    const fs::path folder = freshFolder();
+    write(folder / "there.wav");
+    fs::create_symlink("nowhere", folder / "dangling.wav");
+    const WorkingFolder here(folder);
+
+    const Sources sources = locate({"gone\n.wav", "there.wav", "", "dangling.wav", "there.wav/below"});
+
+    EXPECT_THAT(sources.paths, ElementsAre(folder / "there.wav"));
+    EXPECT_THAT(sources.problems, ElementsAre("cannot read 'gone\\x0A.wav': No such file or directory",
+                                              "cannot read '': No such file or directory",
+                                              "cannot read 'dangling.wav': No such file or directory",
+                                              "cannot read 'there.wav/below': Not a directory"));
+}
+
+TEST(Sources, KeepLinksAsTheyAre) {
+    const fs::path folder = freshFolder();
+    write(folder / "target" / "x.wav");
+    fs::create_directory_symlink("target", folder / "link");
+    EXPECT_THAT(locate({folder / "link"}).paths, ElementsAre(folder / "link"));
+}
+
+TEST(AbsolutePath, ResolvesDotsWhereThatLeadsToTheSamePlace) {
+    const fs::path folder = freshFolder();
+    write(folder / "elsewhere" / "inner" / "x.wav");
+    fs::create_directory_symlink("elsewhere/inner", folder / "link");
+
+    EXPECT_EQ(absolutePath(folder / "elsewhere" / "inner" / ".." / "."), folder / "elsewhere");
+    EXPECT_EQ(absolutePath(folder / "link" / "x.wav" / ""), folder / "link" / "x.wav");
+    EXPECT_EQ(absolutePath(folder / "link" / ".."), folder / "link" / "..") << "this is elsewhere/";
+    EXPECT_EQ(absolutePath(folder / "not" / ".." / "made.zip"), folder / "made.zip");
+}
+
+TEST(AbsolutePath, NeedsAWorkingDirectoryOnlyForARelativePath) {
+    const fs::path folder = freshFolder();
+    fs::create_directory(folder / "gone");
+    const WorkingFolder here(folder / "gone");
+    fs::remove(folder / "gone");
+
+    EXPECT_EQ(absolutePath("/"), "/");
+    EXPECT_THROW(absolutePath("x.zip"), fs::filesystem_error);
+    EXPECT_THAT(locate({"."}).problems, ElementsAre("cannot read '.': No such file or directory"));
+}
+
+} // namespace
+} // namespace velmora::test

@@ -1,0 +1,83 @@
+// The zip export of the terminal program.
+
+#include "cli/ScanProcess.h"
+#include "support/RealAudio.h"
+#include "support/Shell.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};
+
+class ZipOption : public testing::Test {
+protected:
+    Finished scan(std::vector<std::string> arguments) const {
+        return runToEnd({.arguments = std::move(arguments), .folder = folder});
+    }
+
+    const fs::path folder = freshFolder();
+    const fs::path track = writeWav(folder / "Set" / "Disc 1" / "1.wav", oneSecond);
+    const std::string total = "TOTAL RUNTIME  00:00:01   (1 sec)\n1 audio file — SET\n";
+};
+
+TEST_F(ZipOption, WritesTheZipBesideTheReport) {
+    const Finished run = scan({"--zip", "Mix.zip", "Set"});
+    EXPECT_EQ(run.output, total);
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_TRUE(shell("unzip -p Mix.zip 'Mix/Disc 1/1.wav'", folder) == read(track));
+}
+
+TEST_F(ZipOption, ReplacesAnOldFile) {
+    write(folder / "Mix.zip", "old");
+    EXPECT_EQ(scan({"--zip", "Mix.zip", "Set"}).status, 0);
+    shell("unzip -tq Mix.zip >&2", folder);
+}
+
+TEST_F(ZipOption, EndsWith4WhenTheZipCannotBeWritten) {
+    const Finished run = scan({"-z", "missing/Mix.zip", "Set"});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot write the zip archive: Mix.zip: No such file or directory\n");
+    EXPECT_EQ(run.output, total) << "the report is written all the same";
+    EXPECT_EQ(run.status, 4);
+    EXPECT_THAT(privateDirectories(), IsEmpty());
+}
+
+TEST_F(ZipOption, NamesTheZipSoThatATerminalIsNotMessedUp) {
+    const Finished run = scan({"-z", "missing/\x1B[2J.zip", "Set"});
+    EXPECT_EQ(run.errors,
+              "velmora-scan: cannot write the zip archive: \\x1B[2J.zip: No such file or directory\n");
+}
+
+TEST_F(ZipOption, DoesNotReplaceAFolder) {
+    fs::create_directory(folder / "Mix.zip");
+    const Finished run = scan({"-z", "Mix.zip", "Set"});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot write the zip archive: Mix.zip: Is a directory\n");
+    EXPECT_EQ(run.status, 4);
+    EXPECT_TRUE(fs::is_directory(folder / "Mix.zip"));
+}
+
+TEST_F(ZipOption, EndsWith4RatherThan1) {
+    write(folder / "Set" / "broken.mp3", "no audio");
+    const Finished run = scan({"-z", "missing/Mix.zip", "Set", "missing.wav"});
+    EXPECT_THAT(run.errors, HasSubstr("broken.mp3'\n"));
+    EXPECT_THAT(run.errors, HasSubstr("'missing.wav'"));
+    EXPECT_EQ(run.status, 4);
+}
+
+TEST_F(ZipOption, WritesNoZipOfNothing) {
+    const fs::path broken = write(folder / "broken.mp3", "no audio");
+    const Finished run = scan({"-z", "Mix.zip", "broken.mp3"});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot time '" + broken.native() +
+                              "'\nvelmora-scan: cannot write the zip archive: nothing was measured\n");
+    EXPECT_EQ(run.status, 3);
+    EXPECT_FALSE(fs::exists(folder / "Mix.zip"));
+}
+
+} // namespace
+} // namespace velmora::test
