@@ -25,7 +25,7 @@ namespace velmora::Screenshots {
 namespace {
 
 constexpr QSize shotSize(1440, 900);
-constexpr int shotScale = 2;
+constexpr double shotScale = 2;
 
 /// When the moving scenery is photographed, in seconds since its epoch: any moment would do, always the same.
 constexpr double shotTime = 812'000'000;
@@ -89,16 +89,15 @@ void write(const QImage& image, const std::filesystem::path& path) {
 
 void prepareEnvironment() {
     for (const char* name :
-         {"QT_SCREEN_SCALE_FACTORS", "QT_ENABLE_HIGHDPI_SCALING", "QT_AUTO_SCREEN_SCALE_FACTOR",
-          "QT_SCALE_FACTOR_ROUNDING_POLICY", "QT_USE_PHYSICAL_DPI", "QT_FONT_DPI", "QT_QPA_PLATFORMTHEME",
-          "QT_STYLE_OVERRIDE", "QT_QUICK_CONTROLS_STYLE", "QT_QPA_OFFSCREEN_NO_GLX", "QSG_RENDER_LOOP",
-          "QSG_RHI_BACKEND", "QML_DISABLE_DISTANCEFIELD", "QT_PLUGIN_PATH", "QML_IMPORT_PATH",
-          "QML2_IMPORT_PATH"}) {
+         {"QT_SCALE_FACTOR", "QT_SCREEN_SCALE_FACTORS", "QT_ENABLE_HIGHDPI_SCALING",
+          "QT_AUTO_SCREEN_SCALE_FACTOR", "QT_SCALE_FACTOR_ROUNDING_POLICY", "QT_USE_PHYSICAL_DPI",
+          "QT_FONT_DPI", "QT_QPA_PLATFORMTHEME", "QT_STYLE_OVERRIDE", "QT_QUICK_CONTROLS_STYLE",
+          "QT_QPA_OFFSCREEN_NO_GLX", "QSG_RENDER_LOOP", "QSG_RHI_BACKEND", "QML_DISABLE_DISTANCEFIELD",
+          "QT_PLUGIN_PATH", "QML_IMPORT_PATH", "QML2_IMPORT_PATH"}) {
         ::unsetenv(name);
     }
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     ::setenv("QT_QUICK_BACKEND", "software", 1);
-    ::setenv("QT_SCALE_FACTOR", std::to_string(shotScale).c_str(), 1);
 }
 
 void render(const std::filesystem::path& into) {
@@ -112,14 +111,14 @@ void render(const std::filesystem::path& into) {
     for (const auto& [name, state] : shots) {
         ScanView scan;
         scan.show(state);
-        const QImage image = picture(scan, shotSize);
+        const QImage image = picture(scan, shotSize, shotScale);
         if (!image.isNull()) {
             write(image, into / name);
         }
     }
 }
 
-QImage picture(ScanView& scan, const QSize& points) {
+QImage picture(ScanView& scan, const QSize& points, double scale) {
     NoActions actions;
 
     QQmlEngine engine;
@@ -142,11 +141,13 @@ QImage picture(ScanView& scan, const QSize& points) {
     content->setParentItem(window.contentItem());
     content->setSize(points);
 
-    const double scale = window.effectiveDevicePixelRatio();
-    QImage image(points * scale, QImage::Format_ARGB32_Premultiplied);
+    QImage image((QSizeF(points) * scale).toSize(), QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
     image.fill(Qt::black);
-    window.setRenderTarget(QQuickRenderTarget::fromPaintDevice(&image));
+    // The target tells the items the scale they are painted at, the image tells the renderer.
+    QQuickRenderTarget target = QQuickRenderTarget::fromPaintDevice(&image);
+    target.setDevicePixelRatio(scale);
+    window.setRenderTarget(target);
     control.polishItems();
     control.beginFrame();
     control.sync();

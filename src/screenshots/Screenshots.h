@@ -12,8 +12,8 @@
 
 namespace velmora::Screenshots {
 
-/// Makes rendering independent of the desktop: no display, no GPU, two pixels a point, no theme. Before the
-/// application object is created.
+/// Makes rendering independent of the desktop: no display, no GPU, no theme, no scale. Before the application
+/// object is created.
 void prepareEnvironment();
 
 /// Writes "1-result.png", "2-drop.png" and "3-scanning.png" into the directory, which is made if it is
@@ -21,8 +21,8 @@ void prepareEnvironment();
 /// Needs the prepared environment and an application object; main thread.
 void render(const std::filesystem::path& into);
 
-/// The window's content, `points` large, showing `scan`, at the application's pixels a point. Null if it
-/// cannot be drawn.
-QImage picture(ScanView& scan, const QSize& points);
+/// The window's content, `points` large, showing `scan`, at `scale` pixels a point. Null if it cannot be
+/// drawn.
+QImage picture(ScanView& scan, const QSize& points, double scale);
 
 } // namespace velmora::Screenshots

@@ -5,6 +5,7 @@
 
 #include <QImage>
 #include <QQuickItem>
+#include <QtQml/qqmlregistration.h>
 
 class QSGGeometryNode;
 
@@ -12,6 +13,7 @@ namespace velmora {
 
 class AnimatedItem : public QQuickItem {
     Q_OBJECT
+    QML_ANONYMOUS
     Q_PROPERTY(double intensity MEMBER m_intensity NOTIFY changed)
     Q_PROPERTY(double time MEMBER m_time NOTIFY changed)
 

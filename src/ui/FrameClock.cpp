@@ -30,10 +30,36 @@ bool FrameClock::running() const {
     return m_frames->state() == QAbstractAnimation::Running;
 }
 
-void FrameClock::setRunning(bool running) {
-    if (running != this->running()) {
-        running ? m_frames->start() : m_frames->stop();
-        emit runningChanged();
+void FrameClock::setWindow(QWindow* window) {
+    if (m_window == window) {
+        return;
+    }
+    if (m_window != nullptr) {
+        m_window->disconnect(this);
+    }
+    m_window = window;
+    if (window != nullptr) {
+        connect(window, &QWindow::visibilityChanged, this, &FrameClock::startOrStop);
+    }
+    startOrStop();
+    emit windowChanged();
+}
+
+void FrameClock::setAnimated(bool animated) {
+    if (m_animated != animated) {
+        m_animated = animated;
+        startOrStop();
+        emit animatedChanged();
+    }
+}
+
+void FrameClock::startOrStop() {
+    const bool seen = m_window != nullptr && m_window->visibility() != QWindow::Hidden &&
+                      m_window->visibility() != QWindow::Minimized;
+    if (seen && m_animated) {
+        m_frames->start();
+    } else {
+        m_frames->stop();
     }
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
-// The time that the moving scenery shows. While it runs it advances with the frames of the window: no frame,
-// no work.
+// The time that the moving scenery shows. It advances with the frames of its window, and stands still while
+// that is hidden or minimised: no frame, no work.
 
 #include <QAbstractAnimation>
+#include <QPointer>
+#include <QWindow>
 #include <QtQml/qqmlregistration.h>
 
 namespace velmora {
@@ -11,7 +13,8 @@ namespace velmora {
 class FrameClock : public QObject {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(bool running READ running WRITE setRunning NOTIFY runningChanged)
+    Q_PROPERTY(QWindow* window READ window WRITE setWindow NOTIFY windowChanged)
+    Q_PROPERTY(bool animated READ animated WRITE setAnimated NOTIFY animatedChanged)
     Q_PROPERTY(double time READ time NOTIFY timeChanged)
 
 public:
@@ -22,19 +25,31 @@ public:
     double time() const { return m_time; }
 
     bool running() const;
-    void setRunning(bool running);
+
+    QWindow* window() const { return m_window; }
+
+    void setWindow(QWindow* window);
+
+    /// Off where less motion is wanted: the time stands still.
+    bool animated() const { return m_animated; }
+
+    void setAnimated(bool animated);
 
     static double now();
 
 signals:
-    void runningChanged();
+    void windowChanged();
+    void animatedChanged();
     void timeChanged();
 
 private:
     class Frames;
 
     void tick();
+    void startOrStop();
 
+    QPointer<QWindow> m_window;
+    bool m_animated = true;
     double m_time = now();
     Frames* m_frames; // owned by this object
 };

@@ -7,6 +7,7 @@ Window {
 
     required property ScanView scan
     required property Actions actions
+    required property Alerts alerts
     property bool animated: true
 
     width: 940
@@ -20,8 +21,8 @@ Window {
     FrameClock {
         id: clock
 
-        objectName: "frameClock"
-        running: window.animated && window.visible && window.visibility !== Window.Minimized
+        window: window
+        animated: window.animated
     }
 
     WindowMover {
@@ -69,8 +70,14 @@ Window {
 
     Shortcuts {
         menuOpen: menu.visible
+        enabled: !window.alerts.open
         scan: window.scan
         actions: window.actions
         onMenuPressed: menu.open()
+    }
+
+    AlertBox {
+        anchors.fill: parent
+        alerts: window.alerts
     }
 }

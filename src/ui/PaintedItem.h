@@ -7,6 +7,7 @@
 #include <QImage>
 #include <QMarginsF>
 #include <QQuickItem>
+#include <QtQml/qqmlregistration.h>
 
 class QPainter;
 
@@ -14,6 +15,7 @@ namespace velmora {
 
 class PaintedItem : public QQuickItem {
     Q_OBJECT
+    QML_ANONYMOUS
 
 public:
     explicit PaintedItem(QQuickItem* parent = nullptr);

@@ -12,8 +12,11 @@ namespace {
 
 constexpr double strokeWidth = 0.066; ///< of the symbol's size: a light weight
 
-/// The heights of the strokes from left to right.
-constexpr std::array<double, 7> heights = {0.22, 0.54, 0.96, 0.4, 0.76, 0.5, 0.2};
+/// The heights of the strokes from left to right. The crossed-out waveform has others, of which the cross
+/// leaves no crumbs.
+using Heights = std::array<double, 7>;
+constexpr Heights heightsBesidePlus = {0.22, 0.54, 0.96, 0.4, 0.76, 0.5, 0.2};
+constexpr Heights heightsBehindSlash = {0.22, 0.56, 0.96, 0.74, 0.66, 0.42, 0.2};
 constexpr double pitch = 0.185; ///< from stroke to stroke
 
 QPainterPath stroked(const QLineF& line, double width) {
@@ -25,10 +28,11 @@ QPainterPath stroked(const QLineF& line, double width) {
     return stroker.createStroke(path);
 }
 
-QPainterPath waveform(double size) {
+QPainterPath waveform(double size, const Heights& heights) {
     QPainterPath path;
     for (std::size_t i = 0; i < heights.size(); ++i) {
-        const double x = (static_cast<double>(i) - (heights.size() - 1) / 2.0) * pitch * size;
+        const double x =
+            (static_cast<double>(i) - static_cast<double>(heights.size() - 1) / 2) * pitch * size;
         const double half = (heights[i] - strokeWidth) / 2 * size;
         path = path.united(stroked({x, -half, x, half}, strokeWidth * size));
     }
@@ -40,20 +44,20 @@ QPainterPath waveform(double size) {
 QPainterPath waveformWithPlus(double size) {
     const QPointF center(0.47 * size, 0.33 * size);
     const double arm = 0.15 * size;
-    const double clear = 0.27 * size;
+    const double clear = 0.235 * size;
     QPainterPath room;
     room.addEllipse(center, clear, clear);
     const QPainterPath across =
         stroked({center - QPointF(arm, 0), center + QPointF(arm, 0)}, strokeWidth * size);
     const QPainterPath upright =
         stroked({center - QPointF(0, arm), center + QPointF(0, arm)}, strokeWidth * size);
-    return waveform(size).subtracted(room).united(across).united(upright);
+    return waveform(size, heightsBesidePlus).subtracted(room).united(across).united(upright);
 }
 
 QPainterPath waveformWithSlash(double size) {
     const QLineF slash(-0.46 * size, -0.46 * size, 0.46 * size, 0.46 * size);
     const QPainterPath room = stroked(slash, 3.4 * strokeWidth * size);
-    return waveform(size).subtracted(room).united(stroked(slash, strokeWidth * size));
+    return waveform(size, heightsBehindSlash).subtracted(room).united(stroked(slash, strokeWidth * size));
 }
 
 } // namespace velmora

@@ -51,12 +51,12 @@ const std::map<std::string, ScanState> pages = {
     {"empty", {.phase = ScanModel::Phase::empty, .status = "NO READABLE AUDIO", .source = "NOTES"}},
 };
 
-int write(const std::filesystem::path& directory, const QSize& points) {
+int write(const std::filesystem::path& directory, const QSize& points, double scale) {
     std::filesystem::create_directories(directory);
     bool written = true;
     const auto save = [&](ScanView& scan, const std::string& name) {
         const std::string path = directory / (name + ".png");
-        written = Screenshots::picture(scan, points).save(QString::fromStdString(path)) && written;
+        written = Screenshots::picture(scan, points, scale).save(QString::fromStdString(path)) && written;
     };
     for (const auto& [name, state] : pages) {
         ScanView scan;
@@ -77,9 +77,8 @@ int main(int argc, char** argv) {
         return 2;
     }
     velmora::Screenshots::prepareEnvironment();
-    ::setenv("QT_SCALE_FACTOR", argc == 5 ? argv[4] : "1", 1);
     const QGuiApplication application(argc, argv);
     velmora::Views::prepare();
-    return velmora::write(argv[1],
-                          argc >= 4 ? QSize(std::atoi(argv[2]), std::atoi(argv[3])) : QSize(940, 700));
+    const QSize points = argc >= 4 ? QSize(std::atoi(argv[2]), std::atoi(argv[3])) : QSize(940, 700);
+    return velmora::write(argv[1], points, argc == 5 ? std::atof(argv[4]) : 1);
 }

@@ -1,0 +1,145 @@
+#include "ui/FrameClock.h"
+#include "ui/UiTest.h"
+#include "ui/Views.h"
+
+#include <QQmlComponent>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+namespace velmora::test {
+namespace {
+
+using Phase = ScanModel::Phase;
+
+class MainWindowTest : public UiTest {
+protected:
+    void open(bool animated = false) {
+        QQmlComponent component(&engine(), Views::url("MainWindow"));
+        window.reset(qobject_cast<QQuickWindow*>(component.createWithInitialProperties({
+            {"scan", QVariant::fromValue(&scan)},
+            {"actions", QVariant::fromValue<Actions*>(&actions)},
+            {"animated", animated},
+        })));
+        ASSERT_NE(window, nullptr) << component.errorString().toStdString();
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+
+    void press(int key, Qt::KeyboardModifiers modifiers = {}) {
+        QTest::keyClick(window.get(), Qt::Key(key), modifiers);
+    }
+
+    bool clockRuns() { return window->findChild<FrameClock*>()->running(); }
+};
+
+TEST_F(MainWindowTest, IsFramelessAndLeavesTheContentItsLeastSize) {
+    open();
+    EXPECT_TRUE(window->flags().testFlag(Qt::FramelessWindowHint));
+    EXPECT_EQ(window->minimumSize(), QSize(880, 660 + 28));
+    EXPECT_EQ(window->size(), QSize(940, 700 + 28));
+    EXPECT_EQ(place(find("backdrop")), QRect(0, 28, 940, 700));
+}
+
+TEST_F(MainWindowTest, DoesWithKeysWhatTheButtonsDo) {
+    open();
+    press(Qt::Key_O, Qt::ControlModifier);
+    press(Qt::Key_C, Qt::ControlModifier);
+    press(Qt::Key_Escape);
+    EXPECT_EQ(actions.asked, QStringList("choose")) << "there is nothing to copy or to reset";
+    scan.show({.phase = Phase::done});
+    press(Qt::Key_C, Qt::ControlModifier);
+    press(Qt::Key_C, Qt::ControlModifier | Qt::ShiftModifier);
+    press(Qt::Key_S, Qt::ControlModifier);
+    press(Qt::Key_Escape);
+    press(Qt::Key_Q, Qt::ControlModifier);
+    EXPECT_EQ(actions.asked, QStringList({"choose", "copyRuntime", "copyFileList", "zip", "reset", "quit"}));
+    scan.show({.phase = Phase::done, .zip = ZipWorking{1, 2}});
+    press(Qt::Key_S, Qt::ControlModifier);
+    EXPECT_EQ(actions.asked.size(), 6) << "one packing at a time";
+}
+
+TEST_F(MainWindowTest, OpensItsMenuByPointerAndByKey) {
+    open();
+    const QQuickItem* menu = find("menu");
+    EXPECT_FALSE(menu->isVisible());
+    click(find("menuButton"));
+    EXPECT_TRUE(menu->isVisible());
+    click(find("aboutRow"));
+    EXPECT_FALSE(menu->isVisible());
+    press(Qt::Key_F10);
+    ASSERT_TRUE(menu->isVisible());
+    press(Qt::Key_Down);
+    press(Qt::Key_Return);
+    press(Qt::Key_F10);
+    press(Qt::Key_Up);
+    press(Qt::Key_Space);
+    EXPECT_EQ(actions.asked, QStringList({"about", "checkForUpdates", "quit"}));
+}
+
+TEST_F(MainWindowTest, ClosesItsMenuWithoutACommand) {
+    open();
+    scan.show({.phase = Phase::done});
+    press(Qt::Key_F10);
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(find("menu")->isVisible());
+    press(Qt::Key_F10);
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, {600, 400});
+    EXPECT_FALSE(find("menu")->isVisible());
+    EXPECT_EQ(actions.asked, QStringList());
+}
+
+TEST_F(MainWindowTest, MaximisesByDoubleClickOnTheStrip) {
+    open();
+    QTest::mouseDClick(window.get(), Qt::LeftButton, {}, {400, 14});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->visibility() == QWindow::Maximized; }));
+    EXPECT_EQ(find("maximizeButton")->property("label"), "Restore");
+    click(find("maximizeButton"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return window->visibility() == QWindow::Windowed; }));
+}
+
+TEST_F(MainWindowTest, ClosesByItsButton) {
+    open();
+    click(find("closeButton"));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
+}
+
+TEST_F(MainWindowTest, MovesOnlyWhileItIsToBeSeen) {
+    open(true);
+    EXPECT_TRUE(clockRuns());
+    const double time = find("waveField")->property("time").toDouble();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return find("waveField")->property("time").toDouble() > time; }));
+    window->showMinimized();
+    EXPECT_FALSE(clockRuns());
+    window->showNormal();
+    EXPECT_TRUE(clockRuns());
+    window->hide();
+    EXPECT_FALSE(clockRuns());
+}
+
+TEST_F(MainWindowTest, StandsStillWhereLessMotionIsWanted) {
+    open(false);
+    EXPECT_FALSE(clockRuns());
+}
+
+TEST_F(MainWindowTest, GlidesToANewIntensity) {
+    open(true);
+    QQuickItem* wave = find("waveField");
+    EXPECT_EQ(wave->property("intensity").toDouble(), 0.44);
+    scan.show({.phase = Phase::scanning});
+    EXPECT_LT(wave->property("intensity").toDouble(), 1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return wave->property("intensity").toDouble() == 1; }));
+}
+
+TEST_F(MainWindowTest, GrowsTheEmblemWhileADragHovers) {
+    open(true);
+    QQuickItem* emblem = find("dropEmblem");
+    EXPECT_EQ(emblem->property("magnification").toDouble(), 1);
+    scan.setTargeted(true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return emblem->property("magnification").toDouble() == 1.08; }));
+    scan.setTargeted(false);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return emblem->property("magnification").toDouble() == 1; }));
+}
+
+} // namespace
+} // namespace velmora::test

@@ -1,0 +1,135 @@
+#include "ui/UiTest.h"
+
+#include "ui/Views.h"
+
+#include <QGuiApplication>
+#include <QQmlComponent>
+#include <QTest>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace velmora::test {
+
+namespace {
+
+QStringList& warnings() {
+    static QStringList list;
+    return list;
+}
+
+void keepWarnings(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
+    if (type != QtDebugMsg && type != QtInfoMsg) {
+        warnings() << message;
+    }
+}
+
+/// The one application object of a test process.
+class Application : public testing::Environment {
+public:
+    void SetUp() override {
+        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+        ::setenv("QT_QUICK_BACKEND", "software", 1);
+        m_application = std::make_unique<QGuiApplication>(m_count, m_arguments);
+        Views::prepare();
+        qInstallMessageHandler(&keepWarnings);
+    }
+
+    void TearDown() override { m_application.reset(); }
+
+private:
+    char m_name[5] = "test";
+    char* m_arguments[2] = {m_name, nullptr};
+    int m_count = 1;
+    std::unique_ptr<QGuiApplication> m_application;
+};
+
+[[maybe_unused]] const testing::Environment* const application =
+    testing::AddGlobalTestEnvironment(new Application);
+
+} // namespace
+
+void UiTest::SetUp() {
+    warnings().clear();
+    m_engine = std::make_unique<QQmlEngine>();
+}
+
+void UiTest::TearDown() {
+    window.reset();
+    m_engine.reset();
+    EXPECT_EQ(warnings().join('\n').toStdString(), "");
+}
+
+QQuickItem* UiTest::showItem(const char* name, const QVariantMap& properties, const QSize& points) {
+    QQmlComponent component(m_engine.get(), Views::url(name));
+    auto* const item = qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties));
+    if (item == nullptr) {
+        ADD_FAILURE() << component.errorString().toStdString();
+        return nullptr;
+    }
+    if (points.isValid()) {
+        item->setSize(points);
+    }
+    window = std::make_unique<QQuickWindow>();
+    window->setColor(Qt::black);
+    item->setParent(window.get());
+    item->setParentItem(window->contentItem());
+    window->resize(item->size().toSize());
+    window->show();
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    QEvent leave(QEvent::Leave); // where the pointer was left by an earlier test
+    QCoreApplication::sendEvent(window.get(), &leave);
+    return item;
+}
+
+QQuickItem* UiTest::showContent(const QSize& points) {
+    return show("ContentView",
+                {{"scan", QVariant::fromValue(&scan)},
+                 {"actions", QVariant::fromValue<Actions*>(&actions)},
+                 {"time", 812'000'000.0},
+                 {"animated", false}},
+                points);
+}
+
+QImage UiTest::grab() {
+    return window->grabWindow();
+}
+
+QQuickItem* UiTest::find(const char* objectName) {
+    auto* const item = window->findChild<QQuickItem*>(objectName);
+    EXPECT_NE(item, nullptr) << objectName;
+    return item;
+}
+
+QRect UiTest::place(const QQuickItem* item) {
+    return item->mapRectToScene(QRectF({}, item->size())).toRect();
+}
+
+void UiTest::hover(const QQuickItem* item) {
+    QTest::mouseMove(window.get(), place(item).center());
+    QTest::qWait(1);
+}
+
+void UiTest::hoverNothing() {
+    QTest::mouseMove(window.get(), QPoint(1, 1));
+    QTest::qWait(1);
+}
+
+void UiTest::click(const QQuickItem* item) {
+    QTest::mouseClick(window.get(), Qt::LeftButton, {}, place(item).center());
+}
+
+int distance(const QColor& a, const QColor& b) {
+    return std::max(
+        {std::abs(a.red() - b.red()), std::abs(a.green() - b.green()), std::abs(a.blue() - b.blue())});
+}
+
+QColor over(const QColor& below, const QColor& above, double opacity) {
+    const auto mix = [opacity](double under, double top) {
+        return static_cast<float>(under + (top - under) * opacity);
+    };
+    return QColor::fromRgbF(mix(below.redF(), above.redF()), mix(below.greenF(), above.greenF()),
+                            mix(below.blueF(), above.blueF()));
+}
+
+} // namespace velmora::test

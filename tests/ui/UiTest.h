@@ -1,0 +1,92 @@
+#pragma once
+
+// What tests of views share: an application without a display, an eye on every warning, views in windows.
+
+#include "ui/Actions.h"
+#include "ui/ScanView.h"
+
+#include <QImage>
+#include <QQmlEngine>
+#include <QQuickItem>
+#include <QQuickWindow>
+#include <QStringList>
+#include <QVariantMap>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace velmora::test {
+
+/// Writes down what it is asked to do.
+class RecordingActions : public Actions {
+public:
+    void choose() override { asked << "choose"; }
+
+    void copyRuntime() override { asked << "copyRuntime"; }
+
+    void copyFileList() override { asked << "copyFileList"; }
+
+    void zip() override { asked << "zip"; }
+
+    void reset() override { asked << "reset"; }
+
+    void revealZip() override { asked << "revealZip"; }
+
+    void checkForUpdates() override { asked << "checkForUpdates"; }
+
+    void about() override { asked << "about"; }
+
+    void quit() override { asked << "quit"; }
+
+    QStringList asked;
+};
+
+/// Needs no display and no GPU. A warning of Qt or QML during a test is a failure.
+class UiTest : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    /// Shows the view of that name in a window as large as the view asks for, or as `points` says.
+    template <typename Item = QQuickItem>
+    Item* show(const char* name, const QVariantMap& properties, const QSize& points = {}) {
+        return qobject_cast<Item*>(showItem(name, properties, points));
+    }
+
+    /// The whole content, showing `scan`.
+    QQuickItem* showContent(const QSize& points = {940, 700});
+
+    /// What the window shows, at one pixel a point.
+    QImage grab();
+
+    /// The item of that object name; a failure if there is none.
+    QQuickItem* find(const char* objectName);
+
+    /// Where `item` is in the window, in points.
+    static QRect place(const QQuickItem* item);
+
+    /// Moves the pointer to the middle of `item`, or away from everything.
+    void hover(const QQuickItem* item);
+    void hoverNothing();
+    void click(const QQuickItem* item);
+
+    QQmlEngine& engine() { return *m_engine; }
+
+    ScanView scan;
+    RecordingActions actions;
+    std::unique_ptr<QQuickWindow> window;
+
+private:
+    QQuickItem* showItem(const char* name, const QVariantMap& properties, const QSize& points);
+
+    std::unique_ptr<QQmlEngine> m_engine;
+};
+
+/// How far apart two colours are: the largest difference of a channel, from 0 to 255.
+int distance(const QColor& a, const QColor& b);
+
+/// `above` at `opacity` painted over `below`.
+QColor over(const QColor& below, const QColor& above, double opacity);
+
+} // namespace velmora::test
