@@ -102,6 +102,20 @@ TEST(AsfDuration, IsAbsentBehindAnObjectOfImpossibleSize) {
     EXPECT_EQ(secondsOf(behindAnObjectStating(24)), Seconds()) << "then come zeros: an object of size 0";
 }
 
+TEST(AsfDuration, IsAbsentBehindAnObjectTooSmallForItsPrefixWhateverFollows) {
+    // Who steps over `size` bytes finds a second object there, which leads on to the File Properties Object.
+    const auto file = [](std::uint8_t size) {
+        Bytes first = AsfObject{.content = Bytes(76), .objectSize = size}.bytes();
+        first[size + 16U] = static_cast<std::uint8_t>(first.size() - size);
+        return asfHeader(joined({first, AsfFileProperties{}.bytes()}));
+    };
+    for (std::uint8_t size = 8; size < 24; ++size) {
+        EXPECT_EQ(secondsOf(file(size)), Seconds()) << int{size};
+    }
+    EXPECT_EQ(secondsOf(file(24)), 2.0);
+    EXPECT_EQ(secondsOf(file(25)), 2.0);
+}
+
 TEST(AsfDuration, NeedsTheFieldsInTheFileButNotInTheObject) {
     const Bytes file = asfHeader(AsfFileProperties{.objectSize = 24}.bytes());
     for (std::size_t size = 0; size <= file.size(); ++size) {
