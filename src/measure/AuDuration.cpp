@@ -68,7 +68,8 @@ std::optional<double> auDuration(GuardedReader& reader, std::int64_t start) {
     if (frameBits == 0 || rate == 0) {
         return std::nullopt;
     }
-    return static_cast<double>(std::max<std::int64_t>(0, bytes) * 8 / frameBits) / rate;
+    const std::int64_t frames = std::max<std::int64_t>(0, bytes) * 8 / frameBits;
+    return static_cast<double>(frames) / rate;
 }
 
 } // namespace velmora

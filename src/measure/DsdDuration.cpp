@@ -21,7 +21,8 @@ std::optional<double> bitSeconds(std::int64_t bytes, std::int64_t channels, std:
     if (channels <= 0 || rate <= 0) {
         return std::nullopt;
     }
-    return static_cast<double>(bytes / channels) * 8 / static_cast<double>(rate);
+    const std::int64_t channelBytes = bytes / channels;
+    return static_cast<double>(channelBytes) * 8 / static_cast<double>(rate);
 }
 
 /// `size` as far as the file reaches from `at`.

@@ -93,7 +93,7 @@ std::optional<std::int32_t> freeFormatBytes(std::span<const std::uint8_t> bytes)
     }
     const std::int32_t padding = frame->bytes - longest;
     for (std::int32_t length = shortest; length <= longest; ++length) {
-        auto at = static_cast<std::size_t>(length + padding);
+        auto at = static_cast<std::size_t>(length) + static_cast<std::size_t>(padding);
         int followers = 0;
         while (followers < 3 && at < bytes.size()) {
             const auto next = parseFrame(bytes.subspan(at), length);
