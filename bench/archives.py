@@ -10,7 +10,7 @@ from measuring import DATA, SCAN, Contender, interleave, native, output_of, tabl
 
 GIGABYTE = 1_000_000_000
 COMPRESSED = {"mp3", "m4a", "ogg", "opus", "wma", "aac", "flac"}
-ROUNDS = 5
+ROUNDS = 3
 
 
 @dataclass(frozen=True)
