@@ -59,11 +59,12 @@ def unpacking(folder: Path, work: Path) -> str:
         ours = Contender("gathering", ["env", f"TMPDIR={work}", native("bench_gathering"), str(archive)],
                          before=lambda: empty(work))
         interleave([tool, ours], ROUNDS)
-        rows.append([kind.extension, f"{tool.median():.2f}", f"{ours.median():.2f}", f"{ours.ratio_to(tool):.2f}"])
+        rows.append([kind.extension, f"{tool.median():.2f}", f"{ours.median():.2f}",
+                     f"{ours.ratio_to(tool):.2f}"])
     empty(work)
     return ("## Unpacking\n\n"
-            "The same 1 GB in an archive: copied, unpacked and the copy removed by hand; and gathered by Velmora,\n"
-            "which does the same, then walks and orders what came out, and removes it.\n\n"
+            "The same 1 GB in an archive: copied, unpacked and the copy removed by hand; and gathered by\n"
+            "Velmora, which does the same, then walks and orders what came out, and removes it.\n\n"
             + table(["archive", "by hand, seconds", "gathering, seconds", "ratio"], rows))
 
 

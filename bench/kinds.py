@@ -7,7 +7,7 @@ from pathlib import Path
 from library import KINDS, folder_of, library
 from measuring import DATA, SCAN, Contender, interleave, output_of, table, warm
 
-FILES_AT_ONCE = 600  # a kind's folder is given so often that at least this many files are timed in one process
+FILES_AT_ONCE = 600  # a kind's folder is given so often that one process times at least this many files
 ROUNDS = 7
 
 
@@ -28,19 +28,20 @@ def run() -> str:
         rows.append([kind.name, str(kind.count), f"{example.stat().st_size / 1e6:.1f}", str(calls),
                      f"{read_bytes / 1024:,.1f}", f"{(scan.median() - start.median()) / files * 1e6:.0f}"])
     return ("## What a file costs\n\n"
-            "The reads that one file of the library takes and the bytes they bring, counted with strace; the time a\n"
-            f"file, warm cache, of a scan of at least {FILES_AT_ONCE} of its kind without the program's start.\n\n"
+            "The reads that one file of the library takes and the bytes they bring, counted with strace; the\n"
+            f"time a file, warm cache, of a scan of at least {FILES_AT_ONCE} of its kind without the program's\n"
+            "start.\n\n"
             + table(["kind", "in the library", "MB", "reads", "KiB read", "µs"], rows))
 
 
 def reads_of(file: Path) -> tuple[int, int]:
-    """How many read calls a scan of `file` makes on it and how many bytes they return. A mapped file is an error:
-    its reads cannot be counted."""
+    """How many read calls a scan of `file` makes on it and how many bytes they return. A mapped file is an
+    error: its reads cannot be counted."""
     calls = 0
     read_bytes = 0
     with tempfile.TemporaryDirectory() as logs:
-        output_of(["strace", "-ff", "-y", "-qq", "-s", "0", "-e", "trace=read,pread64,readv,preadv,preadv2,mmap",
-                   "-o", f"{logs}/log", SCAN, "--quiet", str(file)])
+        output_of(["strace", "-ff", "-y", "-qq", "-s", "0", "-o", f"{logs}/log",
+                   "-e", "trace=read,pread64,readv,preadv,preadv2,mmap", SCAN, "--quiet", str(file)])
         for log in Path(logs).iterdir():
             for line in log.read_text(errors="replace").splitlines():
                 if f"<{file}>" not in line:

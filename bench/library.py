@@ -1,7 +1,8 @@
-"""Makes the music library that the benchmarks time: 2,000 tracks of about four minutes in a typical mix of formats.
+"""Makes the music library that the benchmarks time: 2,000 tracks of about four minutes in a typical mix of
+formats.
 
-Three songs are synthesised and encoded once for each format; the tracks are copies of those, each a file of its
-own. Every MP3 gets a tag of its own with a cover of 264 KB. The library is made once and kept.
+Three songs are synthesised and encoded once for each format; the tracks are copies of those, each a file of
+its own. Every MP3 gets a tag of its own with a cover of 264 KB. The library is made once and kept.
 """
 
 import os

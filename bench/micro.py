@@ -19,9 +19,9 @@ def run() -> str:
             raise SystemExit(f"{step['name']}: {step['error_message']}")
         rows.append([step["name"].removesuffix("/real_time"), f"{microseconds(step):,.1f}", rate(step)])
     return ("## Single steps\n\n"
-            "On one thread, warm cache. Where a file states no length its frames are counted, and the rate is that\n"
-            "of going through all of it. `order/100000` orders 100,000 paths; `hand over` is one result's way to the\n"
-            "main thread.\n\n"
+            "On one thread, warm cache. Where a file states no length its frames are counted, and the rate is\n"
+            "that of going through all of it. `order/100000` orders 100,000 paths; `hand over` is one result's\n"
+            "way to the main thread.\n\n"
             + table(["step", "µs", "GB/s"], rows))
 
 

@@ -1,7 +1,8 @@
-"""./dev bench [NAME…]: runs the benchmarks named and prints what they say; without names runs all of them and
-writes docs/performance.md as well."""
+"""./dev bench [NAME…]: runs the benchmarks named and prints what they find; without names runs all of them and
+writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md."""
 
 import platform
+import subprocess
 import sys
 
 import archives
@@ -10,27 +11,37 @@ import kinds
 import micro
 import peers
 import scaling
-from measuring import DATA, ROOT, output_of
+from measuring import DATA, ROOT, SCAN, output_of
 
-BENCHMARKS = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
-              "archives": archives}
+PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
+               "archives": archives}
+NAMES = (*PERFORMANCE, "accuracy")
+
+
+def main(names: list[str]) -> int:
+    unknown = [name for name in names if name not in NAMES]
+    if unknown:
+        print(f"bench: there is no {', '.join(unknown)}; there are: {', '.join(NAMES)}", file=sys.stderr)
+        return 2
+    DATA.mkdir(parents=True, exist_ok=True)
+    sections = [PERFORMANCE[name].run() for name in names or NAMES if name in PERFORMANCE]
+    if sections:
+        page = "\n".join(["# Performance\n", f"Made by `./dev bench` on: {machine()}.\n", *sections])
+        print(page)
+        if not names:
+            (ROOT / "docs" / "performance.md").write_text(page)
+    return accuracy() if not names or "accuracy" in names else 0
+
+
+def accuracy() -> int:
+    return subprocess.run([sys.executable, "-B", str(ROOT / "bench" / "accuracy" / "run.py"), "--scan", SCAN,
+                           "--out", str(ROOT / "docs" / "accuracy.md")], check=False).returncode
 
 
 def machine() -> str:
     fields = dict(line.split(":", 1) for line in output_of(["lscpu"]).splitlines() if ":" in line)
-    return f"{fields['Model name'].strip()}, {fields['CPU(s)'].strip()} cores, Linux {platform.release().split('-')[0]}"
+    cpu, cores = fields["Model name"].strip(), fields["CPU(s)"].strip()
+    return f"{cpu}, {cores} cores, Linux {platform.release().split('-')[0]}"
 
 
-def main(names: list[str]) -> None:
-    unknown = set(names) - set(BENCHMARKS)
-    if unknown:
-        sys.exit(f"bench: there is no {', '.join(sorted(unknown))}; there are: {', '.join(BENCHMARKS)}")
-    DATA.mkdir(parents=True, exist_ok=True)
-    sections = [BENCHMARKS[name].run() for name in names or BENCHMARKS]
-    page = "\n".join(["# Performance\n", f"Made by `./dev bench` on: {machine()}.\n", *sections])
-    print(page)
-    if not names:
-        (ROOT / "docs" / "performance.md").write_text(page)
-
-
-main(sys.argv[1:])
+sys.exit(main(sys.argv[1:]))
