@@ -1,0 +1,104 @@
+import QtQuick
+import Velmora
+
+// An alert over the whole window: nothing else can be reached until one of its buttons is pressed.
+FocusScope {
+    id: box
+
+    required property Alerts alerts
+
+    visible: alerts.open
+    focus: visible
+    Accessible.role: Accessible.AlertMessage
+    Accessible.name: alerts.title
+    Accessible.description: alerts.body
+    onVisibleChanged: if (visible)
+        accept.forceActiveFocus(Qt.PopupFocusReason)
+    Keys.onEscapePressed: alerts.dismiss()
+    Keys.onReturnPressed: alerts.accept()
+    Keys.onEnterPressed: alerts.accept()
+
+    Rectangle {
+        anchors.fill: parent
+        color: "black"
+        opacity: 0.6
+    }
+
+    MouseArea {
+        anchors.fill: parent
+        hoverEnabled: true
+        onWheel: wheel => wheel.accepted = true
+    }
+
+    Plate {
+        anchors.centerIn: parent
+        width: 400
+        height: texts.implicitHeight + 48
+        fill: Neon.bgTop
+        border: Neon.violet
+        borderOpacity: 0.5
+        radius: 18
+
+        Column {
+            id: texts
+
+            x: 28
+            y: 24
+            width: parent.width - 56
+            spacing: 14
+
+            Text {
+                objectName: "alertTitle"
+                width: parent.width
+                text: box.alerts.title
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+                renderType: Text.NativeRendering
+                color: Neon.ink
+                font.family: "Inter"
+                font.pixelSize: 16
+                font.weight: Font.Bold
+            }
+
+            Text {
+                objectName: "alertBody"
+                width: parent.width
+                text: box.alerts.body
+                textFormat: Text.PlainText
+                wrapMode: Text.Wrap
+                maximumLineCount: 14
+                elide: Text.ElideRight
+                renderType: Text.NativeRendering
+                color: Neon.inkDim
+                font.family: "Inter"
+                font.pixelSize: 13
+                lineHeight: 1.25
+            }
+
+            Row {
+                anchors.right: parent.right
+                topPadding: 6
+                spacing: 10
+
+                NeonButton {
+                    objectName: "alertDismiss"
+                    visible: title !== ""
+                    title: box.alerts.dismissTitle
+                    tint: Neon.inkDim
+                    KeyNavigation.tab: accept
+                    KeyNavigation.right: accept
+                    onPressed: box.alerts.dismiss()
+                }
+
+                NeonButton {
+                    id: accept
+
+                    objectName: "alertAccept"
+                    title: box.alerts.acceptTitle
+                    tint: Neon.violet
+                    onPressed: box.alerts.accept()
+                }
+            }
+        }
+    }
+}

@@ -1,0 +1,71 @@
+#include "ui/AppWindow.h"
+
+#include "ui/AppDelegate.h"
+#include "ui/DropTarget.h"
+#include "ui/Views.h"
+
+#include <QAccessible>
+#include <QQuickWindow>
+#include <QVariant>
+
+namespace velmora {
+
+AppWindow::AppWindow(AppDelegate& delegate) {
+    m_actions.setUpdateCheck([this] { m_updates.checkInteractively(); });
+    m_engine.setInitialProperties({
+        {"scan", QVariant::fromValue(&m_view)},
+        {"actions", QVariant::fromValue<Actions*>(&m_actions)},
+        {"alerts", QVariant::fromValue(&m_alerts)},
+        {"animated", m_motion.animated()},
+        {"visible", true},
+    });
+    m_engine.load(Views::url("MainWindow"));
+    if (m_engine.rootObjects().isEmpty()) {
+        return;
+    }
+    take(qobject_cast<QQuickWindow*>(m_engine.rootObjects().constFirst()));
+
+    connect(&delegate, &AppDelegate::openURLs, this, [this, &delegate](const Paths& urls) {
+        delegate.takePending();
+        m_actions.start(urls);
+    });
+    m_updates.checkQuietly();
+    m_actions.start(delegate.takePending());
+}
+
+void AppWindow::take(QQuickWindow* window) {
+    m_window = window;
+    m_actions.setWindow(window);
+    const auto* drops = new DropTarget(window);
+    connect(drops, &DropTarget::hovered, &m_view, &ScanView::setTargeted);
+    connect(drops, &DropTarget::dropped, &m_actions, &WindowActions::start);
+    connect(&m_motion, &ReducedMotion::changed, window,
+            [this, window] { window->setProperty("animated", m_motion.animated()); });
+    connect(&m_view, &ScanView::statusChanged, this, [this] { announce(m_view.status()); });
+    connect(&m_view, &ScanView::phaseChanged, this, [this] {
+        if (m_view.done()) {
+            announce(m_view.totalWords());
+        }
+    });
+}
+
+void AppWindow::announce(const QString& text) {
+    if (QAccessible::isActive() && !text.isEmpty()) {
+        m_window->setTitle(QStringLiteral("Velmora \u2013 ") + text); // read aloud, and seen in the task bar
+        QAccessibleEvent event(m_window, QAccessible::NameChanged);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
+void AppWindow::raise(const QByteArray& activationToken) {
+    if (!activationToken.isEmpty()) {
+        qputenv("XDG_ACTIVATION_TOKEN", activationToken); // where Qt's Wayland plug-in looks for it
+    }
+    if (m_window->visibility() == QWindow::Minimized) {
+        m_window->showNormal();
+    }
+    m_window->raise();
+    m_window->requestActivate();
+}
+
+} // namespace velmora

@@ -1,0 +1,51 @@
+#pragma once
+
+// The one window with all that lives as long as it: the scan it shows, what its controls do, what is dropped
+// on it.
+
+#include "core/ScanModel.h"
+#include "ui/Alerts.h"
+#include "ui/ReducedMotion.h"
+#include "ui/ScanView.h"
+#include "ui/UpdateAlerts.h"
+#include "ui/WindowActions.h"
+
+#include <QByteArray>
+#include <QQmlApplicationEngine>
+
+class QQuickWindow;
+
+namespace velmora {
+
+class AppDelegate;
+
+/// Created after the application object. When it goes, running tools are ended and temporary files removed.
+class AppWindow : public QObject {
+    Q_OBJECT
+
+public:
+    /// Takes over what waits at `delegate`, and all it is handed later.
+    explicit AppWindow(AppDelegate& delegate);
+
+    /// Whether the window could be made.
+    bool isShown() const { return m_window != nullptr; }
+
+    /// Brings the window to the front. `activationToken` is the desktop's leave to take the focus; it may be
+    /// empty.
+    void raise(const QByteArray& activationToken);
+
+private:
+    void take(QQuickWindow* window);
+    void announce(const QString& text);
+
+    ScanModel m_model;
+    ScanView m_view{m_model};
+    Alerts m_alerts;
+    WindowActions m_actions{m_model, m_view, m_alerts};
+    UpdateAlerts m_updates{m_alerts};
+    ReducedMotion m_motion;
+    QQuickWindow* m_window = nullptr;
+    QQmlApplicationEngine m_engine; // last: the views need the others
+};
+
+} // namespace velmora

@@ -1,0 +1,59 @@
+#include "ui/DroppedFiles.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QMimeData>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace velmora {
+
+namespace {
+
+const QString uriList = QStringLiteral("text/uri-list");
+const QString fileTransfer = QStringLiteral("application/vnd.portal.filetransfer");
+
+constexpr int portalPatience = 5000; // milliseconds
+
+/// The files behind the portal's `key`; none when the portal does not answer.
+Paths filesFromPortal(const QByteArray& key) {
+    QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Documents"),
+                                                       QStringLiteral("/org/freedesktop/portal/documents"),
+                                                       QStringLiteral("org.freedesktop.portal.FileTransfer"),
+                                                       QStringLiteral("RetrieveFiles"));
+    call << QString::fromUtf8(key) << QVariantMap();
+    const QDBusMessage answer = QDBusConnection::sessionBus().call(call, QDBus::Block, portalPatience);
+    Paths paths;
+    if (answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty()) {
+        for (const QString& file : answer.arguments().constFirst().toStringList()) {
+            paths.emplace_back(file.toStdString());
+        }
+    }
+    return paths;
+}
+
+/// The portal's key, without the NUL that C programs append.
+QByteArray keyOf(const QMimeData& data) {
+    QByteArray key = data.data(fileTransfer);
+    while (key.endsWith('\0')) {
+        key.chop(1);
+    }
+    return key;
+}
+
+} // namespace
+
+bool carriesFiles(const QMimeData& data) {
+    return data.hasFormat(uriList) || data.hasFormat(fileTransfer);
+}
+
+Paths droppedFiles(const QMimeData& data) {
+    if (data.hasFormat(fileTransfer)) {
+        if (Paths paths = filesFromPortal(keyOf(data)); !paths.empty()) {
+            return paths;
+        }
+    }
+    return pathsOfUriList(data.data(uriList));
+}
+
+} // namespace velmora

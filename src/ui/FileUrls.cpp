@@ -1,0 +1,74 @@
+#include "ui/FileUrls.h"
+
+#include <QString>
+#include <QSysInfo>
+
+#include <string>
+#include <string_view>
+
+namespace velmora {
+
+namespace {
+
+/// What follows `prefix` in `url`; absent when `url` begins otherwise. Letters count whatever their case.
+std::optional<QByteArrayView> after(QByteArrayView url, QByteArrayView prefix) {
+    if (url.size() < prefix.size() || url.first(prefix.size()).compare(prefix, Qt::CaseInsensitive) != 0) {
+        return std::nullopt;
+    }
+    return url.sliced(prefix.size());
+}
+
+bool isThisMachine(QByteArrayView host) {
+    return host.isEmpty() || host.compare("localhost", Qt::CaseInsensitive) == 0 ||
+           host.compare(QSysInfo::machineHostName().toUtf8(), Qt::CaseInsensitive) == 0;
+}
+
+/// The path part of a file URL, still encoded.
+std::optional<QByteArrayView> encodedPath(QByteArrayView url) {
+    const std::optional<QByteArrayView> rest = after(url, "file:");
+    if (!rest || !rest->startsWith('/')) {
+        return std::nullopt;
+    }
+    if (!rest->startsWith("//")) {
+        return rest;
+    }
+    const QByteArrayView authority = rest->sliced(2);
+    const qsizetype slash = authority.indexOf('/');
+    if (slash < 0 || !isThisMachine(authority.first(slash))) {
+        return std::nullopt;
+    }
+    return authority.sliced(slash);
+}
+
+} // namespace
+
+std::optional<std::filesystem::path> pathOfUrl(QByteArrayView url) {
+    const std::optional<QByteArrayView> encoded = encodedPath(url);
+    if (!encoded) {
+        return std::nullopt;
+    }
+    const QByteArray path = QByteArray::fromPercentEncoding(encoded->toByteArray());
+    if (path.contains('\0')) {
+        return std::nullopt;
+    }
+    return std::filesystem::path(path.toStdString());
+}
+
+Paths pathsOfUriList(QByteArrayView list) {
+    Paths paths;
+    while (!list.isEmpty()) {
+        const qsizetype lineFeed = list.indexOf('\n');
+        const QByteArrayView line = (lineFeed < 0 ? list : list.first(lineFeed)).trimmed();
+        list = lineFeed < 0 ? QByteArrayView() : list.sliced(lineFeed + 1);
+        if (const auto path = pathOfUrl(line)) {
+            paths.push_back(*path);
+        }
+    }
+    return paths;
+}
+
+QByteArray urlOfPath(const std::filesystem::path& path) {
+    return "file://" + QByteArray::fromStdString(path.native()).toPercentEncoding("/");
+}
+
+} // namespace velmora

@@ -1,0 +1,31 @@
+#pragma once
+
+// A panel in which folders and files can be chosen together. Desktops' own panels offer one or the other.
+
+#include <QFileDialog>
+#include <QStringList>
+
+namespace velmora {
+
+class OpenPanel : public QFileDialog {
+    Q_OBJECT
+
+public:
+    OpenPanel();
+
+    /// What was chosen when the panel was confirmed: what was selected, or typed, or else the folder it
+    /// showed.
+    QStringList chosen() const { return m_chosen; }
+
+protected:
+    void accept() override;
+
+private:
+    QStringList selected() const;
+    QStringList typed() const;
+    void keepUsable();
+
+    QStringList m_chosen;
+};
+
+} // namespace velmora

@@ -1,0 +1,46 @@
+#pragma once
+
+// Keeps it to one window a user: a second start hands its files to the running one. Two would sweep each
+// other's temporary files.
+
+#include "ui/FileUrls.h"
+
+#include <QByteArray>
+#include <QLocalServer>
+#include <QLockFile>
+#include <QObject>
+
+#include <memory>
+
+namespace velmora {
+
+/// The name on the session bus and of the desktop file.
+inline constexpr const char* applicationId = "com.orventa.Velmora";
+
+/// Found by its name on the session bus, as org.freedesktop.Application; without a bus by a socket in the
+/// user's runtime directory. Main thread.
+class SingleInstance : public QObject {
+    Q_OBJECT
+
+public:
+    using QObject::QObject;
+
+    /// Whether this process is the one. If not, the running one has been given `paths`, or, without any, been
+    /// asked to come to the front; so this process has nothing left to do.
+    bool claim(const Paths& paths);
+
+signals:
+    /// A later start, or the desktop, wants `paths` scanned; none: only the window raised. `activationToken`
+    /// lets the window take the focus, where the desktop asks for one; empty if it gave none.
+    void requested(const velmora::Paths& paths, const QByteArray& activationToken);
+
+private:
+    bool claimOnBus(const Paths& paths);
+    bool claimSocket(const Paths& paths);
+    void takeConnection();
+
+    std::unique_ptr<QLockFile> m_lock;
+    QLocalServer m_server;
+};
+
+} // namespace velmora

@@ -1,0 +1,43 @@
+#include "ui/UpdateAlerts.h"
+
+#include "ui/Alerts.h"
+
+#include <QDesktopServices>
+#include <QHostAddress>
+
+#include <chrono>
+
+namespace velmora {
+
+namespace {
+
+double secondsSince1970() {
+    return std::chrono::duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
+}
+
+/// The maker's address, or one on this machine that the environment names: a release is tried out with it
+/// before it is published.
+QUrl manifestAddress() {
+    const QUrl local(qEnvironmentVariable("VELMORA_MANIFEST_URL"));
+    return QHostAddress(local.host()).isLoopback() ? local : UpdateChecker::manifestURL();
+}
+
+AlertText textOf(const UpdateChecker::Alert& alert) {
+    AlertText text{alert.title, alert.body};
+    if (alert.download) {
+        text.acceptTitle = QStringLiteral("Download");
+        text.dismissTitle = QStringLiteral("Later");
+        text.accepted = [url = *alert.download] { QDesktopServices::openUrl(url); };
+    }
+    return text;
+}
+
+} // namespace
+
+UpdateAlerts::UpdateAlerts(Alerts& alerts)
+    : m_program{
+          m_network,         m_preferences,
+          manifestAddress(), UpdateChecker::currentVersion(),
+          &secondsSince1970, [&alerts](const UpdateChecker::Alert& alert) { alerts.show(textOf(alert)); }} {}
+
+} // namespace velmora

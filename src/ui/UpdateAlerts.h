@@ -1,0 +1,30 @@
+#pragma once
+
+// The update checker with what it needs of this program: network, preferences, clock, alerts.
+
+#include "update/UpdateChecker.h"
+
+#include <QNetworkAccessManager>
+#include <QSettings>
+
+namespace velmora {
+
+class Alerts;
+
+/// Main thread.
+class UpdateAlerts {
+public:
+    /// Tells what it finds through `alerts`, which outlives this.
+    explicit UpdateAlerts(Alerts& alerts);
+
+    void checkQuietly() { UpdateChecker::checkQuietly(m_program); }
+
+    void checkInteractively() { UpdateChecker::checkInteractively(m_program); }
+
+private:
+    QSettings m_preferences;
+    UpdateChecker::Program m_program;
+    QNetworkAccessManager m_network; // last: its answers need the others
+};
+
+} // namespace velmora

@@ -1,0 +1,87 @@
+#include "ui/WindowActions.h"
+
+#include "core/ScanModel.h"
+#include "ui/Alerts.h"
+#include "ui/FileReveal.h"
+#include "ui/Panels.h"
+#include "ui/ScanView.h"
+#include "update/UpdateChecker.h"
+
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QWindow>
+
+#include <utility>
+#include <variant>
+
+namespace velmora {
+
+namespace {
+
+void copy(const std::string& text) {
+    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+}
+
+} // namespace
+
+WindowActions::WindowActions(ScanModel& model, ScanView& view, Alerts& alerts)
+    : m_model(model)
+    , m_view(view)
+    , m_alerts(alerts) {}
+
+void WindowActions::start(const Paths& urls) {
+    m_model.ingest(urls);
+}
+
+void WindowActions::choose() {
+    start(chooseSources(m_window));
+}
+
+void WindowActions::copyRuntime() {
+    copy(m_model.totalText());
+    m_view.flash(ScanView::Copied::total);
+}
+
+void WindowActions::copyFileList() {
+    copy(m_model.fileListText());
+    m_view.flash(ScanView::Copied::list);
+}
+
+void WindowActions::zip() {
+    const ZipProposal proposal{m_model.suggestedZipName(), m_model.suggestedZipDirectory(),
+                               static_cast<int>(m_model.summary().files.size())};
+    if (const auto destination = chooseZip(m_window, proposal)) {
+        m_model.makeZip(*destination);
+    }
+}
+
+void WindowActions::reset() {
+    m_model.reset();
+}
+
+void WindowActions::revealZip() {
+    if (const auto* saved = std::get_if<ZipDone>(&m_model.zipState())) {
+        revealFile(saved->url);
+    }
+}
+
+void WindowActions::checkForUpdates() {
+    if (m_checkForUpdates) {
+        m_checkForUpdates();
+    }
+}
+
+void WindowActions::about() {
+    m_alerts.show(
+        {QStringLiteral("Velmora %1").arg(UpdateChecker::currentVersion()),
+         QStringLiteral("How long does all this audio play?\n\nDrop files, folders or archives on the "
+                        "window and read the total.\nBy Orventa, under the MIT licence.")});
+}
+
+void WindowActions::quit() {
+    if (m_window != nullptr) {
+        m_window->close(); // closing the window ends the program
+    }
+}
+
+} // namespace velmora

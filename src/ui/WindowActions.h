@@ -1,0 +1,52 @@
+#pragma once
+
+// What the window's controls do.
+
+#include "ui/Actions.h"
+#include "ui/FileUrls.h"
+
+#include <functional>
+
+class QWindow;
+
+namespace velmora {
+
+class Alerts;
+class ScanModel;
+class ScanView;
+
+class WindowActions : public Actions {
+    Q_OBJECT
+
+public:
+    /// All of these outlive the actions.
+    WindowActions(ScanModel& model, ScanView& view, Alerts& alerts);
+
+    /// The window over which panels are shown; none until it exists.
+    void setWindow(QWindow* window) { m_window = window; }
+
+    /// What "Check for Updates…" does.
+    void setUpdateCheck(std::function<void()> check) { m_checkForUpdates = std::move(check); }
+
+    /// Scans `urls`: the end of every way into a scan.
+    void start(const velmora::Paths& urls);
+
+    void choose() override;
+    void copyRuntime() override;
+    void copyFileList() override;
+    void zip() override;
+    void reset() override;
+    void revealZip() override;
+    void checkForUpdates() override;
+    void about() override;
+    void quit() override;
+
+private:
+    ScanModel& m_model;
+    ScanView& m_view;
+    Alerts& m_alerts;
+    QWindow* m_window = nullptr;
+    std::function<void()> m_checkForUpdates;
+};
+
+} // namespace velmora

@@ -1,0 +1,99 @@
+// Velmora: drop audio on the window, see how long it plays.
+
+#include "screenshots/Screenshots.h"
+#include "ui/AppDelegate.h"
+#include "ui/AppWindow.h"
+#include "ui/GraphicsProbe.h"
+#include "ui/Launch.h"
+#include "ui/SingleInstance.h"
+#include "ui/Views.h"
+#include "update/UpdateChecker.h"
+
+#include <QApplication>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string_view>
+
+namespace velmora {
+
+namespace {
+
+constexpr int usageError = 2;
+
+constexpr const char* usage = "usage: velmora [OPTION…] [PATH…]\n"
+                              "\n"
+                              "Opens the window and measures how long the audio at the paths plays.\n"
+                              "\n"
+                              "  --render DIR   write pictures of the window into DIR and quit\n"
+                              "  -V, --version  print the version\n"
+                              "  -h, --help     print this\n";
+
+int render(int argc, char** argv, const std::filesystem::path& into) {
+    Screenshots::prepareEnvironment();
+    const QGuiApplication application(argc, argv);
+    Views::prepare();
+    Screenshots::render(into);
+    return EXIT_SUCCESS;
+}
+
+int openWindow(int argc, char** argv, const Paths& paths) {
+    if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && isBetterInSoftware()) {
+        qputenv("QT_QUICK_BACKEND", "software");
+    }
+    QApplication::setDesktopFileName(applicationId);
+    QApplication::setOrganizationName(QStringLiteral("Orventa"));
+    QApplication::setApplicationName(QStringLiteral("Velmora"));
+    const QApplication application(argc, argv);
+
+    SingleInstance instance;
+    if (!instance.claim(paths)) {
+        return EXIT_SUCCESS;
+    }
+    Views::prepare();
+    AppDelegate delegate;
+    delegate.open(paths);
+    AppWindow window(delegate);
+    if (!window.isShown()) {
+        return EXIT_FAILURE;
+    }
+    QObject::connect(&instance, &SingleInstance::requested, &window,
+                     [&](const Paths& requested, const QByteArray& activationToken) {
+                         window.raise(activationToken);
+                         if (!requested.empty()) {
+                             delegate.open(requested);
+                         }
+                     });
+    return QApplication::exec();
+}
+
+int run(int argc, char** argv) {
+    const Launch launch = readLaunch({argv + std::min(argc, 1), argv + argc});
+    if (launch.renderInto) {
+        return render(argc, argv, *launch.renderInto);
+    }
+    if (launch.help) {
+        return std::fputs(usage, stdout) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
+    }
+    if (launch.version) {
+        const QString version = UpdateChecker::currentVersion();
+        return std::printf("velmora %s\n", qPrintable(version)) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
+    }
+    if (!launch.unknownOption.empty()) {
+        std::fprintf(stderr, "velmora: unknown option '%s'\n%s", launch.unknownOption.c_str(), usage);
+        return usageError;
+    }
+    return openWindow(argc, argv, launch.paths);
+}
+
+} // namespace
+
+} // namespace velmora
+
+int main(int argc, char** argv) {
+    if (argc == 2 && std::string_view(argv[1]) == velmora::probeArgument) {
+        return velmora::probeGraphics(argc, argv);
+    }
+    return velmora::run(argc, argv);
+}
