@@ -2,7 +2,7 @@
 
 find_package(PkgConfig REQUIRED)
 find_package(Threads REQUIRED)
-find_package(Qt6 6.4 REQUIRED COMPONENTS Core)
+find_package(Qt6 6.4 REQUIRED COMPONENTS Core Gui Quick)
 find_package(ICU REQUIRED COMPONENTS uc i18n)
 pkg_check_modules(LIBAV REQUIRED IMPORTED_TARGET libavformat libavcodec libavutil)
 pkg_check_modules(LIBZIP REQUIRED IMPORTED_TARGET libzip)

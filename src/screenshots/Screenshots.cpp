@@ -27,6 +27,9 @@ namespace {
 constexpr QSize shotSize(1440, 900);
 constexpr double shotScale = 2;
 
+/// From 0 to 100: how much of the size is given for speed. The pictures are lossless in any case.
+constexpr int pngQuality = 75;
+
 /// When the moving scenery is photographed, in seconds since its epoch: any moment would do, always the same.
 constexpr double shotTime = 812'000'000;
 
@@ -80,7 +83,7 @@ ScanState scanningState() {
 void write(const QImage& image, const std::filesystem::path& path) {
     QByteArray bytes;
     QBuffer buffer(&bytes);
-    if (image.save(&buffer, "PNG")) {
+    if (image.save(&buffer, "PNG", pngQuality)) {
         std::ofstream(path, std::ios::binary | std::ios::trunc).write(bytes.constData(), bytes.size());
     }
 }

@@ -11,6 +11,7 @@ class QSGGeometryNode;
 
 namespace velmora {
 
+/// A derived class names this base with its namespace: only so do QML's tools find it.
 class AnimatedItem : public QQuickItem {
     Q_OBJECT
     QML_ANONYMOUS

@@ -8,7 +8,7 @@
 
 namespace velmora {
 
-class Backdrop : public PaintedItem {
+class Backdrop : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
 

@@ -8,7 +8,7 @@
 
 namespace velmora {
 
-class Card : public PaintedItem {
+class Card : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(double highlight MEMBER m_highlight NOTIFY changed)

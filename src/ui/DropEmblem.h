@@ -9,7 +9,7 @@
 
 namespace velmora {
 
-class DropEmblem : public PaintedItem {
+class DropEmblem : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(double magnification MEMBER m_magnification NOTIFY changed)

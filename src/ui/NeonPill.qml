@@ -1,21 +1,20 @@
 import QtQuick
 import Velmora
 
-// A small label. With an action it is a button that calls it.
+// A small label; on request also a button.
 Pressable {
     id: pill
 
     required property string text
     required property color tint
-    property var action: null
+    property bool actionable: false
 
     label: text
     implicitWidth: words.implicitWidth + 20
     implicitHeight: words.implicitHeight + 10
     ringRadius: height
-    enabled: action !== null
-    Accessible.role: enabled ? Accessible.Button : Accessible.StaticText
-    onPressed: action()
+    enabled: actionable
+    Accessible.role: actionable ? Accessible.Button : Accessible.StaticText
 
     Plate {
         anchors.fill: parent

@@ -13,6 +13,7 @@ class QPainter;
 
 namespace velmora {
 
+/// A derived class names this base with its namespace: only so do QML's tools find it.
 class PaintedItem : public QQuickItem {
     Q_OBJECT
     QML_ANONYMOUS

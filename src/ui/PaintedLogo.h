@@ -10,7 +10,7 @@
 
 namespace velmora {
 
-class PaintedLogo : public PaintedItem {
+class PaintedLogo : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString source READ source WRITE setSource NOTIFY sourceChanged)

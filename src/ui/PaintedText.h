@@ -11,7 +11,7 @@
 
 namespace velmora {
 
-class PaintedText : public PaintedItem {
+class PaintedText : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QString text READ text WRITE setText NOTIFY changed)

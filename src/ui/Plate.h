@@ -10,7 +10,7 @@
 
 namespace velmora {
 
-class Plate : public PaintedItem {
+class Plate : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(QColor fill MEMBER m_fill NOTIFY changed)

@@ -8,7 +8,7 @@
 
 namespace velmora {
 
-class ProgressCapsule : public PaintedItem {
+class ProgressCapsule : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(double progress MEMBER m_progress NOTIFY changed)

@@ -9,7 +9,7 @@
 
 namespace velmora {
 
-class SlashEmblem : public PaintedItem {
+class SlashEmblem : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(int size MEMBER m_size NOTIFY changed)

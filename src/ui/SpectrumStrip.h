@@ -11,7 +11,7 @@
 
 namespace velmora {
 
-class SpectrumStrip : public AnimatedItem {
+class SpectrumStrip : public velmora::AnimatedItem {
     Q_OBJECT
     QML_ELEMENT
 

@@ -9,7 +9,7 @@
 
 namespace velmora {
 
-class StripGlyph : public PaintedItem {
+class StripGlyph : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(Sign sign MEMBER m_sign NOTIFY changed)

@@ -11,7 +11,7 @@
 
 namespace velmora {
 
-class WaveField : public AnimatedItem {
+class WaveField : public velmora::AnimatedItem {
     Q_OBJECT
     QML_ELEMENT
 

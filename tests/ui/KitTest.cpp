@@ -110,10 +110,17 @@ TEST_F(KitTest, PadsAPillAroundItsText) {
     EXPECT_EQ(words->tracking(), 1.6);
     EXPECT_EQ(pill->width(), words->width() + 2 * 10);
     EXPECT_EQ(pill->height(), words->height() + 2 * 5);
-    EXPECT_FALSE(pill->isEnabled()) << "a pill without an action is no button";
+    EXPECT_FALSE(pill->isEnabled()) << "it is no button";
     const QImage image = grab();
     EXPECT_LE(distance(image.pixelColor(7, image.height() / 2), over(Qt::black, Neon::violet, 0.1)), 1);
     EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::black)) << "its ends are round";
+}
+
+TEST_F(KitTest, MakesAPillAButtonOnRequest) {
+    const QQuickItem* pill = show("NeonPill", {{"text", "GO"}, {"tint", Neon::violet}, {"actionable", true}});
+    const QSignalSpy pressed(pill, SIGNAL(pressed()));
+    click(pill);
+    EXPECT_EQ(pressed.count(), 1);
 }
 
 TEST_F(KitTest, SetsAChipsNameAboveItsValue) {
