@@ -22,7 +22,7 @@ constexpr AudioShape shape{.frames = 32'000, .rate = 32'000, .channels = 1};
 /// A format whose cut-off files can be told, with the command that makes one; empty for the usual encoder.
 struct DamageRow {
     std::string_view extension;
-    std::string_view command = "";
+    std::string_view command = {};
     bool tellsWhatIsThere = true;
 };
 

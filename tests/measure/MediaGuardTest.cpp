@@ -112,7 +112,7 @@ TEST(MediaGuard, TakesNoNameForAnAddress) {
 }
 
 TEST(MediaGuard, EndsWhenStopped) {
-    const fs::path path = encodeAudio(freshFolder() / "long.aac", {.frames = 44'100 * 20});
+    const fs::path path = encodeAudio(freshFolder() / "long.aac", {.frames = 882'000});
     const std::optional<RegularFile> file = RegularFile::open(path);
     std::stop_source stop;
     stop.request_stop();
@@ -133,7 +133,7 @@ TEST(MediaGuard, SearchesNoFurtherThanItsBudgetInEmptyFiles) {
         {"chunks without end", wav, -1},
         {"iff", "FORM" + be(0, 4) + "AIFF", -1},
         {"avi", "RIFF" + le(0, 4) + "AVI ", -1},
-        {"speech", "#!AMR\n" + times(10, "\x7C"), 0.2},
+        {"speech", "#!AMR\n" + times(10, be(0x7C, 1)), 0.2},
         {"mpeg audio", mpeg, mpegSeconds},
         {"matroska", "\x1A\x45\xDF\xA3", -1},
     };
@@ -162,7 +162,7 @@ TEST(MediaGuard, CountsAudioBeyondTheBudgetOfTheSearch) {
 }
 
 TEST(MediaGuard, ReadsLittleOfAFileThatStatesItsLength) {
-    const AudioShape shape{.frames = 44'100 * 30};
+    const AudioShape shape{.frames = 1'323'000};
     const fs::path folder = freshFolder();
     const std::string picture = "ID3\x04"s + zeros(3) + "\x10" + zeros(2) + zeros(16 << 14);
     const std::string faststart = R"(ffmpeg -v error -y -i "$IN" -c:a aac -movflags faststart "$OUT")";
@@ -197,6 +197,7 @@ TEST(MediaGuard, GivesEveryThreadTheSameAnswer) {
     }
     const auto measureAll = [&files] {
         std::vector<double> seconds;
+        seconds.reserve(files.size());
         for (const fs::path& file : files) {
             seconds.push_back(measured(file).seconds.value_or(-1));
         }
@@ -204,9 +205,9 @@ TEST(MediaGuard, GivesEveryThreadTheSameAnswer) {
     };
     const std::vector<double> expected = measureAll();
     EXPECT_EQ(std::ranges::count(expected, -1), 0);
-    std::vector<std::future<std::vector<double>>> threads;
-    for (int i = 0; i < 6; ++i) {
-        threads.push_back(std::async(std::launch::async, measureAll));
+    std::array<std::future<std::vector<double>>, 6> threads;
+    for (auto& thread : threads) {
+        thread = std::async(std::launch::async, measureAll);
     }
     for (auto& thread : threads) {
         EXPECT_EQ(thread.get(), expected);
