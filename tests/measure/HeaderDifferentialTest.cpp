@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <array>
 #include <cstring>
 #include <random>
 #include <vector>
@@ -112,7 +114,8 @@ public:
                              .segments = static_cast<std::uint8_t>(oneIn(2) ? 1 : upTo(255)),
                              .packets = headers.at(upTo(3))}
                          .bytes();
-        file.resize(file.size() + size(), oneIn(8) ? 'O' : 0);
+        file.resize(file.size() + size());
+        file.resize(file.size() + upTo(1'000), 'O');
         for (std::size_t pages = upTo(3); pages > 0; --pages) {
             const Bytes page = OggPage{.streamStructureVersion = static_cast<std::uint8_t>(oneIn(6)),
                                        .granulePosition = granule(),
