@@ -70,7 +70,7 @@ Window {
 
     Shortcuts {
         menuOpen: menu.visible
-        enabled: !window.alerts.open
+        blocked: window.alerts.open
         scan: window.scan
         actions: window.actions
         onMenuPressed: menu.open()

@@ -8,45 +8,49 @@ Item {
     required property ScanView scan
     required property Actions actions
     property bool menuOpen: false
+    property bool blocked: false
 
     signal menuPressed
 
     Shortcut {
         sequence: "Ctrl+O"
+        enabled: !shortcuts.blocked
         onActivated: shortcuts.actions.choose()
     }
 
     Shortcut {
         sequence: "Ctrl+C"
-        enabled: shortcuts.scan.done
+        enabled: !shortcuts.blocked && shortcuts.scan.done
         onActivated: shortcuts.actions.copyRuntime()
     }
 
     Shortcut {
         sequence: "Ctrl+Shift+C"
-        enabled: shortcuts.scan.done
+        enabled: !shortcuts.blocked && shortcuts.scan.done
         onActivated: shortcuts.actions.copyFileList()
     }
 
     Shortcut {
         sequence: "Ctrl+S"
-        enabled: shortcuts.scan.done && !shortcuts.scan.zipWorking
+        enabled: !shortcuts.blocked && shortcuts.scan.done && !shortcuts.scan.zipWorking
         onActivated: shortcuts.actions.zip()
     }
 
     Shortcut {
         sequence: "Escape"
-        enabled: !shortcuts.scan.idle && !shortcuts.menuOpen
+        enabled: !shortcuts.blocked && !shortcuts.scan.idle && !shortcuts.menuOpen
         onActivated: shortcuts.actions.reset()
     }
 
     Shortcut {
         sequence: "Ctrl+Q"
+        enabled: !shortcuts.blocked
         onActivated: shortcuts.actions.quit()
     }
 
     Shortcut {
         sequence: "F10"
+        enabled: !shortcuts.blocked
         onActivated: shortcuts.menuPressed()
     }
 }

@@ -1,3 +1,4 @@
+#include "ui/Alerts.h"
 #include "ui/FrameClock.h"
 #include "ui/UiTest.h"
 #include "ui/Views.h"
@@ -19,6 +20,7 @@ protected:
         window.reset(qobject_cast<QQuickWindow*>(component.createWithInitialProperties({
             {"scan", QVariant::fromValue(&scan)},
             {"actions", QVariant::fromValue<Actions*>(&actions)},
+            {"alerts", QVariant::fromValue(&alerts)},
             {"animated", animated},
         })));
         ASSERT_NE(window, nullptr) << component.errorString().toStdString();
@@ -29,6 +31,8 @@ protected:
     void press(int key, Qt::KeyboardModifiers modifiers = {}) {
         QTest::keyClick(window.get(), Qt::Key(key), modifiers);
     }
+
+    Alerts alerts;
 
     bool clockRuns() { return window->findChild<FrameClock*>()->running(); }
 };
@@ -139,6 +143,46 @@ TEST_F(MainWindowTest, GrowsTheEmblemWhileADragHovers) {
     EXPECT_TRUE(QTest::qWaitFor([&] { return emblem->property("magnification").toDouble() == 1.08; }));
     scan.setTargeted(false);
     EXPECT_TRUE(QTest::qWaitFor([&] { return emblem->property("magnification").toDouble() == 1; }));
+}
+
+TEST_F(MainWindowTest, TellsAlertsOneAfterTheOtherAndNothingElseHappensMeanwhile) {
+    open();
+    bool downloaded = false;
+    alerts.show(
+        {"Velmora 2.0 is available", "You have 1.0.", "Download", "Later", [&] { downloaded = true; }});
+    alerts.show({"You're up to date", "Velmora 1.0 is the latest version."});
+    EXPECT_EQ(find("alertTitle")->property("text").toString(), "Velmora 2.0 is available");
+    EXPECT_TRUE(find("alertDismiss")->isVisible());
+    press(Qt::Key_O, Qt::ControlModifier);
+    click(find("backdrop"));
+    EXPECT_EQ(actions.asked, QStringList());
+
+    press(Qt::Key_Return);
+    EXPECT_TRUE(downloaded);
+    EXPECT_EQ(find("alertTitle")->property("text").toString(), "You're up to date");
+    EXPECT_FALSE(find("alertDismiss")->isVisible()) << "there is one button";
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(alerts.open());
+    press(Qt::Key_O, Qt::ControlModifier);
+    EXPECT_EQ(actions.asked, QStringList("choose"));
+}
+
+TEST_F(MainWindowTest, EscapeAndTheOtherButtonCloseAnAlertWithoutItsAction) {
+    open();
+    bool downloaded = false;
+    const AlertText offer{"Velmora 2.0 is available", "", "Download", "Later", [&] { downloaded = true; }};
+    alerts.show(offer);
+    press(Qt::Key_Escape);
+    EXPECT_FALSE(alerts.open());
+    alerts.show(offer);
+    grab(); // the buttons take their places
+    click(find("alertDismiss"));
+    EXPECT_FALSE(alerts.open());
+    EXPECT_FALSE(downloaded);
+    alerts.show(offer);
+    grab();
+    click(find("alertAccept"));
+    EXPECT_TRUE(downloaded);
 }
 
 } // namespace

@@ -1,0 +1,97 @@
+#include "ui/AppDelegate.h"
+#include "ui/DropTarget.h"
+
+#include <QDragEnterEvent>
+#include <QDragLeaveEvent>
+#include <QDropEvent>
+#include <QCoreApplication>
+#include <QMimeData>
+#include <QWindow>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace velmora::test {
+namespace {
+
+class DropTest : public testing::Test {
+protected:
+    void SetUp() override {
+        window = std::make_unique<QWindow>();
+        const auto* target = new DropTarget(window.get());
+        QObject::connect(target, &DropTarget::hovered, [this](bool hovering) { hovers.push_back(hovering); });
+        QObject::connect(target, &DropTarget::dropped,
+                         [this](const Paths& paths) { drops.push_back(paths); });
+    }
+
+    /// Drags `data` over the window; whether it would be taken.
+    bool enter(const QMimeData& data) {
+        QDragEnterEvent event({10, 10}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(window.get(), &event);
+        return event.isAccepted();
+    }
+
+    /// Drops `data`; whether it was taken, and as a copy.
+    bool drop(const QMimeData& data) {
+        QDropEvent event({10, 10}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(window.get(), &event);
+        return event.isAccepted() && event.dropAction() == Qt::CopyAction;
+    }
+
+    static std::unique_ptr<QMimeData> uriList(const QByteArray& list) {
+        auto data = std::make_unique<QMimeData>();
+        data->setData("text/uri-list", list);
+        return data;
+    }
+
+    std::unique_ptr<QWindow> window;
+    std::vector<bool> hovers;
+    std::vector<Paths> drops;
+};
+
+TEST_F(DropTest, IsOneScanOfEverythingDropped) {
+    EXPECT_TRUE(drop(*uriList("file:///m/a.wav\r\nfile:///m/b%20c.wav\r\nfile:///m/d\r\nfile:///m/%E9\r\n")));
+    EXPECT_EQ(drops, std::vector<Paths>({{"/m/a.wav", "/m/b c.wav", "/m/d", "/m/\xE9"}}));
+}
+
+TEST_F(DropTest, StartsNothingWithoutAFileUrl) {
+    QMimeData text;
+    text.setText("hello");
+    EXPECT_TRUE(drop(text)) << "a drop is always accepted";
+    EXPECT_TRUE(drop(*uriList("https://x.example/picture.png\r\n")));
+    EXPECT_EQ(drops, std::vector<Paths>());
+}
+
+TEST_F(DropTest, HoversWhileFilesAreOverTheWindow) {
+    const auto files = uriList("file:///m/a.wav\r\n");
+    EXPECT_TRUE(enter(*files));
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(window.get(), &leave);
+    EXPECT_EQ(hovers, (std::vector<bool>{true, false}));
+    enter(*files);
+    drop(*files);
+    EXPECT_FALSE(hovers.back());
+}
+
+TEST_F(DropTest, DoesNotHoverForOtherDrags) {
+    QMimeData text;
+    text.setText("hello");
+    EXPECT_FALSE(enter(text));
+    EXPECT_EQ(hovers, std::vector<bool>{false});
+}
+
+TEST(AppDelegate, KeepsFilesUntilTheWindowTakesThem) {
+    AppDelegate delegate;
+    std::vector<Paths> announced;
+    QObject::connect(&delegate, &AppDelegate::openURLs,
+                     [&](const Paths& urls) { announced.push_back(urls); });
+    delegate.open({"/m/old.wav"});
+    delegate.open({"/m/new.wav"});
+    EXPECT_EQ(announced, (std::vector<Paths>{{"/m/old.wav"}, {"/m/new.wav"}}));
+    EXPECT_EQ(delegate.takePending(), Paths{"/m/new.wav"}) << "the last ones replace those before";
+    EXPECT_EQ(delegate.takePending(), Paths());
+}
+
+} // namespace
+} // namespace velmora::test
