@@ -13,7 +13,8 @@ target_compile_definitions(standard_settings INTERFACE _FILE_OFFSET_BITS=64)
 set_target_properties(standard_settings PROPERTIES INTERFACE_POSITION_INDEPENDENT_CODE ON)
 if(VELMORA_SANITIZE)
   target_compile_options(standard_settings INTERFACE
-    -fsanitize=${VELMORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    -fsanitize=${VELMORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
+    -Wno-maybe-uninitialized) # GCC sees ghosts in instrumented library code
   target_link_options(standard_settings INTERFACE -fsanitize=${VELMORA_SANITIZE})
 endif()
 
