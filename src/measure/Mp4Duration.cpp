@@ -13,7 +13,7 @@ namespace {
 /// The file's outermost boxes.
 struct Movie {
     std::optional<Mp4Box> box; ///< "moov"
-    bool isCutOff = false;     ///< media data end behind the end of the file
+    bool isCutOff = false;     ///< media data are missing, or end behind the end of the file
 };
 
 Movie readMovie(GuardedReader& reader, std::int64_t start) {
@@ -33,6 +33,7 @@ Movie readMovie(GuardedReader& reader, std::int64_t start) {
         }
         at = box->end;
     }
+    movie.isCutOff |= !hasData;
     return movie;
 }
 

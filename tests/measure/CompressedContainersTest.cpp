@@ -135,6 +135,14 @@ TEST(Mp4, ThatIsCutOffIsTheSamplesThatAreThere) {
     EXPECT_LT(secondsOf(half), shape.seconds() * 0.7);
 }
 
+TEST(Mp4, WhoseSoundIsMissingAltogetherIsForeign) {
+    const std::string command = R"(ffmpeg -v error -y -i "$IN" -c:a aac -movflags faststart -f ipod "$OUT")";
+    const std::string file = encoded("m4a", command);
+    const MediaAnswer answer = answerFor(file.substr(0, file.find("mdat") - 4), "track.m4a");
+    EXPECT_FALSE(answer.seconds);
+    EXPECT_TRUE(answer.isForeign);
+}
+
 TEST(Mp4, WithVideoAloneIsForeign) {
     const fs::path folder = freshFolder();
     shell("ffmpeg -v error -f lavfi -i testsrc=d=1:s=64x64 v.mp4; ffmpeg -v error -f lavfi -i "
