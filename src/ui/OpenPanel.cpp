@@ -76,7 +76,7 @@ void OpenPanel::accept() {
     if (m_chosen.isEmpty()) {
         m_chosen = QStringList(directory().absolutePath());
     }
-    QDialog::accept(); // the panel's own would insist on files
+    QDialog::accept(); // NOLINT(bugprone-parent-virtual-call): the file panel's own would insist on files
 }
 
 } // namespace velmora
