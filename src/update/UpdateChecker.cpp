@@ -49,7 +49,7 @@ Alert offer(const Release& release, const QString& currentVersion) {
 } // namespace
 
 QUrl manifestURL() {
-    return QUrl(QStringLiteral(VELMORA_MANIFEST_URL));
+    return {QStringLiteral(VELMORA_MANIFEST_URL)};
 }
 
 QString currentVersion() {
