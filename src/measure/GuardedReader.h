@@ -21,9 +21,9 @@ class GuardedReader {
 public:
     using Clock = std::chrono::steady_clock;
 
-    static constexpr std::size_t windowBytes = 4096;        ///< most that `header` gives at once
-    static constexpr std::int64_t searchBytes = 16LL << 20; ///< the budget
-    static constexpr std::chrono::seconds searchTime{10};   ///< the deadline, from construction
+    static constexpr std::size_t windowBytes = 4096;       ///< most that `header` gives at once
+    static constexpr std::int64_t searchBytes = 8LL << 20; ///< the budget
+    static constexpr std::chrono::seconds searchTime{10};  ///< the deadline, from construction
 
     GuardedReader(ByteSource source, std::stop_token stop);
 
