@@ -2,7 +2,6 @@
 
 #include "measure/BigEndian.h"
 #include "measure/LittleEndian.h"
-#include "measure/Magic.h"
 
 #include <algorithm>
 
@@ -10,8 +9,8 @@ namespace velmora {
 
 namespace {
 
-// Offset 0 magic, 4 where the data begin, 8 their size (all ones: unknown), 12 encoding, 16 rate, 20
-// channels.
+// Offset 0 magic (".snd", DEC's ".sd" and a NUL; backwards where the numbers are little-endian), 4 where the
+// data begin, 8 their size (all ones: unknown), 12 encoding, 16 rate, 20 channels.
 constexpr std::size_t headerBytes = 24;
 constexpr std::size_t dataOffsetAt = 4;
 constexpr std::size_t dataSizeAt = 8;
@@ -55,7 +54,7 @@ std::optional<double> auDuration(GuardedReader& reader, std::int64_t start) {
     if (header.empty()) {
         return std::nullopt;
     }
-    const bool isBigEndian = matches(header, ".snd");
+    const bool isBigEndian = header[0] == '.';
     const auto field = [&](std::size_t at) {
         return isBigEndian ? HeaderDuration::be32(header, at) : HeaderDuration::le32(header, at);
     };

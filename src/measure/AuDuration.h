@@ -1,7 +1,7 @@
 #pragma once
 
-// The playing time of Sun and NeXT audio (.au, .snd): a header of six numbers, big-endian behind ".snd" and
-// little-endian behind "dns.".
+// The playing time of Sun, NeXT and DEC audio (.au, .snd): a header of six numbers, big-endian behind ".snd",
+// little-endian where the magic stands backwards.
 
 #include "measure/GuardedReader.h"
 

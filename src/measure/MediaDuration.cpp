@@ -70,6 +70,8 @@ constexpr auto formats = std::to_array<Format>({
     {"FORM????AIFC"sv, &aiffDuration, "aiff"sv},
     {".snd"sv, &auDuration, "au"sv},
     {"dns."sv, &auDuration, "au"sv},
+    {".sd\0"sv, &auDuration, "au"sv},
+    {"\0ds."sv, &auDuration, "au"sv},
     {"caff"sv, &cafDuration, "caf"sv},
     {"fLaC"sv, &flacDuration, "flac"sv},
     {"wvpk"sv, &wavPackDuration, "wv"sv},

@@ -175,9 +175,12 @@ TEST(Au, IsWhatTheFileHolds) {
     EXPECT_NEAR(secondsOf(au(8'000, 3, 16'000)), second / 2, 1e-9);
     EXPECT_NEAR(secondsOf(au(0xFFFFFFFF, 1, 8'000)), second, 1e-9);
     EXPECT_NEAR(secondsOf(au(0xFFFFFFFE, 6, 32'000)), second, 1e-9);
-    EXPECT_NEAR(
-        secondsOf("dns." + le(24, 4) + le(16'000, 4) + le(3, 4) + le(8'000, 4) + le(1, 4) + zeros(16'000)),
-        second, 1e-9);
+    const std::string bigEndian = au(16'000, 3, 16'000).substr(4);
+    EXPECT_NEAR(secondsOf(".sd\0"s + bigEndian), second, 1e-9);
+    const std::string littleEndian =
+        le(24, 4) + le(16'000, 4) + le(3, 4) + le(8'000, 4) + le(1, 4) + zeros(16'000);
+    EXPECT_NEAR(secondsOf("dns." + littleEndian), second, 1e-9);
+    EXPECT_NEAR(secondsOf("\0ds."s + littleEndian), second, 1e-9);
 }
 
 TEST(Caf, IsItsBytesOrItsPacketTable) {
