@@ -14,8 +14,8 @@ namespace velmora::TempRegistry {
 /// Every temporary item's name begins with this.
 inline constexpr std::string_view prefix = "velmora-";
 
-/// A path in the temporary directory that nothing has yet: `prefix`, `kind`, a fresh UUID. `kind` is "" for
-/// an extraction directory, "src-" for a working copy, "zip-" for a staging directory.
+/// An absolute path in the temporary directory that nothing has yet: `prefix`, `kind`, a fresh UUID. `kind`
+/// is "" for an extraction directory, "src-" for a working copy, "zip-" for a staging directory.
 std::filesystem::path freshPath(std::string_view kind);
 
 /// Registers `directories` for the next release. Any thread.

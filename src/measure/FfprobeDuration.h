@@ -14,14 +14,6 @@
 
 namespace velmora::Collector {
 
-/// Where ffprobe is looked for, in this order.
-inline constexpr std::array<std::string_view, 3> ffprobePlaces = {
-    "/usr/local/bin/ffprobe", "/opt/homebrew/bin/ffprobe", "/usr/bin/ffprobe"};
-
-/// The installed ffprobe, absent when there is none. Found at the first call and kept for the life of the
-/// process. Any thread.
-const std::optional<std::filesystem::path>& ffprobePath();
-
 /// The seconds that ffprobe states for the file at `url`: positive and finite, or -1.0 when it states none,
 /// is not installed, takes longer than 30 seconds, or `stop` is requested. Blocks the calling thread.
 double ffprobeSeconds(const std::filesystem::path& url, const std::stop_token& stop = {});
@@ -29,6 +21,14 @@ double ffprobeSeconds(const std::filesystem::path& url, const std::stop_token& s
 /// As above by the program `tool`, within `limits`; -1.0 without a process when `tool` is absent.
 double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const std::filesystem::path& url,
                       const ChildLimits& limits);
+
+/// Where ffprobe is looked for, in this order.
+inline constexpr std::array<std::string_view, 3> ffprobePlaces = {
+    "/usr/local/bin/ffprobe", "/opt/homebrew/bin/ffprobe", "/usr/bin/ffprobe"};
+
+/// The installed ffprobe, absent when there is none. Found at the first call and kept for the life of the
+/// process. Any thread.
+const std::optional<std::filesystem::path>& ffprobePath();
 
 /// The first of `places` that is an executable file.
 std::optional<std::filesystem::path> firstExecutable(std::span<const std::string_view> places);

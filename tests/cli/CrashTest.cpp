@@ -96,9 +96,9 @@ TEST(ManyRuns, DoNotTakeEachOtherForDead) {
     const fs::path folder = freshFolder();
     const fs::path track = writeWav(folder / "set" / "1.wav", oneSecond);
     shell("tar -cf set.tar set", folder);
-    std::vector<std::unique_ptr<ScanProcess>> runs;
-    for (int i = 0; i < 60; ++i) {
-        runs.push_back(std::make_unique<ScanProcess>(Launch{.arguments = {"-l", folder / "set.tar"}}));
+    std::vector<std::unique_ptr<ScanProcess>> runs(60);
+    for (std::unique_ptr<ScanProcess>& run : runs) {
+        run = std::make_unique<ScanProcess>(Launch{.arguments = {"-l", folder / "set.tar"}});
     }
     for (const std::unique_ptr<ScanProcess>& run : runs) {
         const Finished finished = run->wait();

@@ -19,7 +19,6 @@
 namespace velmora::test {
 namespace {
 
-using testing::HasSubstr;
 using testing::IsEmpty;
 
 constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};

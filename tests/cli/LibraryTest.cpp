@@ -176,8 +176,8 @@ QJsonObject expectedSums(const QJsonArray& files) {
     double seconds = 0;
     qint64 bytes = 0;
     QJsonValue longest;
-    std::map<QString, std::pair<int, double>> formats;
-    for (const QJsonValue& file : files) {
+    std::map<QString, std::pair<int, double>> formats; // files, and their seconds
+    for (const QJsonValue file : files) {
         seconds += file["seconds"].toDouble();
         bytes += file["bytes"].toInteger();
         longest = file["seconds"].toDouble() > longest["seconds"].toDouble() ? file : longest;
@@ -185,18 +185,16 @@ QJsonObject expectedSums(const QJsonArray& files) {
         ++count;
         sum += file["seconds"].toDouble();
     }
-    std::vector<std::pair<double, QJsonObject>> rows;
-    for (const auto& [ext, format] : formats) {
-        rows.emplace_back(format.second,
-                          QJsonObject{{"ext", ext}, {"count", format.first}, {"seconds", format.second}});
+    std::vector<std::pair<QString, std::pair<int, double>>> rows(formats.begin(), formats.end());
+    std::ranges::stable_sort(rows, std::ranges::greater(), [](const auto& row) { return row.second.second; });
+    QJsonArray rowObjects;
+    for (const auto& [ext, format] : rows) {
+        rowObjects.append(QJsonObject{{"ext", ext}, {"count", format.first}, {"seconds", format.second}});
     }
-    std::ranges::stable_sort(rows, std::ranges::greater(), [](const auto& row) { return row.first; });
-    QJsonArray array;
-    std::ranges::transform(rows, std::back_inserter(array), [](const auto& row) { return row.second; });
     return {{"seconds", seconds},
             {"bytes", bytes},
             {"fileCount", static_cast<int>(files.size())},
-            {"formats", array},
+            {"formats", rowObjects},
             {"longestName", longest["path"].toString().section('/', -1)},
             {"longestSeconds", longest["seconds"]}};
 }

@@ -42,11 +42,8 @@ void redirect(int descriptor, const fs::path& file, int flags) {
     }
     std::vector<std::string> words = launch.arguments;
     words.insert(words.begin(), "velmora-scan");
-    std::vector<char*> pointers;
-    for (std::string& word : words) {
-        pointers.push_back(word.data());
-    }
-    pointers.push_back(nullptr);
+    std::vector<char*> pointers(words.size() + 1, nullptr);
+    std::ranges::transform(words, pointers.begin(), [](std::string& word) { return word.data(); });
     if (::chdir(launch.folder.c_str()) == 0) {
         launch.beforeStart();
         ::execv(VELMORA_SCAN, pointers.data());

@@ -101,7 +101,7 @@ protected:
     }
 
     std::string zipAsOrdinaryUser(const Paths& files) {
-        const std::string failure = inChild([&] {
+        std::string failure = inChild([&] {
             becomeOrdinaryUser();
             ::setenv("TMPDIR", temporary.c_str(), 1);
             return failureOfZip(files, destination);
@@ -134,8 +134,8 @@ TEST_F(OrdinaryUserTest, IsToldOfAnUnwritableTemporaryDirectory) {
 /// As on a full disk, writing fails: beyond `limit` bytes in a file.
 std::string zipWithLimit(rlim_t limit, const Paths& files, const fs::path& destination) {
     return inChild([&] {
-        const rlimit files_end = {limit, limit};
-        ::setrlimit(RLIMIT_FSIZE, &files_end);
+        const rlimit limits = {limit, limit};
+        ::setrlimit(RLIMIT_FSIZE, &limits);
         std::signal(SIGXFSZ, SIG_IGN);
         return failureOfZip(files, destination);
     });

@@ -10,7 +10,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <regex>
 #include <thread>
 
 namespace velmora {
@@ -85,8 +84,8 @@ TEST(ArchiveExtraction, UnpacksIntoANewPrivateDirectory) {
     const std::optional<fs::path> directory = extract(archive);
     ASSERT_TRUE(directory);
     EXPECT_EQ(directory->parent_path(), fs::temp_directory_path());
-    EXPECT_TRUE(std::regex_match(directory->filename().native(),
-                                 std::regex("velmora-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}")));
+    EXPECT_THAT(directory->filename().native(),
+                testing::MatchesRegex("velmora-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
     EXPECT_EQ(fs::status(*directory).permissions(), fs::perms(0700)); // the archive holds others for "."
     EXPECT_EQ(read(*directory / "01.wav"), sound);
     EXPECT_NE(extract(archive), directory);

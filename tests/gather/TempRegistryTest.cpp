@@ -7,7 +7,6 @@
 
 #include <array>
 #include <cstdlib>
-#include <regex>
 #include <set>
 #include <thread>
 
@@ -19,6 +18,7 @@ using test::freshFolder;
 using test::write;
 using testing::ElementsAre;
 using testing::IsEmpty;
+using testing::MatchesRegex;
 namespace fs = std::filesystem;
 
 /// A new directory of the kind that an extraction leaves, with a file in it.
@@ -29,12 +29,12 @@ fs::path extractionDirectory() {
 }
 
 TEST(TempRegistry, MakesPathsThatNothingHas) {
-    const std::regex form("velmora-zip-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}");
     std::set<fs::path> paths;
     for (int i = 0; i < 100; ++i) {
         const fs::path path = TempRegistry::freshPath("zip-");
         EXPECT_EQ(path.parent_path(), fs::temp_directory_path());
-        EXPECT_TRUE(std::regex_match(path.filename().native(), form)) << path;
+        EXPECT_THAT(path.filename().native(),
+                    MatchesRegex("velmora-zip-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"));
         EXPECT_FALSE(fs::exists(path));
         paths.insert(path);
     }

@@ -1,12 +1,13 @@
 #include "measure/HeaderDuration.h"
 
 #include "measure/HeaderBytes.h"
+#include "support/Files.h"
 #include "support/RealAudio.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include <cmath>
+#include <optional>
 #include <string>
 
 namespace velmora::HeaderDuration {

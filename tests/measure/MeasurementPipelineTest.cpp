@@ -3,7 +3,7 @@
 #include "measure/HeaderBytes.h"
 #include "support/Files.h"
 #include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "system/RegularFile.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -15,7 +15,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+#include <iterator>
 #include <stop_token>
 #include <string>
 #include <thread>

@@ -1,8 +1,8 @@
 #include "system/Uuid.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <set>
 
 namespace velmora {
@@ -10,10 +10,9 @@ namespace velmora {
 namespace {
 
 TEST(Uuid, HasTheCanonicalFormOfVersion4InUpperCase) {
-    const std::regex form("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}");
     for (int i = 0; i < 100; ++i) {
-        const std::string uuid = randomUuid();
-        EXPECT_TRUE(std::regex_match(uuid, form)) << uuid;
+        EXPECT_THAT(randomUuid(), testing::MatchesRegex("[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-"
+                                                        "[89AB][0-9A-F]{3}-[0-9A-F]{12}"));
     }
 }
 

@@ -1,6 +1,7 @@
 // Measures what the moving window costs: velmora_frame_cost [FRAMES]
 // The platform, back end and scale are those of Qt's environment variables; by default no display, no GPU.
 
+#include "ui/Alerts.h"
 #include "ui/UiTest.h"
 #include "ui/Views.h"
 
@@ -36,10 +37,16 @@ int measure(int frames, const QElapsedTimer& sinceStart) {
                .progress = 31.0 / 48,
                .source = "LIVE SET 2026"});
     RecordingActions actions;
+    Alerts alerts;
     QQmlComponent component(&engine, Views::url("MainWindow"));
-    const std::unique_ptr<QQuickWindow> window(
-        qobject_cast<QQuickWindow*>(component.createWithInitialProperties(
-            {{"scan", QVariant::fromValue(&scan)}, {"actions", QVariant::fromValue<Actions*>(&actions)}})));
+    const std::unique_ptr<QQuickWindow> window(qobject_cast<QQuickWindow*>(
+        component.createWithInitialProperties({{"scan", QVariant::fromValue(&scan)},
+                                               {"actions", QVariant::fromValue<Actions*>(&actions)},
+                                               {"alerts", QVariant::fromValue(&alerts)}})));
+    if (window == nullptr) {
+        std::cerr << component.errorString().toStdString();
+        return 1;
+    }
     constexpr int warmUp = 30;
     int frame = 0;
     std::clock_t from = 0;

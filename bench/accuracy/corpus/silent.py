@@ -102,7 +102,7 @@ def _pointers(shelf):
         "#EXTM3U\n#EXT-X-VERSION:3\n#EXT-X-TARGETDURATION:6\n#EXTINF:5.3,\nneighbour.dat\n#EXT-X-ENDLIST\n"
     )
     sheet = 'FILE "neighbour.dat" WAVE\n  TRACK 01 AUDIO\n    INDEX 01 00:00:00\n'
-    session = (
+    description = (
         "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\n"
         "a=range:npt=0-60\nm=audio 5004 RTP/AVP 0\n"
         "a=rtpmap:0 PCMU/8000\n"
@@ -121,8 +121,8 @@ def _pointers(shelf):
         ("hls.mp3", "HLS", stream),
         ("hls.aac", "HLS", stream),
         ("hls.m4a", "HLS with far parts", stream.replace("neighbour.dat", "http://127.0.0.1:9/a.ts")),
-        ("session.mp3", "SDP", session),
-        ("session.amr", "SDP", session),
+        ("sdp.mp3", "SDP", description),
+        ("sdp.amr", "SDP", description),
         ("list.mp3", "M3U", "neighbour.dat\n"),
         ("list.ogg", "M3U, extended", "#EXTM3U\n#EXTINF:60,x\nneighbour.dat\n"),
         ("list.wav", "PLS", shortcut),

@@ -94,11 +94,10 @@ def _sound_designer(shelf):
     fork = path.with_name("._s16.sd2").read_bytes()
     entries = struct.pack(">III", 9, 50, 32) + struct.pack(">III", 2, 82, len(fork))
     double = struct.pack(">II16sH", 0x00051607, 0x00020000, bytes(16), 2) + entries + bytes(32) + fork
-    for name, tone_path in (("sd2/apple-double.sd2", path.with_name("s16.sd2")),):
-        shelf.path(name).with_name("._apple-double.sd2").write_bytes(double)
-        shelf.put(
-            name,
-            "16 bit stereo, AppleDouble fork beside it",
-            tone_path.read_bytes(),
-            source(5.3, "libsndfile"),
-        )
+    shelf.path("sd2/apple-double.sd2").with_name("._apple-double.sd2").write_bytes(double)
+    shelf.put(
+        "sd2/apple-double.sd2",
+        "16 bit stereo, AppleDouble fork beside it",
+        path.with_name("s16.sd2").read_bytes(),
+        source(5.3, "libsndfile"),
+    )
