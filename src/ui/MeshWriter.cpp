@@ -5,14 +5,13 @@
 #include <QSGVertexColorMaterial>
 
 #include <algorithm>
-#include <cmath>
 
 namespace velmora {
 
 namespace {
 
 uchar byte(float channel) {
-    return static_cast<uchar>(std::lround(255 * std::clamp(channel, 0.0F, 1.0F)));
+    return static_cast<uchar>(255 * std::clamp(channel, 0.0F, 1.0F) + 0.5F);
 }
 
 } // namespace
@@ -47,7 +46,11 @@ void MeshWriter::quad(quint32 a, quint32 b, quint32 c, quint32 d) {
 
 void MeshWriter::finish(QSGGeometryNode& node) {
     QSGGeometry* geometry = node.geometry();
-    geometry->allocate(static_cast<int>(m_corners.size()), static_cast<int>(m_indices.size()));
+    const int corners = static_cast<int>(m_corners.size());
+    const int indices = static_cast<int>(m_indices.size());
+    if (geometry->vertexCount() != corners || geometry->indexCount() != indices) {
+        geometry->allocate(corners, indices);
+    }
     std::copy(m_corners.begin(), m_corners.end(), geometry->vertexDataAsColoredPoint2D());
     std::copy(m_indices.begin(), m_indices.end(), geometry->indexDataAsUInt());
     node.markDirty(QSGNode::DirtyGeometry);

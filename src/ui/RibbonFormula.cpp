@@ -12,6 +12,27 @@ namespace {
 constexpr double leastIntensity = 0.18;
 constexpr double turn = 2 * std::numbers::pi;
 
+/// A ribbon's three waves at u = 0. Sines of the small angles that these are cost a tenth of those of the
+/// angles that years of seconds make.
+struct Waves {
+    explicit Waves(double phase)
+        : main(std::remainder(phase, turn))
+        , fast(std::remainder(-0.63 * phase, turn))
+        , slow(std::remainder(0.21 * phase, turn)) {}
+
+    double swing(double q) const {
+        return std::sin(q + main) + 0.34 * std::sin(2.31 * q + fast) + 0.22 * std::sin(0.47 * q + slow);
+    }
+
+    double main;
+    double fast;
+    double slow;
+};
+
+double shareOf(std::size_t step, double width) {
+    return static_cast<double>(step) * ribbonStep / std::max(width, 1.0);
+}
+
 } // namespace
 
 Ribbon ribbon(int k, double height, double intensity, double time) {
@@ -31,17 +52,25 @@ double ribbonEnvelope(double u) {
 
 double ribbonY(const Ribbon& ribbon, double u, double height) {
     const double q = turn * u * ribbon.frequency;
-    const double p = ribbon.phase;
-    const double swing =
-        std::sin(q + p) + 0.34 * std::sin(2.31 * q - 0.63 * p) + 0.22 * std::sin(0.47 * q + 0.21 * p);
-    return height / 2 + ribbon.amplitude * ribbonEnvelope(u) * swing;
+    return height / 2 + ribbon.amplitude * ribbonEnvelope(u) * Waves(ribbon.phase).swing(q);
 }
 
-std::vector<double> ribbonPath(const Ribbon& ribbon, double width, double height) {
-    std::vector<double> path;
-    const int last = static_cast<int>(std::floor(std::max(width, 0.0) / ribbonStep));
-    for (int step = 0; step <= last; ++step) {
-        path.push_back(ribbonY(ribbon, step * ribbonStep / std::max(width, 1.0), height));
+std::vector<double> ribbonEnvelopes(double width) {
+    const auto last = static_cast<std::size_t>(std::max(width, 0.0) / ribbonStep);
+    std::vector<double> envelopes(last + 1);
+    for (std::size_t step = 0; step < envelopes.size(); ++step) {
+        envelopes[step] = ribbonEnvelope(shareOf(step, width));
+    }
+    return envelopes;
+}
+
+std::vector<double> ribbonPath(const Ribbon& ribbon, const std::vector<double>& envelopes, double width,
+                               double height) {
+    const Waves waves(ribbon.phase);
+    std::vector<double> path(envelopes.size());
+    for (std::size_t step = 0; step < path.size(); ++step) {
+        const double q = turn * shareOf(step, width) * ribbon.frequency;
+        path[step] = height / 2 + ribbon.amplitude * envelopes[step] * waves.swing(q);
     }
     return path;
 }

@@ -29,7 +29,12 @@ double ribbonEnvelope(double u);
 /// The height above 0 of `ribbon` at the share `u` of the width, in a field `height` points high.
 double ribbonY(const Ribbon& ribbon, double u, double height);
 
-/// `ribbonY` at x = 0, 2.5, 5, ... while x is at most `width`; a width below 1 counts as 1 in the shares.
-std::vector<double> ribbonPath(const Ribbon& ribbon, double width, double height);
+/// The envelope at x = 0, 2.5, 5, ... while x is at most `width`; a width below 1 counts as 1 in the shares.
+/// All ribbons of a field have the same.
+std::vector<double> ribbonEnvelopes(double width);
+
+/// `ribbonY` at the places of `envelopes`, which are those of `width`.
+std::vector<double> ribbonPath(const Ribbon& ribbon, const std::vector<double>& envelopes, double width,
+                               double height);
 
 } // namespace velmora

@@ -1,6 +1,5 @@
 #include "ui/WaveGeometry.h"
 
-#include "ui/MeshWriter.h"
 #include "ui/Neon.h"
 
 #include <array>
@@ -24,20 +23,19 @@ MeshColor meshColor(const AccentMix& mix) {
 /// Draws a strip along `curve` with a corner on every rib every `step` points.
 void drawStrip(MeshWriter& mesh, const WaveShape& shape, const RibbonCurve& curve, double step,
                std::span<const Rib> ribs, bool glows) {
-    std::vector<quint32> before;
+    const auto ribCount = static_cast<quint32>(ribs.size());
     for (double x = 0; x <= curve.end(); x += step) {
         const RibbonPoint point = curve.at(x);
         const double length = std::sqrt(1 + point.slope * point.slope);
         const MeshColor color = meshColor(shape.color(curve, x)).faded(glows ? shape.glowPeak(x) : 1);
-        std::vector<quint32> here;
+        quint32 here = 0;
         for (const Rib& rib : ribs) {
-            here.push_back(mesh.corner(x - rib.distance * point.slope / length,
-                                       point.y + rib.distance / length, color.faded(rib.share)));
+            here = mesh.corner(x - rib.distance * point.slope / length, point.y + rib.distance / length,
+                               color.faded(rib.share));
+            if (x > 0 && rib.distance > ribs.front().distance) {
+                mesh.quad(here - 1 - ribCount, here - 1, here, here - ribCount);
+            }
         }
-        for (std::size_t i = 0; i + 1 < ribs.size() && !before.empty(); ++i) {
-            mesh.quad(before[i], here[i], here[i + 1], before[i + 1]);
-        }
-        before.swap(here);
     }
 }
 
@@ -66,14 +64,13 @@ WaveGeometry::WaveGeometry() {
 void WaveGeometry::draw(const WaveShape& shape, double scale) {
     constexpr int glowSteps = 4;
     static const std::array<Rib, 13> glow = glowRibs();
-    MeshWriter mesh;
     for (const RibbonCurve& curve : shape.curves) {
-        drawStrip(mesh, shape, curve, glowSteps * ribbonStep, glow, true);
+        drawStrip(m_mesh, shape, curve, glowSteps * ribbonStep, glow, true);
     }
     for (const RibbonCurve& curve : shape.curves) {
-        drawStrip(mesh, shape, curve, ribbonStep, strokeRibs(scale), false);
+        drawStrip(m_mesh, shape, curve, ribbonStep, strokeRibs(scale), false);
     }
-    mesh.finish(*this);
+    m_mesh.finish(*this);
 }
 
 } // namespace velmora

@@ -2,6 +2,7 @@
 
 // The ribbons drawn by a GPU: one mesh with a colour at every corner.
 
+#include "ui/MeshWriter.h"
 #include "ui/WaveShape.h"
 
 #include <QSGGeometryNode>
@@ -14,6 +15,9 @@ public:
 
     /// Draws `shape` for a display of `scale` pixels a point.
     void draw(const WaveShape& shape, double scale);
+
+private:
+    MeshWriter m_mesh; // kept for its memory
 };
 
 } // namespace velmora

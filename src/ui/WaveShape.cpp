@@ -19,10 +19,11 @@ RibbonPoint RibbonCurve::at(double x) const {
 WaveShape WaveShape::at(const QSizeF& size, double intensity, double time) {
     WaveShape shape;
     shape.size = size;
+    const std::vector<double> envelopes = ribbonEnvelopes(size.width());
     for (int k = 0; k < ribbonCount; ++k) {
         RibbonCurve& curve = shape.curves[static_cast<std::size_t>(k)];
         curve.ribbon = ribbon(k, size.height(), intensity, time);
-        curve.path = ribbonPath(curve.ribbon, size.width(), size.height());
+        curve.path = ribbonPath(curve.ribbon, envelopes, size.width(), size.height());
     }
     return shape;
 }

@@ -1,10 +1,10 @@
 #include "ui/AppDelegate.h"
 #include "ui/DropTarget.h"
 
+#include <QCoreApplication>
 #include <QDragEnterEvent>
 #include <QDragLeaveEvent>
 #include <QDropEvent>
-#include <QCoreApplication>
 #include <QMimeData>
 #include <QWindow>
 

@@ -14,6 +14,10 @@ namespace {
 
 constexpr double summer2026 = 812'000'000; // seconds since 2001
 
+std::vector<double> pathOf(const Ribbon& line, double width, double height) {
+    return ribbonPath(line, ribbonEnvelopes(width), width, height);
+}
+
 struct RibbonCase {
     std::string name;
     int k;
@@ -60,20 +64,20 @@ TEST(RibbonFormula, TakesAnIntensityOfAtLeast018) {
 
 TEST(RibbonFormula, StepsEveryTwoAndAHalfPointsAsFarAsTheWidth) {
     const Ribbon line = ribbon(0, 100, 1, 0);
-    EXPECT_EQ(ribbonPath(line, 10, 100).size(), 5U); // 0, 2.5, 5, 7.5, 10
-    EXPECT_EQ(ribbonPath(line, 12.4, 100).size(), 5U);
-    EXPECT_EQ(ribbonPath(line, 12.5, 100).size(), 6U);
-    EXPECT_DOUBLE_EQ(ribbonPath(line, 10, 100)[2], ribbonY(line, 0.5, 100));
+    EXPECT_EQ(pathOf(line, 10, 100).size(), 5U); // 0, 2.5, 5, 7.5, 10
+    EXPECT_EQ(pathOf(line, 12.4, 100).size(), 5U);
+    EXPECT_EQ(pathOf(line, 12.5, 100).size(), 6U);
+    EXPECT_DOUBLE_EQ(pathOf(line, 10, 100)[2], ribbonY(line, 0.5, 100));
 }
 
 TEST(RibbonFormula, TapersToTheMiddleAtBothEnds) {
-    const std::vector<double> path = ribbonPath(ribbon(2, 660, 1, summer2026), 940, 660);
+    const std::vector<double> path = pathOf(ribbon(2, 660, 1, summer2026), 940, 660);
     EXPECT_NEAR(path.front(), 330, 1e-6);
     EXPECT_NEAR(path.back(), 330, 1e-6);
 }
 
 TEST(RibbonFormula, DrawsAFieldWithoutWidth) {
-    const std::vector<double> path = ribbonPath(ribbon(0, 660, 1, 5), 0, 660);
+    const std::vector<double> path = pathOf(ribbon(0, 660, 1, 5), 0, 660);
     ASSERT_EQ(path.size(), 1U);
     EXPECT_TRUE(std::isfinite(path.front()));
 }

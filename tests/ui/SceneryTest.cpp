@@ -68,7 +68,7 @@ TEST_F(SceneryTest, DrawsAFaintLineEveryThirtyFourPoints) {
 TEST_F(SceneryTest, DrawsTheWaveWhereTheFormulaPutsIt) {
     showItem("WaveField", {940, 660}, 1);
     const QImage image = grab();
-    const std::vector<double> path = ribbonPath(ribbon(0, 660, 1, someTime), 940, 660);
+    const std::vector<double> path = ribbonPath(ribbon(0, 660, 1, someTime), ribbonEnvelopes(940), 940, 660);
     for (std::size_t i = 40; i < path.size() - 40; i += 7) {
         const int x = static_cast<int>(static_cast<double>(i) * ribbonStep);
         int brightest = 0;
@@ -139,7 +139,7 @@ TEST_F(SceneryTest, DrawsTheWaveByHandAsAGeneralPainterWould) {
         for (int x = 0; x < 600; ++x) {
             const int apart = distance(drawn.pixelColor(x, y), expected.pixelColor(x, y));
             squares += apart * apart;
-            EXPECT_LT(apart, 40) << x << " " << y;
+            EXPECT_LT(apart, 60) << x << " " << y; // where ribbons cross, their edges are rounded otherwise
         }
     }
     const double decibels = 10 * std::log10(255.0 * 255 * 600 * 400 / squares);

@@ -61,7 +61,8 @@ void UiTest::TearDown() {
 }
 
 QQuickItem* UiTest::showItem(const char* name, const QVariantMap& properties, const QSize& points) {
-    QQmlComponent component(m_engine.get(), Views::url(name));
+    QQmlComponent component(m_engine.get());
+    component.setData("import Velmora\n" + QByteArray(name) + " {}", {});
     auto* const item = qobject_cast<QQuickItem*>(component.createWithInitialProperties(properties));
     if (item == nullptr) {
         ADD_FAILURE() << component.errorString().toStdString();
