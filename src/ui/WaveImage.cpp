@@ -105,6 +105,7 @@ double areaAbove(double y, double half, double lean) {
 void drawOver(QRgb& pixel, const Channels& color, float coverage) {
     const float kept = 1 - color[3] * coverage / 255;
     const auto channel = [&](int below, float above) {
+        // NOLINTNEXTLINE(bugprone-incorrect-roundings): never negative, and lround takes its time
         return static_cast<int>(static_cast<float>(below) * kept + above * coverage + 0.5F);
     };
     pixel = qRgba(channel(qRed(pixel), color[2]), channel(qGreen(pixel), color[1]),
@@ -159,7 +160,8 @@ void WaveImage::gatherGlow(const WaveShape& shape) {
             const int last = std::min(m_rows - 1, static_cast<int>(middle + reach));
             for (int row = std::max(0, static_cast<int>(middle - reach)); row <= last; ++row) {
                 const auto glow = static_cast<float>(peak) * bell((row - middle) * cell / spread);
-                AccentMix& knot = m_glow[static_cast<std::size_t>(row * m_columns + column)];
+                AccentMix& knot = m_glow[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns) +
+                                         static_cast<std::size_t>(column)];
                 knot.violet += glow * color.violet;
                 knot.indigo += glow * color.indigo;
             }
@@ -176,7 +178,8 @@ void WaveImage::drawGlow(double scale) {
         const double at = (y + 0.5) / cellPixels;
         const int row = static_cast<int>(at);
         if (row != expanded) {
-            const AccentMix* knots = &m_glow[static_cast<std::size_t>(row * m_columns)];
+            const AccentMix* knots =
+                &m_glow[static_cast<std::size_t>(row) * static_cast<std::size_t>(m_columns)];
             if (row == expanded + 1 && expanded >= 0) {
                 upper.swap(lower);
             } else {
