@@ -105,7 +105,6 @@ double areaAbove(double y, double half, double lean) {
 void drawOver(QRgb& pixel, const Channels& color, float coverage) {
     const float kept = 1 - color[3] * coverage / 255;
     const auto channel = [&](int below, float above) {
-        // NOLINTNEXTLINE(bugprone-incorrect-roundings): never negative, and lround takes its time
         return static_cast<int>(static_cast<float>(below) * kept + above * coverage + 0.5F);
     };
     pixel = qRgba(channel(qRed(pixel), color[2]), channel(qGreen(pixel), color[1]),
