@@ -18,8 +18,6 @@ REASONS = {
     "healthy/mka/subtitles.mka": "the length that Matroska states is that of its longest track, the subtitles",
     "healthy/ra/aac.ra": _REAL_AAC,
     "healthy/ra/piped.ra": _REAL_AAC,
-    "healthy/snd/little.snd": "little-endian Sun audio is not recognised",
-    "silent/head.m4a": "the header states 2.5 s; that none of its samples are in the file is not believed",
     "truncated/ape-frames.ape": "the last frame that begins in the file is taken for cut off, though it is whole",
     "truncated/mpc-sv8-32.mpc": "the stream header's sample count is taken; the packets are not counted",
     "truncated/ogg-vorbis.ogg": _PAGE,
