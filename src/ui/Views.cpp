@@ -14,7 +14,7 @@ void prepare() {
 }
 
 QUrl url(const char* name) {
-    return QUrl(QStringLiteral("qrc:/qt-project.org/imports/Velmora/%1.qml").arg(QLatin1String(name)));
+    return {QStringLiteral("qrc:/qt-project.org/imports/Velmora/%1.qml").arg(QLatin1String(name))};
 }
 
 } // namespace velmora::Views
