@@ -4,10 +4,10 @@
 
 #include <iostream>
 
-int main(int count, char** words)
-{
+int main(int count, char** words) {
     for (int index = 1; index < count; ++index) {
         const TagLib::FileRef file{words[index], true, TagLib::AudioProperties::Accurate};
-        std::cout << (file.audioProperties() != nullptr ? file.audioProperties()->lengthInMilliseconds() : 0) << '\n';
+        std::cout << (file.audioProperties() != nullptr ? file.audioProperties()->lengthInMilliseconds() : 0)
+                  << '\n';
     }
 }
