@@ -29,6 +29,15 @@ MeshColor operator+(const MeshColor& a, const MeshColor& b) {
     return {a.red + b.red, a.green + b.green, a.blue + b.blue, a.opacity + b.opacity};
 }
 
+void MeshWriter::start(std::size_t kind) {
+    m_joined = m_kind == kind;
+    m_kind = kind;
+    m_corners.clear();
+    if (!m_joined) {
+        m_indices.clear();
+    }
+}
+
 quint32 MeshWriter::corner(double x, double y, const MeshColor& color) {
     m_corners.push_back({static_cast<float>(x), static_cast<float>(y), byte(color.red), byte(color.green),
                          byte(color.blue), byte(color.opacity)});
@@ -36,7 +45,9 @@ quint32 MeshWriter::corner(double x, double y, const MeshColor& color) {
 }
 
 void MeshWriter::triangle(quint32 a, quint32 b, quint32 c) {
-    m_indices.insert(m_indices.end(), {a, b, c});
+    if (!m_joined) {
+        m_indices.insert(m_indices.end(), {a, b, c});
+    }
 }
 
 void MeshWriter::quad(quint32 a, quint32 b, quint32 c, quint32 d) {
@@ -46,16 +57,12 @@ void MeshWriter::quad(quint32 a, quint32 b, quint32 c, quint32 d) {
 
 void MeshWriter::finish(QSGGeometryNode& node) {
     QSGGeometry* geometry = node.geometry();
-    const int corners = static_cast<int>(m_corners.size());
-    const int indices = static_cast<int>(m_indices.size());
-    if (geometry->vertexCount() != corners || geometry->indexCount() != indices) {
-        geometry->allocate(corners, indices);
+    if (!m_joined) {
+        geometry->allocate(static_cast<int>(m_corners.size()), static_cast<int>(m_indices.size()));
+        std::copy(m_indices.begin(), m_indices.end(), geometry->indexDataAsUInt());
     }
     std::copy(m_corners.begin(), m_corners.end(), geometry->vertexDataAsColoredPoint2D());
-    std::copy(m_indices.begin(), m_indices.end(), geometry->indexDataAsUInt());
     node.markDirty(QSGNode::DirtyGeometry);
-    m_corners.clear();
-    m_indices.clear();
 }
 
 void prepareMesh(QSGGeometryNode& node) {

@@ -4,8 +4,8 @@
 
 #include <QSGGeometry>
 
-#include <array>
 #include <cstddef>
+#include <optional>
 #include <vector>
 
 class QColor;
@@ -29,6 +29,10 @@ MeshColor operator+(const MeshColor& a, const MeshColor& b);
 
 class MeshWriter {
 public:
+    /// Starts a mesh. Meshes of the same `kind` join their corners alike, so that only the first one's joints
+    /// are written.
+    void start(std::size_t kind);
+
     /// Adds a corner and returns its number.
     quint32 corner(double x, double y, const MeshColor& color);
 
@@ -37,10 +41,12 @@ public:
     /// Two triangles over the corners of a convex shape with four, in their order around it.
     void quad(quint32 a, quint32 b, quint32 c, quint32 d);
 
-    /// Makes what was written the geometry of `node`, and starts anew.
+    /// Makes what was written the geometry of `node`, always the same one.
     void finish(QSGGeometryNode& node);
 
 private:
+    std::optional<std::size_t> m_kind;
+    bool m_joined = false; // the joints are those of the mesh before
     std::vector<QSGGeometry::ColoredPoint2D> m_corners;
     std::vector<quint32> m_indices;
 };

@@ -1,11 +1,11 @@
 #include "ui/SpectrumStrip.h"
 
-#include "ui/MeshWriter.h"
 #include "ui/Neon.h"
 
 #include <QSGGeometryNode>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <numbers>
 
@@ -49,6 +49,33 @@ void drawBar(QImage& image, const Bar& bar, double scale) {
 
 constexpr int capSteps = 6; ///< corners of a mesh along a quarter circle
 
+/// The directions from the middle of a bar's rounded corner to its edge.
+const std::array<QPointF, capSteps + 1>& capDirections() {
+    static const std::array<QPointF, capSteps + 1> all = [] {
+        std::array<QPointF, capSteps + 1> directions;
+        for (std::size_t step = 0; step < directions.size(); ++step) {
+            const double angle = static_cast<double>(step) / capSteps * std::numbers::pi / 2;
+            directions[step] = {std::cos(angle), std::sin(angle)};
+        }
+        return directions;
+    }();
+    return all;
+}
+
+/// `direction` turned by a number of quarters.
+QPointF turned(const QPointF& direction, int quarters) {
+    switch (quarters) {
+    case 0:
+        return direction;
+    case 1:
+        return {-direction.y(), direction.x()};
+    case 2:
+        return -direction;
+    default:
+        return {direction.y(), -direction.x()};
+    }
+}
+
 /// Draws a bar with its bottom at `bottom`: a fan, and around it a soft edge one pixel wide.
 void drawBar(MeshWriter& mesh, const Bar& bar, double bottom, double scale) {
     const MeshColor color = colorOf(bar);
@@ -58,24 +85,23 @@ void drawBar(MeshWriter& mesh, const Bar& bar, double bottom, double scale) {
     const double right = bar.x + barWidth - radius;
     const double top = bottom - bar.height + radius;
     const quint32 middle = mesh.corner(bar.x + barWidth / 2, bottom - bar.height / 2, color);
-    quint32 first = 0;
     for (int quarter = 0; quarter < 4; ++quarter) {
         const double x = quarter == 0 || quarter == 3 ? right : left;
         const double y = quarter < 2 ? bottom - radius : top;
-        for (int step = 0; step <= capSteps; ++step) {
-            const double angle = (quarter + static_cast<double>(step) / capSteps) * std::numbers::pi / 2;
-            const double c = std::cos(angle);
-            const double s = std::sin(angle);
-            const quint32 inner = mesh.corner(x + (radius - soft) * c, y + (radius - soft) * s, color);
-            const quint32 outer = mesh.corner(x + (radius + soft) * c, y + (radius + soft) * s, {});
-            if (quarter == 0 && step == 0) {
-                first = inner;
-            } else {
-                mesh.triangle(middle, inner - 2, inner);
-                mesh.quad(inner - 2, inner, outer, outer - 2);
+        for (const QPointF& step : capDirections()) {
+            const QPointF direction = turned(step, quarter);
+            const QPointF in = QPointF(x, y) + (radius - soft) * direction;
+            const QPointF out = QPointF(x, y) + (radius + soft) * direction;
+            const quint32 inner = mesh.corner(in.x(), in.y(), color);
+            const quint32 outer = mesh.corner(out.x(), out.y(), {});
+            if (inner == middle + 1) {
+                continue;
             }
+            mesh.triangle(middle, inner - 2, inner);
+            mesh.quad(inner - 2, inner, outer, outer - 2);
         }
     }
+    const quint32 first = middle + 1;
     const quint32 last = middle + 2 * 4 * (capSteps + 1) - 1;
     mesh.triangle(middle, last, first);
     mesh.quad(last, first, first + 1, last + 1);
@@ -105,12 +131,14 @@ QSGGeometryNode* SpectrumStrip::mesh(QSGGeometryNode* mesh, double scale) {
     if (mesh == nullptr) {
         mesh = new QSGGeometryNode;
         prepareMesh(*mesh);
+        m_mesh = {};
     }
-    MeshWriter writer;
-    for (const Bar& bar : bars()) {
-        drawBar(writer, bar, height(), scale);
+    const std::vector<Bar> all = bars();
+    m_mesh.start(all.size());
+    for (const Bar& bar : all) {
+        drawBar(m_mesh, bar, height(), scale);
     }
-    writer.finish(*mesh);
+    m_mesh.finish(*mesh);
     return mesh;
 }
 

@@ -3,6 +3,7 @@
 // A row of bars that moves like a spectrum.
 
 #include "ui/AnimatedItem.h"
+#include "ui/MeshWriter.h"
 #include "ui/SpectrumFormula.h"
 
 #include <QtQml/qqmlregistration.h>
@@ -24,6 +25,8 @@ protected:
 
 private:
     std::vector<Bar> bars() const;
+
+    MeshWriter m_mesh;
 };
 
 } // namespace velmora

@@ -64,6 +64,7 @@ WaveGeometry::WaveGeometry() {
 void WaveGeometry::draw(const WaveShape& shape, double scale) {
     constexpr int glowSteps = 4;
     static const std::array<Rib, 13> glow = glowRibs();
+    m_mesh.start(shape.curves.front().path.size());
     for (const RibbonCurve& curve : shape.curves) {
         drawStrip(m_mesh, shape, curve, glowSteps * ribbonStep, glow, true);
     }
