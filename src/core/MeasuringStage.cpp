@@ -26,7 +26,8 @@ void MeasuringStage::work(MainThreadQueue& mainThread, const std::stop_token& st
         if (index >= m_files.size()) {
             return;
         }
-        handOver({index, m_measure(m_files[index], stop)}, mainThread);
+        const std::filesystem::path file = std::move(m_files[index]); // from here on the record holds it
+        handOver({index, m_measure(file, stop)}, mainThread);
     }
 }
 

@@ -48,7 +48,7 @@ private:
     void handOver(MeasuredFile result, MainThreadQueue& mainThread);
     Batch takeBatch();
 
-    const Paths m_files;
+    Paths m_files; // each taken by the one worker that measures it
     const Measure m_measure;
     const Deliver m_deliver;
     std::atomic<std::size_t> m_next = 0;

@@ -34,6 +34,11 @@ int isInterrupted(void* reader) {
     return static_cast<const GuardedReader*>(reader)->isOver() ? 1 : 0;
 }
 
+/// True for a demuxer that reads one self-contained file with audio in it.
+bool isMediaDemuxer(const AVInputFormat& demuxer) {
+    return av_match_list(demuxer.name, mediaDemuxers, ',') > 0;
+}
+
 /// libavformat prints to standard error unless told not to, once for the process.
 void silence() {
     [[maybe_unused]] static const bool isSilent = [] {
@@ -104,19 +109,17 @@ std::int64_t LibavFile::seekBytes(void* self, std::int64_t offset, int whence) {
     return target;
 }
 
-bool isMediaDemuxer(const AVInputFormat& demuxer) {
-    return av_match_list(demuxer.name, mediaDemuxers, ',') > 0;
-}
-
-const AVInputFormat* probeDemuxer(GuardedReader& reader, std::int64_t start,
-                                  const std::filesystem::path& name) {
+std::optional<ProbedDemuxer> chosenDemuxer(GuardedReader& reader, std::int64_t start,
+                                           const std::filesystem::path& name) {
     constexpr std::size_t probeBytes = 64 << 10;
     silence();
     std::vector<std::uint8_t> bytes(probeBytes + AVPROBE_PADDING_SIZE);
     const std::size_t got = reader.search(start, std::span(bytes).first(probeBytes));
     std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(got), bytes.end(), std::uint8_t{0});
     const AVProbeData data = {name.c_str(), bytes.data(), static_cast<int>(got), nullptr};
-    return av_probe_input_format(&data, 1);
+    const AVInputFormat* const demuxer = av_probe_input_format(&data, 1);
+    return demuxer == nullptr ? std::nullopt
+                              : std::optional(ProbedDemuxer{demuxer->name, isMediaDemuxer(*demuxer)});
 }
 
 } // namespace velmora

@@ -5,15 +5,15 @@
 // among the demuxers allowed at all.
 
 #include "measure/GuardedReader.h"
+#include "measure/LibavModule.h"
 
 #include <cstdint>
 #include <filesystem>
-#include <memory>
+#include <optional>
 #include <string>
 
 struct AVFormatContext;
 struct AVIOContext;
-struct AVInputFormat;
 
 namespace velmora {
 
@@ -40,12 +40,9 @@ private:
     AVFormatContext* m_context = nullptr;
 };
 
-/// True for a demuxer that reads one self-contained file with audio in it.
-bool isMediaDemuxer(const AVInputFormat& demuxer);
-
 /// The demuxer that libavformat would choose among all it has, for the bytes at `start` of a file called
-/// `name`; null if none fits.
-const AVInputFormat* probeDemuxer(GuardedReader& reader, std::int64_t start,
-                                  const std::filesystem::path& name);
+/// `name`; absent if none fits.
+std::optional<ProbedDemuxer> chosenDemuxer(GuardedReader& reader, std::int64_t start,
+                                           const std::filesystem::path& name);
 
 } // namespace velmora

@@ -11,7 +11,6 @@
 #include "measure/GuardedReader.h"
 #include "measure/Id3Tags.h"
 #include "measure/LibavDuration.h"
-#include "measure/LibavFile.h"
 #include "measure/Magic.h"
 #include "measure/MatroskaDuration.h"
 #include "measure/Mp4Duration.h"
@@ -20,10 +19,6 @@
 #include "measure/VocDuration.h"
 #include "measure/WavDuration.h"
 #include "measure/WavPackDuration.h"
-
-extern "C" {
-#include <libavformat/avformat.h>
-}
 
 #include <algorithm>
 #include <array>
@@ -38,8 +33,8 @@ namespace {
 using namespace std::string_view_literals;
 
 /// True for the demuxers of bare frames, which we count ourselves.
-bool isFrameDemuxer(const AVInputFormat& demuxer) {
-    return demuxer.name == "mp3"sv || demuxer.name == "aac"sv;
+bool isFrameDemuxer(const ProbedDemuxer& demuxer) {
+    return demuxer.name == "mp3" || demuxer.name == "aac";
 }
 
 /// How a format is timed: `start` is where it begins, behind any ID3v2 tag. Zero if nothing in it plays;
@@ -110,9 +105,9 @@ std::optional<double> knownDuration(GuardedReader& reader, std::int64_t start, c
 
 /// For what begins with no magic that we know.
 MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std::filesystem::path& name) {
-    const AVInputFormat* const demuxer = probeDemuxer(reader, start, "");
+    const std::optional<ProbedDemuxer> demuxer = probeDemuxer(reader, start, "");
     std::optional<double> seconds;
-    if (demuxer != nullptr && isMediaDemuxer(*demuxer) && !isFrameDemuxer(*demuxer)) {
+    if (demuxer && demuxer->isMedia && !isFrameDemuxer(*demuxer)) {
         seconds = libavDuration(reader, start, demuxer->name);
     }
     if (!seconds) {
@@ -121,8 +116,8 @@ MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std:
     if (seconds) {
         return {seconds, false};
     }
-    const AVInputFormat* const named = probeDemuxer(reader, start, name);
-    return {std::nullopt, named != nullptr && (!isMediaDemuxer(*named) || isFrameDemuxer(*named))};
+    const std::optional<ProbedDemuxer> named = probeDemuxer(reader, start, name);
+    return {std::nullopt, named && (!named->isMedia || isFrameDemuxer(*named))};
 }
 
 MediaAnswer answer(GuardedReader& reader, const std::filesystem::path& name) {

@@ -1,0 +1,24 @@
+#pragma once
+
+// The playing time of a container that libavformat reads: the length it states, or, where it states none, the
+// packets one after the other. A length guessed from a bit rate is never given. Part of the module that holds
+// libavformat; the rest of the program calls LibavDuration.h.
+
+#include "measure/GuardedReader.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace velmora {
+
+/// Times what stands at byte `start`, opened with `demuxer`. Zero if it opens but holds no audio; absent when
+/// nothing can be learnt within the reader's bounds.
+std::optional<double> containerDuration(GuardedReader& reader, std::int64_t start,
+                                        const std::string& demuxer);
+
+/// The same, but what the file states is not believed: all its packets are read.
+std::optional<double> walkedContainerDuration(GuardedReader& reader, std::int64_t start,
+                                              const std::string& demuxer);
+
+} // namespace velmora
