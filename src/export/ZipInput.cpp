@@ -10,7 +10,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-[[noreturn]] void fail(const fs::path& path, int error) {
+[[noreturn]] void failToRead(const fs::path& path, int error) {
     throw fs::filesystem_error("cannot read", path, std::error_code(error, std::generic_category()));
 }
 
@@ -51,18 +51,18 @@ void ZipInput::open() {
     m_file = RegularFile::open(m_path);
     m_position = 0;
     if (!m_file) {
-        fail(m_path, errno);
+        failToRead(m_path, errno);
     }
 }
 
 zip_int64_t ZipInput::read(void* data, zip_uint64_t size) {
     if (m_stop.stop_requested()) {
-        fail(m_path, ECANCELED);
+        failToRead(m_path, ECANCELED);
     }
     const std::optional<std::size_t> got =
         m_file->readAt(m_position, std::span(static_cast<std::uint8_t*>(data), size));
     if (!got) {
-        fail(m_path, errno);
+        failToRead(m_path, errno);
     }
     m_position += static_cast<std::int64_t>(*got);
     return static_cast<zip_int64_t>(*got);

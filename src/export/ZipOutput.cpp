@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t bufferSize = std::size_t{256} << 10; // larger ones leave the processor's cache
 
-[[noreturn]] void fail(const fs::path& path, int error) {
+[[noreturn]] void failToWrite(const fs::path& path, int error) {
     throw fs::filesystem_error("cannot write", path, std::error_code(error, std::generic_category()));
 }
 
@@ -64,7 +64,7 @@ zip_int64_t ZipOutput::answer(zip_source_cmd_t command, void* data, zip_uint64_t
 void ZipOutput::create() {
     m_file = FileDescriptor(::open(m_path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
     if (!m_file) {
-        fail(m_path, errno);
+        failToWrite(m_path, errno);
     }
     m_buffer.resize(bufferSize);
 }
@@ -86,7 +86,7 @@ void ZipOutput::write(const std::uint8_t* data, std::size_t size) {
 
 void ZipOutput::seek(std::int64_t position) {
     if (position < 0) {
-        fail(m_path, EINVAL);
+        failToWrite(m_path, EINVAL);
     }
     if (position < m_start || position > m_start + static_cast<std::int64_t>(m_filled)) {
         flush();
@@ -102,7 +102,7 @@ void ZipOutput::flush() {
         const ssize_t written = ::pwrite(m_file.get(), m_buffer.data() + done, m_filled - done,
                                          m_start + static_cast<std::int64_t>(done));
         if (written < 0 && errno != EINTR) {
-            fail(m_path, errno);
+            failToWrite(m_path, errno);
         }
         done += written > 0 ? static_cast<std::size_t>(written) : 0;
     }

@@ -24,7 +24,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::chrono::seconds patience{3};
+constexpr std::chrono::seconds probeTime{3};
 
 bool hasRenderDevice() {
     std::error_code error;
@@ -41,7 +41,7 @@ bool hasRenderDevice() {
 std::string rendererName() {
     const FileDescriptor output(::memfd_create("renderer", MFD_CLOEXEC));
     const auto status =
-        runChild("/proc/self/exe", {probeArgument}, output.get(), {.stop = {}, .deadline = patience});
+        runChild("/proc/self/exe", {probeArgument}, output.get(), {.stop = {}, .deadline = probeTime});
     std::array<char, 256> name{};
     const ssize_t length = status == 0 ? ::pread(output.get(), name.data(), name.size(), 0) : 0;
     return {name.data(), static_cast<std::size_t>(length > 0 ? length : 0)};

@@ -15,7 +15,7 @@ namespace {
 constexpr double leastWidth = 6;
 constexpr double trackOpacity = 0.06;
 constexpr double shadowRadius = 8;
-constexpr double shadowOpacity = 0.7;
+constexpr double capsuleShadowOpacity = 0.7;
 
 void fillCapsule(QPainter& painter, const QRectF& box, const QBrush& brush) {
     painter.setPen(Qt::NoPen);
@@ -42,7 +42,7 @@ double ProgressCapsule::filledWidth() const {
 void ProgressCapsule::paint(QPainter& painter) const {
     const QRectF filled(0, 0, filledWidth(), height());
     fillCapsule(painter, QRectF(0, 0, width(), height()), Neon::faded(Qt::white, trackOpacity));
-    drawBlurred(painter, filled, shadowRadius, Neon::faded(Neon::violet, shadowOpacity), 1,
+    drawBlurred(painter, filled, shadowRadius, Neon::faded(Neon::violet, capsuleShadowOpacity), 1,
                 [&filled](QPainter& target) { fillCapsule(target, filled, Qt::black); });
     QLinearGradient gradient(filled.topLeft(), filled.topRight());
     gradient.setColorAt(0, Neon::violet);

@@ -7,7 +7,7 @@ namespace velmora {
 
 namespace {
 
-constexpr double leastIntensity = 0.16;
+constexpr double leastStrength = 0.16;
 constexpr double leastHeight = 2;
 
 } // namespace
@@ -15,7 +15,7 @@ constexpr double leastHeight = 2;
 std::vector<Bar> spectrumBars(double width, double height, double intensity, double time) {
     const int count = static_cast<int>(width / barPitch);
     const double shares = std::max(count, 2) - 1;
-    const double strength = std::max(intensity, leastIntensity);
+    const double strength = std::max(intensity, leastStrength);
     const double a = 1.1 * time;
     const double b = 1.9 * time;
     const double c = 3.2 * time;

@@ -17,8 +17,6 @@ using testing::IsEmpty;
 using testing::Not;
 using testing::SizeIs;
 
-constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};
-
 /// A folder of sources, which no run may change.
 class KilledRun : public testing::Test {
 protected:

@@ -21,8 +21,6 @@ namespace {
 
 using testing::IsEmpty;
 
-constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};
-
 class Descriptors : public testing::Test {
 protected:
     /// What the process waits in, as the kernel shows it: "NUMBER DESCRIPTOR ...".

@@ -13,8 +13,6 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-constexpr AudioShape oneSecond{.frames = 44'100};
-
 /// What a scan of `folder` opens, as strace shows it. All of it must be measured.
 std::string opened(const fs::path& folder) {
     const fs::path log = freshFolder() / "opened";

@@ -16,8 +16,6 @@ using testing::HasSubstr;
 using testing::IsEmpty;
 using testing::StartsWith;
 
-constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};
-
 /// A folder "Live Set" with two tracks of a second, and beside it a file that is no audio.
 class VelmoraScan : public testing::Test {
 protected:

@@ -16,7 +16,6 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};
 const std::string cleared = "\r\x1b[K";
 
 class Terminal : public testing::Test {

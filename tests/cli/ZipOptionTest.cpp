@@ -13,8 +13,6 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};
-
 class ZipOption : public testing::Test {
 protected:
     Finished scan(std::vector<std::string> arguments) const {

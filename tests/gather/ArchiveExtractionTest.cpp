@@ -22,13 +22,12 @@ using test::filesBelow;
 using test::freshFolder;
 using test::pack;
 using test::read;
+using test::sound;
 using test::temporaryItems;
 using test::write;
 using testing::ElementsAre;
 using testing::IsEmpty;
 namespace fs = std::filesystem;
-
-const std::string sound(2000, 's'); // more than one block of a tar archive
 
 /// A folder to pack.
 fs::path album() {

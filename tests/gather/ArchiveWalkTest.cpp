@@ -15,14 +15,13 @@ using test::compress;
 using test::freshFolder;
 using test::namesIn;
 using test::pack;
+using test::sound;
 using test::walked;
 using test::write;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::SizeIs;
 namespace fs = std::filesystem;
-
-const std::string sound(2000, 's'); // more than one block of a tar archive
 
 /// A zip around a zip around ... around an audio file, `levels` archives in all.
 fs::path nestedZip(int levels) {

@@ -10,6 +10,9 @@
 
 namespace velmora::test {
 
+/// What stands in an audio file where no one listens: more than one block of a tar archive.
+inline const std::string sound(2000, 's');
+
 /// Walks `url` as an item found inside `depth` archives.
 GatherResult walked(const fs::path& url, int depth = 0);
 

@@ -18,6 +18,9 @@ struct AudioShape {
     double seconds() const { return static_cast<double>(frames) / rate; }
 };
 
+/// The shortest source that every encoder takes and every report shows as one second.
+inline constexpr AudioShape oneSecond{.frames = 8'000, .rate = 8'000, .channels = 1};
+
 /// Writes 16-bit PCM as WAV to `path`, making its parent folders; returns `path`. The sound is the same each
 /// time: a tone that swells, noise and silence take turns, so that encoders of variable rate vary.
 std::filesystem::path writeWav(const std::filesystem::path& path, const AudioShape& shape = {});
