@@ -57,9 +57,9 @@ TEST(ToolRunner, LeavesNoOutputOfAFailedTool) {
 }
 
 TEST(ToolRunner, CountsAnEmptyOutputAsFailure) {
-    const fs::path nothing = test::compress(freshFolder() / "nothing.gz", "");
+    const fs::path archive = test::compress(freshFolder() / "nothing.gz", "");
     const fs::path out = freshFolder() / "out";
-    EXPECT_FALSE(runCapturing("/usr/bin/gunzip", {"-c", nothing}, out));
+    EXPECT_FALSE(runCapturing("/usr/bin/gunzip", {"-c", archive}, out));
     EXPECT_FALSE(fs::exists(out));
 }
 
