@@ -1,64 +1,96 @@
 #include "measure/MatroskaDuration.h"
 
-#include "measure/BigEndian.h"
+#include "measure/EbmlElement.h"
 #include "measure/LibavDuration.h"
-
-#include <bit>
 
 namespace velmora {
 
 namespace {
 
 constexpr std::uint32_t segmentId = 0x1853'8067;
-constexpr std::int64_t idBytes = 4;
+constexpr std::uint32_t infoId = 0x1549'A966;
+constexpr std::uint32_t timestampScaleId = 0x2A'D7B1;
+constexpr std::uint32_t durationId = 0x4489;
+constexpr std::uint32_t tracksId = 0x1654'AE6B;
+constexpr std::uint32_t trackEntryId = 0xAE;
+constexpr std::uint32_t trackTypeId = 0x83;
+constexpr std::uint32_t clusterId = 0x1F43'B675;
+constexpr std::uint64_t audioTrack = 2;
 
-/// An element's size: as many bytes as the first has leading zeros and one, without the bit that ends those
-/// zeros.
-struct ElementSize {
-    std::int64_t bytes = 0;            ///< that the size itself takes
-    std::optional<std::int64_t> value; ///< absent if not known: all ones
-};
-
-std::optional<ElementSize> sizeAt(GuardedReader& reader, std::int64_t at) {
-    const auto first = reader.header(at, 1);
-    if (first.empty() || first[0] == 0) {
+/// The one element that holds everything, behind the one that says what the file is.
+std::optional<EbmlElement> segmentOf(GuardedReader& reader, std::int64_t start) {
+    const std::optional<EbmlElement> head = ebmlElementAt(reader, start);
+    if (!head || !head->size || *head->size > reader.size()) {
         return std::nullopt;
     }
-    const auto length = static_cast<std::size_t>(std::countl_zero(first[0])) + 1;
-    const auto bytes = reader.header(at, length);
-    if (bytes.empty()) {
-        return std::nullopt;
-    }
-    std::uint64_t value = 0;
-    for (const std::uint8_t byte : bytes) {
-        value = value << 8 | byte;
-    }
-    const std::uint64_t mask = (1ULL << 7 * length) - 1;
-    value &= mask;
-    const auto taken = static_cast<std::int64_t>(length);
-    return ElementSize{taken, value == mask ? std::nullopt : std::optional(static_cast<std::int64_t>(value))};
+    const std::optional<EbmlElement> segment = ebmlElementAt(reader, head->content + *head->size);
+    return segment && segment->id == segmentId ? segment : std::nullopt;
 }
 
-/// True if the segment ends behind the end of the file.
-bool isCutOff(GuardedReader& reader, std::int64_t start) {
-    const auto head = sizeAt(reader, start + idBytes);
-    if (!head || !head->value || *head->value > reader.size()) {
-        return false;
+bool isCutOff(GuardedReader& reader, const EbmlElement& segment) {
+    return segment.size && *segment.size > reader.size() - segment.content;
+}
+
+/// What stands before the media.
+struct Head {
+    double timestampScale = 1e6; ///< nanoseconds
+    double duration = 0;         ///< in units of the scale; 0 if not stated
+    bool hasAudio = false;
+    bool hasOther = false; ///< tracks that are no audio, or that do not say what they are
+
+    void takeInfo(GuardedReader& reader, const EbmlElement& info) {
+        forEachEbmlElement(reader, info, [&](const EbmlElement& element) {
+            if (element.id == timestampScaleId) {
+                timestampScale = static_cast<double>(ebmlInteger(reader, element).value_or(0));
+            } else if (element.id == durationId) {
+                duration = ebmlNumber(reader, element).value_or(0);
+            }
+            return true;
+        });
     }
-    const std::int64_t segment = start + idBytes + head->bytes + *head->value;
-    const auto id = reader.header(segment, idBytes);
-    if (id.empty() || HeaderDuration::be32(id, 0) != segmentId) {
-        return false;
+
+    void takeTracks(GuardedReader& reader, const EbmlElement& tracks) {
+        forEachEbmlElement(reader, tracks, [&](const EbmlElement& entry) {
+            if (entry.id == trackEntryId) {
+                std::optional<std::uint64_t> type;
+                forEachEbmlElement(reader, entry, [&](const EbmlElement& element) {
+                    if (element.id == trackTypeId) {
+                        type = ebmlInteger(reader, element);
+                    }
+                    return !type;
+                });
+                (type == audioTrack ? hasAudio : hasOther) = true;
+            }
+            return true;
+        });
     }
-    const auto size = sizeAt(reader, segment + idBytes);
-    return size && size->value && *size->value > reader.size() - segment - idBytes - size->bytes;
+};
+
+/// The length stated at the head, which is that of the longest track. Absent if none is, or if there are
+/// tracks other than audio, whose it could be.
+std::optional<double> statedAtHead(GuardedReader& reader, const EbmlElement& segment) {
+    Head head;
+    forEachEbmlElement(reader, segment, [&](const EbmlElement& element) {
+        if (element.id == infoId) {
+            head.takeInfo(reader, element);
+        } else if (element.id == tracksId) {
+            head.takeTracks(reader, element);
+        }
+        return element.id != clusterId;
+    });
+    const double seconds = head.duration * head.timestampScale / 1e9;
+    return seconds > 0 && head.hasAudio && !head.hasOther ? std::optional(seconds) : std::nullopt;
 }
 
 } // namespace
 
 std::optional<double> matroskaDuration(GuardedReader& reader, std::int64_t start) {
-    const auto read = isCutOff(reader, start) ? &libavWalkedDuration : &libavDuration;
-    return read(reader, start, "matroska");
+    const std::optional<EbmlElement> segment = segmentOf(reader, start);
+    if (segment && isCutOff(reader, *segment)) {
+        return libavWalkedDuration(reader, start, "matroska");
+    }
+    const std::optional<double> stated = segment ? statedAtHead(reader, *segment) : std::nullopt;
+    return stated ? stated : libavDuration(reader, start, "matroska");
 }
 
 } // namespace velmora

@@ -1,7 +1,8 @@
 #pragma once
 
-// The playing time of Matroska and WebM (RFC 9559). libavformat reads it; whether what it states can be true
-// is seen from the size of the one element that holds everything.
+// The playing time of Matroska and WebM (RFC 9559): what the head states where there is nothing but audio;
+// libavformat for the rest. Whether the statement can be true is seen from the size of the one element that
+// holds everything.
 
 #include "measure/GuardedReader.h"
 
