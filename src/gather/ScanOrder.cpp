@@ -54,11 +54,12 @@ public:
     }
 
     /// Appends the key of `text` to `keys`. Bytes that are not UTF-8 count as U+FFFD.
-    void append(const std::string& text, std::string& keys) {
+    void append(std::string_view text, std::string& keys) {
         if (!m_collator) {
             return;
         }
-        const icu::UnicodeString unicode = icu::UnicodeString::fromUTF8(text);
+        const icu::UnicodeString unicode =
+            icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
         const auto make = [&] {
             return m_collator->getSortKey(unicode, m_buffer.data(), static_cast<int32_t>(m_buffer.size()));
         };
@@ -109,6 +110,18 @@ struct Rank {
     bool fromArchive = false;
 };
 
+/// How many bytes all the paths begin with alike, up to the end of a folder's name. They cannot tell any two
+/// apart.
+std::size_t commonFolder(const std::vector<fs::path>& files) {
+    std::string_view common = files.empty() ? std::string_view() : files.front().native();
+    for (const fs::path& file : files) {
+        const auto end =
+            std::mismatch(common.begin(), common.end(), file.native().begin(), file.native().end());
+        common = common.substr(0, static_cast<std::size_t>(end.first - common.begin()));
+    }
+    return common.rfind('/') + 1; // 0 without a slash
+}
+
 std::size_t totalSize(const std::vector<fs::path>& files) {
     return std::accumulate(files.begin(), files.end(), std::size_t{0},
                            [](std::size_t sum, const fs::path& file) { return sum + file.native().size(); });
@@ -117,13 +130,14 @@ std::size_t totalSize(const std::vector<fs::path>& files) {
 /// The ranks of `files`, in order.
 std::vector<Rank> ranked(const std::vector<fs::path>& files, const ArchiveContent& archiveContent) {
     KeyMaker keyMaker;
+    const std::size_t common = commonFolder(files);
     std::string keys;
     keys.reserve(2 * totalSize(files)); // more than enough as a rule; what is not used is never touched
     std::vector<Rank> ranks;
     ranks.reserve(files.size());
     for (std::size_t i = 0; i < files.size(); ++i) {
         const std::size_t start = keys.size();
-        keyMaker.append(files[i].native(), keys);
+        keyMaker.append(std::string_view(files[i].native()).substr(common), keys);
         ranks.push_back({i, start, keys.size() - start, archiveContent.holds(files[i])});
     }
     const auto keyOf = [&](const Rank& rank) {

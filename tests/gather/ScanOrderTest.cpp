@@ -74,6 +74,18 @@ TEST_F(ScanOrder, SortsNothingAndOne) {
     EXPECT_THAT(sorted({"/m/a.wav"}, {"/m"}), ElementsAre("/m/a.wav"));
 }
 
+TEST_F(ScanOrder, IsTheSameWhateverThePathsHaveInCommon) {
+    const Paths files = {"/Músic/1/Disc 2/1.wav", "/Músic/1/Disc 2/10.wav", "/Músic/1/Disc 10/2.wav",
+                         "/Músic/1/Disc 10/é.wav", "/Músic/1/Disc 10/\xCC\x81.wav"};
+    Paths withAnother = files;
+    withAnother.emplace_back("/0.wav"); // now only the first slash is common
+    Paths expected = sorted(withAnother);
+    ASSERT_EQ(expected.front(), "/0.wav");
+    expected.erase(expected.begin());
+    EXPECT_EQ(sorted(files), expected);
+    EXPECT_EQ(sorted({files[1], files[0]}), (Paths{files[0], files[1]})); // not the digit in common
+}
+
 TEST_F(ScanOrder, TakesNamesThatAreNotUtf8) {
     expectOrder({"/m/a\xE9 2.wav", "/m/a\xE9 10.wav", "/m/b\xFF.wav", "/m/b\xFF\xFE.wav", "/m/c.wav"});
     expectOrder({"/m/x\xE8.wav", "/m/x\xE9.wav", "/m/x\xEA.wav"});
