@@ -92,6 +92,9 @@ TEST(Ape, IsItsFramesByItsRate) {
     EXPECT_NEAR(secondsOf(apeFile(20, 500)), (19 * 73'728 + 500) / 44'100.0, 1e-9);
     const std::string whole = apeFile(20, 500);
     EXPECT_NEAR(secondsOf(whole.substr(0, whole.size() - 9'500)), 10 * 73'728 / 44'100.0, 1e-9) << "cut off";
+    EXPECT_NEAR(secondsOf(whole.substr(0, whole.size() - 10'000)), 10 * 73'728 / 44'100.0, 1e-9)
+        << "cut off between two frames";
+    EXPECT_NEAR(secondsOf(whole.substr(0, whole.size() - 10'001)), 9 * 73'728 / 44'100.0, 1e-9);
     const std::string old = "MAC " + le(3970, 2) + le(2000, 2) + le(0, 2) + le(2, 2) + le(44'100, 4) +
                             zeros(8) + le(3, 4) + le(100, 4) + zeros(2'000);
     EXPECT_NEAR(secondsOf(old), (2 * 294'912 + 100) / 44'100.0, 1e-9);
