@@ -11,14 +11,12 @@ _LAST_PACKET = (
 _REAL_AAC = "the demuxer rounds the length of each AAC frame down to 23 ms, and RealMedia states no sum"
 
 REASONS = {
-    "healthy/aifc/dwvw.aifc": "a compression that neither our reader nor the demuxer knows",
     "healthy/alac/in-caf.alac": _LAST_PACKET,
     "healthy/caf/alac.caf": _LAST_PACKET,
     "healthy/caf/flac.caf": _LAST_PACKET,
     "healthy/mka/subtitles.mka": "the length that Matroska states is that of its longest track, the subtitles",
     "healthy/ra/aac.ra": _REAL_AAC,
     "healthy/ra/piped.ra": _REAL_AAC,
-    "truncated/ape-frames.ape": "the last frame that begins in the file is taken for cut off, though it is whole",
     "truncated/mpc-sv8-32.mpc": "the stream header's sample count is taken; the packets are not counted",
     "truncated/ogg-vorbis.ogg": _PAGE,
     "truncated/opus-music.opus": _PAGE,
