@@ -106,6 +106,29 @@ TEST(Ape, IsItsFramesByItsRate) {
     EXPECT_NEAR(secondsOf(old), (2 * 294'912 + 100) / 44'100.0, 1e-9);
 }
 
+TEST(Caf, IsAsLongAsItsLastPacketSays) {
+    for (const std::string codec : {"flac", "alac"}) {
+        for (const std::int64_t frames : {std::int64_t{1}, std::int64_t{8 * 4096}, shape.frames}) {
+            const AudioShape one{.frames = frames};
+            const fs::path path =
+                encodeAudio(freshFolder() / "track.caf",
+                            "ffmpeg -v error -i \"$IN\" -f caf -c:a " + codec + " \"$OUT\"", one);
+            EXPECT_NEAR(secondsOf(read(path)), one.seconds(), 1e-9) << codec << ", " << frames << " frames";
+        }
+    }
+}
+
+TEST(Caf, WhoseLastPacketIsDamagedIsWhatItsTableStates) {
+    for (const std::string codec : {"flac", "alac"}) {
+        const std::string file =
+            encoded("caf", "ffmpeg -v error -i \"$IN\" -f caf -c:a " + codec + " \"$OUT\"");
+        const std::size_t table = file.rfind("pakt");
+        const std::string damaged = file.substr(0, table - 9'000) + times(9'000, "\xFF") + file.substr(table);
+        EXPECT_GT(secondsOf(damaged), shape.seconds() + 0.01) << codec << ": counted as full";
+        EXPECT_LT(secondsOf(damaged), shape.seconds() + 0.2) << codec;
+    }
+}
+
 TEST(Musepack, IsWhatItStates) {
     EXPECT_NEAR(secondsOf(encoded("mpc")), shape.seconds(), 1e-9);
     const auto version7 = [](std::uint32_t frames, std::uint32_t last) {
