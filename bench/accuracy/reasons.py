@@ -4,12 +4,8 @@ _PAGE = (
     "the last page is cut off, yet its header stands in the file and states the position where the page "
     "would have ended; the Ogg reader takes it"
 )
-_REAL_AAC = "the demuxer rounds the length of each AAC frame down to 23 ms, and RealMedia states no sum"
 
 REASONS = {
-    "healthy/mka/subtitles.mka": "the length that Matroska states is that of its longest track, the subtitles",
-    "healthy/ra/aac.ra": _REAL_AAC,
-    "healthy/ra/piped.ra": _REAL_AAC,
     "truncated/mpc-sv8-32.mpc": "the stream header's sample count is taken; the packets are not counted",
     "truncated/ogg-vorbis.ogg": _PAGE,
     "truncated/opus-music.opus": _PAGE,

@@ -1,7 +1,8 @@
 #pragma once
 
-// The playing time of a container that libavformat reads: the length it states, or, where it states none, the
-// packets one after the other. A length guessed from a bit rate is never given.
+// The playing time of a container that libavformat reads: the length it states of its sound, or, where it
+// states none, the packets one after the other; where it states one for everything in it, pictures and
+// subtitles too, the last packets of the sound. A length guessed from a bit rate is never given.
 
 #include "measure/GuardedReader.h"
 

@@ -1,6 +1,7 @@
 // Formats that state their length, count it, or number their frames: real files whole and cut off, and
 // headers built from bytes where there is no encoder.
 
+#include "measure/HeaderBytes.h"
 #include "measure/MediaBytes.h"
 #include "support/Files.h"
 #include "support/RealAudio.h"
@@ -10,6 +11,7 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora::test {
 
@@ -47,6 +49,19 @@ std::string apeFile(std::size_t frames, std::uint32_t lastBlocks) {
            le(frames * 1000, 4) + zeros(8) + zeros(16) + le(2000, 2) + le(0, 2) + le(73'728, 4) +
            le(lastBlocks, 4) + le(frames, 4) + le(16, 2) + le(2, 2) + le(44'100, 4) + table +
            times(frames * 1000, "x");
+}
+
+/// Makes Matroska whose subtitles last longer than its sound.
+const std::string subtitled = R"(printf '1\n00:00:58,000 --> 00:01:00,000\nlate\n' | )"
+                              R"(ffmpeg -v error -i "$IN" -f srt -i - -c:s srt )";
+
+/// `file`, Matroska, as if its writer had noted the length of no single track.
+std::string withoutTrackNotes(std::string file) {
+    constexpr std::string_view note = "DURATION";
+    for (std::size_t at = 0; (at = file.find(note, at)) != std::string::npos;) {
+        file.replace(at, note.size(), "PURPOSES");
+    }
+    return file;
 }
 
 /// A packet of Musepack's stream version 8.
@@ -221,8 +236,30 @@ TEST(Matroska, IsWalkedWhereItsStatementIsMissingOrFalse) {
     EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 0.1);
 }
 
+TEST(Matroska, IsAsLongAsItsSoundWhateverElseIsInIt) {
+    const std::string picture = R"(ffmpeg -v error -i "$IN" -f lavfi -i testsrc=s=64x64:d=)";
+    for (const std::string& command :
+         {subtitled + R"(-c:a flac "$OUT")", picture + R"(20 -c:v mpeg4 -c:a pcm_s16le "$OUT")",
+          picture + R"(2 -c:v mpeg4 -c:a aac "$OUT")"}) {
+        const std::string file = encoded("mka", command);
+        EXPECT_NEAR(secondsOf(file), shape.seconds(), 0.03) << command;
+        EXPECT_NEAR(secondsOf(withoutTrackNotes(file)), shape.seconds(), 0.03) << command;
+    }
+}
+
+TEST(Matroska, WithoutNotesOfItsTracksIsReadAtItsEndAlone) {
+    const std::string file = withoutTrackNotes(encoded("mka", subtitled + R"(-c:a pcm_s16le "$OUT")"));
+    const Bytes content(file.begin(), file.end());
+    std::vector<Read> reads;
+    const MediaAnswer answer = mediaDuration(counted(content, reads), "track.mka", {});
+    EXPECT_NEAR(answer.seconds.value_or(-1), shape.seconds(), 0.001);
+    EXPECT_LE(bytesIn(reads), std::ssize(file) / 2);
+}
+
 TEST(RealMedia, IsWalkedWhereNothingIsStated) {
     EXPECT_NEAR(secondsOf(encoded("ra")), shape.seconds(), 0.04);
+    const std::string aac = encoded("ra", R"(ffmpeg -v error -i "$IN" -c:a aac -f rm "$OUT")");
+    EXPECT_NEAR(secondsOf(aac), decodedSeconds(aac), 1e-6);
     const std::string command =
         R"(ffmpeg -v error -i "$IN" -ar 8000 -ac 1 -c:a real_144 -f rm - | cat > "$OUT")";
     EXPECT_NEAR(secondsOf(encoded("ra", command)), shape.seconds(), 0.05);
