@@ -6,7 +6,6 @@ _PAGE = (
 )
 
 REASONS = {
-    "truncated/mpc-sv8-32.mpc": "the stream header's sample count is taken; the packets are not counted",
     "truncated/ogg-vorbis.ogg": _PAGE,
     "truncated/opus-music.opus": _PAGE,
     "truncated/wma-v2.wma": "the ASF reader takes the play duration of the header, that of the whole file",

@@ -40,6 +40,9 @@ private:
     AVFormatContext* m_context = nullptr;
 };
 
+/// The libraries print to standard error unless told not to, once for the process.
+void silenceLibav();
+
 /// True for a demuxer that reads one self-contained file with audio in it.
 bool isMediaDemuxer(const AVInputFormat& demuxer);
 

@@ -3,9 +3,11 @@
 #include "measure/Id3Tags.h"
 #include "measure/LittleEndian.h"
 #include "measure/Magic.h"
+#include "measure/PacketDecoder.h"
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace velmora {
 
@@ -74,6 +76,7 @@ struct StreamHeader {
     std::int64_t silence = 0;
     int rate = 0;
     std::int64_t packetSamples = 0;
+    std::array<std::uint8_t, 2> description{}; ///< the last two bytes, all that a decoder has to know
 };
 
 std::optional<StreamHeader> parseStreamHeader(Bytes content) {
@@ -87,7 +90,11 @@ std::optional<StreamHeader> parseStreamHeader(Bytes content) {
     if (!samples || !silence || content.size() < 2 || content[0] >> 5 >= std::ssize(rates)) {
         return std::nullopt;
     }
-    return StreamHeader{*samples, *silence, rates[content[0] >> 5], frameSamples << 2 * (content[1] & 0x07)};
+    return StreamHeader{*samples,
+                        *silence,
+                        rates[content[0] >> 5],
+                        frameSamples << 2 * (content[1] & 0x07),
+                        {content[0], content[1]}};
 }
 
 /// Whether the packet that ends every stream, "SE", stands in front of the tags.
@@ -96,24 +103,38 @@ bool hasItsEnd(GuardedReader& reader, std::int64_t start) {
                    "SE\x03");
 }
 
-/// Samples of the audio packets, "AP", that are whole, from the packet at `at` on. Absent if there are more
-/// packets than the reader's bounds allow.
-std::optional<std::int64_t> samplesThere(GuardedReader& reader, std::int64_t at, std::int64_t packetSamples) {
+/// Samples of the frames that are whole in the audio packet at `at`, whose end is missing.
+std::int64_t samplesOfPart(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
+    constexpr std::int64_t mostBytes = 1 << 20; // no packet of music comes near that
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min(reader.size() - at, mostBytes)));
+    bytes.resize(reader.search(at, bytes));
+    const auto packet = parsePacket(bytes);
+    const std::int64_t decoded = packet ? decodedSamples("mpc8", header.description, packet->content) : 0;
+    return std::max<std::int64_t>(0, decoded - frameSamples);
+}
+
+/// Samples of the audio packets, "AP", from the packet at `at` on. Absent if there are more packets than the
+/// reader's bounds allow.
+std::optional<std::int64_t> samplesThere(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
     std::int64_t samples = 0;
     std::array<std::uint8_t, 12> bytes{};
     for (;;) {
         const Bytes head = Bytes(bytes).first(reader.search(at, bytes));
         const auto packet = parsePacket(head);
-        if (!packet || packet->bytes > reader.size() - at || matches(head, "SE")) {
+        const bool isAudio = matches(head, "AP");
+        const bool isCutOff = packet && packet->bytes > reader.size() - at;
+        if (isCutOff && isAudio) {
+            samples += samplesOfPart(reader, at, header);
+        }
+        if (!packet || isCutOff || matches(head, "SE")) {
             return reader.isOver() ? std::nullopt : std::optional(samples);
         }
-        samples += matches(head, "AP") ? packetSamples : 0;
+        samples += isAudio ? header.packetSamples : 0;
         at += packet->bytes;
     }
 }
 
-/// Moves `at` from the first packet behind the stream header, which may come after others but not after
-/// audio.
+/// Takes `at` from the first packet to behind the stream header. Others may come before it, but no audio.
 std::optional<StreamHeader> takeStreamHeader(GuardedReader& reader, std::int64_t& at) {
     constexpr std::int64_t longestHeader = 40;
     for (;;) {
@@ -138,7 +159,7 @@ std::optional<double> version8Seconds(GuardedReader& reader, std::int64_t start)
     }
     std::int64_t samples = header->samples;
     if (samples == 0 || !hasItsEnd(reader, start)) {
-        const auto there = samplesThere(reader, at, header->packetSamples);
+        const auto there = samplesThere(reader, at, *header);
         if (!there) {
             return std::nullopt;
         }

@@ -11,7 +11,7 @@
 namespace velmora {
 
 /// Times the Musepack file at `start` by what its header states; of a file of version 8 without its end,
-/// which may have been cut off, by the audio packets that are whole. Absent for other stream versions.
+/// which may have been cut off, by the frames that are whole. Absent for other stream versions.
 std::optional<double> musepackDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora
