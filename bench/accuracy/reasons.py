@@ -4,22 +4,8 @@ _PAGE = (
     "the last page is cut off, yet its header stands in the file and states the position where the page "
     "would have ended; the Ogg reader takes it"
 )
-_LAST_PACKET = (
-    "the writer counts the last packet as full in the packet table; only the packet itself knows how many "
-    "samples it holds"
-)
-_REAL_AAC = "the demuxer rounds the length of each AAC frame down to 23 ms, and RealMedia states no sum"
 
 REASONS = {
-    "healthy/aifc/dwvw.aifc": "a compression that neither our reader nor the demuxer knows",
-    "healthy/alac/in-caf.alac": _LAST_PACKET,
-    "healthy/caf/alac.caf": _LAST_PACKET,
-    "healthy/caf/flac.caf": _LAST_PACKET,
-    "healthy/mka/subtitles.mka": "the length that Matroska states is that of its longest track, the subtitles",
-    "healthy/ra/aac.ra": _REAL_AAC,
-    "healthy/ra/piped.ra": _REAL_AAC,
-    "truncated/ape-frames.ape": "the last frame that begins in the file is taken for cut off, though it is whole",
-    "truncated/mpc-sv8-32.mpc": "the stream header's sample count is taken; the packets are not counted",
     "truncated/ogg-vorbis.ogg": _PAGE,
     "truncated/opus-music.opus": _PAGE,
     "truncated/wma-v2.wma": "the ASF reader takes the play duration of the header, that of the whole file",

@@ -32,8 +32,14 @@ struct Common {
     std::int64_t channels = 0;
     std::int64_t frames = 0;
     double rate = 0;
+    std::int64_t frameBytes = 0;  ///< without compression
     std::int64_t packetBytes = 0; ///< 0 for an unknown compression
     std::int64_t packetFrames = 1;
+};
+
+struct Sound {
+    std::int64_t bytes = 0;
+    bool isCutOff = false;
 };
 
 /// Packets of a compression, a channel; 0 bits stand for the sample's own.
@@ -44,10 +50,10 @@ struct Compression {
 };
 
 constexpr auto compressions = std::to_array<Compression>({
-    {"NONE", 0, 1}, {"sowt", 0, 1},    {"twos", 0, 1}, {"raw ", 0, 1}, {"in24", 3, 1},   {"in32", 4, 1},
-    {"23ni", 4, 1}, {"42ni", 3, 1},    {"fl32", 4, 1}, {"FL32", 4, 1}, {"fl64", 8, 1},   {"FL64", 8, 1},
-    {"ulaw", 1, 1}, {"ULAW", 1, 1},    {"alaw", 1, 1}, {"ALAW", 1, 1}, {"ima4", 34, 64}, {"MAC3", 2, 6},
-    {"MAC6", 1, 6}, {"GSM ", 33, 160}, {"G722", 1, 2},
+    {"NONE", 0, 1}, {"sowt", 0, 1},    {"twos", 0, 1}, {"raw ", 0, 1},    {"in24", 3, 1},   {"in32", 4, 1},
+    {"23ni", 4, 1}, {"42ni", 3, 1},    {"fl32", 4, 1}, {"FL32", 4, 1},    {"fl64", 8, 1},   {"FL64", 8, 1},
+    {"ulaw", 1, 1}, {"ULAW", 1, 1},    {"alaw", 1, 1}, {"ALAW", 1, 1},    {"ima4", 34, 64}, {"MAC3", 2, 6},
+    {"MAC6", 1, 6}, {"GSM ", 33, 160}, {"G722", 1, 2}, {"Qclp", 35, 160},
 });
 
 /// A number of 80 bits: sign and exponent (16), then the mantissa with its leading one (64).
@@ -62,6 +68,7 @@ std::optional<Common> parseCommon(Bytes chunk) {
         return std::nullopt;
     }
     Common common{be16(chunk, 0), be32(chunk, framesAt), extended(chunk, rateAt)};
+    common.frameBytes = (be16(chunk, bitsAt) + 7) / 8 * common.channels;
     if (common.channels == 0 || !(common.rate >= 1) || !std::isfinite(common.rate)) {
         return std::nullopt;
     }
@@ -73,16 +80,19 @@ std::optional<Common> parseCommon(Bytes chunk) {
         common.packetBytes = row->packetBytes * common.channels;
         common.packetFrames = row->packetFrames;
     } else if (row != compressions.end() || !isCompressed) {
-        common.packetBytes = (be16(chunk, bitsAt) + 7) / 8 * common.channels;
+        common.packetBytes = common.frameBytes;
     }
     return common;
 }
 
-std::optional<double> soundSeconds(const Common& common, std::int64_t soundBytes) {
+std::optional<double> soundSeconds(const Common& common, const Sound& sound) {
     if (common.packetBytes == 0) {
-        return std::nullopt;
+        // Frames of more bytes than without any compression are a count of packets.
+        const bool isCredible = sound.bytes > 0 && sound.bytes <= common.frames * common.frameBytes;
+        return isCredible && !sound.isCutOff ? std::optional(static_cast<double>(common.frames) / common.rate)
+                                             : std::nullopt;
     }
-    const std::int64_t there = soundBytes / common.packetBytes * common.packetFrames;
+    const std::int64_t there = sound.bytes / common.packetBytes * common.packetFrames;
     // Compressed sound counts frames or packets, as its writer pleased; a pipe's count is nothing or too
     // much.
     const bool isStated = common.packetFrames == 1 && common.frames > 0;
@@ -94,9 +104,9 @@ std::optional<double> soundSeconds(const Common& common, std::int64_t soundBytes
 
 std::optional<double> aiffDuration(GuardedReader& reader, std::int64_t start) {
     std::optional<Common> common;
-    std::optional<std::int64_t> soundBytes;
+    std::optional<Sound> sound;
     std::int64_t at = start + formHeaderBytes;
-    while (!common || !soundBytes) {
+    while (!common || !sound) {
         const Bytes header = reader.header(at, chunkHeaderBytes);
         if (header.empty()) {
             break;
@@ -111,14 +121,14 @@ std::optional<double> aiffDuration(GuardedReader& reader, std::int64_t start) {
                 reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, compressionAt + 4))));
         } else if (isSound) {
             const std::int64_t rest = reader.size() - at;
-            soundBytes = (stated <= soundHeaderBytes ? rest : size) - soundHeaderBytes;
-            if (const Bytes sound = reader.header(at, soundHeaderBytes); !sound.empty()) {
-                *soundBytes -= be32(sound, 0);
+            sound = Sound{(stated <= soundHeaderBytes ? rest : size) - soundHeaderBytes, stated > rest};
+            if (const Bytes head = reader.header(at, soundHeaderBytes); !head.empty()) {
+                sound->bytes -= be32(head, 0);
             }
         }
         at += stated + stated % 2;
     }
-    return common ? soundSeconds(*common, soundBytes.value_or(0)) : std::nullopt;
+    return common ? soundSeconds(*common, sound.value_or(Sound())) : std::nullopt;
 }
 
 } // namespace velmora

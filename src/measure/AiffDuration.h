@@ -10,8 +10,9 @@
 
 namespace velmora {
 
-/// Times the AIFF or AIFF-C file at `start`. The frames it states are clamped to the sound data there is.
-/// Absent without a "COMM" chunk or for a compression whose length the bytes do not tell.
+/// Times the AIFF or AIFF-C file at `start`. The frames it states are clamped to the sound data there is; for
+/// a compression that is not known they are taken as they are, if all the sound is there. Absent without a
+/// "COMM" chunk, or for such a compression when it is not.
 std::optional<double> aiffDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

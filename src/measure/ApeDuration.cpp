@@ -60,21 +60,21 @@ std::optional<ApeHeader> parseOld(GuardedReader& reader, std::int64_t start, int
     return ApeHeader{frameBlocks, le32(header, 28), le32(header, 24), le32(header, 12)};
 }
 
-/// How many frames are whole: all of them, or of a file that was cut off those before the last that begins in
-/// it.
+/// How many frames are whole: all of them, or of a file that was cut off those whose successor begins in it
+/// or just behind it.
 std::int64_t framesThere(GuardedReader& reader, std::int64_t start, const ApeHeader& header) {
     if (header.end <= static_cast<double>(reader.size())) {
         return header.frames;
     }
-    const auto beginsInside = [&](std::int64_t frame) {
+    const auto isReached = [&](std::int64_t frame) {
         const Bytes entry = reader.header(header.seekTableAt + frame * 4, 4);
-        return !entry.empty() && start + le32(entry, 0) < reader.size();
+        return !entry.empty() && start + le32(entry, 0) <= reader.size();
     };
     std::int64_t low = 0;
     std::int64_t high = header.frames;
-    while (low < high) { // to the first frame that begins behind the end
+    while (low < high) { // to the first frame whose start the file does not reach
         const std::int64_t middle = low + (high - low) / 2;
-        if (beginsInside(middle)) {
+        if (isReached(middle)) {
             low = middle + 1;
         } else {
             high = middle;

@@ -1,6 +1,8 @@
 #include "measure/CafDuration.h"
 
 #include "measure/BigEndian.h"
+#include "measure/CafPacketTable.h"
+#include "measure/FlacFrame.h"
 #include "measure/Magic.h"
 
 #include <algorithm>
@@ -20,24 +22,15 @@ constexpr std::int64_t chunkHeaderBytes = 12; // name, size of what follows; dat
 constexpr std::int64_t editCountBytes = 4;    // at the start of "data"
 
 /// "desc": 0 rate (64-bit floating point), 8 format, 12 flags, 16 bytes a packet, 20 frames a packet, 24
-/// channels, 28 bits a channel. A packet of varying bytes or frames has 0 there.
+/// channels, 28 bits a channel.
 struct Description {
     double rate = 0;
-    std::int64_t packetBytes = 0;
-    std::int64_t packetFrames = 0;
-};
-
-/// "pakt": 0 packets, 8 frames to be played, 16 frames before them, 20 frames behind them, 24 for each packet
-/// its bytes, then its frames, each only if it varies, in groups of 7 bits.
-struct PacketTable {
-    std::int64_t at = 0;
-    std::int64_t end = 0;
-    std::int64_t packets = 0;
-    std::int64_t validFrames = 0;
-    std::int64_t primingFrames = 0;
+    std::uint32_t format = 0;
+    CafPacketKind packet;
 };
 
 struct Data {
+    std::int64_t at = 0;
     std::int64_t bytes = 0;
     bool isCutOff = false;
 };
@@ -46,91 +39,86 @@ std::optional<Description> parseDescription(Bytes chunk) {
     if (chunk.size() < 32) {
         return std::nullopt;
     }
-    const Description description{std::bit_cast<double>(be64(chunk, 0)), be32(chunk, 16), be32(chunk, 20)};
+    const Description description{
+        std::bit_cast<double>(be64(chunk, 0)), be32(chunk, 8), {be32(chunk, 16), be32(chunk, 20)}};
     return std::isfinite(description.rate) && description.rate >= 1 ? std::optional(description)
                                                                     : std::nullopt;
 }
 
-std::optional<PacketTable> parsePacketTable(Bytes chunk, std::int64_t at, std::int64_t end) {
-    constexpr std::int64_t entriesAt = 24;
-    if (chunk.size() < entriesAt) {
-        return std::nullopt;
-    }
-    const auto packets = static_cast<std::int64_t>(be64(chunk, 0));
-    const auto frames = static_cast<std::int64_t>(be64(chunk, 8));
-    const auto priming = static_cast<std::int32_t>(be32(chunk, 16));
-    if (packets < 0 || frames < 0 || priming < 0) {
-        return std::nullopt;
-    }
-    return PacketTable{at + entriesAt, end, packets, frames, priming};
+std::optional<FlacFrame> flacFrameAt(GuardedReader& reader, std::int64_t at, const FlacStreamInfo& stream) {
+    const auto count = std::clamp<std::int64_t>(reader.size() - at, 0, longestFlacHeader);
+    return parseFlacFrame(reader.header(at, static_cast<std::size_t>(count)), stream);
 }
 
-/// Reads the numbers of a packet table.
-class TableCursor {
-public:
-    TableCursor(GuardedReader& reader, const PacketTable& table)
-        : m_reader(reader)
-        , m_at(table.at)
-        , m_end(table.end) {}
-
-    std::optional<std::int64_t> next() {
-        std::int64_t value = 0;
-        while (m_at < m_end && value < 1LL << 24) {
-            const Bytes byte = m_reader.header(m_at++, 1);
-            if (byte.empty()) {
-                return std::nullopt;
-            }
-            value = value << 7 | (byte[0] & 0x7F);
-            if ((byte[0] & 0x80) == 0) {
-                return value;
-            }
-        }
+/// FLAC numbers its frames.
+std::optional<std::int64_t> flacFrames(GuardedReader& reader, const Description& description,
+                                       std::int64_t firstAt, std::int64_t lastAt) {
+    FlacStreamInfo stream{.rate = static_cast<std::int32_t>(std::min(description.rate, 1e9))};
+    const auto first = flacFrameAt(reader, firstAt, stream);
+    if (!first) {
         return std::nullopt;
     }
+    stream.blockSamples = static_cast<std::int32_t>(first->samples);
+    const auto last = flacFrameAt(reader, lastAt, stream);
+    return last ? std::optional(last->firstSample + last->samples) : std::nullopt;
+}
 
-private:
-    GuardedReader& m_reader;
-    std::int64_t m_at;
-    std::int64_t m_end;
-};
-
-/// Frames of the packets that `bytes` hold. Absent if the table cannot be read.
-std::optional<std::int64_t> framesThere(GuardedReader& reader, const Description& description,
-                                        const PacketTable& table, std::int64_t bytes) {
-    TableCursor cursor(reader, table);
-    std::int64_t frames = 0;
-    for (std::int64_t packet = 0; packet < table.packets; ++packet) {
-        const auto size = description.packetBytes > 0 ? description.packetBytes : cursor.next();
-        const auto length = description.packetFrames > 0 ? description.packetFrames : cursor.next();
-        if (!size || !length) {
-            return std::nullopt;
-        }
-        bytes -= *size;
-        if (bytes < 0) {
-            break;
-        }
-        frames += *length;
+/// A packet of ALAC begins with 3 bits of element type, 4 of its number, 12 zeros, 1 that tells whether the
+/// samples are counted, 3 others, then the count (32).
+std::optional<std::int64_t> alacFrames(GuardedReader& reader, const CafPacketTable& table,
+                                       std::int64_t packetFrames, std::int64_t lastAt) {
+    constexpr std::uint32_t zeros = 0x01FF'E000;
+    constexpr std::uint32_t isCounted = 0x0000'1000;
+    const Bytes packet = reader.header(lastAt, 8);
+    if (packet.empty() || (be32(packet, 0) & zeros) != 0 || (be32(packet, 0) & isCounted) == 0) {
+        return std::nullopt;
     }
-    return std::max<std::int64_t>(0, frames - table.primingFrames);
+    const std::int64_t frames = be64(packet, 0) >> 9 & 0xFFFF'FFFF;
+    return frames <= packetFrames ? std::optional((table.packets - 1) * packetFrames + frames) : std::nullopt;
+}
+
+/// What the packets themselves tell, where the table counts even the last one as full, as some writers do.
+std::optional<std::int64_t> framesByLastPacket(GuardedReader& reader, const Description& description,
+                                               const CafPacketTable& table, const Data& data) {
+    constexpr std::uint32_t flac = 0x666C'6163; // the name's four letters
+    constexpr std::uint32_t alac = 0x616C'6163;
+    const std::int64_t packetFrames = description.packet.frames;
+    const bool isRoundedUp = table.primingFrames == 0 && table.remainderFrames == 0 && packetFrames > 0 &&
+                             table.validFrames % packetFrames == 0 &&
+                             table.validFrames / packetFrames == table.packets;
+    const auto lastBytes = isRoundedUp ? lastPacketBytes(reader, table) : std::nullopt;
+    if (!lastBytes || *lastBytes > data.bytes) {
+        return std::nullopt;
+    }
+    const std::int64_t lastAt = data.at + data.bytes - *lastBytes;
+    switch (description.format) {
+    case flac:
+        return flacFrames(reader, description, data.at, lastAt);
+    case alac:
+        return alacFrames(reader, table, packetFrames, lastAt);
+    default:
+        return std::nullopt;
+    }
 }
 
 std::optional<std::int64_t> framesOf(GuardedReader& reader, const Description& description, const Data& data,
-                                     const std::optional<PacketTable>& table) {
-    const bool isConstant = description.packetBytes > 0 && description.packetFrames > 0;
+                                     const std::optional<CafPacketTable>& table) {
+    const CafPacketKind& packet = description.packet;
     if (table && table->validFrames > 0 && !data.isCutOff) {
-        return table->validFrames;
+        const auto byLastPacket = framesByLastPacket(reader, description, *table, data);
+        return byLastPacket ? byLastPacket : table->validFrames;
     }
-    if (table && !isConstant) {
-        return framesThere(reader, description, *table, data.bytes);
+    if (table && !packet.isConstant()) {
+        return framesWithin(reader, *table, packet, data.bytes);
     }
-    if (!isConstant) {
+    if (!packet.isConstant()) {
         return std::nullopt;
     }
-    const std::int64_t packets = data.bytes / description.packetBytes;
-    if (packets > 0 && description.packetFrames > (1LL << 62) / packets) {
+    const std::int64_t packets = data.bytes / packet.bytes;
+    if (packets > 0 && packet.frames > (1LL << 62) / packets) {
         return std::nullopt;
     }
-    const std::int64_t frames = packets * description.packetFrames - (table ? table->primingFrames : 0);
+    const std::int64_t frames = packets * packet.frames - (table ? table->primingFrames : 0);
     return table && table->validFrames > 0 ? std::min(frames, table->validFrames) : frames;
 }
 
@@ -139,7 +127,7 @@ std::optional<std::int64_t> framesOf(GuardedReader& reader, const Description& d
 std::optional<double> cafDuration(GuardedReader& reader, std::int64_t start) {
     std::optional<Description> description;
     std::optional<Data> data;
-    std::optional<PacketTable> table;
+    std::optional<CafPacketTable> table;
     std::int64_t at = start + fileHeaderBytes;
     while (!table || !data) {
         const Bytes header = reader.header(at, chunkHeaderBytes);
@@ -158,13 +146,10 @@ std::optional<double> cafDuration(GuardedReader& reader, std::int64_t start) {
             description = parseDescription(
                 reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, 32))));
         } else if (isTable) {
-            table = parsePacketTable(
-                reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, 24))), at, at + size);
+            table = readCafPacketTable(reader, at, at + size);
         } else if (isData) {
-            data = Data{size - editCountBytes, stated > rest};
-            const bool isConstant =
-                description && description->packetBytes > 0 && description->packetFrames > 0;
-            if (isConstant) {
+            data = Data{at + editCountBytes, size - editCountBytes, stated > rest};
+            if (description && description->packet.isConstant()) {
                 break; // a table behind the data of such packets has nothing to add
             }
         }

@@ -11,7 +11,6 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::size_t longestHeader = 16;
 constexpr std::array<std::int32_t, 12> ratesByCode = {0,      88'200, 176'400, 192'000, 8'000,  16'000,
                                                       22'050, 24'000, 32'000,  44'100,  48'000, 96'000};
 
@@ -106,7 +105,21 @@ bool hasRate(int code, HeaderCursor& cursor, std::int32_t rate) {
     }
 }
 
-std::optional<FlacFrame> parseHeader(Bytes bytes, const FlacStreamInfo& stream) {
+} // namespace
+
+std::optional<FlacStreamInfo> parseStreamInfo(Bytes block) {
+    constexpr std::size_t size = 18;
+    if (block.size() < size) {
+        return std::nullopt;
+    }
+    const std::uint64_t packed = HeaderDuration::be64(block, 10); // rate 20 bits, 8 bits, samples 36 bits
+    const FlacStreamInfo info{
+        HeaderDuration::be16(block, 2), static_cast<std::int32_t>(HeaderDuration::be32(block, 6) & 0xFF'FFFF),
+        static_cast<std::int32_t>(packed >> 44), static_cast<std::int64_t>(packed & 0xF'FFFF'FFFF)};
+    return info.rate > 0 ? std::optional(info) : std::nullopt;
+}
+
+std::optional<FlacFrame> parseFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {
     constexpr std::uint8_t fixedSync = 0xF8;
     constexpr std::uint8_t variableSync = 0xF9;
     if (bytes.size() < 6 || bytes[0] != 0xFF || (bytes[1] != fixedSync && bytes[1] != variableSync) ||
@@ -127,27 +140,13 @@ std::optional<FlacFrame> parseHeader(Bytes bytes, const FlacStreamInfo& stream) 
     return FlacFrame{isFixed ? *number * stream.blockSamples : *number, *samples};
 }
 
-} // namespace
-
-std::optional<FlacStreamInfo> parseStreamInfo(Bytes block) {
-    constexpr std::size_t size = 18;
-    if (block.size() < size) {
-        return std::nullopt;
-    }
-    const std::uint64_t packed = HeaderDuration::be64(block, 10); // rate 20 bits, 8 bits, samples 36 bits
-    const FlacStreamInfo info{
-        HeaderDuration::be16(block, 2), static_cast<std::int32_t>(HeaderDuration::be32(block, 6) & 0xFF'FFFF),
-        static_cast<std::int32_t>(packed >> 44), static_cast<std::int64_t>(packed & 0xF'FFFF'FFFF)};
-    return info.rate > 0 ? std::optional(info) : std::nullopt;
-}
-
 std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {
     for (std::size_t at = bytes.size(); at-- > 0;) {
         if (bytes[at] != 0xFF) {
             continue;
         }
         const Bytes rest = bytes.subspan(at);
-        if (auto frame = parseHeader(rest.first(std::min(rest.size(), longestHeader)), stream)) {
+        if (auto frame = parseFlacFrame(rest.first(std::min(rest.size(), longestFlacHeader)), stream)) {
             frame->at = at;
             return frame;
         }

@@ -27,6 +27,11 @@ struct FlacFrame {
 /// Absent if `block`, the content of STREAMINFO, is too short or states no rate.
 std::optional<FlacStreamInfo> parseStreamInfo(std::span<const std::uint8_t> block);
 
+inline constexpr std::size_t longestFlacHeader = 16; ///< in bytes
+
+/// The frame whose header `bytes` begin with; absent if they do not.
+std::optional<FlacFrame> parseFlacFrame(std::span<const std::uint8_t> bytes, const FlacStreamInfo& stream);
+
 /// The last frame of the stream that begins in `bytes`; whether all of it is there is not asked.
 std::optional<FlacFrame> lastFlacFrame(std::span<const std::uint8_t> bytes, const FlacStreamInfo& stream);
 

@@ -4,9 +4,12 @@
 
 extern "C" {
 #include <libavformat/avformat.h>
+#include <libavutil/dict.h>
+#include <libavutil/parseutils.h>
 }
 
 #include <algorithm>
+#include <cmath>
 #include <span>
 #include <vector>
 
@@ -28,24 +31,66 @@ bool hasAudio(const AVFormatContext& context) {
     return std::ranges::any_of(streamsOf(context), [](const AVStream* stream) { return isAudio(*stream); });
 }
 
-std::optional<double> statedSeconds(const AVFormatContext& context) {
+/// Whether something may play that is no audio, and for longer.
+bool hasCompany(const AVFormatContext& context) {
+    return std::ranges::any_of(streamsOf(context), [](const AVStream* stream) {
+        const bool isAttached = stream->codecpar->codec_type == AVMEDIA_TYPE_ATTACHMENT ||
+                                (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
+        return !isAudio(*stream) && !isAttached;
+    });
+}
+
+/// What Matroska's writers note of each track; 0 if there is none.
+double taggedSeconds(const AVStream& stream) {
+    const AVDictionaryEntry* const tag =
+        av_dict_get(stream.metadata, "DURATION", nullptr, AV_DICT_IGNORE_SUFFIX); // behind it: its language
+    std::int64_t microseconds = 0;
+    const bool isTime = tag != nullptr && av_parse_time(&microseconds, tag->value, 1) == 0;
+    return isTime ? static_cast<double>(microseconds) / AV_TIME_BASE : 0;
+}
+
+template <typename Seconds>
+double longestAudio(const AVFormatContext& context, Seconds seconds) {
     double longest = 0;
     for (const AVStream* const stream : streamsOf(context)) {
-        if (isAudio(*stream)) {
-            longest = std::max(longest, static_cast<double>(stream->duration) * av_q2d(stream->time_base));
-        }
+        longest = std::max(longest, isAudio(*stream) ? seconds(*stream) : 0);
     }
-    if (!(longest > 0) && hasAudio(context)) {
-        longest = static_cast<double>(context.duration) / AV_TIME_BASE; // "unknown" is negative
+    return longest;
+}
+
+/// Absent if nothing is stated, or only for everything together and not everything is audio.
+std::optional<double> statedSeconds(const AVFormatContext& context) {
+    const double whole = static_cast<double>(context.duration) / AV_TIME_BASE; // "unknown" is negative
+    double longest = longestAudio(context, [](const AVStream& stream) {
+        return static_cast<double>(stream.duration) * av_q2d(stream.time_base);
+    });
+    if (!(longest > 0) && hasCompany(context)) {
+        longest = std::min(whole, longestAudio(context, taggedSeconds));
+    } else if (!(longest > 0) && hasAudio(context)) {
+        longest = whole;
     }
     return longest > 0 ? std::optional(longest) : std::nullopt;
+}
+
+/// How long the packet plays. Where the container's clock can only round that, its samples tell it.
+double secondsOf(const AVPacket& packet, const AVStream& stream) {
+    AVCodecParameters& parameters = *stream.codecpar;
+    const double tick = av_q2d(stream.time_base);
+    const double stated = static_cast<double>(std::max<std::int64_t>(packet.duration, 0)) * tick;
+    if (parameters.sample_rate <= 0) {
+        return stated;
+    }
+    const double bySamples =
+        static_cast<double>(av_get_audio_frame_duration2(&parameters, packet.size)) / parameters.sample_rate;
+    return stated > 0 && std::abs(bySamples - stated) >= tick ? stated : bySamples;
 }
 
 /// What one stream's packets add up to, in seconds.
 class SegmentSum {
 public:
-    void add(const AVPacket& packet, double timeBase) {
-        const double length = static_cast<double>(std::max<std::int64_t>(packet.duration, 0)) * timeBase;
+    void add(const AVPacket& packet, const AVStream& stream) {
+        const double timeBase = av_q2d(stream.time_base);
+        const double length = secondsOf(packet, stream);
         // A packet without a time stamp of its own goes on where the last one ended.
         const bool isStamped = packet.pts != AV_NOPTS_VALUE && packet.pts != m_lastStamp;
         m_lastStamp = packet.pts;
@@ -64,6 +109,8 @@ public:
     void trim(double seconds) { m_end = std::max(m_begin, m_end - seconds); }
 
     double seconds() const { return m_closed + m_end - m_begin; }
+
+    double end() const { return m_end; }
 
 private:
     bool m_isEmpty = true;
@@ -89,10 +136,8 @@ double trimmedSeconds(const AVPacket& packet, const AVCodecParameters& parameter
     return static_cast<double>(samples) / parameters.sample_rate;
 }
 
-std::optional<double> walkedSeconds(AVFormatContext& context, GuardedReader& reader) {
-    reader.renew();
-    avformat_find_stream_info(&context,
-                              nullptr); // packets get their lengths; what it guesses is not looked at
+/// Adds up the packets of every stream from where the file stands to its end.
+std::vector<SegmentSum> sumPackets(AVFormatContext& context, GuardedReader& reader) {
     std::vector<SegmentSum> sums;
     AVPacket* packet = av_packet_alloc();
     while (packet != nullptr && !reader.isOver() && av_read_frame(&context, packet) >= 0) {
@@ -101,7 +146,7 @@ std::optional<double> walkedSeconds(AVFormatContext& context, GuardedReader& rea
         AVStream& stream = *context.streams[index];
         if (isAudio(stream)) {
             sums.resize(std::max(sums.size(), index + 1));
-            sums[index].add(*packet, av_q2d(stream.time_base));
+            sums[index].add(*packet, stream);
             sums[index].trim(trimmedSeconds(*packet, *stream.codecpar));
         } else {
             stream.discard = AVDISCARD_ALL;
@@ -109,12 +154,37 @@ std::optional<double> walkedSeconds(AVFormatContext& context, GuardedReader& rea
         av_packet_unref(packet);
     }
     av_packet_free(&packet);
+    return sums;
+}
+
+/// Packets get their lengths by this; what it guesses is not looked at.
+void learnPackets(AVFormatContext& context, GuardedReader& reader) {
+    reader.renew();
+    avformat_find_stream_info(&context, nullptr);
+}
+
+std::optional<double> walkedSeconds(AVFormatContext& context, GuardedReader& reader) {
+    learnPackets(context, reader);
     double longest = 0;
-    for (const SegmentSum& sum : sums) {
+    for (const SegmentSum& sum : sumPackets(context, reader)) {
         longest = std::max(longest, sum.seconds());
     }
     const bool isAnswer = longest > 0 || !hasAudio(context);
     return isAnswer && !reader.isOver() ? std::optional(longest) : std::nullopt;
+}
+
+/// Where the last audio packets end, found by the file's index; absent if there are none behind what that
+/// leads to.
+std::optional<double> soughtSeconds(AVFormatContext& context, GuardedReader& reader) {
+    learnPackets(context, reader);
+    if (av_seek_frame(&context, -1, context.duration, AVSEEK_FLAG_BACKWARD) < 0) {
+        return std::nullopt;
+    }
+    double end = 0;
+    for (const SegmentSum& sum : sumPackets(context, reader)) {
+        end = std::max(end, sum.end());
+    }
+    return end > 0 && !reader.isOver() ? std::optional(end) : std::nullopt;
 }
 
 } // namespace
@@ -131,6 +201,10 @@ std::optional<double> containerDuration(GuardedReader& reader, std::int64_t star
     const bool mayGetStreams = (file.context()->ctx_flags & AVFMTCTX_NOHEADER) != 0;
     if (!hasAudio(*file.context()) && !mayGetStreams) {
         return 0;
+    }
+    if (hasCompany(*file.context()) && file.context()->duration > 0) {
+        const auto sought = soughtSeconds(*file.context(), reader);
+        return sought ? sought : walkedContainerDuration(reader, start, demuxer);
     }
     return walkedSeconds(*file.context(), reader);
 }

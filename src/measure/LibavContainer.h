@@ -1,8 +1,9 @@
 #pragma once
 
-// The playing time of a container that libavformat reads: the length it states, or, where it states none, the
-// packets one after the other. A length guessed from a bit rate is never given. Part of the module that holds
-// libavformat; the rest of the program calls LibavDuration.h.
+// The playing time of a container that libavformat reads: the length it states of its sound, or, where it
+// states none, the packets one after the other; where it states one for everything in it, pictures and
+// subtitles too, the last packets of the sound. A length guessed from a bit rate is never given. Part of the
+// module that holds libavformat; the rest of the program calls LibavDuration.h.
 
 #include "measure/GuardedReader.h"
 

@@ -33,4 +33,9 @@ std::optional<ProbedDemuxer> probeDemuxer(GuardedReader& reader, std::int64_t st
     return libav() == nullptr ? std::nullopt : libav()->probe(reader, start, name);
 }
 
+std::int64_t libavDecodedSamples(const char* decoder, std::span<const std::uint8_t> description,
+                                 std::span<const std::uint8_t> packet) {
+    return libav() == nullptr ? 0 : libav()->decodedSamples(decoder, description, packet);
+}
+
 } // namespace velmora

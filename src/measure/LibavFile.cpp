@@ -39,20 +39,12 @@ bool isMediaDemuxer(const AVInputFormat& demuxer) {
     return av_match_list(demuxer.name, mediaDemuxers, ',') > 0;
 }
 
-/// libavformat prints to standard error unless told not to, once for the process.
-void silence() {
-    [[maybe_unused]] static const bool isSilent = [] {
-        av_log_set_level(AV_LOG_QUIET);
-        return true;
-    }();
-}
-
 } // namespace
 
 LibavFile::LibavFile(GuardedReader& reader, std::int64_t start, const std::string& demuxer)
     : m_reader(reader)
     , m_start(start) {
-    silence();
+    silenceLibav();
     const AVInputFormat* const format = av_find_input_format(demuxer.c_str());
     if (format == nullptr || !isMediaDemuxer(*format)) {
         return;
@@ -109,10 +101,17 @@ std::int64_t LibavFile::seekBytes(void* self, std::int64_t offset, int whence) {
     return target;
 }
 
+void silenceLibav() {
+    [[maybe_unused]] static const bool isSilent = [] {
+        av_log_set_level(AV_LOG_QUIET);
+        return true;
+    }();
+}
+
 std::optional<ProbedDemuxer> chosenDemuxer(GuardedReader& reader, std::int64_t start,
                                            const std::filesystem::path& name) {
     constexpr std::size_t probeBytes = 64 << 10;
-    silence();
+    silenceLibav();
     std::vector<std::uint8_t> bytes(probeBytes + AVPROBE_PADDING_SIZE);
     const std::size_t got = reader.search(start, std::span(bytes).first(probeBytes));
     std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(got), bytes.end(), std::uint8_t{0});

@@ -40,6 +40,9 @@ private:
     AVFormatContext* m_context = nullptr;
 };
 
+/// The libraries print to standard error unless told not to, once for the process.
+void silenceLibav();
+
 /// The demuxer that libavformat would choose among all it has, for the bytes at `start` of a file called
 /// `name`; absent if none fits.
 std::optional<ProbedDemuxer> chosenDemuxer(GuardedReader& reader, std::int64_t start,

@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <span>
 #include <string>
 
 namespace velmora {
@@ -26,6 +27,8 @@ struct LibavModule {
                                             const std::string& demuxer);
     std::optional<ProbedDemuxer> (*probe)(GuardedReader& reader, std::int64_t start,
                                           const std::filesystem::path& name);
+    std::int64_t (*decodedSamples)(const char* decoder, std::span<const std::uint8_t> description,
+                                   std::span<const std::uint8_t> packet);
 };
 
 /// The module's file, found beside the program's own libraries, and the one symbol it exports: a

@@ -11,7 +11,8 @@
 
 namespace velmora {
 
-/// Times the file at `start` by what it states, or by its packets if it was cut off or states nothing.
+/// Times the sound of the file at `start` by what the file states, or by its packets if it was cut off or
+/// states nothing of the sound.
 std::optional<double> matroskaDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

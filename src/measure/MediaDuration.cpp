@@ -156,6 +156,7 @@ MediaAnswer mediaDuration(const ByteSource& source, const std::filesystem::path&
     if (result.seconds && (!(*result.seconds > 0) || !std::isfinite(*result.seconds))) {
         return {std::nullopt, true};
     }
+    result.isForeign = result.isForeign || (!result.seconds && reader.isOver());
     return result;
 }
 

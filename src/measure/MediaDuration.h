@@ -17,7 +17,8 @@ struct MediaAnswer {
     std::optional<double> seconds;
 
     /// The content plays nothing, or is not audio but something a general media tool would still open
-    /// (playlist, script, picture, subtitle, video alone): no further tool is asked.
+    /// (playlist, script, picture, subtitle, video alone), or could not be searched within bounds: no further
+    /// tool is asked.
     bool isForeign = false;
 };
 

@@ -1,10 +1,13 @@
 #include "measure/MusepackDuration.h"
 
+#include "measure/Id3Tags.h"
+#include "measure/LibavDuration.h"
 #include "measure/LittleEndian.h"
 #include "measure/Magic.h"
 
 #include <algorithm>
 #include <array>
+#include <vector>
 
 namespace velmora {
 
@@ -46,35 +49,124 @@ std::optional<std::int64_t> takeNumber(Bytes& bytes) {
     return std::nullopt;
 }
 
-/// Packets: key (2), size of the whole (number). "SH" holds checksum (4), version (1), samples (number), of
-/// these to be left out at the start (number), then the rate in the 3 highest bits.
-std::optional<double> version8Seconds(GuardedReader& reader, std::int64_t at) {
-    constexpr std::size_t numbersAt = 5;
-    constexpr std::int64_t longestPacketHead = 40;
-    for (;;) {
-        Bytes packet = reader.header(
-            at, static_cast<std::size_t>(std::clamp<std::int64_t>(reader.size() - at, 0, longestPacketHead)));
-        if (packet.size() < 3 || matches(packet, "AP")) {
-            return std::nullopt;
-        }
-        const bool isStreamHeader = matches(packet, "SH");
-        packet = packet.subspan(2);
-        const auto size = takeNumber(packet);
-        if (!size || *size < 3) {
-            return std::nullopt;
-        }
-        if (isStreamHeader && packet.size() > numbersAt) {
-            packet = packet.subspan(numbersAt);
-            const auto samples = takeNumber(packet);
-            const auto silence = takeNumber(packet);
-            const std::size_t rate = packet.empty() ? rates.size() : packet[0] >> 5;
-            if (!samples || !silence || rate >= rates.size() || *samples <= *silence) {
-                return std::nullopt;
-            }
-            return static_cast<double>(*samples - *silence) / rates[rate];
-        }
-        at += *size;
+/// A packet of version 8: key (2), size of the whole (number), content.
+struct Packet {
+    std::int64_t bytes = 0; ///< of the whole
+    Bytes content;          ///< as much of it as there was to parse
+};
+
+constexpr std::int64_t leastPacketBytes = 3;
+
+/// Absent if `bytes` begin with no packet.
+std::optional<Packet> parsePacket(Bytes bytes) {
+    const auto isCapital = [](std::uint8_t byte) { return byte >= 'A' && byte <= 'Z'; };
+    if (bytes.size() < leastPacketBytes || !isCapital(bytes[0]) || !isCapital(bytes[1])) {
+        return std::nullopt;
     }
+    Bytes content = bytes.subspan(2);
+    const auto size = takeNumber(content);
+    return size && *size >= leastPacketBytes ? std::optional(Packet{*size, content}) : std::nullopt;
+}
+
+/// "SH": checksum (4), version (1), samples (number; 0 if not known), of these to be left out at the start
+/// (number), the rate in the 3 highest bits of the next byte, the frames of a packet as a power of 4 in the 3
+/// lowest of the one behind it.
+struct StreamHeader {
+    std::int64_t samples = 0;
+    std::int64_t silence = 0;
+    int rate = 0;
+    std::int64_t packetSamples = 0;
+    std::array<std::uint8_t, 2> description{}; ///< the last two bytes, all that a decoder has to know
+};
+
+std::optional<StreamHeader> parseStreamHeader(Bytes content) {
+    constexpr std::size_t numbersAt = 5;
+    if (content.size() < numbersAt) {
+        return std::nullopt;
+    }
+    content = content.subspan(numbersAt);
+    const auto samples = takeNumber(content);
+    const auto silence = takeNumber(content);
+    if (!samples || !silence || content.size() < 2 || content[0] >> 5 >= std::ssize(rates)) {
+        return std::nullopt;
+    }
+    return StreamHeader{*samples,
+                        *silence,
+                        rates[content[0] >> 5],
+                        frameSamples << 2 * (content[1] & 0x07),
+                        {content[0], content[1]}};
+}
+
+/// Whether the packet that ends every stream, "SE", stands in front of the tags.
+bool hasItsEnd(GuardedReader& reader, std::int64_t start) {
+    return matches(reader.header(findTrailingTags(reader, start) - leastPacketBytes, leastPacketBytes),
+                   "SE\x03");
+}
+
+/// Samples of the frames that are whole in the audio packet at `at`, whose end is missing.
+std::int64_t samplesOfPart(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
+    constexpr std::int64_t mostBytes = 1 << 20; // no packet of music comes near that
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min(reader.size() - at, mostBytes)));
+    bytes.resize(reader.search(at, bytes));
+    const auto packet = parsePacket(bytes);
+    const std::int64_t decoded =
+        packet ? libavDecodedSamples("mpc8", header.description, packet->content) : 0;
+    return std::max<std::int64_t>(0, decoded - frameSamples);
+}
+
+/// Samples of the audio packets, "AP", from the packet at `at` on. Absent if there are more packets than the
+/// reader's bounds allow.
+std::optional<std::int64_t> samplesThere(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
+    std::int64_t samples = 0;
+    std::array<std::uint8_t, 12> bytes{};
+    for (;;) {
+        const Bytes head = Bytes(bytes).first(reader.search(at, bytes));
+        const auto packet = parsePacket(head);
+        const bool isAudio = matches(head, "AP");
+        const bool isCutOff = packet && packet->bytes > reader.size() - at;
+        if (isCutOff && isAudio) {
+            samples += samplesOfPart(reader, at, header);
+        }
+        if (!packet || isCutOff || matches(head, "SE")) {
+            return reader.isOver() ? std::nullopt : std::optional(samples);
+        }
+        samples += isAudio ? header.packetSamples : 0;
+        at += packet->bytes;
+    }
+}
+
+/// Takes `at` from the first packet to behind the stream header. Others may come before it, but no audio.
+std::optional<StreamHeader> takeStreamHeader(GuardedReader& reader, std::int64_t& at) {
+    constexpr std::int64_t longestHeader = 40;
+    for (;;) {
+        const Bytes head = reader.header(
+            at, static_cast<std::size_t>(std::clamp<std::int64_t>(reader.size() - at, 0, longestHeader)));
+        const auto packet = parsePacket(head);
+        if (!packet || matches(head, "AP")) {
+            return std::nullopt;
+        }
+        at += packet->bytes;
+        if (matches(head, "SH")) {
+            return parseStreamHeader(packet->content);
+        }
+    }
+}
+
+std::optional<double> version8Seconds(GuardedReader& reader, std::int64_t start) {
+    std::int64_t at = start;
+    const auto header = takeStreamHeader(reader, at);
+    if (!header) {
+        return std::nullopt;
+    }
+    std::int64_t samples = header->samples;
+    if (samples == 0 || !hasItsEnd(reader, start)) {
+        const auto there = samplesThere(reader, at, *header);
+        if (!there) {
+            return std::nullopt;
+        }
+        samples = samples == 0 ? *there : std::min(samples, *there);
+    }
+    return static_cast<double>(std::max<std::int64_t>(0, samples - header->silence)) / header->rate;
 }
 
 } // namespace

@@ -10,7 +10,8 @@
 
 namespace velmora {
 
-/// Times the Musepack file at `start` by what its header states. Absent for other stream versions.
+/// Times the Musepack file at `start` by what its header states; of a file of version 8 without its end,
+/// which may have been cut off, by the frames that are whole. Absent for other stream versions.
 std::optional<double> musepackDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

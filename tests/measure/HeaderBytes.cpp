@@ -133,6 +133,14 @@ ByteSource failingAfter(int good, const Bytes& bytes) {
     return source;
 }
 
+std::int64_t bytesIn(const std::vector<Read>& reads) {
+    std::int64_t sum = 0;
+    for (const Read& read : reads) {
+        sum += read.bytes;
+    }
+    return sum;
+}
+
 bool areDisjoint(std::vector<Read> reads) {
     std::ranges::sort(reads, {}, &Read::offset);
     const auto touching = [](const Read& a, const Read& b) { return a.offset + a.bytes > b.offset; };

@@ -87,6 +87,9 @@ ByteSource counted(const Bytes& bytes, std::vector<Read>& reads);
 /// A source of `bytes` whose reads fail once `good` of them have succeeded.
 ByteSource failingAfter(int good, const Bytes& bytes);
 
+/// How many bytes were read, those read twice counted twice.
+std::int64_t bytesIn(const std::vector<Read>& reads);
+
 /// Whether no byte was read twice.
 bool areDisjoint(std::vector<Read> reads);
 

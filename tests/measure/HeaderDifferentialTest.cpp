@@ -168,14 +168,6 @@ private:
     std::mt19937_64 m_random{20'240'229};
 };
 
-std::int64_t bytesIn(const std::vector<Read>& reads) {
-    std::int64_t sum = 0;
-    for (const Read& read : reads) {
-        sum += read.bytes;
-    }
-    return sum;
-}
-
 } // namespace
 
 TEST(OggDifferential, SmallReadsAnswerAsThePlainWayDoes) {
@@ -187,7 +179,7 @@ TEST(OggDifferential, SmallReadsAnswerAsThePlainWayDoes) {
         std::vector<Read> reads;
         const Seconds seconds = oggSeconds(test::counted(file, reads));
         ASSERT_EQ(seconds, plainOgg(file)) << "file " << i << " of " << file.size() << " bytes";
-        ASSERT_LE(bytesIn(reads), 362 + 262'144) << "file " << i;
+        ASSERT_LE(test::bytesIn(reads), 362 + 262'144) << "file " << i;
         answers += seconds ? 1 : 0;
     }
     EXPECT_GT(answers, files / 4);
@@ -203,7 +195,7 @@ TEST(AsfDifferential, SmallReadsAnswerAsThePlainWayDoes) {
         std::vector<Read> reads;
         const Seconds seconds = asfSeconds(test::counted(file, reads));
         ASSERT_EQ(seconds, plainAsf(file)) << "file " << i << " of " << file.size() << " bytes";
-        ASSERT_LE(bytesIn(reads), 1'048'576) << "file " << i;
+        ASSERT_LE(test::bytesIn(reads), 1'048'576) << "file " << i;
         ASSERT_TRUE(test::areDisjoint(reads)) << "file " << i;
         answers += seconds ? 1 : 0;
     }

@@ -164,6 +164,15 @@ TEST(Aiff, KnowsCompressions) {
     EXPECT_NEAR(secondsOf(aiff(common(8'000, "fl32") + sound(32'000), "AIFC")), second, 1e-9);
     EXPECT_NEAR(secondsOf(aiff(common(125, "ima4") + sound(4'250), "AIFC")), second, 1e-9);
     EXPECT_NEAR(secondsOf(aiff(common(8'000, "ima4") + sound(4'250), "AIFC")), second, 1e-9);
+    EXPECT_NEAR(secondsOf(aiff(common(50, "Qclp") + sound(1'750), "AIFC")), second, 1e-9);
+}
+
+TEST(Aiff, IsWhatItStatesForACompressionThatNobodyKnows) {
+    const std::string file = aiff(common(8'000, "DWVW") + sound(9'000), "AIFC");
+    EXPECT_NEAR(secondsOf(file), second, 1e-9);
+    EXPECT_FALSE(answerFor(file.substr(0, file.size() - 1)).seconds) << "cut off";
+    EXPECT_FALSE(answerFor(aiff(common(8'000, "DWVW"), "AIFC")).seconds) << "without sound";
+    EXPECT_FALSE(answerFor(aiff(common(50, "DWVW") + sound(1'750), "AIFC")).seconds) << "a count of packets";
 }
 
 TEST(Au, IsWhatTheFileHolds) {

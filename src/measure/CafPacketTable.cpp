@@ -1,0 +1,107 @@
+#include "measure/CafPacketTable.h"
+
+#include "measure/BigEndian.h"
+
+#include <algorithm>
+
+namespace velmora {
+
+namespace {
+
+using HeaderDuration::be32;
+using HeaderDuration::be64;
+using Bytes = std::span<const std::uint8_t>;
+
+// The entries are numbers in groups of 7 bits, the highest first; every byte of one but its last has the
+// highest bit set.
+constexpr std::uint8_t continues = 0x80;
+constexpr std::int64_t longestNumber = 4; // 256 MB, more than any packet has
+
+/// Reads the numbers from first to last.
+class EntryCursor {
+public:
+    EntryCursor(GuardedReader& reader, const CafPacketTable& table)
+        : m_reader(reader)
+        , m_at(table.entriesAt)
+        , m_end(table.end) {}
+
+    std::optional<std::int64_t> next() {
+        std::int64_t value = 0;
+        for (std::int64_t i = 0; i < longestNumber && m_at < m_end; ++i) {
+            const Bytes byte = m_reader.header(m_at++, 1);
+            if (byte.empty()) {
+                return std::nullopt;
+            }
+            value = value << 7 | (byte[0] & ~continues);
+            if ((byte[0] & continues) == 0) {
+                return value;
+            }
+        }
+        return std::nullopt;
+    }
+
+private:
+    GuardedReader& m_reader;
+    std::int64_t m_at;
+    std::int64_t m_end;
+};
+
+} // namespace
+
+// 0 packets, 8 frames that play, 16 frames before them, 20 frames behind them, 24 entries.
+std::optional<CafPacketTable> readCafPacketTable(GuardedReader& reader, std::int64_t at, std::int64_t end) {
+    constexpr std::int64_t headBytes = 24;
+    const Bytes head = reader.header(at, headBytes);
+    if (head.empty() || end - at < headBytes) {
+        return std::nullopt;
+    }
+    const auto packets = static_cast<std::int64_t>(be64(head, 0));
+    const auto frames = static_cast<std::int64_t>(be64(head, 8));
+    const auto priming = static_cast<std::int32_t>(be32(head, 16));
+    const auto remainder = static_cast<std::int32_t>(be32(head, 20));
+    if (packets < 0 || frames < 0 || priming < 0) {
+        return std::nullopt;
+    }
+    return CafPacketTable{at + headBytes, end, packets, frames, priming, remainder};
+}
+
+std::optional<std::int64_t> framesWithin(GuardedReader& reader, const CafPacketTable& table,
+                                         const CafPacketKind& kind, std::int64_t bytes) {
+    EntryCursor cursor(reader, table);
+    std::int64_t frames = 0;
+    for (std::int64_t packet = 0; packet < table.packets; ++packet) {
+        const auto size = kind.bytes > 0 ? kind.bytes : cursor.next();
+        const auto length = kind.frames > 0 ? kind.frames : cursor.next();
+        if (!size || !length) {
+            return std::nullopt;
+        }
+        bytes -= *size;
+        if (bytes < 0) {
+            break;
+        }
+        frames += *length;
+    }
+    return std::max<std::int64_t>(0, frames - table.primingFrames);
+}
+
+std::optional<std::int64_t> lastPacketBytes(GuardedReader& reader, const CafPacketTable& table) {
+    constexpr std::int64_t searchedBytes = 16;
+    const std::int64_t from = std::max(table.entriesAt, table.end - searchedBytes);
+    const Bytes entries = reader.header(from, static_cast<std::size_t>(table.end - from));
+    std::int64_t value = 0;
+    int shift = 0;
+    for (std::size_t at = entries.size(); at-- > 0;) {
+        const bool isEndOfNumber = (entries[at] & continues) == 0;
+        if (isEndOfNumber && value > 0) {
+            return value;
+        }
+        shift = isEndOfNumber ? 0 : shift + 7;
+        if (shift >= 7 * longestNumber) {
+            return std::nullopt;
+        }
+        value |= static_cast<std::int64_t>(entries[at] & ~continues) << shift;
+    }
+    return value > 0 && from == table.entriesAt ? std::optional(value) : std::nullopt;
+}
+
+} // namespace velmora

@@ -1,0 +1,86 @@
+// Containers that libavformat reads: what they state of their sound, and their packets where they state
+// nothing.
+
+#include "measure/HeaderBytes.h"
+#include "measure/MediaBytes.h"
+#include "measure/TwelveSeconds.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace velmora::test {
+
+namespace {
+
+/// Makes Matroska whose subtitles last longer than its sound.
+const std::string subtitled = R"(printf '1\n00:00:58,000 --> 00:01:00,000\nlate\n' | )"
+                              R"(ffmpeg -v error -i "$IN" -f srt -i - -c:s srt )";
+
+/// `file`, Matroska, as if its writer had noted the length of no single track.
+std::string withoutTrackNotes(std::string file) {
+    constexpr std::string_view note = "DURATION";
+    for (std::size_t at = 0; (at = file.find(note, at)) != std::string::npos;) {
+        file.replace(at, note.size(), "PURPOSES");
+    }
+    return file;
+}
+
+} // namespace
+
+TEST(Matroska, IsWalkedWhereItsStatementIsMissingOrFalse) {
+    EXPECT_NEAR(secondsOf(encoded("mka")), twelveSeconds.seconds(), 0.001);
+    for (const char* const codec : {"flac", "libopus", "pcm_s16le"}) {
+        const std::string command =
+            std::string(R"(ffmpeg -v error -i "$IN" -f matroska -c:a )") + codec + R"( - | cat > "$OUT")";
+        EXPECT_NEAR(secondsOf(encoded("mka", command)), twelveSeconds.seconds(), 0.002) << codec;
+    }
+    const std::string file = encoded("mka");
+    const std::string half = file.substr(0, file.size() / 2);
+    EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 0.1);
+}
+
+TEST(Matroska, IsAsLongAsItsSoundWhateverElseIsInIt) {
+    const std::string picture = R"(ffmpeg -v error -i "$IN" -f lavfi -i testsrc=s=64x64:d=)";
+    for (const std::string& command :
+         {subtitled + R"(-c:a flac "$OUT")", picture + R"(20 -c:v mpeg4 -c:a pcm_s16le "$OUT")",
+          picture + R"(2 -c:v mpeg4 -c:a aac "$OUT")"}) {
+        const std::string file = encoded("mka", command);
+        EXPECT_NEAR(secondsOf(file), twelveSeconds.seconds(), 0.03) << command;
+        EXPECT_NEAR(secondsOf(withoutTrackNotes(file)), twelveSeconds.seconds(), 0.03) << command;
+    }
+}
+
+TEST(Matroska, WithoutNotesOfItsTracksIsReadAtItsEndAlone) {
+    const std::string file = withoutTrackNotes(encoded("mka", subtitled + R"(-c:a pcm_s16le "$OUT")"));
+    const Bytes content(file.begin(), file.end());
+    std::vector<Read> reads;
+    const MediaAnswer answer = mediaDuration(counted(content, reads), "track.mka", {});
+    EXPECT_NEAR(answer.seconds.value_or(-1), twelveSeconds.seconds(), 0.001);
+    EXPECT_LE(bytesIn(reads), std::ssize(file) / 2);
+}
+
+TEST(RealMedia, IsWalkedWhereNothingIsStated) {
+    EXPECT_NEAR(secondsOf(encoded("ra")), twelveSeconds.seconds(), 0.04);
+    const std::string aac = encoded("ra", R"(ffmpeg -v error -i "$IN" -c:a aac -f rm "$OUT")");
+    EXPECT_NEAR(secondsOf(aac), decodedSeconds(aac), 1e-6);
+    const std::string command =
+        R"(ffmpeg -v error -i "$IN" -ar 8000 -ac 1 -c:a real_144 -f rm - | cat > "$OUT")";
+    EXPECT_NEAR(secondsOf(encoded("ra", command)), twelveSeconds.seconds(), 0.05);
+}
+
+TEST(OtherContainers, AreReadUnderAnyName) {
+    for (const char* const command :
+         {R"(ffmpeg -v error -y -i "$IN" -c:a libmp3lame -f avi "$OUT")",
+          R"(ffmpeg -v error -y -i "$IN" -c:a mp2 -f mpegts "$OUT")",
+          R"(ffmpeg -v error -y -i "$IN" -c:a aac -f latm "$OUT")",
+          R"(ffmpeg -v error -y -i "$IN" -c:a aac -f flv "$OUT")",
+          R"(ffmpeg -v error -y -i "$IN" -c:a ac3 -f ac3 "$OUT")",
+          R"(ffmpeg -v error -y -i "$IN" -c:a tta -f tta "$OUT")", R"(oggenc -Q "$IN" -o "$OUT")"}) {
+        EXPECT_NEAR(secondsOf(encoded("mp3", command)), twelveSeconds.seconds(), 0.06) << command;
+    }
+}
+
+} // namespace velmora::test
