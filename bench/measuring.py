@@ -3,7 +3,7 @@
 import statistics
 import subprocess
 import time
-from collections.abc import Callable, Sequence
+from collections.abc import Callable, Mapping, Sequence
 from dataclasses import dataclass, field
 from pathlib import Path
 
@@ -57,9 +57,9 @@ def interleave(contenders: Sequence[Contender], rounds: int) -> None:
                 contender.run(number)
 
 
-def output_of(command: Sequence[str]) -> str:
-    return subprocess.run(command, check=True, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
-                          text=True).stdout
+def output_of(command: Sequence[str], environment: Mapping[str, str] | None = None) -> str:
+    return subprocess.run(command, check=True, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True,
+                          env=environment).stdout
 
 
 def peak_memory(command: Sequence[str]) -> float:

@@ -11,10 +11,11 @@ import kinds
 import micro
 import peers
 import scaling
+import window
 from measuring import DATA, ROOT, SCAN, output_of
 
 PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
-               "archives": archives}
+               "archives": archives, "window": window}
 NAMES = (*PERFORMANCE, "accuracy")
 
 
