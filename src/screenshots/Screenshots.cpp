@@ -30,9 +30,6 @@ constexpr double shotScale = 2;
 /// From 0 to 100: how much of the size is given for speed. The pictures are lossless in any case.
 constexpr int pngQuality = 75;
 
-/// When the moving scenery is photographed, in seconds since its epoch: any moment would do, always the same.
-constexpr double shotTime = 812'000'000;
-
 /// A picture's controls do nothing.
 class NoActions : public Actions {
 public:

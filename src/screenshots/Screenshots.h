@@ -12,6 +12,9 @@
 
 namespace velmora::Screenshots {
 
+/// When the moving scenery is photographed, in seconds since its epoch: any moment would do, always the same.
+inline constexpr double shotTime = 812'000'000;
+
 /// Makes rendering independent of the desktop: no display, no GPU, no theme, no scale. Before the application
 /// object is created.
 void prepareEnvironment();

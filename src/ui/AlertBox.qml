@@ -6,17 +6,29 @@ FocusScope {
     id: box
 
     required property Alerts alerts
+    property Item focusBefore: null
 
-    visible: alerts.open
+    visible: false
     focus: visible
     Accessible.role: Accessible.AlertMessage
     Accessible.name: alerts.title
     Accessible.description: alerts.body
-    onVisibleChanged: if (visible)
-        accept.forceActiveFocus(Qt.PopupFocusReason)
     Keys.onEscapePressed: alerts.dismiss()
     Keys.onReturnPressed: alerts.accept()
     Keys.onEnterPressed: alerts.accept()
+
+    Connections {
+        target: box.alerts
+
+        function onChanged() {
+            if (!box.visible)
+                box.focusBefore = box.Window.activeFocusItem;
+            box.visible = box.alerts.open;
+            const next = box.visible ? accept : box.focusBefore;
+            if (next)
+                next.forceActiveFocus(Qt.PopupFocusReason);
+        }
+    }
 
     Rectangle {
         anchors.fill: parent
@@ -53,6 +65,8 @@ FocusScope {
                 text: box.alerts.title
                 textFormat: Text.PlainText
                 wrapMode: Text.Wrap
+                maximumLineCount: 3
+                elide: Text.ElideRight
                 renderType: Text.NativeRendering
                 color: Neon.ink
                 font.family: "Inter"
@@ -81,6 +95,8 @@ FocusScope {
                 spacing: 10
 
                 NeonButton {
+                    id: dismiss
+
                     objectName: "alertDismiss"
                     visible: title !== ""
                     title: box.alerts.dismissTitle
@@ -96,6 +112,7 @@ FocusScope {
                     objectName: "alertAccept"
                     title: box.alerts.acceptTitle
                     tint: Neon.violet
+                    KeyNavigation.tab: dismiss
                     onPressed: box.alerts.accept()
                 }
             }

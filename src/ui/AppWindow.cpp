@@ -4,7 +4,6 @@
 #include "ui/DropTarget.h"
 #include "ui/Views.h"
 
-#include <QAccessible>
 #include <QQuickWindow>
 #include <QVariant>
 
@@ -41,20 +40,6 @@ void AppWindow::take(QQuickWindow* window) {
     connect(drops, &DropTarget::dropped, &m_actions, &WindowActions::start);
     connect(&m_motion, &ReducedMotion::changed, window,
             [this, window] { window->setProperty("animated", m_motion.animated()); });
-    connect(&m_view, &ScanView::statusChanged, this, [this] { announce(m_view.status()); });
-    connect(&m_view, &ScanView::phaseChanged, this, [this] {
-        if (m_view.done()) {
-            announce(m_view.totalWords());
-        }
-    });
-}
-
-void AppWindow::announce(const QString& text) {
-    if (QAccessible::isActive() && !text.isEmpty()) {
-        m_window->setTitle(QStringLiteral("Velmora \u2013 ") + text); // read aloud, and seen in the task bar
-        QAccessibleEvent event(m_window, QAccessible::NameChanged);
-        QAccessible::updateAccessibility(&event);
-    }
 }
 
 void AppWindow::raise(const QByteArray& activationToken) {

@@ -36,7 +36,6 @@ public:
 
 private:
     void take(QQuickWindow* window);
-    void announce(const QString& text);
 
     ScanModel m_model;
     ScanView m_view{m_model};

@@ -11,11 +11,13 @@ Card {
     highlight: scan.targeted ? 1 : 0
 
     Behavior on highlight {
+        objectName: "brightening"
         enabled: card.animated
 
         NumberAnimation {
             duration: 180
-            easing.type: Easing.OutCubic
+            easing.type: Easing.BezierSpline
+            easing.bezierCurve: [0, 0, 0.58, 1, 1, 1] // ease-out
         }
     }
 

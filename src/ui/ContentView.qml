@@ -9,19 +9,9 @@ Item {
     required property Actions actions
     required property real time
     property bool animated: true
-    property real intensity: scan.intensity
 
     implicitWidth: 940
     implicitHeight: 700
-
-    Behavior on intensity {
-        enabled: content.animated
-
-        NumberAnimation {
-            duration: 600
-            easing.type: Easing.InOutQuad
-        }
-    }
 
     Backdrop {
         objectName: "backdrop"
@@ -33,7 +23,7 @@ Item {
         anchors.fill: parent
         anchors.topMargin: 40
         opacity: 0.88
-        intensity: content.intensity
+        intensity: content.scan.intensity
         time: content.time
     }
 
@@ -72,7 +62,7 @@ Item {
         anchors.rightMargin: 26
         anchors.bottomMargin: 16
         height: 34
-        intensity: content.intensity
+        intensity: content.scan.intensity
         time: content.time
     }
 

@@ -19,6 +19,7 @@ Item {
             objectName: "copyRuntimeButton"
             visible: footer.scan.done
             title: footer.scan.copyRuntimeTitle
+            restingTitle: "COPY RUNTIME"
             tint: Neon.violet
             toolTip: "Copy the total  \u00b7  Ctrl+C"
             onPressed: footer.actions.copyRuntime()
@@ -28,6 +29,7 @@ Item {
             objectName: "copyFileListButton"
             visible: footer.scan.done
             title: footer.scan.copyFileListTitle
+            restingTitle: "COPY FILE LIST"
             tint: Neon.violet
             toolTip: "Copy the names of the files  \u00b7  Ctrl+Shift+C"
             onPressed: footer.actions.copyFileList()
@@ -64,6 +66,7 @@ Item {
 
     ZipStatus {
         anchors.left: buttons.right
+        anchors.leftMargin: buttons.spacing
         anchors.right: parent.right
         anchors.verticalCenter: buttons.verticalCenter
         scan: footer.scan

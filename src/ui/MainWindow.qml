@@ -42,6 +42,7 @@ Window {
     TitleStrip {
         id: strip
 
+        objectName: "titleStrip"
         width: parent.width
         window: window
         onMenuPressed: menu.open()
@@ -76,7 +77,18 @@ Window {
         onMenuPressed: menu.open()
     }
 
+    Announcement {
+        objectName: "scanAnnouncement"
+        text: window.scan.done ? (window.scan.totalWords + "  " + window.scan.unreadableLine).trim() : window.scan.status
+    }
+
+    Announcement {
+        objectName: "zipAnnouncement"
+        text: window.scan.zipWorking ? "ZIPPING" : window.scan.zipText
+    }
+
     AlertBox {
+        objectName: "alertBox"
         anchors.fill: parent
         alerts: window.alerts
     }

@@ -11,12 +11,16 @@ Pressable {
     width: parent ? parent.width : implicitWidth
     implicitWidth: words.implicitWidth + 28
     implicitHeight: words.implicitHeight + 14
+    ringRadius: 6
+    ringInset: 0
     Accessible.role: Accessible.MenuItem
+    onHoveredChanged: if (hovered)
+        forceActiveFocus(Qt.MouseFocusReason)
 
     Plate {
         anchors.fill: parent
         fill: Neon.indigo
-        fillOpacity: row.hovered ? 0.35 : 0
+        fillOpacity: row.activeFocus ? 0.35 : 0
         radius: 6
     }
 

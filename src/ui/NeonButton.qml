@@ -6,12 +6,21 @@ Pressable {
 
     required property string title
     required property color tint
+    property string restingTitle: title ///< keeps its room while the title says something shorter for a moment
     readonly property bool lit: hovered && enabled
 
+    component Words: Caption {
+        anchors.centerIn: parent
+        size: 11
+        weight: Font.Bold
+        tracking: 1.6
+        Accessible.ignored: true
+    }
+
     label: title
-    implicitWidth: words.implicitWidth + 36
+    implicitWidth: Math.max(words.implicitWidth, room.implicitWidth) + 36
     implicitHeight: words.implicitHeight + 18
-    opacity: enabled ? 1 : 0.4
+    opacity: enabled ? 1 : 0.5
 
     Plate {
         anchors.fill: parent
@@ -22,15 +31,17 @@ Pressable {
         radius: 9
     }
 
-    Caption {
+    Words {
         id: words
 
-        anchors.centerIn: parent
         text: button.title
-        size: 11
-        weight: Font.Bold
-        tracking: 1.6
         color: button.lit ? "black" : button.tint
-        Accessible.ignored: true
+    }
+
+    Words {
+        id: room
+
+        visible: false
+        text: button.restingTitle
     }
 }

@@ -9,7 +9,7 @@ Item {
     required property bool wanted
     property bool below: false
 
-    implicitWidth: words.implicitWidth + 20
+    implicitWidth: words.width + 20
     implicitHeight: words.implicitHeight + 10
     visible: false
     z: 1
@@ -17,7 +17,12 @@ Item {
     Timer {
         interval: 700
         running: toolTip.wanted && toolTip.text !== ""
-        onTriggered: toolTip.visible = true
+        onTriggered: {
+            // It begins where its control does, unless it would leave the window.
+            const start = toolTip.parent.mapToItem(null, 0, 0).x;
+            toolTip.x = Math.min(0, toolTip.Window.width - 6 - toolTip.width - start);
+            toolTip.visible = true;
+        }
         onRunningChanged: if (!toolTip.wanted)
             toolTip.visible = false
     }
@@ -34,6 +39,7 @@ Item {
         id: words
 
         anchors.centerIn: parent
+        width: Math.min(implicitWidth, toolTip.Window.width - 32)
         text: toolTip.text
         size: 11
         color: Neon.ink

@@ -5,6 +5,7 @@
 
 #include <QLinearGradient>
 #include <QPainter>
+#include <QPainterPath>
 
 #include <cmath>
 
@@ -66,16 +67,19 @@ void PaintedGlowText::announce() {
 void PaintedGlowText::paint(QPainter& painter) const {
     const TextStyle style = this->style();
     const QRectF box(0, 0, style.width(m_text), style.lineHeight());
-    const auto letters = [&](QPainter& target) {
-        target.setFont(style.font());
-        target.drawText(QPointF(0, style.baseline()), m_text);
-    };
-    drawBlurred(painter, box, blurRadius(), Neon::faded(m_tint, glowOpacity), glowCopies, letters);
+    const QPointF start(0, style.baseline());
+    // As outlines: blurring may happen at a coarse resolution, on whose pixels letters would be moved to
+    // fall.
+    QPainterPath letters;
+    letters.addText(start, style.font(), m_text);
+    drawBlurred(painter, box, blurRadius(), Neon::faded(m_tint, glowOpacity), glowCopies,
+                [&letters](QPainter& target) { target.fillPath(letters, Qt::black); });
     QLinearGradient gradient(box.topLeft(), box.topRight());
     gradient.setColorAt(0, Neon::violet);
     gradient.setColorAt(1, Neon::indigo);
+    painter.setFont(style.font());
     painter.setPen(QPen(gradient, 1));
-    letters(painter);
+    painter.drawText(start, m_text);
 }
 
 } // namespace velmora

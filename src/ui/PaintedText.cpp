@@ -12,6 +12,11 @@ PaintedText::PaintedText(QQuickItem* parent)
     : PaintedItem(parent)
     , m_color(Neon::ink) {}
 
+QMarginsF PaintedText::overflow() const {
+    const double room = m_style.size / 2.0;
+    return {room, room, room, room};
+}
+
 void PaintedText::setText(const QString& text) {
     if (m_text != text) {
         m_text = text;

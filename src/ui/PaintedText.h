@@ -38,6 +38,9 @@ public:
 
     bool monospaced() const { return m_style.monospaced; }
 
+    /// Letters of other scripts may stand higher and lower than a line of the window's typefaces.
+    QMarginsF overflow() const override;
+
     void setText(const QString& text);
     void setColor(const QColor& color);
     void setSize(int points);

@@ -10,6 +10,7 @@ FocusScope {
     property string toolTip: ""
     property bool toolTipBelow: false
     property real ringRadius: 12
+    property real ringInset: -3 ///< from the edge inwards
     readonly property bool hovered: area.containsMouse
 
     signal pressed
@@ -35,14 +36,13 @@ FocusScope {
 
     Plate {
         anchors.fill: parent
-        anchors.margins: -3
+        anchors.margins: pressable.ringInset
         border: Neon.ink
         radius: pressable.ringRadius
         visible: pressable.activeFocus
     }
 
     NeonToolTip {
-        x: Math.max(0, Math.min(0, pressable.width - width))
         y: pressable.toolTipBelow ? pressable.height + 8 : -height - 8
         text: pressable.toolTip
         wanted: pressable.hovered

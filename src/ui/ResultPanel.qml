@@ -29,7 +29,8 @@ Column {
             objectName: "totalClock"
             anchors.centerIn: parent
             text: panel.scan.totalClock
-            size: 76
+            // Whatever a broken file states, the clock stays in the card.
+            size: Math.min(76, Math.floor(76 * 15 / Math.max(1, panel.scan.totalClock.length)))
             tint: Neon.violet
         }
     }

@@ -10,6 +10,7 @@ Pressable {
     width: 34
     height: 28
     ringRadius: 7
+    ringInset: 2
     toolTip: label
     toolTipBelow: true
 

@@ -6,14 +6,21 @@ FocusScope {
     id: menu
 
     required property Actions actions
+    property Item focusBefore: null
 
     function open() {
+        if (!visible)
+            focusBefore = Window.activeFocusItem;
         visible = true;
         about.forceActiveFocus(Qt.PopupFocusReason);
     }
 
     function close() {
+        const hadFocus = activeFocus;
         visible = false;
+        focus = false;
+        if (hadFocus && focusBefore)
+            focusBefore.forceActiveFocus(Qt.PopupFocusReason);
     }
 
     implicitWidth: 196

@@ -1,7 +1,6 @@
 #include "ui/WindowActions.h"
 
 #include "core/ScanModel.h"
-#include "ui/Alerts.h"
 #include "ui/FileReveal.h"
 #include "ui/Panels.h"
 #include "ui/ScanView.h"
@@ -23,6 +22,12 @@ void copy(const std::string& text) {
 }
 
 } // namespace
+
+AlertText aboutText() {
+    return {QStringLiteral("Velmora %1").arg(UpdateChecker::currentVersion()),
+            QStringLiteral("How long does all this audio play?\n\nDrop files, folders or archives on the "
+                           "window and read the total.\n\nBy Orventa, under the MIT licence.")};
+}
 
 WindowActions::WindowActions(ScanModel& model, ScanView& view, Alerts& alerts)
     : m_model(model)
@@ -72,10 +77,7 @@ void WindowActions::checkForUpdates() {
 }
 
 void WindowActions::about() {
-    m_alerts.show(
-        {QStringLiteral("Velmora %1").arg(UpdateChecker::currentVersion()),
-         QStringLiteral("How long does all this audio play?\n\nDrop files, folders or archives on the "
-                        "window and read the total.\nBy Orventa, under the MIT licence.")});
+    m_alerts.show(aboutText());
 }
 
 void WindowActions::quit() {

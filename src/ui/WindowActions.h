@@ -3,6 +3,7 @@
 // What the window's controls do.
 
 #include "ui/Actions.h"
+#include "ui/Alerts.h"
 #include "ui/FileUrls.h"
 
 #include <functional>
@@ -11,9 +12,11 @@ class QWindow;
 
 namespace velmora {
 
-class Alerts;
 class ScanModel;
 class ScanView;
+
+/// What "About Velmora" tells.
+AlertText aboutText();
 
 class WindowActions : public Actions {
     Q_OBJECT

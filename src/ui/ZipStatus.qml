@@ -19,7 +19,7 @@ Item {
         height: words.height + 12
         enabled: line.scan.zipSaved
         label: line.scan.zipText
-        toolTip: line.scan.zipSaved ? "Show the archive in its folder" : ""
+        toolTip: enabled ? "Show the archive in its folder" : ""
         ringRadius: 9
         Accessible.role: enabled ? Accessible.Button : Accessible.StaticText
         onPressed: line.actions.revealZip()
@@ -39,5 +39,16 @@ Item {
         tracking: line.scan.zipTracking
         color: line.scan.zipTint
         Accessible.ignored: true
+    }
+
+    HoverHandler {
+        id: pointer
+    }
+
+    NeonToolTip {
+        objectName: "zipToolTip"
+        y: -height - 8
+        text: line.scan.zipSaved || words.width === words.implicitWidth ? "" : line.scan.zipText
+        wanted: pointer.hovered
     }
 }

@@ -15,11 +15,6 @@ using Phase = ScanModel::Phase;
 
 class ContentTest : public UiTest {
 protected:
-    void showState(const ScanState& state, const QSize& points = {940, 700}) {
-        scan.show(state);
-        showContent(points);
-    }
-
     PaintedText* caption(const char* name) { return qobject_cast<PaintedText*>(find(name)); }
 
     PaintedGlowText* glow(const char* name) { return qobject_cast<PaintedGlowText*>(find(name)); }
@@ -43,7 +38,6 @@ protected:
     const QStringList panels = {"dropPrompt", "scanningPanel", "resultPanel", "emptyPanel"};
     const QStringList buttons = {"copyRuntimeButton", "copyFileListButton", "zipButton", "chooseButton",
                                  "resetButton"};
-    const ScanState done = {.phase = Phase::done, .seconds = 3725.4, .fileCount = 12, .bytes = 1'500'000};
 };
 
 TEST_F(ContentTest, ShowsThePanelAndTheButtonsOfThePhase) {
@@ -142,51 +136,6 @@ TEST_F(ContentTest, FillsSixPointsOfTheBarAtTheStartAndAllOfItAtTheEnd) {
     EXPECT_LE(distance(grab().pixelColor(bar.left() + 417, bar.top() + 2), Neon::indigo), 6);
 }
 
-TEST_F(ContentTest, KeepsALongSourceOnOneLineInTheCard) {
-    showState({.phase = Phase::scanning, .source = std::string(400, 'W')}, {880, 660});
-    EXPECT_LE(find("scanningDetail")->width(), 880 - 2 * 26 - 2 * 30);
-}
-
-TEST_F(ContentTest, CentresThePanelInTheCard) {
-    for (const Phase phase : {Phase::idle, Phase::scanning, Phase::done, Phase::empty}) {
-        showState({.phase = phase, .status = "READING SOURCE", .source = "SOURCE"});
-        const QRect card = place(find("card"));
-        const QRect panel = place(find(panels[static_cast<int>(phase)].toUtf8().constData()));
-        EXPECT_LE(std::abs(panel.center().y() - card.center().y()), 1);
-        EXPECT_LE(std::abs(panel.center().x() - card.center().x()), 1);
-    }
-}
-
-TEST_F(ContentTest, LaysItselfOutAtEverySize) {
-    for (const QSize& points : {QSize(880, 660), QSize(940, 700), QSize(1440, 900), QSize(2560, 1440)}) {
-        showState(done, points);
-        EXPECT_EQ(place(find("brandLogo")), QRect(26, 26, 54, 54));
-        EXPECT_EQ(place(find("phasePill")).right() + 1, points.width() - 26);
-        EXPECT_EQ(place(find("waveField")), QRect(0, 40, points.width(), points.height() - 40));
-        EXPECT_EQ(find("waveField")->opacity(), 0.88);
-        EXPECT_EQ(place(find("spectrumStrip")).height(), 34);
-        EXPECT_EQ(place(find("zipButton")).bottom() + 1, points.height() - 26);
-        EXPECT_EQ(place(find("copyFileListButton")).left(), place(find("copyRuntimeButton")).right() + 11);
-        const QRect card = place(find("card"));
-        EXPECT_GT(card.top(), 26 + 54);
-        EXPECT_LT(card.bottom(), place(find("spectrumStrip")).top());
-        EXPECT_LT(place(find("spectrumStrip")).bottom(), place(find("zipButton")).top());
-    }
-}
-
-TEST_F(ContentTest, BrightensTheCardWhileADragHovers) {
-    showContent();
-    const QRect card = place(find("card"));
-    const QPoint edge(card.left(), card.top() + 40);
-    const int resting = grab().pixelColor(edge).blue();
-    scan.setTargeted(true);
-    EXPECT_GT(grab().pixelColor(edge).blue(), 200);
-    EXPECT_GT(grab().pixelColor(edge + QPoint(1, 0)).blue(), 200) << "the line is two points wide";
-    scan.setTargeted(false);
-    EXPECT_EQ(grab().pixelColor(edge).blue(), resting);
-    EXPECT_LT(resting, 130);
-}
-
 TEST_F(ContentTest, DisablesPackingWhileItRuns) {
     showState(done);
     const auto zipEnabled = [&](const ZipState& zip) {
@@ -216,13 +165,6 @@ TEST_F(ContentTest, ShowsTheSavedArchiveWhenItsLineIsPressed) {
     scan.show(state);
     click(find("zipLine"));
     EXPECT_EQ(actions.asked, QStringList("revealZip")) << "a failure is no button";
-}
-
-TEST_F(ContentTest, KeepsALongZipLineInTheWindow) {
-    ScanState state = done;
-    state.zip = ZipFailed{std::string(300, 'x')};
-    showState(state, {880, 660});
-    EXPECT_LE(place(find("zipLine")).right(), 880 - 26);
 }
 
 TEST_F(ContentTest, AsksForWhatIsPressed) {

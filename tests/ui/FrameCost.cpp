@@ -2,18 +2,22 @@
 // The platform, back end and scale are those of Qt's environment variables; by default no display, no GPU.
 
 #include "ui/Alerts.h"
-#include "ui/UiTest.h"
+#include "ui/RecordingActions.h"
+#include "ui/ScanView.h"
+#include "ui/StagedWindow.h"
 #include "ui/Views.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>
-#include <QQmlComponent>
+#include <QQmlEngine>
+#include <QQuickWindow>
 
 #include <algorithm>
 #include <cstdlib>
 #include <ctime>
 #include <fstream>
 #include <iostream>
+#include <memory>
 #include <string>
 
 namespace velmora::test {
@@ -38,15 +42,7 @@ int measure(int frames, const QElapsedTimer& sinceStart) {
                .source = "LIVE SET 2026"});
     RecordingActions actions;
     Alerts alerts;
-    QQmlComponent component(&engine, Views::url("MainWindow"));
-    const std::unique_ptr<QQuickWindow> window(qobject_cast<QQuickWindow*>(
-        component.createWithInitialProperties({{"scan", QVariant::fromValue(&scan)},
-                                               {"actions", QVariant::fromValue<Actions*>(&actions)},
-                                               {"alerts", QVariant::fromValue(&alerts)}})));
-    if (window == nullptr) {
-        std::cerr << component.errorString().toStdString();
-        return 1;
-    }
+    const std::unique_ptr<QQuickWindow> window = stageWindow(engine, scan, actions, alerts, true);
     constexpr int warmUp = 30;
     int frame = 0;
     std::clock_t from = 0;

@@ -77,7 +77,7 @@ TEST_F(KitTest, NeverLightsADisabledButton) {
     hover(button);
     EXPECT_EQ(grab(), before);
     EXPECT_EQ(button->findChild<PaintedText*>()->color(), Neon::violet);
-    EXPECT_EQ(button->opacity(), 0.4);
+    EXPECT_EQ(button->opacity(), 0.5);
 }
 
 TEST_F(KitTest, IsPressedByPointerSpaceAndEnter) {
@@ -113,6 +113,9 @@ TEST_F(KitTest, PadsAPillAroundItsText) {
     EXPECT_FALSE(pill->isEnabled()) << "it is no button";
     const QImage image = grab();
     EXPECT_LE(distance(image.pixelColor(7, image.height() / 2), over(Qt::black, Neon::violet, 0.1)), 1);
+    EXPECT_LE(distance(image.pixelColor(image.width() / 2, 0),
+                       over(over(Qt::black, Neon::violet, 0.1), Neon::violet, 0.45)),
+              1);
     EXPECT_EQ(image.pixelColor(0, 0), QColor(Qt::black)) << "its ends are round";
 }
 
@@ -133,7 +136,13 @@ TEST_F(KitTest, SetsAChipsNameAboveItsValue) {
     EXPECT_EQ(rows[1]->weight(), QFont::DemiBold);
     EXPECT_EQ(place(rows[1]).top(), place(rows[0]).bottom() + 1 + 5);
     EXPECT_EQ(chip->height(), rows[0]->height() + 5 + rows[1]->height() + 2 * 11);
-    EXPECT_LE(distance(grab().pixelColor(7, 20), over(Qt::black, Neon::ink, 0.028)), 1);
+    EXPECT_EQ(chip->width(), std::max(rows[0]->width(), rows[1]->width()) + 2 * 14);
+    EXPECT_EQ(rows[0]->tracking(), 1.5);
+    EXPECT_EQ(rows[0]->weight(), QFont::Bold);
+    EXPECT_EQ(rows[1]->color(), Neon::indigo);
+    const QColor ground = over(Qt::black, Neon::ink, 0.028);
+    EXPECT_LE(distance(grab().pixelColor(7, 20), ground), 1);
+    EXPECT_LE(distance(grab().pixelColor(0, 20), over(ground, Neon::indigo, 0.22)), 1);
 }
 
 TEST_F(KitTest, ShowsTheMakersMarkWithALightAroundIt) {

@@ -1,9 +1,6 @@
-#include "ui/Alerts.h"
 #include "ui/FrameClock.h"
 #include "ui/UiTest.h"
-#include "ui/Views.h"
 
-#include <QQmlComponent>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -15,30 +12,11 @@ using Phase = ScanModel::Phase;
 
 class MainWindowTest : public UiTest {
 protected:
-    void open(bool animated = false) {
-        QQmlComponent component(&engine(), Views::url("MainWindow"));
-        window.reset(qobject_cast<QQuickWindow*>(component.createWithInitialProperties({
-            {"scan", QVariant::fromValue(&scan)},
-            {"actions", QVariant::fromValue<Actions*>(&actions)},
-            {"alerts", QVariant::fromValue(&alerts)},
-            {"animated", animated},
-        })));
-        ASSERT_NE(window, nullptr) << component.errorString().toStdString();
-        window->show();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
-    }
-
-    void press(int key, Qt::KeyboardModifiers modifiers = {}) {
-        QTest::keyClick(window.get(), Qt::Key(key), modifiers);
-    }
-
-    Alerts alerts;
-
     bool clockRuns() { return window->findChild<FrameClock*>()->running(); }
 };
 
 TEST_F(MainWindowTest, IsFramelessAndLeavesTheContentItsLeastSize) {
-    open();
+    openWindow();
     EXPECT_TRUE(window->flags().testFlag(Qt::FramelessWindowHint));
     EXPECT_EQ(window->minimumSize(), QSize(880, 660 + 28));
     EXPECT_EQ(window->size(), QSize(940, 700 + 28));
@@ -46,7 +24,7 @@ TEST_F(MainWindowTest, IsFramelessAndLeavesTheContentItsLeastSize) {
 }
 
 TEST_F(MainWindowTest, DoesWithKeysWhatTheButtonsDo) {
-    open();
+    openWindow();
     press(Qt::Key_O, Qt::ControlModifier);
     press(Qt::Key_C, Qt::ControlModifier);
     press(Qt::Key_Escape);
@@ -64,7 +42,7 @@ TEST_F(MainWindowTest, DoesWithKeysWhatTheButtonsDo) {
 }
 
 TEST_F(MainWindowTest, OpensItsMenuByPointerAndByKey) {
-    open();
+    openWindow();
     const QQuickItem* menu = find("menu");
     EXPECT_FALSE(menu->isVisible());
     click(find("menuButton"));
@@ -82,7 +60,7 @@ TEST_F(MainWindowTest, OpensItsMenuByPointerAndByKey) {
 }
 
 TEST_F(MainWindowTest, ClosesItsMenuWithoutACommand) {
-    open();
+    openWindow();
     scan.show({.phase = Phase::done});
     press(Qt::Key_F10);
     press(Qt::Key_Escape);
@@ -94,7 +72,7 @@ TEST_F(MainWindowTest, ClosesItsMenuWithoutACommand) {
 }
 
 TEST_F(MainWindowTest, MaximisesByDoubleClickOnTheStrip) {
-    open();
+    openWindow();
     QTest::mouseDClick(window.get(), Qt::LeftButton, {}, {400, 14});
     EXPECT_TRUE(QTest::qWaitFor([&] { return window->visibility() == QWindow::Maximized; }));
     EXPECT_EQ(find("maximizeButton")->property("label"), "Restore");
@@ -103,13 +81,13 @@ TEST_F(MainWindowTest, MaximisesByDoubleClickOnTheStrip) {
 }
 
 TEST_F(MainWindowTest, ClosesByItsButton) {
-    open();
+    openWindow();
     click(find("closeButton"));
     EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
 }
 
 TEST_F(MainWindowTest, MovesOnlyWhileItIsToBeSeen) {
-    open(true);
+    openWindow(true);
     EXPECT_TRUE(clockRuns());
     const double time = find("waveField")->property("time").toDouble();
     EXPECT_TRUE(QTest::qWaitFor([&] { return find("waveField")->property("time").toDouble() > time; }));
@@ -122,21 +100,22 @@ TEST_F(MainWindowTest, MovesOnlyWhileItIsToBeSeen) {
 }
 
 TEST_F(MainWindowTest, StandsStillWhereLessMotionIsWanted) {
-    open(false);
+    openWindow(false);
     EXPECT_FALSE(clockRuns());
 }
 
-TEST_F(MainWindowTest, GlidesToANewIntensity) {
-    open(true);
-    QQuickItem* wave = find("waveField");
-    EXPECT_EQ(wave->property("intensity").toDouble(), 0.44);
-    scan.show({.phase = Phase::scanning});
-    EXPECT_LT(wave->property("intensity").toDouble(), 1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return wave->property("intensity").toDouble() == 1; }));
+TEST_F(MainWindowTest, MovesEachPhaseAtItsStrengthAtOnce) {
+    openWindow(true);
+    for (const auto& [phase, strength] :
+         {std::pair(Phase::scanning, 1.0), {Phase::done, 0.74}, {Phase::empty, 0.3}, {Phase::idle, 0.44}}) {
+        scan.show({.phase = phase});
+        EXPECT_EQ(find("waveField")->property("intensity"), strength);
+        EXPECT_EQ(find("spectrumStrip")->property("intensity"), strength);
+    }
 }
 
 TEST_F(MainWindowTest, GrowsTheEmblemWhileADragHovers) {
-    open(true);
+    openWindow(true);
     QQuickItem* emblem = find("dropEmblem");
     EXPECT_EQ(emblem->property("magnification").toDouble(), 1);
     scan.setTargeted(true);
@@ -146,7 +125,7 @@ TEST_F(MainWindowTest, GrowsTheEmblemWhileADragHovers) {
 }
 
 TEST_F(MainWindowTest, TellsAlertsOneAfterTheOtherAndNothingElseHappensMeanwhile) {
-    open();
+    openWindow();
     bool downloaded = false;
     alerts.show(
         {"Velmora 2.0 is available", "You have 1.0.", "Download", "Later", [&] { downloaded = true; }});
@@ -168,7 +147,7 @@ TEST_F(MainWindowTest, TellsAlertsOneAfterTheOtherAndNothingElseHappensMeanwhile
 }
 
 TEST_F(MainWindowTest, EscapeAndTheOtherButtonCloseAnAlertWithoutItsAction) {
-    open();
+    openWindow();
     bool downloaded = false;
     const AlertText offer{"Velmora 2.0 is available", "", "Download", "Later", [&] { downloaded = true; }};
     alerts.show(offer);

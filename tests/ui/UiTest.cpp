@@ -1,5 +1,6 @@
 #include "ui/UiTest.h"
 
+#include "ui/StagedWindow.h"
 #include "ui/Views.h"
 
 #include <QGuiApplication>
@@ -90,6 +91,21 @@ QQuickItem* UiTest::showContent(const QSize& points) {
                  {"time", 812'000'000.0},
                  {"animated", false}},
                 points);
+}
+
+void UiTest::showState(const ScanState& state, const QSize& points) {
+    scan.show(state);
+    showContent(points);
+}
+
+void UiTest::openWindow(bool animated) {
+    window = stageWindow(*m_engine, scan, actions, alerts, animated);
+    window->show();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+}
+
+void UiTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
+    QTest::keyClick(window.get(), key, modifiers);
 }
 
 QImage UiTest::grab() {

@@ -2,14 +2,14 @@
 
 // What tests of views share: an application without a display, an eye on every warning, views in windows.
 
-#include "ui/Actions.h"
+#include "ui/Alerts.h"
+#include "ui/RecordingActions.h"
 #include "ui/ScanView.h"
 
 #include <QImage>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickWindow>
-#include <QStringList>
 #include <QVariantMap>
 
 #include <gtest/gtest.h>
@@ -17,30 +17,6 @@
 #include <memory>
 
 namespace velmora::test {
-
-/// Writes down what it is asked to do.
-class RecordingActions : public Actions {
-public:
-    void choose() override { asked << "choose"; }
-
-    void copyRuntime() override { asked << "copyRuntime"; }
-
-    void copyFileList() override { asked << "copyFileList"; }
-
-    void zip() override { asked << "zip"; }
-
-    void reset() override { asked << "reset"; }
-
-    void revealZip() override { asked << "revealZip"; }
-
-    void checkForUpdates() override { asked << "checkForUpdates"; }
-
-    void about() override { asked << "about"; }
-
-    void quit() override { asked << "quit"; }
-
-    QStringList asked;
-};
 
 /// Needs no display and no GPU. A warning of Qt or QML during a test is a failure.
 class UiTest : public testing::Test {
@@ -56,6 +32,14 @@ protected:
 
     /// The whole content, showing `scan`.
     QQuickItem* showContent(const QSize& points = {940, 700});
+
+    /// The whole content, showing `state`.
+    void showState(const ScanState& state, const QSize& points = {940, 700});
+
+    /// The program's window on `scan`, with the focus.
+    void openWindow(bool animated = false);
+
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = {});
 
     /// What the window shows, at one pixel a point.
     QImage grab();
@@ -73,8 +57,12 @@ protected:
 
     QQmlEngine& engine() { return *m_engine; }
 
+    const ScanState done = {
+        .phase = ScanModel::Phase::done, .seconds = 3725.4, .fileCount = 12, .bytes = 1'500'000};
+
     ScanView scan;
     RecordingActions actions;
+    Alerts alerts;
     std::unique_ptr<QQuickWindow> window;
 
 private:

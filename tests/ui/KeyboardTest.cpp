@@ -1,0 +1,247 @@
+// The window by keyboard alone, and what it tells those who hear it.
+
+#include "ui/UiTest.h"
+
+#include <QAccessible>
+#include <QTest>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+namespace velmora::test {
+namespace {
+
+using Phase = ScanModel::Phase;
+using testing::ElementsAre;
+
+const ScanState savedState = {.phase = Phase::done,
+                              .status = "COMPLETE",
+                              .seconds = 3725.4,
+                              .fileCount = 12,
+                              .unreadable = 2,
+                              .zip = ZipDone{"/music/Live Set.zip"}};
+
+class KeyboardTest : public UiTest {
+protected:
+    std::string focused() { return window->activeFocusItem()->objectName().toStdString(); }
+
+    /// Where the focus goes with so many presses of Tab. Each is to be seen.
+    std::vector<std::string> tabs(int count, Qt::KeyboardModifiers modifiers = {}) {
+        std::vector<std::string> reached;
+        for (int i = 0; i < count; ++i) {
+            const QImage before = grab();
+            press(modifiers.testFlag(Qt::ShiftModifier) ? Qt::Key_Backtab : Qt::Key_Tab, modifiers);
+            reached.push_back(focused());
+            EXPECT_NE(grab(), before) << reached.back();
+        }
+        return reached;
+    }
+};
+
+TEST_F(KeyboardTest, ReachesEveryControlOfTheWindowInTurn) {
+    scan.show(savedState);
+    openWindow();
+    EXPECT_THAT(tabs(10), ElementsAre("copyRuntimeButton", "copyFileListButton", "zipButton", "resetButton",
+                                      "zipStatus", "menuButton", "minimizeButton", "maximizeButton",
+                                      "closeButton", "copyRuntimeButton"));
+    EXPECT_THAT(tabs(2, Qt::ShiftModifier), ElementsAre("closeButton", "maximizeButton"));
+    scan.show({});
+    EXPECT_THAT(tabs(4), ElementsAre("closeButton", "chooseButton", "menuButton", "minimizeButton"));
+}
+
+TEST_F(KeyboardTest, PressesTheStripsButtonsToo) {
+    openWindow();
+    tabs(2);
+    press(Qt::Key_Space);
+    EXPECT_TRUE(find("menu")->isVisible());
+    press(Qt::Key_Escape);
+    tabs(3);
+    ASSERT_EQ(focused(), "closeButton");
+    press(Qt::Key_Return);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
+}
+
+TEST_F(KeyboardTest, GivesTheFocusBackWhenTheMenuCloses) {
+    openWindow();
+    tabs(1);
+    press(Qt::Key_F10);
+    EXPECT_EQ(focused(), "aboutRow");
+    press(Qt::Key_Escape);
+    EXPECT_EQ(focused(), "chooseButton");
+}
+
+TEST_F(KeyboardTest, LeadsThePointersRowOfTheMenu) {
+    openWindow();
+    press(Qt::Key_F10);
+    hover(find("quitRow"));
+    EXPECT_EQ(focused(), "quitRow") << "there are not two rows to choose from";
+}
+
+TEST_F(KeyboardTest, KeepsTheFocusInAnAlertAndGivesItBackAfterwards) {
+    openWindow();
+    tabs(1);
+    alerts.show({"Velmora 2.0 is available", "You have 1.0.", "Download", "Later"});
+    alerts.show({"You're up to date", ""});
+    EXPECT_EQ(focused(), "alertAccept");
+    EXPECT_THAT(tabs(3), ElementsAre("alertDismiss", "alertAccept", "alertDismiss"));
+    EXPECT_THAT(tabs(1, Qt::ShiftModifier), ElementsAre("alertAccept"));
+    tabs(1);
+    press(Qt::Key_Space);
+    ASSERT_EQ(find("alertTitle")->property("text"), "You're up to date");
+    EXPECT_EQ(focused(), "alertAccept") << "the pressed button is gone";
+    press(Qt::Key_Tab);
+    EXPECT_EQ(focused(), "alertAccept") << "it is the only one";
+    press(Qt::Key_Escape);
+    EXPECT_EQ(focused(), "chooseButton");
+}
+
+TEST_F(KeyboardTest, NamesEachKeyInTheToolTipOfItsControl) {
+    openWindow();
+    const auto tip = [&](const char* name) {
+        return find(name)->property("toolTip").toString().toStdString();
+    };
+    EXPECT_THAT(tip("chooseButton"), testing::EndsWith("Ctrl+O"));
+    EXPECT_THAT(tip("copyRuntimeButton"), testing::EndsWith("Ctrl+C"));
+    EXPECT_THAT(tip("copyFileListButton"), testing::EndsWith("Ctrl+Shift+C"));
+    EXPECT_THAT(tip("zipButton"), testing::EndsWith("Ctrl+S"));
+    EXPECT_THAT(tip("resetButton"), testing::EndsWith("Esc"));
+    EXPECT_THAT(tip("menuButton"), testing::EndsWith("F10"));
+}
+
+class ToolTipTest : public UiTest {
+protected:
+    /// Whether the tool tip of `control` begins with `words` and lies in the window.
+    bool isReadable(const char* control, const char* words) {
+        hover(find(control));
+        const QQuickItem* shown = nullptr;
+        return QTest::qWaitFor([&] { return (shown = visibleToolTip()) != nullptr; }) &&
+               shown->property("text").toString().startsWith(QLatin1String(words)) &&
+               QRect({}, window->size()).contains(place(shown));
+    }
+
+    QQuickItem* visibleToolTip() {
+        for (QQuickItem* item : window->findChildren<QQuickItem*>()) {
+            if (item->property("wanted").toBool() && item->isVisible()) {
+                return item;
+            }
+        }
+        return nullptr;
+    }
+};
+
+TEST_F(ToolTipTest, StandsBesideItsControlInTheWindow) {
+    ScanState failed = savedState;
+    failed.zip = ZipFailed{std::string(400, 'x')};
+    scan.show(failed);
+    openWindow();
+    EXPECT_TRUE(isReadable("menuButton", "Menu"));
+    EXPECT_TRUE(isReadable("closeButton", "Close"));
+    EXPECT_TRUE(isReadable("zipButton", "Pack"));
+    EXPECT_TRUE(isReadable("zipLine", "ZIP FAILED")) << "what did not fit into its line";
+}
+
+class SpeechTest : public UiTest {
+protected:
+    static std::string nameOf(QAccessibleInterface* heard) {
+        return heard->text(QAccessible::Name).toStdString();
+    }
+
+    QAccessibleInterface* heard(const char* name) {
+        return QAccessible::queryAccessibleInterface(find(name));
+    }
+
+    /// Writes down what a reader of the screen speaks: the name of each notification that comes up.
+    void listen(const char* name) {
+        const QQuickItem* item = find(name);
+        ASSERT_EQ(heard(name)->role(), QAccessible::Notification);
+        QObject::connect(item, &QQuickItem::visibleChanged, item, [this, item, name] {
+            if (item->isVisible()) {
+                spoken.push_back(nameOf(heard(name)));
+            }
+        });
+    }
+
+    std::vector<std::string> spoken;
+};
+
+TEST_F(SpeechTest, NamesEveryControl) {
+    scan.show(savedState);
+    openWindow();
+    for (const auto& [item, name] :
+         std::vector<std::pair<const char*, std::string>>{{"copyRuntimeButton", "COPY RUNTIME"},
+                                                          {"copyFileListButton", "COPY FILE LIST"},
+                                                          {"zipButton", "ZIP…"},
+                                                          {"resetButton", "RESET"},
+                                                          {"zipStatus", "ZIP SAVED · Live Set.zip"},
+                                                          {"menuButton", "Menu"},
+                                                          {"minimizeButton", "Minimise"},
+                                                          {"maximizeButton", "Maximise"},
+                                                          {"closeButton", "Close"}}) {
+        EXPECT_EQ(nameOf(heard(item)), name);
+        EXPECT_EQ(heard(item)->role(), QAccessible::Button) << name;
+        EXPECT_TRUE(heard(item)->state().focusable) << name;
+    }
+    for (const auto& [item, name] :
+         std::vector<std::pair<const char*, std::string>>{{"wordmark", "VELMORA"},
+                                                          {"totalClock", "01:02:05"},
+                                                          {"totalWords", "1 hr  2 min  5 sec"},
+                                                          {"unreadableLine", "2 files could not be read"},
+                                                          {"phasePill", "READY"}}) {
+        EXPECT_EQ(nameOf(heard(item)), name);
+        EXPECT_EQ(heard(item)->role(), QAccessible::StaticText) << name;
+    }
+    press(Qt::Key_F10);
+    EXPECT_EQ(nameOf(heard("updatesRow")), "Check for Updates…");
+    EXPECT_EQ(heard("updatesRow")->role(), QAccessible::MenuItem);
+    alerts.show({"You're up to date", "Velmora 1.0 is the latest version."});
+    EXPECT_EQ(nameOf(heard("alertBox")), "You're up to date");
+    EXPECT_EQ(heard("alertBox")->role(), QAccessible::AlertMessage);
+}
+
+TEST_F(SpeechTest, LetsAReaderPressAControl) {
+    openWindow();
+    heard("chooseButton")->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(actions.asked, QStringList("choose"));
+}
+
+TEST_F(SpeechTest, TellsHowFarAScanIs) {
+    scan.show({.phase = Phase::scanning, .found = 8});
+    openWindow();
+    EXPECT_EQ(heard("progressBar")->role(), QAccessible::ProgressBar);
+    EXPECT_EQ(nameOf(heard("progressBar")), "0 / 8");
+    scan.show({.phase = Phase::scanning, .processed = 4, .found = 8, .progress = 0.5});
+    EXPECT_EQ(nameOf(heard("progressBar")), "4 / 8");
+}
+
+TEST_F(SpeechTest, SpeaksEachStatusAndTheTotalOnce) {
+    openWindow();
+    listen("scanAnnouncement");
+    scan.show({.phase = Phase::scanning, .status = "READING SOURCE"});
+    scan.show({.phase = Phase::scanning, .status = "MEASURING", .found = 12});
+    scan.show({.phase = Phase::scanning, .status = "MEASURING", .processed = 4, .found = 12});
+    ScanState state = savedState;
+    state.zip = {};
+    scan.show(state);
+    EXPECT_THAT(spoken,
+                ElementsAre("READING SOURCE", "MEASURING", "1 hr  2 min  5 sec  2 files could not be read"));
+    spoken.clear();
+    scan.show({.phase = Phase::empty, .status = "NO AUDIO FOUND"});
+    EXPECT_THAT(spoken, ElementsAre("NO AUDIO FOUND"));
+}
+
+TEST_F(SpeechTest, SpeaksWhenAPackingBeginsAndEnds) {
+    scan.show({.phase = Phase::done});
+    openWindow();
+    listen("zipAnnouncement");
+    for (int packed = 0; packed < 3; ++packed) {
+        scan.show({.phase = Phase::done, .zip = ZipWorking{packed, 3}});
+    }
+    scan.show({.phase = Phase::done, .zip = ZipDone{"/music/Live Set.zip"}});
+    EXPECT_THAT(spoken, ElementsAre("ZIPPING", "ZIP SAVED · Live Set.zip"));
+}
+
+} // namespace
+} // namespace velmora::test

@@ -1,0 +1,29 @@
+#include "ui/StagedWindow.h"
+
+#include "ui/Actions.h"
+#include "ui/Alerts.h"
+#include "ui/ScanView.h"
+#include "ui/Views.h"
+
+#include <QQmlComponent>
+#include <QQuickWindow>
+#include <QVariant>
+
+namespace velmora::test {
+
+std::unique_ptr<QQuickWindow> stageWindow(QQmlEngine& engine, ScanView& scan, Actions& actions,
+                                          Alerts& alerts, bool animated) {
+    QQmlComponent component(&engine, Views::url("MainWindow"));
+    auto* const window = qobject_cast<QQuickWindow*>(component.createWithInitialProperties({
+        {"scan", QVariant::fromValue(&scan)},
+        {"actions", QVariant::fromValue(&actions)},
+        {"alerts", QVariant::fromValue(&alerts)},
+        {"animated", animated},
+    }));
+    if (window == nullptr) {
+        qFatal("%s", qPrintable(component.errorString()));
+    }
+    return std::unique_ptr<QQuickWindow>(window);
+}
+
+} // namespace velmora::test

@@ -1,0 +1,25 @@
+#pragma once
+
+// The program's window on prepared data.
+
+#include <memory>
+
+class QQmlEngine;
+class QQuickWindow;
+
+namespace velmora {
+
+class Actions;
+class Alerts;
+class ScanView;
+
+namespace test {
+
+/// The window, not yet shown; without one the program ends with the reason. The arguments outlive it.
+/// `animated` lets the scenery move.
+std::unique_ptr<QQuickWindow> stageWindow(QQmlEngine& engine, ScanView& scan, Actions& actions,
+                                          Alerts& alerts, bool animated);
+
+} // namespace test
+
+} // namespace velmora
