@@ -38,7 +38,7 @@ std::string playlist() {
            "ENDLIST\n";
 }
 
-std::string session() {
+std::string sdp() {
     return "v=0\no=- 0 0 IN IP4 127.0.0.1\ns=x\nc=IN IP4 127.0.0.1\nt=0 0\nm=audio 5004 RTP/AVP 0\n";
 }
 
@@ -110,7 +110,7 @@ TEST_P(TrapRun, WouldCatchAnother) {
 INSTANTIATE_TEST_SUITE_P(
     Traps, TrapRun,
     testing::Values(Trap{"Concat", &concatScript}, Trap{"Playlist", &playlist, "ffprobe -v quiet -f hls"},
-                    Trap{"Session", &session, "timeout 2 ffprobe -v quiet -protocol_whitelist file,udp,rtp"},
+                    Trap{"Sdp", &sdp, "timeout 2 ffprobe -v quiet -protocol_whitelist file,udp,rtp"},
                     Trap{"Manifest", &manifest, "ffprobe -v quiet -f dash -allowed_extensions ALL"},
                     Trap{"Movie", &movieWithoutItsSound, "ffprobe -v quiet -enable_drefs 1"}),
     [](const auto& row) { return std::string(row.param.name); });
