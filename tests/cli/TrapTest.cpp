@@ -78,17 +78,6 @@ std::string movieWithoutItsSound() {
 
 class TrapRun : public testing::TestWithParam<Trap> {
 protected:
-    /// The system calls of `command` that concern files or the network, one a line.
-    std::string callsOf(const std::string& command) const {
-        const fs::path trace = freshFolder() / "trace";
-        // A program under observation cannot look for its leaks.
-        tryShell(
-            "ASAN_OPTIONS=$ASAN_OPTIONS:detect_leaks=0 strace -f -qq -s 4096 -e trace=%file,%network -o " +
-                shellWord(trace.native()) + " " + command + " >/dev/null 2>&1",
-            folder);
-        return read(trace);
-    }
-
     const fs::path folder = freshFolder();
     const fs::path neighbour = writeWav(folder / "neighbour.wav");
 };
@@ -96,7 +85,7 @@ protected:
 TEST_P(TrapRun, GetsNothingButItself) {
     for (const std::string name : {"track.mp3", "track.m4a", "track.wav", "track.ogg"}) {
         write(folder / name, GetParam().content());
-        const std::string calls = callsOf(shellWord(VELMORA_SCAN) + " --files " + name);
+        const std::string calls = systemCallsOf(shellWord(VELMORA_SCAN) + " --files " + name, folder);
         EXPECT_THAT(calls, ContainsRegex("openat[^\n]*" + name + "\", O_RDONLY")) << "the file itself";
         EXPECT_THAT(calls, Not(asksForMore)) << name;
     }
@@ -104,7 +93,7 @@ TEST_P(TrapRun, GetsNothingButItself) {
 
 TEST_P(TrapRun, WouldCatchAnother) {
     write(folder / "track.m4a", GetParam().content());
-    EXPECT_THAT(callsOf(std::string(GetParam().victim) + " track.m4a"), asksForMore);
+    EXPECT_THAT(systemCallsOf(std::string(GetParam().victim) + " track.m4a", folder), asksForMore);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -1,5 +1,7 @@
 #include "support/Shell.h"
 
+#include "support/Files.h"
+
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
@@ -26,6 +28,15 @@ std::string shell(std::string_view command, const std::filesystem::path& folder)
     ShellResult result = tryShell(command, folder);
     EXPECT_EQ(result.status, 0) << command;
     return std::move(result.output);
+}
+
+std::string systemCallsOf(std::string_view command, const std::filesystem::path& folder) {
+    const std::filesystem::path trace = freshFolder() / "trace";
+    // A program under observation cannot look for its leaks.
+    tryShell("ASAN_OPTIONS=$ASAN_OPTIONS:detect_leaks=0 strace -f -qq -s 4096 -e trace=%file,%network -o " +
+                 shellWord(trace.native()) + " " + std::string(command) + " >/dev/null 2>&1",
+             folder);
+    return read(trace);
 }
 
 std::string shellWord(std::string_view text) {

@@ -19,6 +19,10 @@ ShellResult tryShell(std::string_view command, const std::filesystem::path& fold
 /// As `tryShell`; an exit status other than 0 is a test failure. Returns standard output.
 std::string shell(std::string_view command, const std::filesystem::path& folder = ".");
 
+/// The system calls of `command` and of what it starts that concern files or the network, one a line. Its
+/// output is lost, its exit status does not count.
+std::string systemCallsOf(std::string_view command, const std::filesystem::path& folder = ".");
+
 /// `text` as one word for the shell, whatever it holds.
 std::string shellWord(std::string_view text);
 
