@@ -1,5 +1,6 @@
 #include "measure/GuardedReader.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace velmora {
@@ -17,7 +18,8 @@ std::span<const std::uint8_t> GuardedReader::header(std::int64_t offset, std::si
     }
     Window& window = m_windows[m_latest];
     if (!window.holds(offset, count)) {
-        window.size = search(offset, window.bytes);
+        const auto left = static_cast<std::size_t>(std::min<std::int64_t>(windowBytes, size() - offset));
+        window.size = search(offset, std::span(window.bytes).first(left));
         window.start = offset;
         if (window.size < count) {
             return {};
