@@ -5,18 +5,25 @@
 
 #include <QBuffer>
 #include <QByteArray>
+#include <QDir>
 #include <QQmlComponent>
 #include <QQmlEngine>
 #include <QQuickItem>
 #include <QQuickRenderControl>
 #include <QQuickRenderTarget>
 #include <QQuickWindow>
+#include <QTemporaryFile>
 #include <QVariant>
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <array>
 #include <cstdlib>
 #include <fstream>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <system_error>
 #include <utility>
 
@@ -85,6 +92,17 @@ void write(const QImage& image, const std::filesystem::path& path) {
     }
 }
 
+/// Lets fontconfig read a configuration without fonts and rules: the typefaces are embedded, and how they are
+/// drawn is no matter of the desktop's.
+void keepFontSettingsOut() {
+    static QTemporaryFile nothing(QDir::tempPath() + QStringLiteral("/velmora-XXXXXX.conf")); // until the end
+    if (nothing.open() &&
+        nothing.write("<fontconfig><dir>/dev/null</dir><cachedir>/dev/null</cachedir></fontconfig>") > 0 &&
+        nothing.flush()) {
+        ::setenv("FONTCONFIG_FILE", qPrintable(nothing.fileName()), 1);
+    }
+}
+
 } // namespace
 
 void prepareEnvironment() {
@@ -96,6 +114,7 @@ void prepareEnvironment() {
           "QT_PLUGIN_PATH", "QML_IMPORT_PATH", "QML2_IMPORT_PATH"}) {
         ::unsetenv(name);
     }
+    keepFontSettingsOut();
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     ::setenv("QT_QUICK_BACKEND", "software", 1);
 }

@@ -15,8 +15,8 @@ namespace velmora::Screenshots {
 /// When the moving scenery is photographed, in seconds since its epoch: any moment would do, always the same.
 inline constexpr double shotTime = 812'000'000;
 
-/// Makes rendering independent of the desktop: no display, no GPU, no theme, no scale. Before the application
-/// object is created.
+/// Makes rendering independent of the desktop: no display, no GPU, no theme, no scale, no fonts but our own.
+/// Before the application object is created.
 void prepareEnvironment();
 
 /// Writes "1-result.png", "2-drop.png" and "3-scanning.png" into the directory, which is made if it is

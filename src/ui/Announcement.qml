@@ -1,6 +1,6 @@
 import QtQuick
 
-// Words that a reader of the screen speaks as soon as they change; there is nothing of them to see.
+// Words that a reader of the screen speaks when they have changed; there is nothing of them to see.
 Item {
     id: announcement
 
@@ -11,8 +11,18 @@ Item {
     visible: false
     Accessible.role: Accessible.Notification
     onTextChanged: {
-        Accessible.name = text; // before it comes up
-        visible = false; // what is spoken is a notification that comes up
-        visible = text !== "";
+        visible = false;
+        rest.restart();
+    }
+
+    // A reader asks for the words after it heard of the change: of changes in a flow only the last is told.
+    Timer {
+        id: rest
+
+        interval: 200
+        onTriggered: {
+            announcement.Accessible.name = announcement.text;
+            announcement.visible = announcement.text !== ""; // what comes up is spoken
+        }
     }
 }

@@ -20,7 +20,7 @@ Pressable {
     label: title
     implicitWidth: Math.max(words.implicitWidth, room.implicitWidth) + 36
     implicitHeight: words.implicitHeight + 18
-    opacity: enabled ? 1 : 0.5
+    opacity: enabled ? 1 : 0.4
 
     Plate {
         anchors.fill: parent

@@ -29,6 +29,29 @@ struct Waves {
     double slow;
 };
 
+/// A sine at equal steps, each turned on from the one before: a tenth of the cost of computing each.
+class TurningSine {
+public:
+    TurningSine(double angle, double step)
+        : m_sine(std::sin(angle))
+        , m_cosine(std::cos(angle))
+        , m_stepSine(std::sin(step))
+        , m_stepCosine(std::cos(step)) {}
+
+    double next() {
+        const double sine = m_sine;
+        m_sine = sine * m_stepCosine + m_cosine * m_stepSine;
+        m_cosine = m_cosine * m_stepCosine - sine * m_stepSine;
+        return sine;
+    }
+
+private:
+    double m_sine;
+    double m_cosine;
+    double m_stepSine;
+    double m_stepCosine;
+};
+
 double shareOf(std::size_t step, double width) {
     return static_cast<double>(step) * ribbonStep / std::max(width, 1.0);
 }
@@ -67,10 +90,14 @@ std::vector<double> ribbonEnvelopes(double width) {
 std::vector<double> ribbonPath(const Ribbon& ribbon, const std::vector<double>& envelopes, double width,
                                double height) {
     const Waves waves(ribbon.phase);
+    const double q = turn * shareOf(1, width) * ribbon.frequency; // from step to step
+    TurningSine main(waves.main, q);
+    TurningSine fast(waves.fast, 2.31 * q);
+    TurningSine slow(waves.slow, 0.47 * q);
     std::vector<double> path(envelopes.size());
     for (std::size_t step = 0; step < path.size(); ++step) {
-        const double q = turn * shareOf(step, width) * ribbon.frequency;
-        path[step] = height / 2 + ribbon.amplitude * envelopes[step] * waves.swing(q);
+        const double swing = main.next() + 0.34 * fast.next() + 0.22 * slow.next();
+        path[step] = height / 2 + ribbon.amplitude * envelopes[step] * swing;
     }
     return path;
 }

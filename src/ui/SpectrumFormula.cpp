@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numbers>
 
 namespace velmora {
 
@@ -9,6 +10,7 @@ namespace {
 
 constexpr double leastStrength = 0.16;
 constexpr double leastHeight = 2;
+constexpr double turn = 2 * std::numbers::pi;
 
 } // namespace
 
@@ -16,9 +18,10 @@ std::vector<Bar> spectrumBars(double width, double height, double intensity, dou
     const int count = static_cast<int>(width / barPitch);
     const double shares = std::max(count, 2) - 1;
     const double strength = std::max(intensity, leastStrength);
-    const double a = 1.1 * time;
-    const double b = 1.9 * time;
-    const double c = 3.2 * time;
+    // Small angles: the sines of those that years of seconds make cost ten times as much.
+    const double a = std::remainder(1.1 * time, turn);
+    const double b = std::remainder(1.9 * time, turn);
+    const double c = std::remainder(3.2 * time, turn);
     std::vector<Bar> bars;
     for (int i = 0; i < count; ++i) {
         const double u = i / shares;

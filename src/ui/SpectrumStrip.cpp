@@ -1,7 +1,5 @@
 #include "ui/SpectrumStrip.h"
 
-#include "ui/Neon.h"
-
 #include <QSGGeometryNode>
 
 #include <algorithm>
@@ -14,8 +12,7 @@ namespace velmora {
 namespace {
 
 MeshColor colorOf(const Bar& bar) {
-    return (MeshColor::of(Neon::violet, 1 - bar.blend) + MeshColor::of(Neon::indigo, bar.blend))
-        .faded(bar.opacity);
+    return accentColor(1 - bar.blend, bar.blend).faded(bar.opacity);
 }
 
 /// The distance of a point from the edge of a rounded box, negative inside; the point is given from the box's
@@ -47,7 +44,7 @@ void drawBar(QImage& image, const Bar& bar, double scale) {
     }
 }
 
-constexpr int capSteps = 6; ///< corners of a mesh along a quarter circle
+constexpr int capSteps = 3; ///< corners of a mesh along a quarter circle
 
 /// The directions from the middle of a bar's rounded corner to its edge.
 const std::array<QPointF, capSteps + 1>& capDirections() {

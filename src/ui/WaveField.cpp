@@ -4,8 +4,9 @@
 
 namespace velmora {
 
-WaveShape WaveField::shape() const {
-    return WaveShape::at(size(), intensity(), time());
+const WaveShape& WaveField::shape() {
+    m_shape.move(size(), intensity(), time());
+    return m_shape;
 }
 
 AnimatedItem::Picture WaveField::picture(double scale) {

@@ -23,8 +23,9 @@ protected:
     QSGGeometryNode* mesh(QSGGeometryNode* mesh, double scale) override;
 
 private:
-    WaveShape shape() const;
+    const WaveShape& shape(); ///< of the present moment
 
+    WaveShape m_shape;
     std::array<WaveImage, 2> m_images; ///< in turns: the last one is still shown while the next is drawn
     std::size_t m_turn = 0;
 };

@@ -1,7 +1,5 @@
 #include "ui/WaveGeometry.h"
 
-#include "ui/Neon.h"
-
 #include <array>
 #include <cmath>
 #include <span>
@@ -16,10 +14,6 @@ struct Rib {
     double share = 0;
 };
 
-MeshColor meshColor(const AccentMix& mix) {
-    return MeshColor::of(Neon::violet, mix.violet) + MeshColor::of(Neon::indigo, mix.indigo);
-}
-
 /// Draws a strip along `curve` with a corner on every rib every `step` points.
 void drawStrip(MeshWriter& mesh, const WaveShape& shape, const RibbonCurve& curve, double step,
                std::span<const Rib> ribs, bool glows) {
@@ -27,7 +21,8 @@ void drawStrip(MeshWriter& mesh, const WaveShape& shape, const RibbonCurve& curv
     for (double x = 0; x <= curve.end(); x += step) {
         const RibbonPoint point = curve.at(x);
         const double length = std::sqrt(1 + point.slope * point.slope);
-        const MeshColor color = meshColor(shape.color(curve, x)).faded(glows ? shape.glowPeak(x) : 1);
+        const AccentMix mix = shape.color(curve, x);
+        const MeshColor color = accentColor(mix.violet, mix.indigo).faded(glows ? shape.glowPeak(x) : 1);
         quint32 here = 0;
         for (const Rib& rib : ribs) {
             here = mesh.corner(x - rib.distance * point.slope / length, point.y + rib.distance / length,
@@ -46,10 +41,10 @@ std::array<Rib, 4> strokeRibs(double scale) {
     return {{{-outer, 0}, {-inner, 1}, {inner, 1}, {outer, 0}}};
 }
 
-std::array<Rib, 13> glowRibs() {
-    std::array<Rib, 13> ribs;
+std::array<Rib, 9> glowRibs() {
+    std::array<Rib, 9> ribs;
     for (std::size_t i = 0; i < ribs.size(); ++i) {
-        const double at = (static_cast<double>(i) - 6) / 2; // in radii, from -3 to 3
+        const double at = (static_cast<double>(i) - 4) * 0.75; // in radii, from -3 to 3
         ribs[i] = {at * ribbonGlowRadius, std::exp(-at * at / 2)};
     }
     return ribs;
@@ -63,7 +58,7 @@ WaveGeometry::WaveGeometry() {
 
 void WaveGeometry::draw(const WaveShape& shape, double scale) {
     constexpr int glowSteps = 4;
-    static const std::array<Rib, 13> glow = glowRibs();
+    static const std::array<Rib, 9> glow = glowRibs();
     m_mesh.start(shape.curves.front().path.size());
     for (const RibbonCurve& curve : shape.curves) {
         drawStrip(m_mesh, shape, curve, glowSteps * ribbonStep, glow, true);

@@ -18,14 +18,20 @@ RibbonPoint RibbonCurve::at(double x) const {
 
 WaveShape WaveShape::at(const QSizeF& size, double intensity, double time) {
     WaveShape shape;
-    shape.size = size;
-    const std::vector<double> envelopes = ribbonEnvelopes(size.width());
-    for (int k = 0; k < ribbonCount; ++k) {
-        RibbonCurve& curve = shape.curves[static_cast<std::size_t>(k)];
-        curve.ribbon = ribbon(k, size.height(), intensity, time);
-        curve.path = ribbonPath(curve.ribbon, envelopes, size.width(), size.height());
-    }
+    shape.move(size, intensity, time);
     return shape;
+}
+
+void WaveShape::move(const QSizeF& newSize, double intensity, double time) {
+    if (m_envelopes.empty() || newSize.width() != size.width()) {
+        m_envelopes = ribbonEnvelopes(newSize.width());
+    }
+    size = newSize;
+    for (int k = 0; k < ribbonCount; ++k) {
+        RibbonCurve& curve = curves[static_cast<std::size_t>(k)];
+        curve.ribbon = ribbon(k, size.height(), intensity, time);
+        curve.path = ribbonPath(curve.ribbon, m_envelopes, size.width(), size.height());
+    }
 }
 
 AccentMix WaveShape::color(const RibbonCurve& curve, double x) const {

@@ -41,12 +41,18 @@ struct WaveShape {
 
     static WaveShape at(const QSizeF& size, double intensity, double time);
 
+    /// Moves the ribbons to where they are `at` that time. Cheaper than a new shape while the width stays.
+    void move(const QSizeF& newSize, double intensity, double time);
+
     /// The colour of the stroke of `curve` at `x`.
     AccentMix color(const RibbonCurve& curve, double x) const;
 
     /// How bright the glow of a ribbon is on the ribbon itself at `x`, as a share of the stroke's colour:
     /// that of a straight line that ends at the field's edges.
     double glowPeak(double x) const;
+
+private:
+    std::vector<double> m_envelopes; ///< for the present width
 };
 
 } // namespace velmora

@@ -67,7 +67,17 @@ TEST(RibbonFormula, StepsEveryTwoAndAHalfPointsAsFarAsTheWidth) {
     EXPECT_EQ(pathOf(line, 10, 100).size(), 5U); // 0, 2.5, 5, 7.5, 10
     EXPECT_EQ(pathOf(line, 12.4, 100).size(), 5U);
     EXPECT_EQ(pathOf(line, 12.5, 100).size(), 6U);
-    EXPECT_DOUBLE_EQ(pathOf(line, 10, 100)[2], ribbonY(line, 0.5, 100));
+    EXPECT_NEAR(pathOf(line, 10, 100)[2], ribbonY(line, 0.5, 100), 1e-9);
+}
+
+TEST(RibbonFormula, FollowsTheFormulaToTheEndOfAWidePath) {
+    for (const double time : {0.0, 12.5, summer2026}) {
+        const Ribbon line = ribbon(4, 1400, 1, time);
+        const std::vector<double> path = pathOf(line, 5000, 1400);
+        for (std::size_t step = 0; step < path.size(); step += 97) {
+            EXPECT_NEAR(path[step], ribbonY(line, static_cast<double>(step) * 2.5 / 5000, 1400), 1e-9);
+        }
+    }
 }
 
 TEST(RibbonFormula, TapersToTheMiddleAtBothEnds) {

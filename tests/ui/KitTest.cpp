@@ -77,7 +77,7 @@ TEST_F(KitTest, NeverLightsADisabledButton) {
     hover(button);
     EXPECT_EQ(grab(), before);
     EXPECT_EQ(button->findChild<PaintedText*>()->color(), Neon::violet);
-    EXPECT_EQ(button->opacity(), 0.5);
+    EXPECT_EQ(button->opacity(), 0.4);
 }
 
 TEST_F(KitTest, IsPressedByPointerSpaceAndEnter) {

@@ -207,7 +207,7 @@ bool write(const Page& page, const QSize& points, const std::filesystem::path& p
     }
     return stage.window->grabWindow()
         .convertToFormat(QImage::Format_RGB888)
-        .save(QString::fromStdString(path), "PNG");
+        .save(QString::fromStdString(path), "PNG", 0);
 }
 
 int writeAll(const std::filesystem::path& directory, const QSize& points,
