@@ -80,5 +80,31 @@ TEST_F(EndTest, NextStartSweepsWhatACrashLeft) {
     EXPECT_TRUE(comesTrue([this] { return leftovers().empty(); }));
 }
 
+struct SignalCase {
+    std::string name;
+    int number;
+};
+
+class SignalTest : public EndTest, public testing::WithParamInterface<SignalCase> {};
+
+TEST_P(SignalTest, EndsItWithoutATraceWhileAnArchiveIsUnpacked) {
+    openWhileUnpacking();
+    velmora->send(GetParam().number);
+    expectEndWithoutATrace();
+}
+
+TEST_P(SignalTest, EndsItUnderAnOpenPanel) {
+    openOnResult();
+    desktop.press("ctrl+o");
+    awaitActive("Choose");
+    velmora->send(GetParam().number);
+    expectEndWithoutATrace();
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, SignalTest,
+                         testing::Values(SignalCase{"Interrupt", SIGINT}, SignalCase{"Terminate", SIGTERM},
+                                         SignalCase{"HangUp", SIGHUP}),
+                         [](const auto& row) { return row.param.name; });
+
 } // namespace
 } // namespace velmora::test
