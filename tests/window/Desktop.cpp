@@ -17,10 +17,6 @@ constexpr const char* busConfiguration = R"(<busconfig>
 </busconfig>
 )";
 
-QString text(const fs::path& path) {
-    return QString::fromStdString(path.native());
-}
-
 QStringList place(const QPoint& point) {
     return {QString::number(point.x()), QString::number(point.y())};
 }
@@ -121,6 +117,10 @@ void Desktop::pull(const QPoint& from, const QPoint& to) const {
 
 void Desktop::letGo() const {
     xdotool({"mouseup", "1"});
+}
+
+void Desktop::minimise() const {
+    xdotool({"getactivewindow", "windowminimize"});
 }
 
 QString Desktop::activeTitle() const {

@@ -55,6 +55,9 @@ public:
 
     void letGo() const;
 
+    /// Minimises the window that has the focus.
+    void minimise() const;
+
     /// The title of the window that has the focus; empty if none has.
     QString activeTitle() const;
 

@@ -18,14 +18,14 @@ class EndTest : public WindowTest {
 protected:
     /// Opens the window on an archive that takes its time, and waits until a tool unpacks it.
     void openWhileUnpacking() {
-        open({QString::fromStdString(slowArchive(folder).native())});
+        open({text(slowArchive(folder))});
         EXPECT_TRUE(comesTrue([this] { return programs().size() > 1 && !leftovers().empty(); }));
     }
 
     /// Opens the window on an archive and waits for its total, which keeps what was unpacked.
     void openOnResult() {
         tone("set/a.wav", 3);
-        open({QString::fromStdString(pack(folder / "set.tgz", folder / "set").native())});
+        open({text(pack(folder / "set.tgz", folder / "set"))});
         awaitShown("00:00:03");
         EXPECT_THAT(leftovers(), Not(IsEmpty()));
     }

@@ -16,6 +16,10 @@ constexpr int politePatience = 5'000; // milliseconds a program gets to end by i
 
 } // namespace
 
+QString text(const std::filesystem::path& path) {
+    return QString::fromStdString(path.native());
+}
+
 bool comesTrue(const std::function<bool()>& condition) {
     return QTest::qWaitFor(condition, patience);
 }

@@ -7,9 +7,13 @@
 #include <QProcessEnvironment>
 #include <QStringList>
 
+#include <filesystem>
 #include <functional>
 
 namespace velmora::test {
+
+/// A path that is UTF-8.
+QString text(const std::filesystem::path& path);
 
 /// Whether `condition` came to hold; looked at again and again for a minute, events being processed
 /// meanwhile.

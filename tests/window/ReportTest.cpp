@@ -2,20 +2,16 @@
 
 #include "window/WindowTest.h"
 
-#include <QFile>
-
 namespace velmora::test {
 namespace {
 
 class ReportTest : public WindowTest {
 protected:
-    static QString text(const fs::path& path) { return QString::fromStdString(path.native()); }
-
     /// A folder with two files, and a file beside it.
     QStringList sources() const {
         tone("Ménage/10 two.wav", 60);
         tone("Ménage/9 one.wav", 4);
-        return {text(folder / "Ménage"), "file://" + text(tone("a b.wav", 1)).replace(' ', "%20")};
+        return {text(folder / "Ménage"), url(tone("a b.wav", 1).toStdString())};
     }
 };
 

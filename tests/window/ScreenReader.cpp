@@ -163,8 +163,9 @@ std::optional<Element> ScreenReader::find(const QString& name) const {
 }
 
 void ScreenReader::activate(const Element& element) const {
-    const Node node{element.owner, element.path};
-    answer(ask(QDBusConnection(m_name), node, "org.a11y.atspi.Action", "DoAction", {0}));
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(element.owner, element.path, "org.a11y.atspi.Action", "DoAction");
+    EXPECT_TRUE(QDBusConnection(m_name).send(call << 0));
 }
 
 } // namespace velmora::test

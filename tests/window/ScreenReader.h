@@ -35,7 +35,7 @@ public:
     /// The one named so; absent while it is not shown.
     std::optional<Element> find(const QString& name) const;
 
-    /// Does with `element` what a click would do.
+    /// Asks `element` to do what a click would do, without waiting for it.
     void activate(const Element& element) const;
 
 private:

@@ -59,9 +59,14 @@ int WindowTest::startAgain(const QStringList& arguments) {
     return start(arguments)->wait();
 }
 
-fs::path WindowTest::tone(const fs::path& name, int seconds) const {
+QString WindowTest::tone(const fs::path& name, int seconds) const {
     constexpr int rate = 8000;
-    return writeWav(folder / name, {.frames = std::int64_t{rate} * seconds, .rate = rate, .channels = 1});
+    return text(
+        writeWav(folder / name, {.frames = std::int64_t{rate} * seconds, .rate = rate, .channels = 1}));
+}
+
+QString WindowTest::url(const fs::path& path) {
+    return "file://" + QByteArray::fromStdString(path.native()).toPercentEncoding("/");
 }
 
 Element WindowTest::awaitShown(const QString& name) const {
@@ -95,7 +100,6 @@ QRect WindowTest::window() const {
             return element.place;
         }
     }
-    ADD_FAILURE() << "there is no window";
     return {};
 }
 

@@ -31,8 +31,11 @@ protected:
     /// Starts it again beside the running one; its exit status.
     int startAgain(const QStringList& arguments = {});
 
-    /// Writes a WAV file of so many seconds into the test's folder.
-    fs::path tone(const fs::path& name, int seconds) const;
+    /// Writes a WAV file of so many seconds into the test's folder; its path.
+    QString tone(const fs::path& name, int seconds) const;
+
+    /// `path` as the program takes it on the command line, whatever bytes it holds.
+    static QString url(const fs::path& path);
 
     /// Waits until that is shown; a test failure that tells what is shown instead.
     Element awaitShown(const QString& name) const;
@@ -49,7 +52,7 @@ protected:
     /// Clicks in the middle of what is named so, once it is shown.
     void click(const QString& name) const;
 
-    /// The window's place on the screen.
+    /// The window's place on the screen; empty while there is no window.
     QRect window() const;
 
     /// What the program left in its temporary directory: names that begin with "velmora-".
