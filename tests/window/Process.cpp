@@ -34,7 +34,7 @@ Process::Process(const QString& program, const QStringList& arguments,
 
 Process::~Process() {
     m_process.terminate();
-    if (m_process.state() != QProcess::NotRunning && !m_process.waitForFinished(politePatience)) {
+    if (!ended() && !m_process.waitForFinished(politePatience)) {
         m_process.kill();
         m_process.waitForFinished(patience);
     }
@@ -45,7 +45,7 @@ void Process::send(int signal) const {
 }
 
 int Process::wait() {
-    if (!comesTrue([this] { return m_process.state() == QProcess::NotRunning; })) {
+    if (!comesTrue([this] { return ended(); })) {
         ADD_FAILURE() << m_process.program().toStdString() << " does not end";
         return -1;
     }

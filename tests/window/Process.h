@@ -32,6 +32,8 @@ public:
 
     void send(int signal) const;
 
+    bool ended() const { return m_process.state() == QProcess::NotRunning; }
+
     /// Waits for its end. The exit status; -1 after a signal, or, as a test failure, when it does not end.
     int wait();
 

@@ -40,7 +40,7 @@ QDBusPendingCall askProperty(const QDBusConnection& bus, const Node& node, const
 /// The answer's first value; invalid when the node has gone.
 QVariant answer(QDBusPendingCall call) {
     call.waitForFinished();
-    return call.reply().arguments().value(0);
+    return call.isError() ? QVariant() : call.reply().arguments().value(0);
 }
 
 QString textOf(const QDBusPendingCall& call) {

@@ -1,6 +1,7 @@
 #include "window/WindowTest.h"
 
 #include "support/RealAudio.h"
+#include "support/Shell.h"
 
 #include <QCoreApplication>
 
@@ -67,6 +68,16 @@ QString WindowTest::tone(const fs::path& name, int seconds) const {
 
 QString WindowTest::url(const fs::path& path) {
     return "file://" + QByteArray::fromStdString(path.native()).toPercentEncoding("/");
+}
+
+fs::path WindowTest::recordOpening() const {
+    const fs::path record = folder / "opened";
+    const fs::path opener =
+        write(desktop.programs() / "xdg-open",
+              "#!/bin/sh\necho \"$1\" > " + shellWord(record.native() + "~") + " && mv " +
+                  shellWord(record.native() + "~") + " " + shellWord(record.native()) + "\n");
+    fs::permissions(opener, fs::perms::owner_all);
+    return record;
 }
 
 Element WindowTest::awaitShown(const QString& name) const {

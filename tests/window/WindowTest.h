@@ -37,6 +37,10 @@ protected:
     /// `path` as the program takes it on the command line, whatever bytes it holds.
     static QString url(const fs::path& path);
 
+    /// From here on, what the program opens with another (a page, a folder) is only noted: its address, in a
+    /// line of the file returned, which is not there before.
+    fs::path recordOpening() const;
+
     /// Waits until that is shown; a test failure that tells what is shown instead.
     Element awaitShown(const QString& name) const;
 
