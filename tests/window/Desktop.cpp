@@ -30,7 +30,7 @@ Desktop::Desktop(Bus bus, Display display) {
     } else {
         m_environment.insert("DBUS_SESSION_BUS_ADDRESS", "unix:path=" + text(m_folder / "no-bus"));
     }
-    display == Display::x11 ? startX11() : startWayland();
+    startDisplay(display);
     m_environment.insert("TMPDIR", text(temporary()));
     m_environment.insert("PATH", text(programs()) + ":" + m_environment.value("PATH"));
 }
@@ -66,12 +66,31 @@ void Desktop::startBus() {
     m_environment.insert("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", "1");
 }
 
-void Desktop::startX11() {
-    m_display = std::make_unique<Process>(
+void Desktop::startDisplay(Display display) {
+    switch (display) {
+    case Display::x11:
+        startXServer();
+        startWindowManager();
+        break;
+    case Display::wayland:
+        startXServer(); // the compositor's screen, pointer and keyboard
+        startCompositor({"--backend=x11-backend.so", "--use-pixman"});
+        break;
+    case Display::inputless:
+        startCompositor({"--backend=headless-backend.so"});
+        break;
+    }
+}
+
+void Desktop::startXServer() {
+    m_xServer = std::make_unique<Process>(
         "Xvfb",
         QStringList{"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-noreset"},
         m_environment);
-    m_environment.insert("DISPLAY", ":" + m_display->nextLine());
+    m_environment.insert("DISPLAY", ":" + m_xServer->nextLine());
+}
+
+void Desktop::startWindowManager() {
     m_environment.insert("QT_QPA_PLATFORM", "xcb");
     m_windowManager = std::make_unique<Process>("openbox", QStringList{}, m_environment);
     EXPECT_TRUE(comesTrue([this] { // xdotool asks the window manager for it
@@ -79,10 +98,10 @@ void Desktop::startX11() {
     }));
 }
 
-void Desktop::startWayland() {
+void Desktop::startCompositor(const QStringList& options) {
     const QString socket = "velmora-test";
-    m_display = std::make_unique<Process>(
-        "weston", QStringList{"--backend=headless-backend.so", "--socket=" + socket, "--no-config"},
+    m_windowManager = std::make_unique<Process>(
+        "weston", options + QStringList{"--width=1280", "--height=1024", "--no-config", "--socket=" + socket},
         m_environment);
     m_environment.insert("WAYLAND_DISPLAY", socket);
     m_environment.insert("QT_QPA_PLATFORM", "wayland");

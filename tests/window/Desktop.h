@@ -15,7 +15,12 @@
 
 namespace velmora::test {
 
-enum class Display : std::uint8_t { x11, wayland };
+enum class Display : std::uint8_t {
+    x11,
+    wayland,
+    inputless, ///< Wayland without pointer and keyboard: the hands below do nothing there
+};
+
 enum class Bus : std::uint8_t { present, absent };
 
 /// Ends, with all its programs, when it goes.
@@ -67,15 +72,17 @@ public:
 private:
     void prepareFolders();
     void startBus();
-    void startX11();
-    void startWayland();
+    void startDisplay(Display display);
+    void startXServer();
+    void startWindowManager();
+    void startCompositor(const QStringList& options);
     QByteArray xdotool(const QStringList& arguments) const;
 
     fs::path m_folder = freshFolder();
     QProcessEnvironment m_environment;
     QString m_busName = QString::fromStdString(m_folder.native());
-    std::unique_ptr<Process> m_display;
-    std::unique_ptr<Process> m_windowManager;
+    std::unique_ptr<Process> m_xServer;
+    std::unique_ptr<Process> m_windowManager; ///< or compositor
     std::unique_ptr<Process> m_bus;
     std::unique_ptr<Process> m_accessibility;
 };
