@@ -2,8 +2,16 @@
 
 #include "support/Archives.h"
 #include "support/Shell.h"
+#include "system/RegularFile.h"
 #include "window/Services.h"
 #include "window/WindowTest.h"
+
+#include <sys/inotify.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
 
 namespace velmora::test {
 namespace {
@@ -50,6 +58,21 @@ TEST_F(OpenPanelTest, BeginsWithTheMusicAndTakesFilesAndFoldersTogether) {
     awaitShown("00:00:06");
     desktop.press("ctrl+c");
     awaitClipboard("TOTAL RUNTIME  00:00:06   (6 sec)\n2 audio files — 2 ITEMS");
+}
+
+TEST_F(OpenPanelTest, LooksIntoNoFileThatItLists) {
+    const fs::path music = desktop.home() / "Music";
+    fs::create_directory(music);
+    const fs::path file = write(music / "unknown", "content");
+    const FileDescriptor watch(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
+    ASSERT_GE(::inotify_add_watch(watch.get(), file.c_str(), IN_OPEN), 0);
+    openPanel();
+    awaitShown("unknown");
+    desktop.press("Escape");
+    awaitActive("Velmora");
+    std::array<char, 256> events{};
+    EXPECT_LT(::read(watch.get(), events.data(), events.size()), 0) << "the file was opened";
+    EXPECT_EQ(errno, EAGAIN);
 }
 
 TEST_F(OpenPanelTest, ChangesNothingWhenItIsCancelled) {
@@ -128,7 +151,7 @@ TEST_F(SavePanelTest, ChangesNothingWhenItIsCancelled) {
 TEST_F(SavePanelTest, SaysWhatFailed) {
     openPanel();
     desktop.press("ctrl+a");
-    desktop.type("/proc/no.zip");
+    desktop.type(text(folder / "gone" / "no.zip"));
     desktop.press("Return");
     EXPECT_TRUE(comesTrue([this] {
         const QList<Element> all = reader.shown();
