@@ -127,7 +127,8 @@ void Desktop::click(const QPoint& point, int times) const {
 
 void Desktop::pull(const QPoint& from, const QPoint& to) const {
     constexpr int steps = 10;
-    QStringList words = QStringList{"mousemove"} + place(from) + QStringList{"mousedown", "1"};
+    QStringList words =
+        QStringList{"mousemove"} + place(from) + QStringList{"mousedown", "1", "sleep", "0.1"};
     for (int i = 1; i <= steps; ++i) {
         words += QStringList{"sleep", "0.02", "mousemove"} + place(from + (to - from) * i / steps);
     }

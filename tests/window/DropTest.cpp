@@ -59,6 +59,7 @@ TEST_F(DropTest, TakesTheFilesOfAConfinedProgramFromThePortal) {
     open();
     dragOver({"application/vnd.portal.filetransfer", "key 7"});
     dropAsOffered();
+    EXPECT_TRUE(comesTrue([&] { return portal.asked == QStringList("key 7"); }));
     awaitShown("00:00:07");
 }
 

@@ -22,6 +22,7 @@ protected:
         open();
         desktop.press("ctrl+o");
         awaitActive("Choose a folder, archive, or audio files");
+        awaitShown("Measure");
     }
 };
 

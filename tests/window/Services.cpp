@@ -41,6 +41,7 @@ DocumentPortal::~DocumentPortal() {
 }
 
 QStringList DocumentPortal::RetrieveFiles(const QString& key, const QVariantMap& /*options*/) {
+    asked += key;
     return files.value(key);
 }
 

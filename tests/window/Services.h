@@ -40,6 +40,7 @@ public:
     ~DocumentPortal() override;
 
     QMap<QString, QStringList> files; ///< paths by the key they are handed over under
+    QStringList asked;                ///< keys, in the order of the requests
 
 public slots:
     // The bus knows it by this name.

@@ -23,7 +23,9 @@ protected:
 
     void checkFromTheMenu() {
         open();
-        desktop.press("F10 Down Return");
+        desktop.press("F10");
+        awaitShown("Check for Updates…");
+        desktop.press("Down Return");
     }
 
     fs::path preferenceFile = desktop.preferences() / "Orventa" / "Velmora.conf";

@@ -54,6 +54,9 @@ std::unique_ptr<Process> WindowTest::start(const QStringList& arguments) {
 void WindowTest::open(const QStringList& arguments) {
     velmora = start(arguments);
     awaitActive("Velmora");
+    if (desktop.bus().isConnected()) {
+        awaitShown("Menu");
+    }
 }
 
 int WindowTest::startAgain(const QStringList& arguments) {

@@ -25,7 +25,7 @@ protected:
     /// Starts the program without waiting for anything.
     std::unique_ptr<Process> start(const QStringList& arguments = {});
 
-    /// Starts it and waits until its window has the focus.
+    /// Starts it and waits until its window has the focus and, as far as that can be seen, is shown.
     void open(const QStringList& arguments = {});
 
     /// Starts it again beside the running one; its exit status.
