@@ -74,10 +74,10 @@ void Desktop::startDisplay(Display display) {
         break;
     case Display::wayland:
         startXServer(); // the compositor's screen, pointer and keyboard
-        startCompositor({"--backend=x11-backend.so", "--use-pixman"});
+        startCompositor({"--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024"});
         break;
-    case Display::inputless:
-        startCompositor({"--backend=headless-backend.so"});
+    case Display::small:
+        startCompositor({"--backend=headless-backend.so", "--width=840", "--height=640"});
         break;
     }
 }
@@ -101,8 +101,7 @@ void Desktop::startWindowManager() {
 void Desktop::startCompositor(const QStringList& options) {
     const QString socket = "velmora-test";
     m_windowManager = std::make_unique<Process>(
-        "weston", options + QStringList{"--width=1280", "--height=1024", "--no-config", "--socket=" + socket},
-        m_environment);
+        "weston", options + QStringList{"--no-config", "--socket=" + socket}, m_environment);
     m_environment.insert("WAYLAND_DISPLAY", socket);
     m_environment.insert("QT_QPA_PLATFORM", "wayland");
     EXPECT_TRUE(comesTrue([&] { return fs::exists(m_folder / "runtime" / socket.toStdString()); }));

@@ -18,7 +18,7 @@ namespace velmora::test {
 enum class Display : std::uint8_t {
     x11,
     wayland,
-    inputless, ///< Wayland without pointer and keyboard: the hands below do nothing there
+    small, ///< Wayland on a screen smaller than the window, without pointer and keyboard: hands do nothing
 };
 
 enum class Bus : std::uint8_t { present, absent };

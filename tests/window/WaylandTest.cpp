@@ -75,13 +75,20 @@ TEST_F(WaylandTest, TakesPathsOfASecondStart) {
     awaitShown("00:00:04");
 }
 
-class InputlessTest : public WaylandTest {
+class SmallWaylandTest : public WaylandTest {
 protected:
-    InputlessTest()
-        : WaylandTest(Display::inputless) {}
+    SmallWaylandTest()
+        : WaylandTest(Display::small) {}
 };
 
-TEST_F(InputlessTest, ShowsTheTotalWithoutPointerAndKeyboard) {
+TEST_F(SmallWaylandTest, ShowsTheTotalWithoutPointerAndKeyboard) {
+    act("Close");
+    expectEndWithoutATrace();
+}
+
+TEST_F(SmallWaylandTest, MaximisesToASizeBelowItsLeast) {
+    act("Maximise");
+    EXPECT_TRUE(comesTrue([this] { return window().width() == 840 && window().height() < 640; }));
     act("Close");
     expectEndWithoutATrace();
 }
