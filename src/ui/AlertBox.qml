@@ -59,11 +59,14 @@ FocusScope {
             width: parent.width - 56
             spacing: 14
 
+            // The alignment is stated: else Qt asks the keyboard how an empty text is aligned, and crashes on Wayland
+            // where there is no keyboard.
             Text {
                 objectName: "alertTitle"
                 width: parent.width
                 text: box.alerts.title
                 textFormat: Text.PlainText
+                horizontalAlignment: Text.AlignLeft
                 wrapMode: Text.Wrap
                 maximumLineCount: 3
                 elide: Text.ElideRight
@@ -79,6 +82,7 @@ FocusScope {
                 width: parent.width
                 text: box.alerts.body
                 textFormat: Text.PlainText
+                horizontalAlignment: Text.AlignLeft
                 wrapMode: Text.Wrap
                 maximumLineCount: 14
                 elide: Text.ElideRight

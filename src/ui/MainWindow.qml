@@ -10,10 +10,15 @@ Window {
     required property Alerts alerts
     property bool animated: true
 
+    // A Wayland compositor ends a program whose maximised window is larger than it was told: where the screen
+    // has no room for the least size beside a panel, that gives way.
+    readonly property bool givesWay: Qt.platform.pluginName.startsWith("wayland")
+    readonly property int panel: 64
+
     width: 940
     height: 728
-    minimumWidth: 880
-    minimumHeight: 688
+    minimumWidth: givesWay ? Math.min(880, Screen.width - panel) : 880
+    minimumHeight: givesWay ? Math.min(688, Screen.height - panel) : 688
     color: "black"
     flags: Qt.Window | Qt.FramelessWindowHint
     title: "Velmora"

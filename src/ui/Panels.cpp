@@ -4,6 +4,8 @@
 #include "ui/PanelStyle.h"
 
 #include <QFileDialog>
+#include <QFileIconProvider>
+#include <QMimeDatabase>
 #include <QStandardPaths>
 #include <QWindow>
 
@@ -21,6 +23,19 @@ QString textOf(const fs::path& path) {
     return QFile::decodeName(QByteArray::fromStdString(path.native()));
 }
 
+/// Knows files by their names alone. Qt's own icons look into every file that is listed, on the main thread:
+/// slow for a folder of thousands, for ever where a read waits.
+class IconsByName : public QFileIconProvider {
+public:
+    using QFileIconProvider::icon;
+
+    QIcon icon(const QFileInfo& file) const override { return icon(file.isDir() ? Folder : File); }
+
+    QString type(const QFileInfo& file) const override {
+        return QMimeDatabase().mimeTypeForFile(file, QMimeDatabase::MatchExtension).comment();
+    }
+};
+
 /// Shows `panel` over `window` until it is closed; whether it was confirmed.
 bool run(QFileDialog& panel, QWindow* window) {
     stylePanel(panel);
@@ -32,7 +47,9 @@ bool run(QFileDialog& panel, QWindow* window) {
 } // namespace
 
 Paths chooseSources(QWindow* window) {
+    IconsByName icons; // the panel does not own them
     OpenPanel panel;
+    panel.setIconProvider(&icons);
     panel.setDirectory(QStandardPaths::writableLocation(QStandardPaths::MusicLocation));
     if (!run(panel, window)) {
         return {};
@@ -45,8 +62,10 @@ Paths chooseSources(QWindow* window) {
 }
 
 std::optional<fs::path> chooseZip(QWindow* window, const ZipProposal& proposal) {
+    IconsByName icons;
     QFileDialog panel;
     panel.setOption(QFileDialog::DontUseNativeDialog);
+    panel.setIconProvider(&icons);
     panel.setAcceptMode(QFileDialog::AcceptSave);
     panel.setWindowTitle(QStringLiteral("Save a zip of the %1 audio files").arg(proposal.fileCount));
     panel.setNameFilter(QStringLiteral("Zip archives (*.zip)"));

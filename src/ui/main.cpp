@@ -3,6 +3,7 @@
 #include "screenshots/Screenshots.h"
 #include "ui/AppDelegate.h"
 #include "ui/AppWindow.h"
+#include "ui/EndingSignals.h"
 #include "ui/GraphicsProbe.h"
 #include "ui/Launch.h"
 #include "ui/SingleInstance.h"
@@ -51,6 +52,7 @@ int openWindow(int argc, char** argv, const Paths& paths) {
     if (!instance.claim(paths)) {
         return EXIT_SUCCESS;
     }
+    const EndingSignals endingSignals; // longer than the window, which has to clean up
     Views::prepare();
     AppDelegate delegate;
     delegate.open(paths);

@@ -1,6 +1,7 @@
 // Runs that are killed, and the next start. Many starts at once.
 
 #include "cli/ScanProcess.h"
+#include "support/Archives.h"
 #include "support/RealAudio.h"
 #include "support/Shell.h"
 

@@ -1,6 +1,7 @@
 // Signals while there is something to clean up.
 
 #include "cli/ScanProcess.h"
+#include "support/Archives.h"
 #include "support/RealAudio.h"
 #include "support/Shell.h"
 

@@ -1,6 +1,6 @@
 #include "cli/ScanProcess.h"
 
-#include "support/Shell.h"
+#include "support/OtherPrograms.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -14,7 +14,6 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
-#include <fstream>
 
 namespace velmora::test {
 
@@ -53,17 +52,6 @@ void redirect(int descriptor, const fs::path& file, int flags) {
 
 std::string contentOf(const fs::path& file) {
     return fs::exists(file) ? read(file) : std::string();
-}
-
-/// The value of TMPDIR the process was started with.
-std::string tmpdirOf(const fs::path& process) {
-    std::ifstream stream(process / "environ", std::ios::binary);
-    for (std::string entry; std::getline(stream, entry, '\0');) {
-        if (entry.starts_with("TMPDIR=")) {
-            return entry.substr(std::string_view("TMPDIR=").size());
-        }
-    }
-    return {};
 }
 
 } // namespace
@@ -154,14 +142,7 @@ std::vector<std::string> privateDirectories() {
 }
 
 std::vector<std::string> toolsAtWork() {
-    const std::string inPrivateDirectory = fs::temp_directory_path() / runPrefix;
-    std::vector<std::string> tools;
-    for (const fs::directory_entry& process : fs::directory_iterator("/proc")) {
-        if (tmpdirOf(process.path()).starts_with(inPrivateDirectory)) {
-            tools.push_back(contentOf(process.path() / "comm"));
-        }
-    }
-    return tools;
+    return programsWorkingIn((fs::temp_directory_path() / runPrefix).native());
 }
 
 std::vector<fs::path> temporaryPaths(std::string_view prefix) {
@@ -173,17 +154,6 @@ std::vector<fs::path> temporaryPaths(std::string_view prefix) {
         }
     }
     return paths;
-}
-
-fs::path slowArchive(const fs::path& folder) {
-    // Packed piece by piece, which is quicker than as a whole: the header, then the same zeros again and
-    // again.
-    shell(
-        "truncate -s 512M slow.wav && tar -cf - slow.wav | head -c 512 | xz > slow.tar.xz && rm slow.wav && "
-        "head -c 8M /dev/zero | xz > zeros && for i in $(seq 65); do cat zeros; done >> slow.tar.xz && rm "
-        "zeros",
-        folder);
-    return folder / "slow.tar.xz";
 }
 
 void writeSlowTracks(const fs::path& folder) {

@@ -74,10 +74,6 @@ std::vector<std::string> toolsAtWork();
 /// The paths of everything in the private directories whose name begins with `prefix`.
 std::vector<fs::path> temporaryPaths(std::string_view prefix);
 
-/// Makes slow.tar.xz in `folder`. It holds slow.wav: so many zero bytes that tar takes more than a second to
-/// unpack it, and no audio.
-fs::path slowArchive(const fs::path& folder);
-
 /// Writes files into `folder` that only ffprobe is left to time, and that it cannot time either: more than it
 /// can look at in some seconds.
 void writeSlowTracks(const fs::path& folder);

@@ -174,6 +174,17 @@ fs::path compress(const fs::path& compressed, std::string_view content) {
     return compressed;
 }
 
+fs::path slowArchive(const fs::path& folder) {
+    // Packed piece by piece, which is quicker than as a whole: the header, then the same zeros again and
+    // again.
+    shell(
+        "truncate -s 512M slow.wav && tar -cf - slow.wav | head -c 512 | xz > slow.tar.xz && rm slow.wav && "
+        "head -c 8M /dev/zero | xz > zeros && for i in $(seq 65); do cat zeros; done >> slow.tar.xz && rm "
+        "zeros",
+        folder);
+    return folder / "slow.tar.xz";
+}
+
 Bytes tarArchive(const std::vector<Member>& members) {
     Bytes bytes;
     for (const Member& member : members) {

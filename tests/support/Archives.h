@@ -20,6 +20,10 @@ fs::path pack(const fs::path& archive, const fs::path& folder, std::string_view 
 /// Compresses one file with gzip, bzip2 or xz, by the extension of `compressed`. Returns `compressed`.
 fs::path compress(const fs::path& compressed, std::string_view content);
 
+/// Makes slow.tar.xz in `folder`. It holds slow.wav: so many zero bytes that tar takes more than a second to
+/// unpack it, and no audio.
+fs::path slowArchive(const fs::path& folder);
+
 /// One member of an archive written byte by byte.
 struct Member {
     std::string name = {};

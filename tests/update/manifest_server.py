@@ -5,6 +5,7 @@ import json
 import time
 
 GOOD = json.dumps({"version": " 2.0 ", "url": "https://x.example/get", "notes": "Faster."}).encode()
+OLD = json.dumps({"version": "0.9", "url": "https://x.example/get"}).encode()
 
 
 class Handler(http.server.BaseHTTPRequestHandler):
@@ -23,7 +24,7 @@ class Handler(http.server.BaseHTTPRequestHandler):
         elif name.isdigit():
             self.answer(int(name), GOOD)
         else:
-            self.answer(200, {"good": GOOD, "empty": b"{}"}.get(name, b"<html>garbage</html>"))
+            self.answer(200, {"good": GOOD, "old": OLD, "empty": b"{}"}.get(name, b"<html>garbage</html>"))
 
     def answer(self, status, body, length=None):
         self.send_response(status)

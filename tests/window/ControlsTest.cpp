@@ -1,0 +1,81 @@
+// Every control of the window, pressed where it is seen.
+
+#include "window/WindowTest.h"
+
+namespace velmora::test {
+namespace {
+
+class ControlsTest : public WindowTest {
+protected:
+    void openOnResult() {
+        open({tone("a.wav", 3), tone("b.wav", 2)});
+        awaitShown("READY");
+    }
+};
+
+TEST_F(ControlsTest, CopyTheTotalAndSaySoForAWhile) {
+    openOnResult();
+    click("COPY RUNTIME");
+    awaitShown("COPIED");
+    awaitClipboard("TOTAL RUNTIME  00:00:05   (5 sec)\n2 audio files — 2 ITEMS");
+    awaitShown("COPY RUNTIME");
+}
+
+TEST_F(ControlsTest, CopyTheNames) {
+    openOnResult();
+    click("COPY FILE LIST");
+    awaitClipboard("a.wav\nb.wav");
+}
+
+TEST_F(ControlsTest, StartAnew) {
+    openOnResult();
+    click("RESET");
+    awaitShown("STANDBY");
+}
+
+TEST_F(ControlsTest, OpenThePanelForSources) {
+    open();
+    click("CHOOSE…");
+    awaitActive("Choose a folder, archive, or audio files");
+    awaitShown("Measure");
+}
+
+TEST_F(ControlsTest, OpenThePanelForTheZip) {
+    openOnResult();
+    click("ZIP…");
+    awaitActive("Save a zip of the 2 audio files");
+    awaitShown("Zip");
+}
+
+TEST_F(ControlsTest, TellAboutTheProgram) {
+    open();
+    click("Menu");
+    click("About Velmora");
+    const Element alert = awaitShown("Velmora 1.0.0");
+    EXPECT_TRUE(alert.description.contains("Orventa"));
+    click("OK");
+    awaitGone("Velmora 1.0.0");
+}
+
+TEST_F(ControlsTest, AreReachedWithTheKeyboardAlone) {
+    openOnResult();
+    desktop.press("F10");
+    awaitShown("About Velmora");
+    desktop.press("Down Down Up Up Return");
+    awaitShown("Velmora 1.0.0");
+    desktop.press("Escape");
+    awaitGone("Velmora 1.0.0");
+    desktop.press("Tab space");
+    awaitClipboard("TOTAL RUNTIME  00:00:05   (5 sec)\n2 audio files — 2 ITEMS");
+}
+
+TEST_F(ControlsTest, AreReachedThroughTheScreenReaderAlone) {
+    openOnResult();
+    reader.activate(awaitShown("COPY FILE LIST"));
+    awaitClipboard("a.wav\nb.wav");
+    reader.activate(awaitShown("RESET"));
+    awaitShown("STANDBY");
+}
+
+} // namespace
+} // namespace velmora::test

@@ -1,0 +1,110 @@
+// The ways the window ends, and what it leaves.
+
+#include "support/Archives.h"
+#include "support/OtherPrograms.h"
+#include "window/WindowTest.h"
+
+#include <gmock/gmock.h>
+
+#include <csignal>
+
+namespace velmora::test {
+namespace {
+
+using testing::IsEmpty;
+using testing::Not;
+
+class EndTest : public WindowTest {
+protected:
+    /// Opens the window on an archive that takes its time, and waits until a tool unpacks it.
+    void openWhileUnpacking() {
+        open({text(slowArchive(folder))});
+        EXPECT_TRUE(comesTrue([this] { return programs().size() > 1 && !leftovers().empty(); }));
+    }
+
+    /// Opens the window on an archive and waits for its total, which keeps what was unpacked.
+    void openOnResult() {
+        tone("set/a.wav", 3);
+        open({text(pack(folder / "set.tgz", folder / "set"))});
+        awaitShown("00:00:03");
+        EXPECT_THAT(leftovers(), Not(IsEmpty()));
+    }
+
+    void expectEndWithoutATrace() {
+        EXPECT_EQ(velmora->wait(), 0);
+        EXPECT_THAT(programs(), IsEmpty());
+        EXPECT_THAT(leftovers(), IsEmpty());
+    }
+
+    /// The window's program and its tools.
+    std::vector<std::string> programs() const { return programsWorkingIn(desktop.temporary().native()); }
+};
+
+TEST_F(EndTest, IsAKeyAway) {
+    openOnResult();
+    desktop.press("ctrl+q");
+    expectEndWithoutATrace();
+}
+
+TEST_F(EndTest, IsACommandOfTheMenu) {
+    openOnResult();
+    click("Menu");
+    click("Quit");
+    expectEndWithoutATrace();
+}
+
+TEST_F(EndTest, IsAButtonOfTheStrip) {
+    openOnResult();
+    click("Close");
+    expectEndWithoutATrace();
+}
+
+TEST_F(EndTest, ComesFromTheWindowManagerWhileAnArchiveIsUnpacked) {
+    openWhileUnpacking();
+    desktop.press("alt+F4");
+    expectEndWithoutATrace();
+}
+
+TEST_F(EndTest, ResetLeavesNothingOnceUnpackingHasEnded) {
+    openOnResult();
+    desktop.press("Escape");
+    EXPECT_TRUE(comesTrue([this] { return leftovers().empty(); }));
+}
+
+TEST_F(EndTest, NextStartSweepsWhatACrashLeft) {
+    openOnResult();
+    velmora->send(SIGKILL);
+    EXPECT_EQ(velmora->wait(), -1);
+    EXPECT_THAT(leftovers(), Not(IsEmpty()));
+    open();
+    EXPECT_TRUE(comesTrue([this] { return leftovers().empty(); }));
+}
+
+struct SignalCase {
+    std::string name;
+    int number;
+};
+
+class SignalTest : public EndTest, public testing::WithParamInterface<SignalCase> {};
+
+TEST_P(SignalTest, EndsItWithoutATraceWhileAnArchiveIsUnpacked) {
+    openWhileUnpacking();
+    velmora->send(GetParam().number);
+    expectEndWithoutATrace();
+}
+
+TEST_P(SignalTest, EndsItUnderAnOpenPanel) {
+    openOnResult();
+    desktop.press("ctrl+o");
+    awaitActive("Choose");
+    velmora->send(GetParam().number);
+    expectEndWithoutATrace();
+}
+
+INSTANTIATE_TEST_SUITE_P(Rows, SignalTest,
+                         testing::Values(SignalCase{"Interrupt", SIGINT}, SignalCase{"Terminate", SIGTERM},
+                                         SignalCase{"HangUp", SIGHUP}),
+                         [](const auto& row) { return row.param.name; });
+
+} // namespace
+} // namespace velmora::test

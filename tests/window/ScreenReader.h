@@ -1,0 +1,45 @@
+#pragma once
+
+// Sees a window as a reader of the screen does: through the accessibility bus, by roles, names and places.
+
+#include <QDBusConnection>
+#include <QList>
+#include <QRect>
+#include <QString>
+
+#include <optional>
+
+namespace velmora::test {
+
+/// Something to be seen in a window.
+struct Element {
+    QString name;
+    QString description;
+    QString role;  ///< such as "push button", "label", "frame"
+    QRect place;   ///< on the screen; on Wayland, which tells no window where it is, only its size counts
+    QString owner; ///< whose it is on the accessibility bus
+    QString path;
+};
+
+class ScreenReader {
+public:
+    /// Reads the programs whose session bus is `session`.
+    explicit ScreenReader(const QDBusConnection& session);
+    ScreenReader(const ScreenReader&) = delete;
+    ScreenReader& operator=(const ScreenReader&) = delete;
+    ~ScreenReader();
+
+    /// Everything that is shown at the moment, in all windows.
+    QList<Element> shown() const;
+
+    /// The one named so; absent while it is not shown.
+    std::optional<Element> find(const QString& name) const;
+
+    /// Asks `element` to do what a click would do, without waiting for it.
+    void activate(const Element& element) const;
+
+private:
+    QString m_name;
+};
+
+} // namespace velmora::test

@@ -1,0 +1,95 @@
+// What the window tells about newer versions. The manifests come from a server on this machine.
+
+#include "window/WindowTest.h"
+
+#include <QDateTime>
+
+namespace velmora::test {
+namespace {
+
+class UpdateTest : public WindowTest {
+protected:
+    /// Has the program ask for `manifest`.
+    void publish(const QString& manifest) {
+        server = std::make_unique<Process>("python3", QStringList{MANIFEST_SERVER}, desktop.environment());
+        environment.insert("VELMORA_MANIFEST_URL", "http://127.0.0.1:" + server->nextLine() + "/" + manifest);
+    }
+
+    /// The program has asked by itself a moment ago, and will not again today.
+    void rememberCheck() const {
+        write(preferenceFile,
+              "[General]\nupdateLastCheck=" + std::to_string(QDateTime::currentSecsSinceEpoch()) + "\n");
+    }
+
+    void checkFromTheMenu() {
+        open();
+        desktop.press("F10");
+        awaitShown("Check for Updates…");
+        desktop.press("Down Return");
+    }
+
+    fs::path preferenceFile = desktop.preferences() / "Orventa" / "Velmora.conf";
+    std::unique_ptr<Process> server;
+};
+
+const QString offer = "Velmora 2.0 is available";
+
+TEST_F(UpdateTest, OffersTheNewerVersionWhenItStartsAndOpensItsPage) {
+    publish("good");
+    const fs::path opened = recordOpening();
+    open();
+    EXPECT_EQ(awaitShown(offer).description, "You have 1.0.0. Version 2.0 is available.\n\nFaster.");
+    awaitShown("Later");
+    desktop.press("Return");
+    awaitGone(offer);
+    EXPECT_TRUE(comesTrue([&] { return fs::exists(opened); }));
+    EXPECT_EQ(read(opened), "https://x.example/get\n");
+}
+
+TEST_F(UpdateTest, OffersItOnceADay) {
+    publish("good");
+    open();
+    awaitShown(offer);
+    desktop.press("Escape");
+    awaitGone(offer);
+    desktop.press("ctrl+q");
+    EXPECT_EQ(velmora->wait(), 0);
+    EXPECT_NE(read(preferenceFile).find("updateLastCheck="), std::string::npos);
+
+    publish("bad"); // a check that fails says so only when it was asked for
+    checkFromTheMenu();
+    awaitShown("Couldn't check for updates");
+    desktop.press("Return");
+    awaitGone("Couldn't check for updates");
+    awaitShown("STANDBY");
+}
+
+TEST_F(UpdateTest, OffersTheNewerVersionThroughTheMenuAndTakesALaterForAnAnswer) {
+    publish("good");
+    rememberCheck();
+    const fs::path opened = recordOpening();
+    checkFromTheMenu();
+    awaitShown(offer);
+    click("Later");
+    awaitGone(offer);
+    EXPECT_FALSE(fs::exists(opened));
+}
+
+TEST_F(UpdateTest, SaysThroughTheMenuThatThereIsNothingNewer) {
+    publish("old");
+    checkFromTheMenu();
+    EXPECT_EQ(awaitShown("You're up to date").description, "Velmora 1.0.0 is the latest version.");
+    click("OK");
+    awaitGone("You're up to date");
+}
+
+TEST_F(UpdateTest, SaysThroughTheMenuThatNobodyAnswers) {
+    checkFromTheMenu();
+    EXPECT_EQ(awaitShown("Couldn't check for updates").description,
+              "Check your internet connection and try again.");
+    desktop.press("Escape");
+    awaitGone("Couldn't check for updates");
+}
+
+} // namespace
+} // namespace velmora::test
