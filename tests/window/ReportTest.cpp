@@ -2,6 +2,8 @@
 
 #include "window/WindowTest.h"
 
+#include <algorithm>
+
 namespace velmora::test {
 namespace {
 
@@ -30,9 +32,12 @@ TEST_F(ReportTest, PutsTheNamesOnTheClipboardInScanOrder) {
     awaitClipboard("a b.wav\n9 one.wav\n10 two.wav");
 }
 
-TEST_F(ReportTest, TellsTheStateInTheTitleToWhoeverHasItReadAloud) {
+TEST_F(ReportTest, IsSpokenToWhoeverHasTheScreenReadAloud) {
     open(sources());
-    awaitActive("Velmora – COMPLETE");
+    const auto isSpoken = [](const Element& element) {
+        return element.role == "notification" && element.name == "1 min  5 sec";
+    };
+    EXPECT_TRUE(comesTrue([&] { return std::ranges::any_of(reader.shown(), isSpoken); }));
 }
 
 TEST_F(ReportTest, CountsWhatCannotBeRead) {
