@@ -27,7 +27,7 @@ bool comesTrue(const std::function<bool()>& condition) {
 Process::Process(const QString& program, const QStringList& arguments,
                  const QProcessEnvironment& environment) {
     m_process.setProcessEnvironment(environment);
-    m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }); // no test outlives its end
+    m_process.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGTERM); }); // when the test is killed
     m_process.start(program, arguments);
     EXPECT_TRUE(m_process.waitForStarted(patience)) << program.toStdString() << " cannot be started";
 }
