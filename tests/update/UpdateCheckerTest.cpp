@@ -1,8 +1,9 @@
 #include "update/UpdateChecker.h"
 
+#include "update/ManifestServer.h"
+
 #include <QCoreApplication>
 #include <QNetworkAccessManager>
-#include <QProcess>
 #include <QSettings>
 #include <QTemporaryDir>
 #include <QTest>
@@ -21,18 +22,7 @@ const QString download = "https://x.example/get";
 /// The checker on a real network, against a real server on this machine.
 class UpdateCheckerTest : public testing::Test {
 protected:
-    void SetUp() override {
-        server.start("python3", {MANIFEST_SERVER});
-        ASSERT_TRUE(server.waitForReadyRead(30000)) << "the server does not start";
-        port = server.readLine().trimmed();
-    }
-
-    void TearDown() override {
-        server.kill();
-        server.waitForFinished();
-    }
-
-    QUrl at(const QString& path) { return QUrl("http://127.0.0.1:" + port + "/" + path); }
+    QUrl at(const QString& path) { return QUrl("http://" + server.authority() + "/" + path); }
 
     std::optional<UpdateChecker::Release> latest(const QUrl& url) {
         bool answered = false;
@@ -71,8 +61,7 @@ protected:
     QTemporaryDir folder;
     QSettings preferences{folder.filePath("velmora.conf"), QSettings::IniFormat};
     QNetworkAccessManager network;
-    QProcess server;
-    QString port;
+    ManifestServer server;
     double now = 1'000'000;
     std::vector<Alert> alerts;
 };
@@ -109,8 +98,7 @@ TEST_F(UpdateCheckerTest, GivesUpOnAServerThatHangs) {
 }
 
 TEST_F(UpdateCheckerTest, FindsNoReleaseWhereNothingListens) {
-    server.kill();
-    server.waitForFinished();
+    server.stop();
     EXPECT_FALSE(latest(at("good")));
 }
 

@@ -1,7 +1,10 @@
-"""An HTTP server on loopback that answers as its paths say; prints its port once it listens."""
+"""An HTTP server on loopback that answers as its paths say; prints its port once it listens. With a certificate and
+its key as arguments it speaks HTTPS."""
 
 import http.server
 import json
+import ssl
+import sys
 import time
 
 GOOD = json.dumps({"version": " 2.0 ", "url": "https://x.example/get", "notes": "Faster."}).encode()
@@ -55,5 +58,9 @@ class Handler(http.server.BaseHTTPRequestHandler):
 
 server = http.server.ThreadingHTTPServer(("127.0.0.1", 0), Handler)
 server.daemon_threads = True
+if len(sys.argv) == 3:
+    secrets = ssl.SSLContext(ssl.PROTOCOL_TLS_SERVER)
+    secrets.load_cert_chain(sys.argv[1], sys.argv[2])
+    server.socket = secrets.wrap_socket(server.socket, server_side=True, do_handshake_on_connect=False)
 print(server.server_address[1], flush=True)
 server.serve_forever()
