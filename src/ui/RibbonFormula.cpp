@@ -1,24 +1,23 @@
 #include "ui/RibbonFormula.h"
 
+#include "ui/Angle.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <numbers>
 
 namespace velmora {
 
 namespace {
 
 constexpr double leastIntensity = 0.18;
-constexpr double turn = 2 * std::numbers::pi;
 
-/// A ribbon's three waves at u = 0. Sines of the small angles that these are cost a tenth of those of the
-/// angles that years of seconds make.
+/// A ribbon's three waves at u = 0.
 struct Waves {
     explicit Waves(double phase)
-        : main(std::remainder(phase, turn))
-        , fast(std::remainder(-0.63 * phase, turn))
-        , slow(std::remainder(0.21 * phase, turn)) {}
+        : main(smallAngle(phase))
+        , fast(smallAngle(-0.63 * phase))
+        , slow(smallAngle(0.21 * phase)) {}
 
     double swing(double q) const {
         return std::sin(q + main) + 0.34 * std::sin(2.31 * q + fast) + 0.22 * std::sin(0.47 * q + slow);
@@ -74,7 +73,7 @@ double ribbonEnvelope(double u) {
 }
 
 double ribbonY(const Ribbon& ribbon, double u, double height) {
-    const double q = turn * u * ribbon.frequency;
+    const double q = fullTurn * u * ribbon.frequency;
     return height / 2 + ribbon.amplitude * ribbonEnvelope(u) * Waves(ribbon.phase).swing(q);
 }
 
@@ -90,7 +89,7 @@ std::vector<double> ribbonEnvelopes(double width) {
 std::vector<double> ribbonPath(const Ribbon& ribbon, const std::vector<double>& envelopes, double width,
                                double height) {
     const Waves waves(ribbon.phase);
-    const double q = turn * shareOf(1, width) * ribbon.frequency; // from step to step
+    const double q = fullTurn * shareOf(1, width) * ribbon.frequency; // from step to step
     TurningSine main(waves.main, q);
     TurningSine fast(waves.fast, 2.31 * q);
     TurningSine slow(waves.slow, 0.47 * q);

@@ -1,8 +1,9 @@
 #include "ui/SpectrumFormula.h"
 
+#include "ui/Angle.h"
+
 #include <algorithm>
 #include <cmath>
-#include <numbers>
 
 namespace velmora {
 
@@ -10,7 +11,6 @@ namespace {
 
 constexpr double leastStrength = 0.16;
 constexpr double leastHeight = 2;
-constexpr double turn = 2 * std::numbers::pi;
 
 } // namespace
 
@@ -18,10 +18,9 @@ std::vector<Bar> spectrumBars(double width, double height, double intensity, dou
     const int count = static_cast<int>(width / barPitch);
     const double shares = std::max(count, 2) - 1;
     const double strength = std::max(intensity, leastStrength);
-    // Small angles: the sines of those that years of seconds make cost ten times as much.
-    const double a = std::remainder(1.1 * time, turn);
-    const double b = std::remainder(1.9 * time, turn);
-    const double c = std::remainder(3.2 * time, turn);
+    const double a = smallAngle(1.1 * time);
+    const double b = smallAngle(1.9 * time);
+    const double c = smallAngle(3.2 * time);
     std::vector<Bar> bars;
     for (int i = 0; i < count; ++i) {
         const double u = i / shares;
