@@ -20,16 +20,20 @@ constexpr double glowReach = 3;
 
 using Channels = std::array<float, 4>; // blue, green, red, alpha: the order of the bytes in a pixel
 
+/// From 0 to 1.
+Channels channelsOf(const QColor& opaque) {
+    return {opaque.blueF(), opaque.greenF(), opaque.redF(), 1};
+}
+
+/// From 0 to 255.
 Channels channels(const AccentMix& mix) {
-    const auto blend = [&mix](float violet, float indigo) {
-        return 255 * (mix.violet * violet + mix.indigo * indigo);
-    };
-    return {
-        blend(Neon::violet.blueF(), Neon::indigo.blueF()),
-        blend(Neon::violet.greenF(), Neon::indigo.greenF()),
-        blend(Neon::violet.redF(), Neon::indigo.redF()),
-        blend(1, 1),
-    };
+    static const Channels violet = channelsOf(Neon::violet);
+    static const Channels indigo = channelsOf(Neon::indigo);
+    Channels mixed{};
+    for (std::size_t i = 0; i < mixed.size(); ++i) {
+        mixed[i] = 255 * (mix.violet * violet[i] + mix.indigo * indigo[i]);
+    }
+    return mixed;
 }
 
 /// exp(-x * x / 2) for x from 0 to `glowReach`.
