@@ -12,8 +12,9 @@ Measured HeldMeasuring::measure(const std::filesystem::path& url, const std::sto
     std::unique_lock lock(m_lock);
     m_started.push_back(url);
     m_changed.notify_all();
-    if (!m_changed.wait(lock, stop, [this] { return m_free > 0; })) {
-        return {url, unmeasured, 0};
+    m_changed.wait(lock, stop, [this] { return m_free > 0; });
+    if (stop.stop_requested()) {
+        return {url, unmeasured, 0}; // what was let go is for one that was not cancelled
     }
     --m_free;
     return {url, 1.0, 10};

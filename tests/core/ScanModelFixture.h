@@ -70,8 +70,8 @@ protected:
 
     static GatherResult gathered(const Paths& files) { return {files, {}, {}, {}}; }
 
+    HeldMeasuring held; // outlives the model's workers
     std::unique_ptr<ScanModel> model;
-    HeldMeasuring held;
 
 private:
     int m_argc = 1;
