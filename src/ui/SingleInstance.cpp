@@ -5,8 +5,10 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusMessage>
+#include <QDeadlineTimer>
 #include <QLocalSocket>
 #include <QStandardPaths>
+#include <QThread>
 
 namespace velmora {
 
@@ -14,7 +16,8 @@ namespace {
 
 const QString objectPath = QStringLiteral("/com/orventa/Velmora");
 
-constexpr int patience = 5000; // milliseconds the running instance gets to answer
+constexpr int patience = 5000;           // milliseconds the running instance gets to answer
+constexpr unsigned long retryPause = 10; // milliseconds
 
 QString inRuntimeDirectory(const QString& name) {
     return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/" + applicationId + name;
@@ -67,6 +70,19 @@ Paths split(const QByteArray& text) {
     return paths;
 }
 
+/// Tries again for a while: an instance that has only just started may not listen yet.
+bool connectTo(const QString& server, QLocalSocket& socket) {
+    const QDeadlineTimer deadline(patience);
+    do {
+        socket.connectToServer(server);
+        if (socket.waitForConnected(patience)) {
+            return true;
+        }
+        QThread::msleep(retryPause);
+    } while (!deadline.hasExpired());
+    return false;
+}
+
 } // namespace
 
 bool SingleInstance::claim(const Paths& paths) {
@@ -92,8 +108,7 @@ bool SingleInstance::claimSocket(const Paths& paths) {
     m_lock->setStaleLockTime(0); // held as long as its process lives
     if (!m_lock->tryLock()) {
         QLocalSocket socket;
-        socket.connectToServer(name);
-        if (socket.waitForConnected(patience)) {
+        if (connectTo(name, socket)) {
             socket.write(joined(paths));
             socket.disconnectFromServer(); // after all is written
             return socket.state() != QLocalSocket::UnconnectedState && !socket.waitForDisconnected(patience);
