@@ -4,7 +4,8 @@
 // to it: main thread asleep for those 15 ms, main thread computing (which takes a core from the workers
 // besides).
 
-#include "core/ScanModel.h"
+#include "scan/ScanModel.h"
+#include "system/Paths.h"
 
 #include <QCoreApplication>
 #include <QTimer>
@@ -37,7 +38,7 @@ void drawFrame(MainThread mode) {
 }
 
 /// Absent when nothing in `folders` could be measured.
-std::optional<double> secondsToScan(const velmora::ScanModel::Paths& folders, MainThread mode) {
+std::optional<double> secondsToScan(const velmora::Paths& folders, MainThread mode) {
     velmora::ScanModel model;
     QTimer frames;
     QObject::connect(&frames, &QTimer::timeout, [mode] { drawFrame(mode); });
@@ -69,7 +70,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: bench_blocked_main_thread ROUNDS FOLDER...\n");
         return 2;
     }
-    const velmora::ScanModel::Paths folders(argv + 2, argv + argc);
+    const velmora::Paths folders(argv + 2, argv + argc);
     const int rounds = std::max(1, std::atoi(argv[1]));
     std::vector<double> free;
     std::vector<double> asleep;

@@ -3,13 +3,14 @@
 // removed.
 
 #include "gather/Gathering.h"
-#include "gather/TempRegistry.h"
+#include "system/TempRegistry.h"
+#include "system/Paths.h"
 
 #include <chrono>
 #include <cstdio>
 
 int main(int argc, char** argv) {
-    const std::vector<std::filesystem::path> paths(argv + 1, argv + argc);
+    const velmora::Paths paths(argv + 1, argv + argc);
     const auto begin = std::chrono::steady_clock::now();
     const velmora::GatherResult found = velmora::Collector::gather(paths);
     const std::chrono::duration<double> took = std::chrono::steady_clock::now() - begin;

@@ -2,9 +2,10 @@
 // thread. Usage: bench_micro FOLDER [GOOGLE BENCHMARK OPTION...], with one or more files of each kind in
 // FOLDER.
 
-#include "core/MainThreadQueue.h"
 #include "gather/ScanOrder.h"
 #include "measure/MeasurementPipeline.h"
+#include "scan/MainThreadQueue.h"
+#include "system/Paths.h"
 
 #include <QCoreApplication>
 
@@ -34,8 +35,8 @@ void measureFile(benchmark::State& state, const std::filesystem::path& file) {
 }
 
 /// 20 tracks in a folder, as they lie on disks: neither sorted nor far from it.
-std::vector<std::filesystem::path> unsortedPaths(int count) {
-    std::vector<std::filesystem::path> paths;
+velmora::Paths unsortedPaths(int count) {
+    velmora::Paths paths;
     for (int i = 0; i < count; ++i) {
         const int folder = (i / 20 * 7) % (count / 20);
         paths.emplace_back("/music/Artist " + std::to_string(folder) + "/Album/" +
@@ -73,7 +74,7 @@ int main(int argc, char** argv) {
         std::fprintf(stderr, "usage: bench_micro FOLDER [OPTION...]\n");
         return 2;
     }
-    std::vector<std::filesystem::path> files;
+    velmora::Paths files;
     for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
         files.push_back(entry.path());
     }

@@ -1,11 +1,11 @@
 // What a frame of the moving window costs. Usage: bench_window_frame FRAMES. Prints milliseconds of processor
 // time a frame. Platform, back end and scale are those of Qt's environment variables.
 
-#include "ui/Alerts.h"
-#include "ui/RecordingActions.h"
-#include "ui/ScanView.h"
-#include "ui/StagedWindow.h"
+#include "tests/staged/RecordingActions.h"
+#include "tests/staged/StagedWindow.h"
 #include "ui/Views.h"
+#include "ui/content/ScanView.h"
+#include "ui/window/Alerts.h"
 
 #include <QGuiApplication>
 #include <QQmlEngine>

@@ -1,12 +1,13 @@
 // What the visible, moving window costs a scan. Usage: bench_windowed_scan ROUNDS FOLDER... Prints the median
 // seconds of a scan without a window, then the median of the rounds' ratios of a scan in the window to it.
 
-#include "core/ScanModel.h"
-#include "ui/Alerts.h"
-#include "ui/RecordingActions.h"
-#include "ui/ScanView.h"
-#include "ui/StagedWindow.h"
+#include "scan/ScanModel.h"
+#include "system/Paths.h"
+#include "tests/staged/RecordingActions.h"
+#include "tests/staged/StagedWindow.h"
 #include "ui/Views.h"
+#include "ui/content/ScanView.h"
+#include "ui/window/Alerts.h"
 
 #include <QGuiApplication>
 #include <QQmlEngine>
@@ -26,7 +27,7 @@ namespace {
 using Seconds = std::chrono::duration<double>;
 
 /// Absent when nothing in `folders` could be measured.
-std::optional<double> secondsToScan(ScanModel& model, const ScanModel::Paths& folders) {
+std::optional<double> secondsToScan(ScanModel& model, const Paths& folders) {
     QObject::connect(&model, &ScanModel::phaseChanged, &model, [](ScanModel::Phase phase) {
         if (phase != ScanModel::Phase::scanning) {
             QCoreApplication::quit();
@@ -39,12 +40,12 @@ std::optional<double> secondsToScan(ScanModel& model, const ScanModel::Paths& fo
     return model.phase() == ScanModel::Phase::done ? std::optional(took.count()) : std::nullopt;
 }
 
-std::optional<double> secondsWithoutWindow(const ScanModel::Paths& folders) {
+std::optional<double> secondsWithoutWindow(const Paths& folders) {
     ScanModel model;
     return secondsToScan(model, folders);
 }
 
-std::optional<double> secondsInWindow(const ScanModel::Paths& folders) {
+std::optional<double> secondsInWindow(const Paths& folders) {
     ScanModel model;
     ScanView scan(model);
     test::RecordingActions actions;
@@ -68,7 +69,7 @@ double median(std::vector<double> values) {
     return values[values.size() / 2];
 }
 
-int run(int rounds, const ScanModel::Paths& folders) {
+int run(int rounds, const Paths& folders) {
     std::vector<double> without;
     std::vector<double> ratios;
     for (int i = 0; i < rounds; ++i) {

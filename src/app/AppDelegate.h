@@ -3,7 +3,7 @@
 // Takes the files that the desktop or the command line hands to the program, before its window exists and
 // after.
 
-#include "ui/FileUrls.h"
+#include "app/desktop/FileUrls.h"
 
 #include <QObject>
 

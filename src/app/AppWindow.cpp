@@ -1,7 +1,7 @@
-#include "ui/AppWindow.h"
+#include "app/AppWindow.h"
 
-#include "ui/AppDelegate.h"
-#include "ui/DropTarget.h"
+#include "app/AppDelegate.h"
+#include "app/desktop/DropTarget.h"
 #include "ui/Views.h"
 
 #include <QQuickWindow>

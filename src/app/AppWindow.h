@@ -3,12 +3,12 @@
 // The one window with all that lives as long as it: the scan it shows, what its controls do, what is dropped
 // on it.
 
-#include "core/ScanModel.h"
-#include "ui/Alerts.h"
-#include "ui/ReducedMotion.h"
-#include "ui/ScanView.h"
-#include "ui/UpdateAlerts.h"
-#include "ui/WindowActions.h"
+#include "app/UpdateAlerts.h"
+#include "app/WindowActions.h"
+#include "app/desktop/ReducedMotion.h"
+#include "scan/ScanModel.h"
+#include "ui/content/ScanView.h"
+#include "ui/window/Alerts.h"
 
 #include <QByteArray>
 #include <QQmlApplicationEngine>

@@ -1,4 +1,4 @@
-#include "ui/EndingSignals.h"
+#include "app/EndingSignals.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>

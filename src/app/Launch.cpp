@@ -1,4 +1,4 @@
-#include "ui/Launch.h"
+#include "app/Launch.h"
 
 #include <QByteArray>
 

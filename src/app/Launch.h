@@ -2,7 +2,7 @@
 
 // What the command line asks of the program. Arguments are bytes.
 
-#include "ui/FileUrls.h"
+#include "app/desktop/FileUrls.h"
 
 #include <optional>
 #include <string>

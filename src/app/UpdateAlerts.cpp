@@ -1,6 +1,6 @@
-#include "ui/UpdateAlerts.h"
+#include "app/UpdateAlerts.h"
 
-#include "ui/Alerts.h"
+#include "ui/window/Alerts.h"
 
 #include <QDesktopServices>
 #include <QHostAddress>

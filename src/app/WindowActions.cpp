@@ -1,9 +1,9 @@
-#include "ui/WindowActions.h"
+#include "app/WindowActions.h"
 
-#include "core/ScanModel.h"
-#include "ui/FileReveal.h"
-#include "ui/Panels.h"
-#include "ui/ScanView.h"
+#include "app/desktop/FileReveal.h"
+#include "app/panels/Panels.h"
+#include "scan/ScanModel.h"
+#include "ui/content/ScanView.h"
 #include "update/UpdateChecker.h"
 
 #include <QClipboard>

@@ -2,9 +2,9 @@
 
 // What the window's controls do.
 
-#include "ui/Actions.h"
-#include "ui/Alerts.h"
-#include "ui/FileUrls.h"
+#include "app/desktop/FileUrls.h"
+#include "ui/content/Actions.h"
+#include "ui/window/Alerts.h"
 
 #include <functional>
 

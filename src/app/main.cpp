@@ -1,12 +1,12 @@
 // Velmora: drop audio on the window, see how long it plays.
 
+#include "app/AppDelegate.h"
+#include "app/AppWindow.h"
+#include "app/EndingSignals.h"
+#include "app/Launch.h"
+#include "app/desktop/GraphicsProbe.h"
+#include "app/desktop/SingleInstance.h"
 #include "screenshots/Screenshots.h"
-#include "ui/AppDelegate.h"
-#include "ui/AppWindow.h"
-#include "ui/EndingSignals.h"
-#include "ui/GraphicsProbe.h"
-#include "ui/Launch.h"
-#include "ui/SingleInstance.h"
 #include "ui/Views.h"
 #include "update/UpdateChecker.h"
 

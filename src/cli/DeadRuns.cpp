@@ -1,6 +1,7 @@
 #include "cli/DeadRuns.h"
 
 #include "cli/RunLock.h"
+#include "system/Paths.h"
 #include "system/RegularFile.h"
 #include "system/RemoveTree.h"
 
@@ -27,8 +28,8 @@ namespace fs = std::filesystem;
 constexpr int killPatience = 2000; // milliseconds a killed process gets to be gone
 
 /// The entries of `directory`; none where it cannot be listed.
-std::vector<fs::path> entriesOf(const fs::path& directory) {
-    std::vector<fs::path> entries;
+Paths entriesOf(const fs::path& directory) {
+    Paths entries;
     std::error_code error;
     for (fs::directory_iterator entry(directory, error); !error && entry != fs::directory_iterator();
          entry.increment(error)) {

@@ -1,6 +1,7 @@
 #include "cli/Options.h"
 
 #include "cli/Names.h"
+#include "system/Paths.h"
 
 #include <getopt.h>
 
@@ -53,7 +54,7 @@ public:
                       : "unknown option " + quotedName(letter)};
     }
 
-    std::vector<std::filesystem::path> rest() const { return {m_words.begin() + optind, m_words.end() - 1}; }
+    Paths rest() const { return {m_words.begin() + optind, m_words.end() - 1}; }
 
 private:
     int count() const { return static_cast<int>(m_words.size()) - 1; }

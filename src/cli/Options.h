@@ -3,6 +3,8 @@
 // The command line of velmora-scan, in GNU style: options and paths in any order, "--" ends the options,
 // "-qf" is "-q -f", "--zip=FILE" is "--zip FILE".
 
+#include "system/Paths.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <optional>
@@ -22,8 +24,6 @@ enum class Output : std::uint8_t {
 
 /// A command line that asks for a scan.
 struct Options {
-    using Paths = std::vector<std::filesystem::path>;
-
     Output output = Output::total;
     bool quiet = false;                            ///< no progress
     Paths paths = {};                              ///< as they were given

@@ -3,8 +3,8 @@
 // What velmora-scan writes about a scan that has ended.
 
 #include "cli/Options.h"
-#include "core/Records.h"
-#include "core/ScanModel.h"
+#include "records/Records.h"
+#include "scan/ScanModel.h"
 
 #include <string>
 #include <vector>

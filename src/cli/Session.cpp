@@ -6,7 +6,8 @@
 #include "cli/Progress.h"
 #include "cli/Report.h"
 #include "cli/Sources.h"
-#include "core/ScanModel.h"
+#include "scan/ScanModel.h"
+#include "system/Paths.h"
 
 #include <QCoreApplication>
 
@@ -42,7 +43,7 @@ public:
     }
 
     /// False when it was interrupted.
-    bool scan(const std::vector<fs::path>& paths) {
+    bool scan(const Paths& paths) {
         m_model.ingest(paths);
         return paths.empty() || awaitEnd();
     }
@@ -121,7 +122,7 @@ void makeZip(Session& session, const fs::path& destination, Outcome& outcome) {
 
 } // namespace
 
-Outcome runScan(const Options& options, const std::vector<fs::path>& paths) {
+Outcome runScan(const Options& options, const Paths& paths) {
     const fs::path zip = options.zip ? absolutePath(*options.zip) : fs::path();
     Session session(options);
     if (!session.scan(paths)) {

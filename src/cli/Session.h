@@ -5,6 +5,7 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/Options.h"
+#include "system/Paths.h"
 
 #include <filesystem>
 #include <string>
@@ -22,6 +23,6 @@ struct Outcome {
 /// Scans `paths` (absolute) as `options` ask and writes the zip export when they ask for it. Blocks until all
 /// background work has ended and the private directory is gone. Throws std::system_error when there is no
 /// directory to work in. Main thread; makes the QCoreApplication.
-Outcome runScan(const Options& options, const std::vector<std::filesystem::path>& paths);
+Outcome runScan(const Options& options, const Paths& paths);
 
 } // namespace velmora

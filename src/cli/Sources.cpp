@@ -2,6 +2,7 @@
 
 #include "cli/Names.h"
 #include "system/FileName.h"
+#include "system/Paths.h"
 #include "system/RegularFile.h"
 
 #include <fcntl.h>
@@ -69,16 +70,16 @@ int obstacle(const fs::path& path) {
 
 } // namespace
 
-std::vector<fs::path> givenPaths(const Options& options) {
-    std::vector<fs::path> paths = options.paths;
+Paths givenPaths(const Options& options) {
+    Paths paths = options.paths;
     for (const fs::path& list : options.pathLists) {
         std::ranges::move(splitAtNul(readList(list)), std::back_inserter(paths));
     }
     return paths;
 }
 
-std::vector<fs::path> splitAtNul(std::string_view text) {
-    std::vector<fs::path> names;
+Paths splitAtNul(std::string_view text) {
+    Paths names;
     while (!text.empty()) {
         const std::size_t end = text.find('\0');
         names.emplace_back(text.substr(0, end));
@@ -87,7 +88,7 @@ std::vector<fs::path> splitAtNul(std::string_view text) {
     return names;
 }
 
-Sources locate(const std::vector<fs::path>& given) {
+Sources locate(const Paths& given) {
     Sources sources;
     for (const fs::path& path : given) {
         std::error_code error(obstacle(path), std::generic_category());

@@ -3,6 +3,7 @@
 // From the paths of the command line to what the scan is given: absolute paths of things that are there.
 
 #include "cli/Options.h"
+#include "system/Paths.h"
 
 #include <filesystem>
 #include <string>
@@ -12,21 +13,21 @@
 namespace velmora {
 
 struct Sources {
-    std::vector<std::filesystem::path> paths; ///< absolute, links not resolved, in the order they were given
-    std::vector<std::string> problems;        ///< why a path was left out, a message each
+    Paths paths;                       ///< absolute, links not resolved, in the order they were given
+    std::vector<std::string> problems; ///< why a path was left out, a message each
 
     bool operator==(const Sources&) const = default;
 };
 
 /// The paths in `options`, then those in the files it names. Blocks until all of these have been read; throws
 /// std::system_error, which names the file, when one cannot be.
-std::vector<std::filesystem::path> givenPaths(const Options& options);
+Paths givenPaths(const Options& options);
 
 /// The names in `text`, which are separated by NUL; the last may end in one.
-std::vector<std::filesystem::path> splitAtNul(std::string_view text);
+Paths splitAtNul(std::string_view text);
 
 /// Sorts `given` into what can be scanned and what is not there or a folder that may not be entered.
-Sources locate(const std::vector<std::filesystem::path>& given);
+Sources locate(const Paths& given);
 
 /// `path` in absolute form. "." and ".." are resolved where that leads to the same place: "link/.." is not
 /// the folder that holds the link. Throws std::filesystem::filesystem_error when there is no working

@@ -5,6 +5,7 @@
 #include "cli/Session.h"
 #include "cli/Sources.h"
 #include "cli/Terminal.h"
+#include "system/Paths.h"
 
 #include <algorithm>
 #include <csignal>
@@ -16,7 +17,7 @@ namespace velmora {
 namespace {
 
 ExitStatus carryOut(const Options& options) {
-    std::vector<std::filesystem::path> given;
+    Paths given;
     try {
         given = givenPaths(options);
     } catch (const std::system_error& error) {

@@ -2,6 +2,7 @@
 
 #include "export/Zipper.h"
 #include "system/FileName.h"
+#include "system/Paths.h"
 #include "system/UnicodeCase.h"
 
 #include <algorithm>
@@ -55,7 +56,7 @@ private:
 
 } // namespace
 
-Roots::Roots(const std::vector<fs::path>& roots) {
+Roots::Roots(const Paths& roots) {
     for (const fs::path& root : roots) {
         std::string folder = standardized(root);
         if (folder.back() != '/') {
@@ -79,7 +80,7 @@ std::string Roots::relativePath(const fs::path& file) const {
     return bestLength == 0 ? lastComponent(path) : path.substr(bestLength);
 }
 
-std::vector<std::string> entryNames(const std::vector<fs::path>& files, const std::vector<fs::path>& roots) {
+std::vector<std::string> entryNames(const Paths& files, const Paths& roots) {
     const Roots bases(roots);
     std::vector<std::string> names;
     names.reserve(files.size());
@@ -110,7 +111,7 @@ std::string withEnding(std::string_view base, std::string_view ending) {
     return std::string(base) + std::string(ending);
 }
 
-std::string Zipper::relativePath(const fs::path& file, const std::vector<fs::path>& roots) {
+std::string Zipper::relativePath(const fs::path& file, const Paths& roots) {
     return Roots(roots).relativePath(file);
 }
 

@@ -7,6 +7,8 @@
 //   roots and files /A/README, /B/README                    ->  README, README (2).
 //   roots /A and /B, files /A/live.wav, /B/live.wav/1.mp3   ->  live (2).wav, live.wav/1.mp3
 
+#include "system/Paths.h"
+
 #include <cstddef>
 #include <filesystem>
 #include <string>
@@ -19,7 +21,7 @@ namespace velmora {
 /// The folders that names are relative to, in order of preference.
 class Roots {
 public:
-    explicit Roots(const std::vector<std::filesystem::path>& roots);
+    explicit Roots(const Paths& roots);
 
     /// `file` below the first of the roots it lies in, else its last component alone. Lexical: links are not
     /// followed. Takes time by the depth of `file`, however many roots there are.
@@ -33,8 +35,7 @@ private:
 /// The names of `files`, in their order: the path relative to `roots`, numbered from 2 where the archive
 /// already has it. Names are compared in lower case, and also with the folders the archive will have, so that
 /// no file stands where another one needs a folder.
-std::vector<std::string> entryNames(const std::vector<std::filesystem::path>& files,
-                                    const std::vector<std::filesystem::path>& roots);
+std::vector<std::string> entryNames(const Paths& files, const Paths& roots);
 
 /// `base` followed by `ending`. The end of `base` is cut off, by whole characters, as far as its last
 /// component would become longer than file systems allow (255 bytes).

@@ -4,18 +4,17 @@
 #include "export/ZipInput.h"
 #include "export/ZipOutput.h"
 #include "export/Zipper.h"
+#include "records/AudioExtensions.h"
 #include "system/FileName.h"
 
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdint>
 #include <ctime>
 #include <limits>
 #include <memory>
-#include <string_view>
 #include <system_error>
 #include <unordered_set>
 
@@ -25,20 +24,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Extensions of audio that is not compressed (PCM, DSD), lower case, without the dot.
-constexpr std::array<std::string_view, 15> uncompressedExts = {"wav",  "wave", "bwf", "aif", "aiff",
-                                                               "aifc", "caf",  "au",  "snd", "voc",
-                                                               "w64",  "rf64", "sd2", "dsf", "dff"};
-
 constexpr zip_uint32_t deflateLevel = 3; // PCM: three to four times as fast as 6, and hardly larger
 
 constexpr zip_uint32_t fileAttributes = zip_uint32_t{S_IFREG | 0644} << 16;
 constexpr zip_uint32_t folderAttributes = (zip_uint32_t{S_IFDIR | 0755} << 16) | 0x10; // 0x10: DOS directory
-
-bool isUncompressed(const fs::path& file) {
-    const std::string extension = classifyingExtension(file);
-    return std::find(uncompressedExts.begin(), uncompressedExts.end(), extension) != uncompressedExts.end();
-}
 
 std::time_t localTime(int year, int month, int day, int hour, int minute, int second) {
     std::tm time{};
@@ -93,7 +82,7 @@ public:
         check(added >= 0);
         static_cast<void>(input.release());
         const auto index = static_cast<zip_uint64_t>(added);
-        setCompression(index, isUncompressed(file));
+        setCompression(index, Collector::isUncompressed(classifyingExtension(file)));
         setAttributes(index, fileAttributes);
         setExactTime(index, modified);
     }

@@ -2,10 +2,11 @@
 
 #include "export/EntryNames.h"
 #include "export/ZipWriter.h"
-#include "gather/TempRegistry.h"
 #include "system/FileCopy.h"
 #include "system/FileName.h"
+#include "system/Paths.h"
 #include "system/RemoveTree.h"
+#include "system/TempRegistry.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -101,8 +102,8 @@ const std::error_category& errorDomain() {
     return domain;
 }
 
-void zip(const std::vector<fs::path>& files, const std::vector<fs::path>& roots, const fs::path& destination,
-         const Progress& progress, const std::stop_token& stop) {
+void zip(const Paths& files, const Paths& roots, const fs::path& destination, const Progress& progress,
+         const std::stop_token& stop) {
     std::error_code ignored;
     if (fs::is_directory(destination, ignored)) {
         fail("cannot replace", destination, EISDIR);

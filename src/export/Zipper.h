@@ -3,6 +3,8 @@
 // Packs files into one zip archive: stages copies under their relative paths in a temporary directory, has
 // ZipWriter write the archive there, and only then puts it in place of the destination.
 
+#include "system/Paths.h"
+
 #include <exception>
 #include <filesystem>
 #include <functional>
@@ -25,13 +27,12 @@ inline constexpr int archiveNotWritten = 1;
 /// numbered from 2. Blocks until done. Throws std::system_error (a file system's error, or one of
 /// `errorDomain`); nothing temporary is left then, and an old archive at `destination` is still there unless
 /// it had been removed just before the move. `stop` ends it with ECANCELED.
-void zip(const std::vector<std::filesystem::path>& files, const std::vector<std::filesystem::path>& roots,
-         const std::filesystem::path& destination, const Progress& progress,
-         const std::stop_token& stop = {});
+void zip(const Paths& files, const Paths& roots, const std::filesystem::path& destination,
+         const Progress& progress, const std::stop_token& stop = {});
 
 /// The path of `file` inside the archive's folder: relative to the first of `roots` it lies in, else its name
 /// alone.
-std::string relativePath(const std::filesystem::path& file, const std::vector<std::filesystem::path>& roots);
+std::string relativePath(const std::filesystem::path& file, const Paths& roots);
 
 /// What to tell the user of an error that `zip` threw: the system's reason, after the name of the file it
 /// concerns if it concerns one: "01.wav: No such file or directory".

@@ -1,7 +1,6 @@
 #include "gather/ArchiveExtraction.h"
 
 #include "gather/ExtractionPlan.h"
-#include "gather/TempRegistry.h"
 #include "gather/ToolRunner.h"
 #include "gather/ZipNames.h"
 #include "system/FileCopy.h"
@@ -9,6 +8,7 @@
 #include "system/OwnerAccess.h"
 #include "system/RegularFile.h"
 #include "system/RemoveTree.h"
+#include "system/TempRegistry.h"
 
 #include <sys/stat.h>
 #include <unistd.h>

@@ -2,10 +2,11 @@
 
 #include "gather/ScanOrder.h"
 #include "gather/SourceWalker.h"
+#include "system/Paths.h"
 
 namespace velmora::Collector {
 
-GatherResult gather(const std::vector<std::filesystem::path>& urls, const std::stop_token& stop) {
+GatherResult gather(const Paths& urls, const std::stop_token& stop) {
     GatherResult found;
     for (const std::filesystem::path& url : urls) {
         walk(url, 0, found, stop);

@@ -2,7 +2,8 @@
 
 // The first stage of a scan: from dropped items to audio files in scan order.
 
-#include "core/Records.h"
+#include "records/Records.h"
+#include "system/Paths.h"
 
 #include <filesystem>
 #include <stop_token>
@@ -13,6 +14,6 @@ namespace velmora::Collector {
 /// Walks `urls` in their order and sorts what was found. Long-running; called on a thread of its own. When
 /// `stop` is requested it ends early with what it has; the extraction directories in the result are the
 /// caller's in any case.
-GatherResult gather(const std::vector<std::filesystem::path>& urls, const std::stop_token& stop = {});
+GatherResult gather(const Paths& urls, const std::stop_token& stop = {});
 
 } // namespace velmora::Collector

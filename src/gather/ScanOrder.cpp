@@ -1,6 +1,7 @@
 #include "gather/ScanOrder.h"
 
 #include "system/FileName.h"
+#include "system/Paths.h"
 
 #include <unicode/coll.h>
 
@@ -79,7 +80,7 @@ private:
 /// Tells what came out of an archive by the directory it lies in.
 class ArchiveContent {
 public:
-    explicit ArchiveContent(const std::vector<fs::path>& directories) {
+    explicit ArchiveContent(const Paths& directories) {
         std::transform(directories.begin(), directories.end(),
                        std::inserter(m_directories, m_directories.end()), &standardized);
     }
@@ -112,7 +113,7 @@ struct Rank {
 
 /// How many bytes all the paths begin with alike, up to the end of a folder's name. They cannot tell any two
 /// apart.
-std::size_t commonFolder(const std::vector<fs::path>& files) {
+std::size_t commonFolder(const Paths& files) {
     std::string_view common = files.empty() ? std::string_view() : files.front().native();
     for (const fs::path& file : files) {
         const auto end =
@@ -122,13 +123,13 @@ std::size_t commonFolder(const std::vector<fs::path>& files) {
     return common.rfind('/') + 1; // 0 without a slash
 }
 
-std::size_t totalSize(const std::vector<fs::path>& files) {
+std::size_t totalSize(const Paths& files) {
     return std::accumulate(files.begin(), files.end(), std::size_t{0},
                            [](std::size_t sum, const fs::path& file) { return sum + file.native().size(); });
 }
 
 /// The ranks of `files`, in order.
-std::vector<Rank> ranked(const std::vector<fs::path>& files, const ArchiveContent& archiveContent) {
+std::vector<Rank> ranked(const Paths& files, const ArchiveContent& archiveContent) {
     KeyMaker keyMaker;
     const std::size_t common = commonFolder(files);
     std::string keys;
@@ -158,8 +159,8 @@ std::vector<Rank> ranked(const std::vector<fs::path>& files, const ArchiveConten
 
 } // namespace
 
-void sortScanOrder(std::vector<fs::path>& files, const std::vector<fs::path>& temps) {
-    std::vector<fs::path> sorted;
+void sortScanOrder(Paths& files, const Paths& temps) {
+    Paths sorted;
     sorted.reserve(files.size());
     for (const Rank& rank : ranked(files, ArchiveContent(temps))) {
         sorted.push_back(std::move(files[rank.index]));

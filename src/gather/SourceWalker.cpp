@@ -1,11 +1,11 @@
 #include "gather/SourceWalker.h"
 
 #include "gather/ArchiveExtraction.h"
+#include "records/AudioExtensions.h"
 #include "system/FileName.h"
 #include "system/FolderReader.h"
 #include "system/UnicodeCase.h"
 
-#include <algorithm>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -114,14 +114,6 @@ private:
 };
 
 } // namespace
-
-bool isAudio(std::string_view extension) {
-    return std::find(audioExts.begin(), audioExts.end(), extension) != audioExts.end();
-}
-
-bool isArchive(std::string_view extension) {
-    return std::find(archiveExts.begin(), archiveExts.end(), extension) != archiveExts.end();
-}
 
 void walk(const fs::path& url, int depth, GatherResult& found, const std::stop_token& stop) {
     if (!stop.stop_requested()) {

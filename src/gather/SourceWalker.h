@@ -4,28 +4,12 @@
 // packed in it. The file's name alone decides what it is; no file is opened here but archives, by their
 // tools.
 
-#include "core/Records.h"
+#include "records/Records.h"
 
-#include <array>
 #include <filesystem>
 #include <stop_token>
-#include <string_view>
 
 namespace velmora::Collector {
-
-/// Extensions of audio files, lower case, without the dot.
-inline constexpr std::array<std::string_view, 37> audioExts = {
-    "wav", "wave", "bwf",  "aif", "aiff", "aifc", "caf", "flac", "alac", "mp3",  "mp2", "m4a", "m4b",
-    "m4r", "aac",  "adts", "ogg", "oga",  "opus", "wma", "ape",  "wv",   "dsf",  "dff", "amr", "mka",
-    "au",  "snd",  "ra",   "mpc", "aa",   "aax",  "3ga", "voc",  "w64",  "rf64", "sd2"};
-
-/// Extensions of archives, lower case, without the dot.
-inline constexpr std::array<std::string_view, 12> archiveExts = {"zip", "zipx", "tar", "tgz", "tbz", "tbz2",
-                                                                 "txz", "gz",   "bz2", "xz",  "7z",  "rar"};
-
-/// Whether `extension` (lower case, without the dot) marks an audio file, an archive.
-bool isAudio(std::string_view extension);
-bool isArchive(std::string_view extension);
 
 /// The deepest level at which archives are still unpacked: a dropped one is at level 0.
 inline constexpr int deepestArchive = 2;

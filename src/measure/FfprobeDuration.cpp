@@ -1,6 +1,6 @@
 #include "measure/FfprobeDuration.h"
 
-#include "core/Records.h"
+#include "records/Records.h"
 #include "system/RegularFile.h"
 
 #include <sys/mman.h>

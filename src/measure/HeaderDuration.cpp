@@ -1,8 +1,8 @@
 #include "measure/HeaderDuration.h"
 
-#include "measure/AsfDuration.h"
-#include "measure/ByteSource.h"
-#include "measure/OggDuration.h"
+#include "measure/bytes/ByteSource.h"
+#include "measure/formats/AsfDuration.h"
+#include "measure/formats/OggDuration.h"
 #include "system/FileName.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 // The one entry to measuring: a path goes in, a `Measured` comes out, whatever the file holds. Three ways are
 // tried in order: the program's own header readers, libavformat in process, the ffprobe program.
 
-#include "core/Records.h"
+#include "records/Records.h"
 
 #include <filesystem>
 #include <stop_token>

@@ -4,7 +4,7 @@
 // libavformat behind a guarded reader for the rest. The format is told from the first bytes, never from the
 // name.
 
-#include "measure/ByteSource.h"
+#include "measure/bytes/ByteSource.h"
 #include "system/RegularFile.h"
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "core/DisplayFormat.h"
+#include "records/DisplayFormat.h"
 
 #include <algorithm>
 #include <array>

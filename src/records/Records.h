@@ -3,6 +3,8 @@
 // The plain values that carry a scan's results from gathering and measuring to whoever shows them.
 // A path is bytes, absolute, as it was found. Durations are seconds, sizes are bytes.
 
+#include "system/Paths.h"
+
 #include <cstdint>
 #include <filesystem>
 #include <string>
@@ -35,11 +37,10 @@ struct FormatStat {
 
 /// What gathering found.
 struct GatherResult {
-    std::vector<std::filesystem::path> files;    ///< every audio file, in scan order once sorted
-    std::vector<std::filesystem::path> temps;    ///< extraction directories, in the order they were made
-    std::vector<std::filesystem::path> archives; ///< archives[i] is what was unpacked into temps[i]
-    std::vector<std::filesystem::path>
-        skippedArchives; ///< archives that could not be unpacked, as they were met
+    Paths files;           ///< every audio file, in scan order once sorted
+    Paths temps;           ///< extraction directories, in the order they were made
+    Paths archives;        ///< archives[i] is what was unpacked into temps[i]
+    Paths skippedArchives; ///< archives that could not be unpacked, as they were met
 
     bool operator==(const GatherResult&) const = default;
 };
@@ -55,9 +56,9 @@ struct ScanSummary {
     double longestSeconds = 0;
     int unreadable = 0; ///< files that could not be measured and archives that could not be unpacked
     std::string source; ///< what was dropped, in upper case: the one item's name, or "3 ITEMS"
-    std::vector<std::filesystem::path> files;   ///< the measured files, in scan order
-    std::vector<std::filesystem::path> dropped; ///< as the user dropped them
-    std::vector<std::filesystem::path> roots;   ///< `dropped`, then the extraction directories
+    Paths files;        ///< the measured files, in scan order
+    Paths dropped;      ///< as the user dropped them
+    Paths roots;        ///< `dropped`, then the extraction directories
 
     bool operator==(const ScanSummary&) const = default;
 };

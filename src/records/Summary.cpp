@@ -1,4 +1,4 @@
-#include "core/Summary.h"
+#include "records/Summary.h"
 
 #include "system/FileName.h"
 #include "system/UnicodeCase.h"

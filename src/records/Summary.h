@@ -2,7 +2,7 @@
 
 // Adds up what a scan has measured.
 
-#include "core/Records.h"
+#include "records/Records.h"
 
 #include <filesystem>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "core/MainThreadQueue.h"
+#include "scan/MainThreadQueue.h"
 
 #include <sys/eventfd.h>
 

@@ -1,4 +1,4 @@
-#include "core/MeasuringStage.h"
+#include "scan/MeasuringStage.h"
 
 #include <algorithm>
 #include <utility>

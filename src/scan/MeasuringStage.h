@@ -4,9 +4,10 @@
 // files are started in scan order and no worker ever waits for the main thread; results travel there in
 // batches, one hand-over under way at most, so a busy main thread finds more results instead of more work.
 
-#include "core/BackgroundTasks.h"
-#include "core/MainThreadQueue.h"
-#include "core/Records.h"
+#include "records/Records.h"
+#include "scan/BackgroundTasks.h"
+#include "scan/MainThreadQueue.h"
+#include "system/Paths.h"
 
 #include <atomic>
 #include <cstddef>
@@ -27,7 +28,6 @@ struct MeasuredFile {
 
 class MeasuringStage : public std::enable_shared_from_this<MeasuringStage> {
 public:
-    using Paths = std::vector<std::filesystem::path>;
     using Batch = std::vector<MeasuredFile>;
     using Measure = std::function<Measured(const std::filesystem::path& url, const std::stop_token& stop)>;
     using Deliver = std::function<void(Batch batch)>;

@@ -1,9 +1,9 @@
 // What the scan model's result reads like in text: the two reports for the clipboard, the proposal for a
 // zip's name.
 
-#include "core/DisplayFormat.h"
-#include "core/ScanModel.h"
-#include "gather/SourceWalker.h"
+#include "records/AudioExtensions.h"
+#include "records/DisplayFormat.h"
+#include "scan/ScanModel.h"
 #include "system/FileName.h"
 #include "system/UnicodeCase.h"
 
@@ -66,18 +66,6 @@ std::optional<fs::path> ScanModel::suggestedZipDirectory() const {
         return std::nullopt;
     }
     return fs::path(standardized(m_summary.dropped.front())).parent_path();
-}
-
-fs::path ScanDetails::shownPath(const fs::path& path) const {
-    const std::string& text = path.native();
-    for (std::size_t slash = text.find('/', 1); slash != std::string::npos;
-         slash = text.find('/', slash + 1)) {
-        const auto archive = archiveOf.find(text.substr(0, slash));
-        if (archive != archiveOf.end()) {
-            return shownPath(archive->second) / text.substr(slash + 1);
-        }
-    }
-    return path;
 }
 
 } // namespace velmora

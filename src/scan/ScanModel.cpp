@@ -1,14 +1,15 @@
-#include "core/ScanModel.h"
+#include "scan/ScanModel.h"
 
-#include "core/BackgroundTasks.h"
-#include "core/MainThreadQueue.h"
-#include "core/MeasuringStage.h"
-#include "core/Summary.h"
 #include "export/Zipper.h"
 #include "gather/Gathering.h"
-#include "gather/TempRegistry.h"
 #include "measure/MeasurementPipeline.h"
+#include "records/Summary.h"
+#include "scan/BackgroundTasks.h"
+#include "scan/MainThreadQueue.h"
+#include "scan/MeasuringStage.h"
 #include "system/FileName.h"
+#include "system/Paths.h"
+#include "system/TempRegistry.h"
 #include "system/UnicodeCase.h"
 
 #include <algorithm>
@@ -21,7 +22,7 @@ namespace {
 /// Every how many measured files the count is published.
 constexpr int processedStep = 4;
 
-std::string sourceLabel(const ScanModel::Paths& urls) {
+std::string sourceLabel(const Paths& urls) {
     return upperCased(urls.size() == 1 ? lastComponent(urls.front())
                                        : std::to_string(urls.size()) + " items");
 }

@@ -4,8 +4,10 @@
 // scan: starts it, runs it as gathering and measuring in the background, publishes its progress and, at the
 // end, its summary.
 
-#include "core/Records.h"
-#include "core/ZipState.h"
+#include "records/Records.h"
+#include "scan/ScanDetails.h"
+#include "scan/ZipState.h"
+#include "system/Paths.h"
 
 #include <QObject>
 
@@ -15,7 +17,6 @@
 #include <optional>
 #include <stop_token>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
 namespace velmora {
@@ -27,23 +28,10 @@ struct MeasuredFile;
 /// The two stages of a scan. Both run on background threads, `measure` on six at once, and end early when
 /// their stop token is requested. The default is the real work; a test holds and releases stages of its own.
 struct ScanStages {
-    using Paths = std::vector<std::filesystem::path>;
-
     std::function<GatherResult(const Paths& urls, const std::stop_token& stop)> gather;
     std::function<Measured(const std::filesystem::path& url, const std::stop_token& stop)> measure;
 
     static ScanStages real();
-};
-
-/// What is known of the last scan's files beyond the summary. Complete once the scan has ended; empty before.
-struct ScanDetails {
-    std::vector<Measured> files; ///< every file found, in scan order, unmeasured ones included
-    std::vector<std::filesystem::path> skippedArchives;               ///< archives that could not be unpacked
-    std::unordered_map<std::string, std::filesystem::path> archiveOf; ///< extraction directory to its archive
-
-    /// `path` as the user knows it: what lies in an extraction directory is shown below its archive's own
-    /// path, nested archives likewise ("/music/set.zip/Disc 1/01.wav").
-    std::filesystem::path shownPath(const std::filesystem::path& path) const;
 };
 
 /// All operations are called on the main thread, and every signal is emitted there. Every assignment to a
@@ -57,8 +45,6 @@ class ScanModel : public QObject {
     Q_PROPERTY(QString status READ statusText NOTIFY statusChanged)
 
 public:
-    using Paths = std::vector<std::filesystem::path>;
-
     enum class Phase : std::uint8_t {
         idle,     ///< nothing dropped yet, or reset
         scanning, ///< gathering or measuring

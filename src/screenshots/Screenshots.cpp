@@ -1,7 +1,7 @@
 #include "screenshots/Screenshots.h"
 
-#include "ui/Actions.h"
 #include "ui/Views.h"
+#include "ui/content/Actions.h"
 
 #include <QBuffer>
 #include <QByteArray>

@@ -3,7 +3,7 @@
 // Pictures of the window's content with demonstration data, rendered without a display: the same run makes
 // the images of the web site and proves that every view draws.
 
-#include "ui/ScanView.h"
+#include "ui/content/ScanView.h"
 
 #include <QImage>
 #include <QSize>

@@ -8,12 +8,6 @@
 
 namespace velmora {
 
-FileDescriptor::~FileDescriptor() {
-    if (m_descriptor >= 0) {
-        ::close(m_descriptor);
-    }
-}
-
 std::optional<RegularFile> RegularFile::open(const std::filesystem::path& path) {
     FileDescriptor descriptor(::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC | O_NOCTTY));
 

@@ -1,5 +1,6 @@
-#include "gather/TempRegistry.h"
+#include "system/TempRegistry.h"
 
+#include "system/Paths.h"
 #include "system/RemoveTree.h"
 #include "system/Uuid.h"
 
@@ -15,7 +16,7 @@ namespace {
 namespace fs = std::filesystem;
 
 std::mutex lock;
-std::vector<fs::path> registered; // guarded by `lock`
+Paths registered; // guarded by `lock`
 
 /// The temporary directory, absolute; /tmp when the one the environment names is not there.
 fs::path temporaryDirectory() {
@@ -33,13 +34,13 @@ fs::path freshPath(std::string_view kind) {
     return temporaryDirectory() / (std::string(prefix) + std::string(kind) + randomUuid());
 }
 
-void add(const std::vector<fs::path>& directories) {
+void add(const Paths& directories) {
     const std::scoped_lock guard(lock);
     registered.insert(registered.end(), directories.begin(), directories.end());
 }
 
 void releaseAll() {
-    std::vector<fs::path> released;
+    Paths released;
     {
         const std::scoped_lock guard(lock);
         released.swap(registered);
@@ -50,7 +51,7 @@ void releaseAll() {
 }
 
 void sweepStale() {
-    std::vector<fs::path> stale;
+    Paths stale;
     std::error_code error;
     for (fs::directory_iterator entry(temporaryDirectory(), error), end; !error && entry != end;
          entry.increment(error)) {

@@ -4,6 +4,8 @@
 // directories are released when the next scan starts or the program ends, leftovers of a crash at the next
 // start.
 
+#include "system/Paths.h"
+
 #include <filesystem>
 #include <string>
 #include <string_view>
@@ -19,7 +21,7 @@ inline constexpr std::string_view prefix = "velmora-";
 std::filesystem::path freshPath(std::string_view kind);
 
 /// Registers `directories` for the next release. Any thread.
-void add(const std::vector<std::filesystem::path>& directories);
+void add(const Paths& directories);
 
 /// Deletes every registered directory and forgets it. What cannot be deleted is passed over. Any thread; the
 /// registry is not locked while files are deleted.

@@ -1,6 +1,6 @@
 #include "ui/Views.h"
 
-#include "ui/TextStyle.h"
+#include "ui/kit/TextStyle.h"
 
 #include <QQmlExtensionPlugin>
 #include <QString>

@@ -1,5 +1,5 @@
-#include "ui/AppDelegate.h"
-#include "ui/DropTarget.h"
+#include "app/AppDelegate.h"
+#include "app/desktop/DropTarget.h"
 
 #include <QCoreApplication>
 #include <QDragEnterEvent>

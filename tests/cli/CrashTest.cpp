@@ -1,9 +1,9 @@
 // Runs that are killed, and the next start. Many starts at once.
 
-#include "cli/ScanProcess.h"
-#include "support/Archives.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/cli/ScanProcess.h"
+#include "tests/support/Archives.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

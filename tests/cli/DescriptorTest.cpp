@@ -1,8 +1,8 @@
 // The program with standard descriptors that are closed, full or read by nobody.
 
-#include "cli/ScanProcess.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/cli/ScanProcess.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 // Files of gigabytes: what is nothing but size must not keep the program busy, what is a long recording is
 // timed.
 
-#include "cli/ScanProcess.h"
+#include "tests/cli/ScanProcess.h"
 
 #include <gtest/gtest.h>
 

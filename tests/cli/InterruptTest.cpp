@@ -1,9 +1,9 @@
 // Signals while there is something to clean up.
 
-#include "cli/ScanProcess.h"
-#include "support/Archives.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/cli/ScanProcess.h"
+#include "tests/support/Archives.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

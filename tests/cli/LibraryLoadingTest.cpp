@@ -1,8 +1,8 @@
 // Which libraries a scan loads: libavformat, with more than a hundred behind it, only for who needs it.
 
-#include "support/Files.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

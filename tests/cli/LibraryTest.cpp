@@ -1,10 +1,10 @@
 // A folder of everything: a track of each format a real encoder exists for, archives of each kind and in each
 // other, what cannot be read. The whole JSON object is compared.
 
-#include "cli/ScanProcess.h"
-#include "gather/SourceWalker.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "records/AudioExtensions.h"
+#include "tests/cli/ScanProcess.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

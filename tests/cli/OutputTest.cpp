@@ -1,10 +1,10 @@
 // What the program writes and how it ends, for each thing it can be asked.
 
 #include "cli/Options.h"
-#include "cli/ScanProcess.h"
-#include "support/ForkedProcess.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/cli/ScanProcess.h"
+#include "tests/support/ForkedProcess.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

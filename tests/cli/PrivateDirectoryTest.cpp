@@ -2,9 +2,9 @@
 
 #include "cli/DeadRuns.h"
 #include "cli/RunLock.h"
-#include "support/Files.h"
-#include "support/Shell.h"
 #include "system/RemoveTree.h"
+#include "tests/support/Files.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

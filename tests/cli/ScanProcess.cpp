@@ -1,6 +1,7 @@
-#include "cli/ScanProcess.h"
+#include "tests/cli/ScanProcess.h"
 
-#include "support/OtherPrograms.h"
+#include "system/Paths.h"
+#include "tests/support/OtherPrograms.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -145,8 +146,8 @@ std::vector<std::string> toolsAtWork() {
     return programsWorkingIn((fs::temp_directory_path() / runPrefix).native());
 }
 
-std::vector<fs::path> temporaryPaths(std::string_view prefix) {
-    std::vector<fs::path> paths;
+Paths temporaryPaths(std::string_view prefix) {
+    Paths paths;
     for (const std::string& run : privateDirectories()) {
         const fs::path directory = fs::temp_directory_path() / run;
         for (const std::string& name : namesIn(directory, prefix)) {

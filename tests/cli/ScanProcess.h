@@ -2,7 +2,8 @@
 
 // Runs the built velmora-scan as a process of its own and looks at what it leaves.
 
-#include "support/Files.h"
+#include "system/Paths.h"
+#include "tests/support/Files.h"
 
 #include <sys/types.h>
 
@@ -72,7 +73,7 @@ std::vector<std::string> privateDirectories();
 std::vector<std::string> toolsAtWork();
 
 /// The paths of everything in the private directories whose name begins with `prefix`.
-std::vector<fs::path> temporaryPaths(std::string_view prefix);
+Paths temporaryPaths(std::string_view prefix);
 
 /// Writes files into `folder` that only ffprobe is left to time, and that it cannot time either: more than it
 /// can look at in some seconds.

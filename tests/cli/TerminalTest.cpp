@@ -1,8 +1,8 @@
 // The progress line, on a real terminal.
 
-#include "cli/ScanProcess.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/cli/ScanProcess.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

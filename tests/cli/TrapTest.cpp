@@ -1,9 +1,9 @@
 // Files that ask for more than their own bytes: for a neighbour, or for the network. The kernel's account of
 // a whole run, child processes included, shows that nobody gets it.
 
-#include "support/Files.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

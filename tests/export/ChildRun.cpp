@@ -1,4 +1,4 @@
-#include "export/ChildRun.h"
+#include "tests/export/ChildRun.h"
 
 #include <grp.h>
 #include <gtest/gtest.h>

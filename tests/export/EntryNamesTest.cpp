@@ -1,6 +1,7 @@
 #include "export/EntryNames.h"
 
 #include "export/Zipper.h"
+#include "system/Paths.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,7 +12,6 @@ namespace velmora {
 
 namespace {
 
-using Paths = std::vector<std::filesystem::path>;
 using testing::ElementsAre;
 
 std::string repeated(std::string_view text, int times) {

@@ -1,9 +1,10 @@
 // What the archive's records state: methods, times, permissions, and the large forms.
 
-#include "export/ZipReading.h"
 #include "export/ZipWriter.h"
 #include "export/Zipper.h"
-#include "support/Shell.h"
+#include "system/Paths.h"
+#include "tests/export/ZipReading.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,7 +26,7 @@ TEST(ZipFormat, StoresCompressedAudioAndDeflatesTheRest) {
     const std::vector<std::string> deflated = {"b.wav",  "b.WAVE", "b.bwf", "b.aif", "b.aiff",
                                                "b.aifc", "b.caf",  "b.au",  "b.snd", "b.voc",
                                                "b.w64",  "b.rf64", "b.sd2", "b.dsf", "b (2).dff"};
-    std::vector<fs::path> files;
+    Paths files;
     for (const auto& names : {stored, deflated}) {
         for (const std::string& name : names) {
             files.push_back(write(folder / name, std::string(100000, 'x')));
@@ -95,7 +96,7 @@ TEST(ZipFormat, ClampsTimesToWhatAZipCanState) {
     };
     const fs::path folder = freshFolder();
     const fs::path archive = folder / "Mix.zip";
-    std::vector<fs::path> files;
+    Paths files;
     files.reserve(rows.size());
     for (const Row& row : rows) {
         files.push_back(writeWithTime(folder / (std::to_string(files.size()) + ".mp3"), row.time));
@@ -111,7 +112,7 @@ TEST(ZipFormat, ClampsTimesToWhatAZipCanState) {
 
 TEST(ZipFormat, KeepsContentOfAnySizeAroundItsBuffers) {
     const fs::path folder = freshFolder();
-    std::vector<fs::path> files;
+    Paths files;
     for (const std::size_t size :
          {0U, 1U, 8191U, 8192U, 8193U, 262000U, 262143U, 262144U, 262145U, 600000U}) {
         for (const char* extension : {".mp3", ".wav"}) {
@@ -135,7 +136,7 @@ TEST(ZipFormat, KeepsContentOfAnySizeAroundItsBuffers) {
 TEST(ZipFormat, HoldsMoreEntriesThanTheShortFormCounts) {
     constexpr int count = 70000;
     const fs::path folder = freshFolder();
-    const std::vector<fs::path> songs = {write(folder / "0.mp3", "even"), write(folder / "1.mp3", "odd")};
+    const Paths songs = {write(folder / "0.mp3", "even"), write(folder / "1.mp3", "odd")};
     const fs::path content = folder / "Mix";
     std::vector<std::string> files;
     for (int i = 0; i < count; ++i) {

@@ -1,6 +1,7 @@
-#include "export/ZipReading.h"
 #include "export/Zipper.h"
-#include "support/Shell.h"
+#include "system/Paths.h"
+#include "tests/export/ZipReading.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -62,7 +63,7 @@ class ZipNamesTest : public testing::Test {
 protected:
     ZipNamesTest() {
         const fs::path music = freshFolder();
-        std::vector<fs::path> files;
+        Paths files;
         for (const NameRow& row : rows()) {
             files.push_back(write(music / row.file, row.name));
         }

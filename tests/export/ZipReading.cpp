@@ -1,6 +1,6 @@
-#include "export/ZipReading.h"
+#include "tests/export/ZipReading.h"
 
-#include "support/Shell.h"
+#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 

@@ -2,7 +2,7 @@
 
 // Reads zip archives with the tools people have: unzip, bsdtar and Python.
 
-#include "support/Files.h"
+#include "tests/support/Files.h"
 
 #include <map>
 #include <string>

@@ -1,7 +1,8 @@
-#include "export/ChildRun.h"
-#include "export/ZipReading.h"
 #include "export/ZipWriter.h"
 #include "export/Zipper.h"
+#include "system/Paths.h"
+#include "tests/export/ChildRun.h"
+#include "tests/export/ZipReading.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,8 +17,6 @@ namespace velmora::test {
 namespace {
 
 using testing::IsEmpty;
-
-using Paths = std::vector<fs::path>;
 
 /// What the user is told of the export; "" when it succeeds.
 std::string failureOf(const std::function<void()>& work) {

@@ -1,7 +1,8 @@
 #include "export/Zipper.h"
 
-#include "export/ZipReading.h"
-#include "support/Shell.h"
+#include "system/Paths.h"
+#include "tests/export/ZipReading.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,8 +17,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::Pair;
 using testing::UnorderedElementsAre;
-
-using Paths = std::vector<fs::path>;
 
 void zipQuietly(const Paths& files, const Paths& roots, const fs::path& destination) {
     Zipper::zip(files, roots, destination, [](int, int) {});

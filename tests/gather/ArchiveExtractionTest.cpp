@@ -1,9 +1,10 @@
 #include "gather/ArchiveExtraction.h"
 
-#include "gather/Found.h"
-#include "support/Archives.h"
-#include "support/ForkedProcess.h"
-#include "support/Shell.h"
+#include "system/Paths.h"
+#include "tests/gather/Found.h"
+#include "tests/support/Archives.h"
+#include "tests/support/ForkedProcess.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -150,7 +151,7 @@ TEST(ArchiveExtraction, LeavesNothingOfACutOffArchive) {
 
 TEST(ArchiveExtraction, GivesUpOnEncryptedArchives) {
     const fs::path folder = freshFolder();
-    std::vector<fs::path> archives = {
+    Paths archives = {
         pack(folder / "a.zip", album(), "-P password"),
         pack(folder / "a.7z", album(), "-ppassword"),
         pack(folder / "headers.7z", album(), "-ppassword -mhe=on"),

@@ -1,7 +1,7 @@
-#include "gather/Found.h"
 #include "gather/SourceWalker.h"
-#include "support/Archives.h"
-#include "support/ForkedProcess.h"
+#include "tests/gather/Found.h"
+#include "tests/support/Archives.h"
+#include "tests/support/ForkedProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

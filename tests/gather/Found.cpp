@@ -1,4 +1,4 @@
-#include "gather/Found.h"
+#include "tests/gather/Found.h"
 
 #include "gather/SourceWalker.h"
 

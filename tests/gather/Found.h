@@ -2,8 +2,8 @@
 
 // What a walk found, in a form that a test can state.
 
-#include "core/Records.h"
-#include "support/Files.h"
+#include "records/Records.h"
+#include "tests/support/Files.h"
 
 #include <string>
 #include <vector>

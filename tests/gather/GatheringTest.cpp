@@ -1,7 +1,8 @@
 #include "gather/Gathering.h"
 
-#include "gather/Found.h"
-#include "support/Archives.h"
+#include "system/Paths.h"
+#include "tests/gather/Found.h"
+#include "tests/support/Archives.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -85,7 +86,7 @@ TEST(Gathering, NeedsLessThanAKilobyteAFile) {
         }
     }
     const std::int64_t before = peakMemory();
-    const GatherResult found = gather(std::vector<fs::path>(drops, library));
+    const GatherResult found = gather(Paths(drops, library));
     const std::int64_t perFile = (peakMemory() - before) / static_cast<std::int64_t>(files);
     EXPECT_EQ(found.files.size(), files);
     EXPECT_LT(perFile, 1024);

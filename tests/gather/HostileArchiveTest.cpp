@@ -2,11 +2,11 @@
 // or outlives the extraction.
 
 #include "gather/ArchiveExtraction.h"
-#include "gather/Found.h"
-#include "support/Archives.h"
-#include "support/ForkedProcess.h"
-#include "support/Shell.h"
 #include "system/RemoveTree.h"
+#include "tests/gather/Found.h"
+#include "tests/support/Archives.h"
+#include "tests/support/ForkedProcess.h"
+#include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

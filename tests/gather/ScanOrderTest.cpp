@@ -1,5 +1,7 @@
 #include "gather/ScanOrder.h"
 
+#include "system/Paths.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -15,7 +17,6 @@ namespace {
 using testing::ElementsAre;
 using testing::ElementsAreArray;
 namespace fs = std::filesystem;
-using Paths = std::vector<fs::path>;
 
 /// Sorts under the locale `locale`, named as LC_ALL names it.
 class ScanOrder : public testing::Test {

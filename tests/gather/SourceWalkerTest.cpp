@@ -1,8 +1,9 @@
 #include "gather/SourceWalker.h"
 
-#include "gather/Found.h"
-#include "support/ForkedProcess.h"
+#include "records/AudioExtensions.h"
 #include "system/RegularFile.h"
+#include "tests/gather/Found.h"
+#include "tests/support/ForkedProcess.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>

@@ -1,7 +1,7 @@
 #include "gather/ToolRunner.h"
 
-#include "support/Archives.h"
-#include "support/ForkedProcess.h"
+#include "tests/support/Archives.h"
+#include "tests/support/ForkedProcess.h"
 
 #include <gtest/gtest.h>
 

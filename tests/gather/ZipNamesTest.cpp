@@ -1,7 +1,7 @@
 #include "gather/ZipNames.h"
 
-#include "support/Archives.h"
-#include "support/Shell.h"
+#include "tests/support/Archives.h"
+#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 

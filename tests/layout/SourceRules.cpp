@@ -1,20 +1,20 @@
-#include "layout/SourceRules.h"
+#include "tests/layout/SourceRules.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
 #include <optional>
+#include <regex>
 #include <span>
-#include <utility>
 
 namespace velmora::test {
 
 namespace {
 
-/// A floor of the house: a folder of src/, or some files of one.
+/// A floor of the house: a folder of src/.
 struct Floor {
     std::string_view name;
-    std::vector<std::string_view> mayInclude; ///< floors, or single headers
+    std::vector<std::string_view> mayInclude; ///< floors below it
     std::vector<std::string_view> qtModules;  ///< "*" is every module
 };
 
@@ -22,36 +22,42 @@ const std::array floors = {
     Floor{"system", {}, {}},
     Floor{"records", {"system"}, {}},
     Floor{"gather", {"records", "system"}, {}},
-    Floor{"measure", {"records", "system"}, {}},
-    Floor{"export", {"records", "system", "gather/TempRegistry.h", "gather/ToolRunner.h"}, {}},
-    Floor{"model", {"gather", "measure", "export", "records", "system"}, {"QtCore"}},
-    Floor{"cli", {"model", "records", "system"}, {"QtCore"}},
-    Floor{"update", {"system"}, {"QtCore", "QtNetwork"}},
-    Floor{"ui", {"model", "update", "records", "system"}, {"*"}},
-    Floor{"screenshots", {"ui", "model", "update", "records", "system"}, {"*"}},
-    Floor{"window", {"screenshots", "ui", "model", "update", "records", "system"}, {"*"}},
+    Floor{"measure/bytes", {"system"}, {}},
+    Floor{"measure/frames", {"measure/bytes", "system"}, {}},
+    Floor{"measure/libav", {"measure/bytes", "system"}, {}},
+    Floor{"measure/formats", {"measure/bytes", "measure/frames", "measure/libav", "system"}, {}},
+    Floor{"measure",
+          {"measure/bytes", "measure/frames", "measure/libav", "measure/formats", "records", "system"},
+          {}},
+    Floor{"export", {"records", "system"}, {}},
+    Floor{"scan", {"gather", "measure", "export", "records", "system"}, {"QtCore"}},
+    Floor{"cli", {"scan", "records", "system"}, {"QtCore"}},
+    Floor{"update", {}, {"QtCore", "QtNetwork"}},
+    Floor{"ui/kit", {}, {"*"}},
+    Floor{"ui/scenery", {"ui/kit"}, {"*"}},
+    Floor{"ui/content", {"ui/kit", "ui/scenery", "scan", "records", "system"}, {"*"}},
+    Floor{"ui/window", {"ui/kit", "ui/scenery", "ui/content"}, {"*"}},
+    Floor{"ui", {"ui/kit"}, {"*"}},
+    Floor{"screenshots", {"ui", "ui/kit", "ui/content", "scan", "records", "system"}, {"*"}},
+    Floor{"app/desktop", {"system"}, {"*"}},
+    Floor{"app/panels", {"app/desktop", "ui/kit", "system"}, {"*"}},
+    Floor{"app",
+          {"app/desktop", "app/panels", "screenshots", "ui", "ui/kit", "ui/content", "ui/window", "update",
+           "scan", "records", "system"},
+          {"*"}},
 };
 
-/// The files that are another floor than the rest of their folder.
-constexpr std::array<std::pair<std::string_view, std::string_view>, 4> ownFloors = {{
-    {"core/Records.h", "records"},
-    {"core/DisplayFormat.h", "records"},
-    {"core/DisplayFormat.cpp", "records"},
-    {"ui/main.cpp", "window"},
-}};
-
 bool contains(std::span<const std::string_view> list, std::string_view wanted) {
-    return std::find(list.begin(), list.end(), wanted) != list.end();
+    return std::ranges::find(list, wanted) != list.end();
 }
 
 std::string floorOf(const std::filesystem::path& path) {
-    for (const auto& [file, floor] : ownFloors) {
-        if (path == file) {
-            return std::string(floor);
-        }
-    }
-    std::string folder = path.begin()->native();
-    return folder == "core" ? "model" : folder;
+    return path.parent_path().native();
+}
+
+const Floor* findFloor(std::string_view name) {
+    const auto* const floor = std::ranges::find(floors, name, &Floor::name);
+    return floor == floors.end() ? nullptr : floor;
 }
 
 std::optional<std::string> wrongOwnInclude(const Floor& from, const std::string& header) {
@@ -65,7 +71,7 @@ std::optional<std::string> wrongOwnInclude(const Floor& from, const std::string&
         return header + " does not name its folder";
     }
     const std::string to = floorOf(header);
-    if (to == from.name || contains(from.mayInclude, to) || contains(from.mayInclude, header)) {
+    if (to == from.name || contains(from.mayInclude, to)) {
         return std::nullopt;
     }
     return std::string(from.name) + " must not include " + header;
@@ -102,11 +108,9 @@ std::vector<Include> includesOf(std::string_view text) {
 }
 
 std::vector<std::string> wrongIncludes(const std::filesystem::path& path, std::string_view text) {
-    const std::string name = floorOf(path);
-    const auto* const from = std::find_if(floors.begin(), floors.end(),
-                                          [&name](const Floor& floor) { return floor.name == name; });
-    if (from == floors.end()) {
-        return {path.native() + ": no arrow is drawn for " + name};
+    const Floor* const from = findFloor(floorOf(path));
+    if (from == nullptr) {
+        return {path.native() + ": no arrow is drawn for " + floorOf(path)};
     }
     std::vector<std::string> wrong;
     for (const Include& include : includesOf(text)) {
@@ -114,6 +118,33 @@ std::vector<std::string> wrongIncludes(const std::filesystem::path& path, std::s
             include.quoted ? wrongOwnInclude(*from, include.name) : wrongQtInclude(*from, include.name);
         if (reason) {
             wrong.push_back(path.native() + ": " + *reason);
+        }
+    }
+    return wrong;
+}
+
+std::vector<std::string> usedTypes(std::string_view qml) {
+    static const std::regex use("(?:^|\\n) *(?:[a-zA-Z.]+: )?([A-Z][A-Za-z]*) \\{");
+    std::vector<std::string> types;
+    for (std::cregex_iterator match(qml.data(), qml.data() + qml.size(), use), end; match != end; ++match) {
+        types.push_back((*match)[1]);
+    }
+    return types;
+}
+
+std::vector<std::string> wrongTypes(const std::filesystem::path& path, std::string_view qml,
+                                    const TypeFolders& folders) {
+    const Floor* const from = findFloor(floorOf(path));
+    if (from == nullptr) {
+        return {path.native() + ": no arrow is drawn for " + floorOf(path)};
+    }
+    std::vector<std::string> wrong;
+    for (const std::string& type : usedTypes(qml)) {
+        const auto folder = folders.find(type);
+        if (folder != folders.end() && folder->second != from->name &&
+            !contains(from->mayInclude, folder->second)) {
+            wrong.push_back(path.native() + ": " + std::string(from->name) + " must not show " + type +
+                            " of " + folder->second);
         }
     }
     return wrong;

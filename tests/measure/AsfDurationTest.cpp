@@ -1,6 +1,6 @@
-#include "measure/AsfDuration.h"
+#include "measure/formats/AsfDuration.h"
 
-#include "measure/HeaderBytes.h"
+#include "tests/measure/HeaderBytes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,11 +1,11 @@
 // Formats that state their length, count it, or number their frames: real files whole and cut off, and
 // headers built from bytes where there is no encoder.
 
-#include "measure/MediaBytes.h"
-#include "measure/TwelveSeconds.h"
-#include "support/Files.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/measure/MediaBytes.h"
+#include "tests/measure/TwelveSeconds.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 

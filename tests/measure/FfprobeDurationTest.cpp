@@ -1,8 +1,8 @@
 #include "measure/FfprobeDuration.h"
 
-#include "support/Files.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,10 +1,10 @@
 // MPEG audio, ADTS and AMR: streams of frames, built header by header.
 
-#include "measure/FrameStreamDuration.h"
-#include "measure/MediaBytes.h"
-#include "support/Files.h"
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "measure/frames/FrameStreamDuration.h"
+#include "tests/measure/MediaBytes.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 

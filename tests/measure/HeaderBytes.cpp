@@ -1,4 +1,4 @@
-#include "measure/HeaderBytes.h"
+#include "tests/measure/HeaderBytes.h"
 
 #include <algorithm>
 #include <iterator>

@@ -3,8 +3,8 @@
 // Ogg and ASF files built field by field, under the names the formats give their fields, so that a test shows
 // only the bytes that matter; and a source that keeps account of every read.
 
-#include "measure/ByteSource.h"
-#include "support/Files.h"
+#include "measure/bytes/ByteSource.h"
+#include "tests/support/Files.h"
 
 #include <array>
 #include <cstdint>

@@ -1,9 +1,9 @@
 // The header readers read as little as they can. Here each is held against the plain way: read all there is
 // within the bounds, then look. Thousands of damaged files, the same at every run, must get the same answer.
 
-#include "measure/AsfDuration.h"
-#include "measure/HeaderBytes.h"
-#include "measure/OggDuration.h"
+#include "measure/formats/AsfDuration.h"
+#include "measure/formats/OggDuration.h"
+#include "tests/measure/HeaderBytes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,8 @@
 #include "measure/HeaderDuration.h"
 
-#include "measure/HeaderBytes.h"
-#include "support/Files.h"
-#include "support/RealAudio.h"
+#include "tests/measure/HeaderBytes.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,9 +1,9 @@
 // Containers that libavformat reads: what they state of their sound, and their packets where they state
 // nothing.
 
-#include "measure/HeaderBytes.h"
-#include "measure/MediaBytes.h"
-#include "measure/TwelveSeconds.h"
+#include "tests/measure/HeaderBytes.h"
+#include "tests/measure/MediaBytes.h"
+#include "tests/measure/TwelveSeconds.h"
 
 #include <gtest/gtest.h>
 

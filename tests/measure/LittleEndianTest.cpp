@@ -1,4 +1,4 @@
-#include "measure/LittleEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <gtest/gtest.h>
 

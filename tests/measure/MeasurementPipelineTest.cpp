@@ -1,9 +1,9 @@
 #include "measure/MeasurementPipeline.h"
 
-#include "measure/HeaderBytes.h"
-#include "support/Files.h"
-#include "support/RealAudio.h"
 #include "system/RegularFile.h"
+#include "tests/measure/HeaderBytes.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>

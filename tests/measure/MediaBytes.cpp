@@ -1,4 +1,4 @@
-#include "measure/MediaBytes.h"
+#include "tests/measure/MediaBytes.h"
 
 #include <algorithm>
 #include <span>

@@ -1,9 +1,9 @@
 // Every reader against files cut off at every length and with every byte of the header changed: an answer is
 // absent, or finite and positive, and what is cut off never plays longer than the whole.
 
-#include "measure/MediaBytes.h"
-#include "support/Files.h"
-#include "support/RealAudio.h"
+#include "tests/measure/MediaBytes.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
 
 #include <gtest/gtest.h>
 

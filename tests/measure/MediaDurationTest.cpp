@@ -2,8 +2,8 @@
 
 #include "measure/MediaDuration.h"
 
-#include "support/Files.h"
-#include "support/RealAudio.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
 
 #include <gtest/gtest.h>
 

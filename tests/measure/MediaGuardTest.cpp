@@ -1,11 +1,12 @@
 // What a file may not do to the program: make it open a second file, take its name for an address, or keep it
 // busy.
 
-#include "measure/HeaderBytes.h"
-#include "measure/MediaBytes.h"
 #include "measure/MediaDuration.h"
-#include "support/Files.h"
-#include "support/RealAudio.h"
+#include "system/Paths.h"
+#include "tests/measure/HeaderBytes.h"
+#include "tests/measure/MediaBytes.h"
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
 
 #include <gtest/gtest.h>
 #include <sys/inotify.h>
@@ -187,7 +188,7 @@ TEST(MediaGuard, ReadsLittleOfAFileThatStatesItsLength) {
 
 TEST(MediaGuard, GivesEveryThreadTheSameAnswer) {
     const fs::path folder = freshFolder();
-    std::vector<fs::path> files;
+    Paths files;
     for (const char* const extension : {"mp3", "flac", "m4a", "ogg", "mka", "wma", "tta", "aac", "ra"}) {
         files.push_back(encodeAudio(folder / ("track."s + extension)));
     }

@@ -1,7 +1,7 @@
 // Musepack: what its header states, and the packets of a stream that lacks its end.
 
-#include "measure/MediaBytes.h"
-#include "measure/TwelveSeconds.h"
+#include "tests/measure/MediaBytes.h"
+#include "tests/measure/TwelveSeconds.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "measure/OggDuration.h"
+#include "measure/formats/OggDuration.h"
 
-#include "measure/HeaderBytes.h"
+#include "tests/measure/HeaderBytes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,7 +1,7 @@
 // What the Ogg reader reads: as little as settles the answer, never more than its bounds.
 
-#include "measure/HeaderBytes.h"
-#include "measure/OggDuration.h"
+#include "measure/formats/OggDuration.h"
+#include "tests/measure/HeaderBytes.h"
 
 #include <gtest/gtest.h>
 

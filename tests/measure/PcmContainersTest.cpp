@@ -1,7 +1,7 @@
 // Containers whose length follows from their bytes: what their headers may say wrong, and how far they are
 // believed.
 
-#include "measure/MediaBytes.h"
+#include "tests/measure/MediaBytes.h"
 
 #include <gtest/gtest.h>
 

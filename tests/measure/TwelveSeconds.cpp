@@ -1,7 +1,7 @@
-#include "measure/TwelveSeconds.h"
+#include "tests/measure/TwelveSeconds.h"
 
-#include "support/Files.h"
-#include "support/Shell.h"
+#include "tests/support/Files.h"
+#include "tests/support/Shell.h"
 
 namespace velmora::test {
 

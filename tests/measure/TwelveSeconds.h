@@ -2,7 +2,7 @@
 
 // Twelve seconds of sound in any format.
 
-#include "support/RealAudio.h"
+#include "tests/support/RealAudio.h"
 
 #include <string>
 #include <string_view>

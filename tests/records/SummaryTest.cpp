@@ -1,4 +1,6 @@
-#include "core/Summary.h"
+#include "records/Summary.h"
+
+#include "system/Paths.h"
 
 #include <gtest/gtest.h>
 
@@ -37,7 +39,7 @@ TEST(Summary, LeavesUnmeasuredFilesOutOfEveryTotal) {
 
     EXPECT_EQ(summary.unreadable, 2);
     EXPECT_EQ(summary.bytes, 7);
-    EXPECT_EQ(summary.files, (std::vector<std::filesystem::path>{"/m/good.ogg"}));
+    EXPECT_EQ(summary.files, (Paths{"/m/good.ogg"}));
     EXPECT_EQ(summary.formats, (std::vector<FormatStat>{{"OGG", 1, 2}}));
 }
 

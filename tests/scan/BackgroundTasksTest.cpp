@@ -1,4 +1,4 @@
-#include "core/BackgroundTasks.h"
+#include "scan/BackgroundTasks.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
-#include "core/MainThreadQueue.h"
+#include "scan/MainThreadQueue.h"
 
-#include "core/ScanModelFixture.h"
+#include "tests/scan/ScanModelFixture.h"
 
 #include <thread>
 

@@ -1,5 +1,5 @@
-#include "core/ScanModelFixture.h"
-#include "support/Files.h"
+#include "tests/scan/ScanModelFixture.h"
+#include "tests/support/Files.h"
 
 namespace velmora::test {
 namespace {

@@ -1,6 +1,6 @@
-#include "core/ScanModelFixture.h"
-#include "support/Files.h"
-#include "support/Shell.h"
+#include "tests/scan/ScanModelFixture.h"
+#include "tests/support/Files.h"
+#include "tests/support/Shell.h"
 
 #include <latch>
 

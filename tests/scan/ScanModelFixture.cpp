@@ -1,4 +1,6 @@
-#include "core/ScanModelFixture.h"
+#include "tests/scan/ScanModelFixture.h"
+
+#include "system/Paths.h"
 
 #include <QMetaEnum>
 #include <QTest>
@@ -32,7 +34,7 @@ void HeldMeasuring::awaitStarted(std::size_t count) {
         m_changed.wait_for(lock, std::chrono::seconds(60), [&] { return m_started.size() >= count; }));
 }
 
-std::vector<std::filesystem::path> HeldMeasuring::started() {
+Paths HeldMeasuring::started() {
     const std::lock_guard guard(m_lock);
     return m_started;
 }

@@ -2,7 +2,8 @@
 
 // A scan model on a real event loop, its publications written down in order, with stages a test can hold.
 
-#include "core/ScanModel.h"
+#include "scan/ScanModel.h"
+#include "system/Paths.h"
 
 #include <QCoreApplication>
 #include <QSignalSpy>
@@ -30,19 +31,17 @@ public:
     void awaitStarted(std::size_t count);
 
     /// The files whose measurement has begun, in that order.
-    std::vector<std::filesystem::path> started();
+    Paths started();
 
 private:
     std::mutex m_lock;
     std::condition_variable_any m_changed;
-    std::vector<std::filesystem::path> m_started;
+    Paths m_started;
     int m_free = 0;
 };
 
 class ScanModelTest : public testing::Test {
 protected:
-    using Paths = ScanModel::Paths;
-
     /// A model that finds `files` whatever is dropped, and measures them with `lengths` by file name (-1.0
     /// for others).
     void createModel(const Paths& files, std::map<std::string, double> lengths = {});

@@ -1,6 +1,7 @@
-#include "core/ScanModelFixture.h"
-#include "support/Files.h"
-#include "support/Shell.h"
+#include "system/Paths.h"
+#include "tests/scan/ScanModelFixture.h"
+#include "tests/support/Files.h"
+#include "tests/support/Shell.h"
 
 #include <thread>
 
@@ -10,8 +11,8 @@ namespace {
 using Lines = std::vector<std::string>;
 
 /// "/m/01.wav", "/m/02.wav", ...
-ScanModel::Paths tracks(int count) {
-    ScanModel::Paths files;
+Paths tracks(int count) {
+    Paths files;
     for (int i = 1; i <= count; ++i) {
         files.emplace_back("/m/" + std::string(i < 10 ? "0" : "") + std::to_string(i) + ".wav");
     }

@@ -1,8 +1,8 @@
 // Every test runs the rendering in a process of its own, as the program's launch does, and looks at the
 // files.
 
-#include "support/Files.h"
-#include "support/Shell.h"
+#include "tests/support/Files.h"
+#include "tests/support/Shell.h"
 
 #include <QColor>
 #include <QImage>

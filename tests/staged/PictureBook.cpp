@@ -3,13 +3,13 @@
 // WIDTH and HEIGHT are those of the content, in points; the strip on top comes on top. The same bytes on
 // every run.
 
+#include "app/WindowActions.h"
 #include "screenshots/Screenshots.h"
-#include "ui/Alerts.h"
-#include "ui/RecordingActions.h"
-#include "ui/ScanView.h"
-#include "ui/StagedWindow.h"
+#include "tests/staged/RecordingActions.h"
+#include "tests/staged/StagedWindow.h"
 #include "ui/Views.h"
-#include "ui/WindowActions.h"
+#include "ui/content/ScanView.h"
+#include "ui/window/Alerts.h"
 
 #include <QGuiApplication>
 #include <QImage>

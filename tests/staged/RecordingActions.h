@@ -2,7 +2,7 @@
 
 // Actions that do nothing but write down what they are asked to do.
 
-#include "ui/Actions.h"
+#include "ui/content/Actions.h"
 
 #include <QStringList>
 

@@ -1,9 +1,9 @@
-#include "ui/StagedWindow.h"
+#include "tests/staged/StagedWindow.h"
 
-#include "ui/Actions.h"
-#include "ui/Alerts.h"
-#include "ui/ScanView.h"
 #include "ui/Views.h"
+#include "ui/content/Actions.h"
+#include "ui/content/ScanView.h"
+#include "ui/window/Alerts.h"
 
 #include <QQmlComponent>
 #include <QQuickWindow>

@@ -1,6 +1,6 @@
-#include "support/Archives.h"
+#include "tests/support/Archives.h"
 
-#include "support/Shell.h"
+#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 // Archives for tests. Where a real packer exists it packs; where it would refuse (a name that leads out of
 // the archive, a name in an old code page) or does not exist (rar), the bytes are written here.
 
-#include "support/Files.h"
+#include "tests/support/Files.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
-#include "support/ForkedProcess.h"
+#include "tests/support/ForkedProcess.h"
 
-#include "support/Files.h"
+#include "tests/support/Files.h"
 
 #include <grp.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "support/OtherPrograms.h"
+#include "tests/support/OtherPrograms.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,7 +1,7 @@
-#include "support/RealAudio.h"
+#include "tests/support/RealAudio.h"
 
-#include "support/Files.h"
-#include "support/Shell.h"
+#include "tests/support/Files.h"
+#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 #include <sndfile.h>

@@ -1,6 +1,6 @@
-#include "support/Shell.h"
+#include "tests/support/Shell.h"
 
-#include "support/Files.h"
+#include "tests/support/Files.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>

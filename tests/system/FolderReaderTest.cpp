@@ -1,6 +1,6 @@
 #include "system/FolderReader.h"
 
-#include "support/Files.h"
+#include "tests/support/Files.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

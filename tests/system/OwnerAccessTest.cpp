@@ -1,7 +1,7 @@
 #include "system/OwnerAccess.h"
 
-#include "support/Files.h"
-#include "support/ForkedProcess.h"
+#include "tests/support/Files.h"
+#include "tests/support/ForkedProcess.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

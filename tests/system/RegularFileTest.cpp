@@ -1,6 +1,6 @@
 #include "system/RegularFile.h"
 
-#include "support/Files.h"
+#include "tests/support/Files.h"
 
 #include <gtest/gtest.h>
 #include <sys/socket.h>

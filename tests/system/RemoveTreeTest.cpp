@@ -1,8 +1,8 @@
 #include "system/RemoveTree.h"
 
-#include "support/Files.h"
-#include "support/ForkedProcess.h"
 #include "system/RegularFile.h"
+#include "tests/support/Files.h"
+#include "tests/support/ForkedProcess.h"
 
 #include <fcntl.h>
 #include <gtest/gtest.h>

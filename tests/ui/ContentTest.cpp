@@ -1,8 +1,8 @@
-#include "ui/Neon.h"
-#include "ui/PaintedGlowText.h"
-#include "ui/PaintedText.h"
-#include "ui/ProgressCapsule.h"
-#include "ui/UiTest.h"
+#include "tests/ui/UiTest.h"
+#include "ui/content/ProgressCapsule.h"
+#include "ui/kit/Neon.h"
+#include "ui/kit/PaintedGlowText.h"
+#include "ui/kit/PaintedText.h"
 
 #include <QTest>
 

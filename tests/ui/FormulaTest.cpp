@@ -1,7 +1,7 @@
 // The expected numbers were computed from the formulas with another language's mathematics.
 
-#include "ui/RibbonFormula.h"
-#include "ui/SpectrumFormula.h"
+#include "ui/scenery/RibbonFormula.h"
+#include "ui/scenery/SpectrumFormula.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

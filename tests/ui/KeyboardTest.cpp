@@ -1,6 +1,6 @@
 // The window by keyboard alone, and what it tells those who hear it.
 
-#include "ui/UiTest.h"
+#include "tests/ui/UiTest.h"
 
 #include <QAccessible>
 #include <QTest>

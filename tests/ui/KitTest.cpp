@@ -1,7 +1,7 @@
-#include "ui/Neon.h"
-#include "ui/PaintedGlowText.h"
-#include "ui/PaintedText.h"
-#include "ui/UiTest.h"
+#include "tests/ui/UiTest.h"
+#include "ui/kit/Neon.h"
+#include "ui/kit/PaintedGlowText.h"
+#include "ui/kit/PaintedText.h"
 
 #include <QQmlComponent>
 #include <QSignalSpy>

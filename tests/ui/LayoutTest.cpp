@@ -1,6 +1,6 @@
 // Where things stand in the window's content, and that they stay there.
 
-#include "ui/UiTest.h"
+#include "tests/ui/UiTest.h"
 
 #include <QEasingCurve>
 

@@ -1,9 +1,9 @@
 // Glows, shadows and lines, against values computed here from what they are to look like.
 
-#include "ui/Neon.h"
-#include "ui/PaintedGlowText.h"
-#include "ui/UiTest.h"
-#include "ui/WaveImage.h"
+#include "tests/ui/UiTest.h"
+#include "ui/kit/Neon.h"
+#include "ui/kit/PaintedGlowText.h"
+#include "ui/scenery/WaveImage.h"
 
 #include <QPainter>
 

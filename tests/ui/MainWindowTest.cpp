@@ -1,5 +1,5 @@
-#include "ui/FrameClock.h"
-#include "ui/UiTest.h"
+#include "tests/ui/UiTest.h"
+#include "ui/scenery/FrameClock.h"
 
 #include <QTest>
 

@@ -1,8 +1,8 @@
 // The mesh that a GPU is given, drawn here as a GPU would draw it, against the image that is shown without
 // one.
 
-#include "ui/WaveGeometry.h"
-#include "ui/WaveImage.h"
+#include "ui/scenery/WaveGeometry.h"
+#include "ui/scenery/WaveImage.h"
 
 #include <QImage>
 #include <QPainter>

@@ -1,7 +1,7 @@
-#include "ui/ScanView.h"
+#include "ui/content/ScanView.h"
 
-#include "ui/Neon.h"
-#include "ui/UiTest.h"
+#include "tests/ui/UiTest.h"
+#include "ui/kit/Neon.h"
 
 #include <QElapsedTimer>
 #include <QSignalSpy>

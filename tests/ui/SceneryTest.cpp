@@ -1,8 +1,8 @@
-#include "ui/Glow.h"
-#include "ui/Neon.h"
-#include "ui/SpectrumFormula.h"
-#include "ui/UiTest.h"
-#include "ui/WaveImage.h"
+#include "tests/ui/UiTest.h"
+#include "ui/kit/Glow.h"
+#include "ui/kit/Neon.h"
+#include "ui/scenery/SpectrumFormula.h"
+#include "ui/scenery/WaveImage.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -1,6 +1,6 @@
-#include "ui/Spring.h"
+#include "ui/kit/Spring.h"
 
-#include "ui/UiTest.h"
+#include "tests/ui/UiTest.h"
 
 #include <QTest>
 

@@ -1,14 +1,11 @@
-#include "ui/UiTest.h"
+#include "tests/ui/UiTest.h"
 
-#include "ui/StagedWindow.h"
-#include "ui/Views.h"
+#include "tests/staged/StagedWindow.h"
 
-#include <QGuiApplication>
 #include <QQmlComponent>
 #include <QTest>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace velmora::test {
 
@@ -25,32 +22,10 @@ void keepWarnings(QtMsgType type, const QMessageLogContext& /*context*/, const Q
     }
 }
 
-/// The one application object of a test process.
-class Application : public testing::Environment {
-public:
-    void SetUp() override {
-        ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
-        ::setenv("QT_QUICK_BACKEND", "software", 1);
-        m_application = std::make_unique<QGuiApplication>(m_count, m_arguments);
-        Views::prepare();
-        qInstallMessageHandler(&keepWarnings);
-    }
-
-    void TearDown() override { m_application.reset(); }
-
-private:
-    char m_name[5] = "test";
-    char* m_arguments[2] = {m_name, nullptr};
-    int m_count = 1;
-    std::unique_ptr<QGuiApplication> m_application;
-};
-
-[[maybe_unused]] const testing::Environment* const application =
-    testing::AddGlobalTestEnvironment(new Application);
-
 } // namespace
 
 void UiTest::SetUp() {
+    qInstallMessageHandler(&keepWarnings);
     warnings().clear();
     m_engine = std::make_unique<QQmlEngine>();
 }
@@ -58,6 +33,7 @@ void UiTest::SetUp() {
 void UiTest::TearDown() {
     window.reset();
     m_engine.reset();
+    qInstallMessageHandler(nullptr);
     EXPECT_EQ(warnings().join('\n').toStdString(), "");
 }
 

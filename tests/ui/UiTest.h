@@ -2,9 +2,9 @@
 
 // What tests of views share: an application without a display, an eye on every warning, views in windows.
 
-#include "ui/Alerts.h"
-#include "ui/RecordingActions.h"
-#include "ui/ScanView.h"
+#include "tests/staged/RecordingActions.h"
+#include "ui/content/ScanView.h"
+#include "ui/window/Alerts.h"
 
 #include <QImage>
 #include <QQmlEngine>

@@ -1,8 +1,8 @@
 // The checker over HTTPS: whom it trusts.
 
-#include "support/Files.h"
-#include "support/Shell.h"
-#include "update/ManifestServer.h"
+#include "tests/support/Files.h"
+#include "tests/support/Shell.h"
+#include "tests/update/ManifestServer.h"
 #include "update/UpdateChecker.h"
 
 #include <QCoreApplication>

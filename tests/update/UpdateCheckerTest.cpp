@@ -1,6 +1,6 @@
 #include "update/UpdateChecker.h"
 
-#include "update/ManifestServer.h"
+#include "tests/update/ManifestServer.h"
 
 #include <QCoreApplication>
 #include <QNetworkAccessManager>

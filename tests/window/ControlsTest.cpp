@@ -1,6 +1,6 @@
 // Every control of the window, pressed where it is seen.
 
-#include "window/WindowTest.h"
+#include "tests/window/WindowTest.h"
 
 namespace velmora::test {
 namespace {

@@ -1,4 +1,4 @@
-#include "window/Desktop.h"
+#include "tests/window/Desktop.h"
 
 #include <gtest/gtest.h>
 

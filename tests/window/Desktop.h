@@ -3,8 +3,8 @@
 // A desktop of one's own, as a user finds it after logging in: a display with a window manager, a session bus
 // with the service for readers of the screen, folders. Nothing of the user who runs the test is touched.
 
-#include "support/Files.h"
-#include "window/Process.h"
+#include "tests/support/Files.h"
+#include "tests/window/Process.h"
 
 #include <QDBusConnection>
 #include <QPoint>

@@ -1,8 +1,8 @@
 // Real drags from another program.
 
-#include "support/Archives.h"
-#include "window/Services.h"
-#include "window/WindowTest.h"
+#include "tests/support/Archives.h"
+#include "tests/window/Services.h"
+#include "tests/window/WindowTest.h"
 
 namespace velmora::test {
 namespace {

@@ -1,8 +1,8 @@
 // The ways the window ends, and what it leaves.
 
-#include "support/Archives.h"
-#include "support/OtherPrograms.h"
-#include "window/WindowTest.h"
+#include "tests/support/Archives.h"
+#include "tests/support/OtherPrograms.h"
+#include "tests/window/WindowTest.h"
 
 #include <gmock/gmock.h>
 

@@ -1,6 +1,6 @@
 // The window's own frame, with a window manager that draws none: strip, edges, background.
 
-#include "window/WindowTest.h"
+#include "tests/window/WindowTest.h"
 
 #include <QSize>
 

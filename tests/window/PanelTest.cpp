@@ -1,10 +1,10 @@
 // The open and the save panel, worked with the keyboard and the pointer.
 
-#include "support/Archives.h"
-#include "support/Shell.h"
 #include "system/RegularFile.h"
-#include "window/Services.h"
-#include "window/WindowTest.h"
+#include "tests/support/Archives.h"
+#include "tests/support/Shell.h"
+#include "tests/window/Services.h"
+#include "tests/window/WindowTest.h"
 
 #include <sys/inotify.h>
 #include <unistd.h>

@@ -1,4 +1,4 @@
-#include "window/Process.h"
+#include "tests/window/Process.h"
 
 #include <QTest>
 

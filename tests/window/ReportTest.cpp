@@ -1,6 +1,6 @@
 // From the command line to the clipboard.
 
-#include "window/WindowTest.h"
+#include "tests/window/WindowTest.h"
 
 #include <algorithm>
 

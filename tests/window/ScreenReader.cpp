@@ -1,6 +1,6 @@
-#include "window/ScreenReader.h"
+#include "tests/window/ScreenReader.h"
 
-#include "window/Process.h"
+#include "tests/window/Process.h"
 
 #include <QDBusArgument>
 #include <QDBusMessage>

@@ -1,7 +1,7 @@
 // Started again while the window is open: with a session bus, and without any.
 
-#include "support/Archives.h"
-#include "window/WindowTest.h"
+#include "tests/support/Archives.h"
+#include "tests/window/WindowTest.h"
 
 #include <gmock/gmock.h>
 

@@ -1,4 +1,4 @@
-#include "window/Services.h"
+#include "tests/window/Services.h"
 
 #include <gtest/gtest.h>
 

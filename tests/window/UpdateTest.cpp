@@ -1,6 +1,6 @@
 // What the window tells about newer versions. The manifests come from a server on this machine.
 
-#include "window/WindowTest.h"
+#include "tests/window/WindowTest.h"
 
 #include <QDateTime>
 

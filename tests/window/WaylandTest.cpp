@@ -1,8 +1,8 @@
 // The same program on Wayland. Where its windows are nobody but the compositor knows, so what would be
 // clicked is pressed through the reader of the screen.
 
-#include "support/Archives.h"
-#include "window/WindowTest.h"
+#include "tests/support/Archives.h"
+#include "tests/window/WindowTest.h"
 
 #include <QSize>
 

@@ -1,7 +1,7 @@
-#include "window/WindowTest.h"
+#include "tests/window/WindowTest.h"
 
-#include "support/RealAudio.h"
-#include "support/Shell.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
 
 #include <QCoreApplication>
 

@@ -2,8 +2,8 @@
 
 // What the tests of the real window share: a desktop, the program on it, eyes and hands.
 
-#include "window/Desktop.h"
-#include "window/ScreenReader.h"
+#include "tests/window/Desktop.h"
+#include "tests/window/ScreenReader.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,8 @@
-#include "ui/ApplicationAdaptor.h"
+#include "app/desktop/ApplicationAdaptor.h"
+
+#include "app/desktop/FileUrls.h"
+
+#include <utility>
 
 namespace velmora {
 
@@ -12,16 +16,16 @@ QByteArray tokenIn(const QVariantMap& platformData) {
 
 } // namespace
 
-ApplicationAdaptor::ApplicationAdaptor(SingleInstance* instance)
-    : QDBusAbstractAdaptor(instance)
-    , m_instance(instance) {}
+ApplicationAdaptor::ApplicationAdaptor(QObject* served, Request request)
+    : QDBusAbstractAdaptor(served)
+    , m_request(std::move(request)) {}
 
 void ApplicationAdaptor::Activate(const QVariantMap& platformData) {
-    emit m_instance->requested({}, tokenIn(platformData));
+    m_request({}, tokenIn(platformData));
 }
 
 void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap& platformData) {
-    emit m_instance->requested(pathsOfUriList(uris.join(u'\n').toUtf8()), tokenIn(platformData));
+    m_request(pathsOfUriList(uris.join(u'\n').toUtf8()), tokenIn(platformData));
 }
 
 void ApplicationAdaptor::ActivateAction(const QString&, const QVariantList&,

@@ -3,21 +3,28 @@
 // The program on the session bus: org.freedesktop.Application, as the Desktop Entry Specification describes
 // it.
 
-#include "ui/SingleInstance.h"
+#include "system/Paths.h"
 
+#include <QByteArray>
 #include <QDBusAbstractAdaptor>
 #include <QStringList>
 #include <QVariantMap>
 
+#include <functional>
+
 namespace velmora {
 
-/// Passes what the bus asks on as `SingleInstance::requested`. Owned by the instance it serves.
+/// Tells what the bus asks for. Main thread.
 class ApplicationAdaptor : public QDBusAbstractAdaptor {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
 
 public:
-    explicit ApplicationAdaptor(SingleInstance* instance);
+    /// As `SingleInstance::requested`. Not a signal: the bus would see it.
+    using Request = std::function<void(const Paths& paths, const QByteArray& activationToken)>;
+
+    /// `served` is the object that is registered on the bus; it owns this.
+    ApplicationAdaptor(QObject* served, Request request);
 
 public slots:
     // The bus knows these by these names.
@@ -27,7 +34,7 @@ public slots:
                         const QVariantMap& platformData);
 
 private:
-    SingleInstance* m_instance;
+    Request m_request;
 };
 
 } // namespace velmora

@@ -1,6 +1,6 @@
-#include "ui/DropTarget.h"
+#include "app/desktop/DropTarget.h"
 
-#include "ui/DroppedFiles.h"
+#include "app/desktop/DroppedFiles.h"
 
 #include <QDropEvent>
 #include <QMimeData>

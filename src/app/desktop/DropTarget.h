@@ -2,7 +2,7 @@
 
 // Makes the whole window a place to drop files on.
 
-#include "ui/FileUrls.h"
+#include "app/desktop/FileUrls.h"
 
 #include <QObject>
 

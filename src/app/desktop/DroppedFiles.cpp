@@ -1,4 +1,4 @@
-#include "ui/DroppedFiles.h"
+#include "app/desktop/DroppedFiles.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

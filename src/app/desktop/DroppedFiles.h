@@ -2,7 +2,7 @@
 
 // What a drag carries: the files it names, or that it names none.
 
-#include "ui/FileUrls.h"
+#include "app/desktop/FileUrls.h"
 
 class QMimeData;
 

@@ -1,7 +1,7 @@
-#include "ui/FileReveal.h"
+#include "app/desktop/FileReveal.h"
 
+#include "app/desktop/FileUrls.h"
 #include "system/RegularFile.h"
-#include "ui/FileUrls.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

@@ -1,4 +1,4 @@
-#include "ui/FileUrls.h"
+#include "app/desktop/FileUrls.h"
 
 #include <QString>
 #include <QSysInfo>

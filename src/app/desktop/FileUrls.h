@@ -3,6 +3,8 @@
 // Paths as desktops exchange them: file URLs, percent-encoded bytes (RFC 8089), a line each (text/uri-list,
 // RFC 2483). Nothing here goes through text, so a name that is not UTF-8 arrives as it is.
 
+#include "system/Paths.h"
+
 #include <QByteArray>
 #include <QByteArrayView>
 
@@ -11,8 +13,6 @@
 #include <vector>
 
 namespace velmora {
-
-using Paths = std::vector<std::filesystem::path>;
 
 /// The path of a file URL: "file:///a%20b", "file://localhost/a%20b", "file:/a%20b". Absent for every other
 /// URL, for one of another machine, and for a path that holds a NUL.

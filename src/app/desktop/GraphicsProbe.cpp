@@ -1,4 +1,4 @@
-#include "ui/GraphicsProbe.h"
+#include "app/desktop/GraphicsProbe.h"
 
 #include "system/ChildProcess.h"
 #include "system/RegularFile.h"

@@ -1,4 +1,4 @@
-#include "ui/ReducedMotion.h"
+#include "app/desktop/ReducedMotion.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>

@@ -1,6 +1,6 @@
-#include "ui/SingleInstance.h"
+#include "app/desktop/SingleInstance.h"
 
-#include "ui/ApplicationAdaptor.h"
+#include "app/desktop/ApplicationAdaptor.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -91,7 +91,9 @@ bool SingleInstance::claim(const Paths& paths) {
 
 bool SingleInstance::claimOnBus(const Paths& paths) {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    new ApplicationAdaptor(this);
+    new ApplicationAdaptor(this, [this](const Paths& requested, const QByteArray& activationToken) {
+        emit this->requested(requested, activationToken);
+    });
     bus.registerObject(objectPath, this); // before the name: whoever finds the name finds the object
     const auto answer =
         bus.interface()->registerService(applicationId, QDBusConnectionInterface::DontQueueService);

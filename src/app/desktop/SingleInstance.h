@@ -3,7 +3,7 @@
 // Keeps it to one window a user: a second start hands its files to the running one. Two would sweep each
 // other's temporary files.
 
-#include "ui/FileUrls.h"
+#include "app/desktop/FileUrls.h"
 
 #include <QByteArray>
 #include <QLocalServer>

@@ -1,4 +1,4 @@
-#include "ui/OpenPanel.h"
+#include "app/panels/OpenPanel.h"
 
 #include <QAbstractItemView>
 #include <QDialogButtonBox>

@@ -1,6 +1,6 @@
-#include "ui/PanelStyle.h"
+#include "app/panels/PanelStyle.h"
 
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
 
 #include <QDialog>
 #include <QFont>

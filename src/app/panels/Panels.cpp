@@ -1,7 +1,7 @@
-#include "ui/Panels.h"
+#include "app/panels/Panels.h"
 
-#include "ui/OpenPanel.h"
-#include "ui/PanelStyle.h"
+#include "app/panels/OpenPanel.h"
+#include "app/panels/PanelStyle.h"
 
 #include <QFileDialog>
 #include <QFileIconProvider>

@@ -2,7 +2,7 @@
 
 // The open and the save panel, in the colours of the window.
 
-#include "ui/FileUrls.h"
+#include "app/desktop/FileUrls.h"
 
 #include <QString>
 

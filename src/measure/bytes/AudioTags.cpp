@@ -1,7 +1,7 @@
-#include "measure/Id3Tags.h"
+#include "measure/bytes/AudioTags.h"
 
-#include "measure/LittleEndian.h"
-#include "measure/Magic.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
 
 #include <algorithm>
 #include <charconv>
@@ -24,8 +24,8 @@ std::int64_t tagBytesBefore(GuardedReader& reader, std::int64_t end) {
     }
     if (const auto footer = reader.header(end - apeFooterBytes, apeFooterBytes);
         matches(footer, "APETAGEX")) {
-        const std::int64_t size = HeaderDuration::le32(footer, apeSizeAt);
-        const bool hasHeader = (HeaderDuration::le32(footer, apeFlagsAt) & apeHasHeader) != 0;
+        const std::int64_t size = le32(footer, apeSizeAt);
+        const bool hasHeader = (le32(footer, apeFlagsAt) & apeHasHeader) != 0;
         return std::max(size, apeFooterBytes) + (hasHeader ? apeFooterBytes : 0);
     }
     if (const auto footer = reader.header(end - lyricsFooterBytes, lyricsFooterBytes);
@@ -65,7 +65,7 @@ std::int64_t tagBytesAt(std::span<const std::uint8_t> bytes) {
         return id3v1Bytes;
     }
     if (matches(bytes, "APETAGEX") && bytes.size() >= static_cast<std::size_t>(apeFooterBytes)) {
-        return HeaderDuration::le32(bytes, apeSizeAt) + apeFooterBytes;
+        return le32(bytes, apeSizeAt) + apeFooterBytes;
     }
     return id3TagBytes(bytes.first(std::min(bytes.size(), id3HeaderBytes))).value_or(0);
 }

@@ -3,7 +3,7 @@
 // The tags that stand before and behind audio without belonging to it, in whatever format the audio is. They
 // are stepped over, never read: a tag may hold a picture of many megabytes.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

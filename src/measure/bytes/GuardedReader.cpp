@@ -1,4 +1,4 @@
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <algorithm>
 #include <utility>

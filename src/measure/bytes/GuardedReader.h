@@ -5,7 +5,7 @@
 // made of nothing but headers costs no more than a fraction of a second. Audio itself, once found, is read
 // without a budget: a long recording takes as long as it takes.
 
-#include "measure/ByteSource.h"
+#include "measure/bytes/ByteSource.h"
 
 #include <array>
 #include <chrono>

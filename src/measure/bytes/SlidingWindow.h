@@ -2,7 +2,7 @@
 
 // Audio read from front to back in large pieces: one buffer, no copy a frame.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <algorithm>
 #include <cstddef>

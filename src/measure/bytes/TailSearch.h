@@ -3,7 +3,7 @@
 // Finding the last frame or block of a file that numbers them: the end of a file says how much of it is
 // really there.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -1,7 +1,7 @@
-#include "measure/AiffDuration.h"
+#include "measure/formats/AiffDuration.h"
 
-#include "measure/BigEndian.h"
-#include "measure/Magic.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
 
 #include <algorithm>
 #include <array>
@@ -12,9 +12,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::be16;
-using HeaderDuration::be32;
-using HeaderDuration::be64;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::int64_t formHeaderBytes = 12; // "FORM", size, "AIFF" or "AIFC"

@@ -3,7 +3,7 @@
 // The playing time of AIFF and AIFF-C (Apple, "Audio Interchange File Format", 1989, and its AIFF-C draft of
 // 1991).
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

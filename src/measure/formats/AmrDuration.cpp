@@ -1,7 +1,7 @@
-#include "measure/AmrDuration.h"
+#include "measure/formats/AmrDuration.h"
 
-#include "measure/Magic.h"
-#include "measure/SlidingWindow.h"
+#include "measure/bytes/Magic.h"
+#include "measure/bytes/SlidingWindow.h"
 
 #include <array>
 #include <string_view>

@@ -4,7 +4,7 @@
 // size that its first byte tells. Silence and missing frames are short frames, so no bit rate helps; they are
 // counted.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

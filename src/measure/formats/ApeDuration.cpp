@@ -1,7 +1,7 @@
-#include "measure/ApeDuration.h"
+#include "measure/formats/ApeDuration.h"
 
-#include "measure/LittleEndian.h"
-#include "measure/Magic.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
 
 #include <algorithm>
 
@@ -9,9 +9,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::le16;
-using HeaderDuration::le32;
-using HeaderDuration::le64;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::size_t versionAt = 4;

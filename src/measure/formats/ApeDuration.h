@@ -2,7 +2,7 @@
 
 // The playing time of Monkey's Audio (.ape), whose header counts blocks (samples of one channel) in frames.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

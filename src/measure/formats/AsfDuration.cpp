@@ -1,6 +1,6 @@
-#include "measure/AsfDuration.h"
+#include "measure/formats/AsfDuration.h"
 
-#include "measure/LittleEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <algorithm>
 #include <array>

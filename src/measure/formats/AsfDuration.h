@@ -29,7 +29,7 @@
 //       80     8  preroll, in milliseconds
 //       88     4  flags
 
-#include "measure/ByteSource.h"
+#include "measure/bytes/ByteSource.h"
 
 #include <optional>
 

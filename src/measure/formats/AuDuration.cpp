@@ -1,7 +1,6 @@
-#include "measure/AuDuration.h"
+#include "measure/formats/AuDuration.h"
 
-#include "measure/BigEndian.h"
-#include "measure/LittleEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <algorithm>
 
@@ -55,9 +54,7 @@ std::optional<double> auDuration(GuardedReader& reader, std::int64_t start) {
         return std::nullopt;
     }
     const bool isBigEndian = header[0] == '.';
-    const auto field = [&](std::size_t at) {
-        return isBigEndian ? HeaderDuration::be32(header, at) : HeaderDuration::le32(header, at);
-    };
+    const auto field = [&](std::size_t at) { return isBigEndian ? be32(header, at) : le32(header, at); };
     const std::int64_t rest = reader.size() - start - field(dataOffsetAt);
     const std::int64_t stated = field(dataSizeAt);
     const bool isKnown = stated != unknownSize && stated != 0;

@@ -3,7 +3,7 @@
 // The playing time of Sun, NeXT and DEC audio (.au, .snd): a header of six numbers, big-endian behind ".snd",
 // little-endian where the magic stands backwards.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

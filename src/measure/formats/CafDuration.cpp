@@ -1,9 +1,9 @@
-#include "measure/CafDuration.h"
+#include "measure/formats/CafDuration.h"
 
-#include "measure/BigEndian.h"
-#include "measure/CafPacketTable.h"
-#include "measure/FlacFrame.h"
-#include "measure/Magic.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
+#include "measure/formats/CafPacketTable.h"
+#include "measure/formats/FlacFrame.h"
 
 #include <algorithm>
 #include <bit>
@@ -13,8 +13,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::be32;
-using HeaderDuration::be64;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::int64_t fileHeaderBytes = 8;   // "caff", version, flags

@@ -2,7 +2,7 @@
 
 // The playing time of Apple's Core Audio Format (Apple, "Core Audio Format Specification 1.0").
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

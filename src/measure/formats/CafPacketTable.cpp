@@ -1,6 +1,6 @@
-#include "measure/CafPacketTable.h"
+#include "measure/formats/CafPacketTable.h"
 
-#include "measure/BigEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <algorithm>
 
@@ -8,8 +8,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::be32;
-using HeaderDuration::be64;
 using Bytes = std::span<const std::uint8_t>;
 
 // The entries are numbers in groups of 7 bits, the highest first; every byte of one but its last has the

@@ -3,7 +3,7 @@
 // The packet table of a CAF file, "pakt" (Apple, "Core Audio Format Specification 1.0"): how many frames
 // play, and how many bytes and frames each packet has where that varies.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,20 +1,13 @@
-#include "measure/DsdDuration.h"
+#include "measure/formats/DsdDuration.h"
 
-#include "measure/BigEndian.h"
-#include "measure/LittleEndian.h"
-#include "measure/Magic.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
 
 #include <algorithm>
 
 namespace velmora {
 
 namespace {
-
-using HeaderDuration::be16;
-using HeaderDuration::be32;
-using HeaderDuration::be64;
-using HeaderDuration::le32;
-using HeaderDuration::le64;
 
 /// Bits of one channel as time.
 std::optional<double> bitSeconds(std::int64_t bytes, std::int64_t channels, std::int64_t rate) {

@@ -3,7 +3,7 @@
 // The playing time of one-bit audio: DSF (Sony, "DSF File Format Specification" 1.01) and DSDIFF (.dff,
 // Philips, "DSDIFF File Format Specification" 1.5).
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

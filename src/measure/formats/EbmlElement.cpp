@@ -1,6 +1,6 @@
-#include "measure/EbmlElement.h"
+#include "measure/formats/EbmlElement.h"
 
-#include "measure/BigEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <bit>
 

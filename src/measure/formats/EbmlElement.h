@@ -4,7 +4,7 @@
 // of one to eight, then content, which may be further elements. The leading zeros of the first byte tell how
 // many bytes an id or a size takes.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,8 +1,8 @@
-#include "measure/FlacDuration.h"
+#include "measure/formats/FlacDuration.h"
 
-#include "measure/FlacFrame.h"
-#include "measure/Id3Tags.h"
-#include "measure/TailSearch.h"
+#include "measure/bytes/AudioTags.h"
+#include "measure/bytes/TailSearch.h"
+#include "measure/formats/FlacFrame.h"
 
 #include <algorithm>
 #include <vector>

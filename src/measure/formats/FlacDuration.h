@@ -3,7 +3,7 @@
 // The playing time of FLAC: the samples its first block states, checked against the number of the last frame,
 // which also stands in where nothing is stated.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

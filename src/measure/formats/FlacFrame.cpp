@@ -1,6 +1,6 @@
-#include "measure/FlacFrame.h"
+#include "measure/formats/FlacFrame.h"
 
-#include "measure/BigEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <array>
 #include <bit>
@@ -112,10 +112,10 @@ std::optional<FlacStreamInfo> parseStreamInfo(Bytes block) {
     if (block.size() < size) {
         return std::nullopt;
     }
-    const std::uint64_t packed = HeaderDuration::be64(block, 10); // rate 20 bits, 8 bits, samples 36 bits
-    const FlacStreamInfo info{
-        HeaderDuration::be16(block, 2), static_cast<std::int32_t>(HeaderDuration::be32(block, 6) & 0xFF'FFFF),
-        static_cast<std::int32_t>(packed >> 44), static_cast<std::int64_t>(packed & 0xF'FFFF'FFFF)};
+    const std::uint64_t packed = be64(block, 10); // rate 20 bits, 8 bits, samples 36 bits
+    const FlacStreamInfo info{be16(block, 2), static_cast<std::int32_t>(be32(block, 6) & 0xFF'FFFF),
+                              static_cast<std::int32_t>(packed >> 44),
+                              static_cast<std::int64_t>(packed & 0xF'FFFF'FFFF)};
     return info.rate > 0 ? std::optional(info) : std::nullopt;
 }
 

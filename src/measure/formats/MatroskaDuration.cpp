@@ -1,7 +1,7 @@
-#include "measure/MatroskaDuration.h"
+#include "measure/formats/MatroskaDuration.h"
 
-#include "measure/EbmlElement.h"
-#include "measure/LibavDuration.h"
+#include "measure/formats/EbmlElement.h"
+#include "measure/libav/LibavDuration.h"
 
 namespace velmora {
 

@@ -4,7 +4,7 @@
 // libavformat for the rest. Whether the statement can be true is seen from the size of the one element that
 // holds everything.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,6 +1,6 @@
-#include "measure/Mp4Boxes.h"
+#include "measure/formats/Mp4Boxes.h"
 
-#include "measure/BigEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <algorithm>
 
@@ -14,8 +14,8 @@ std::optional<Mp4Box> mp4BoxAt(GuardedReader& reader, std::int64_t at, std::int6
         return std::nullopt;
     }
     Mp4Box box;
-    box.type = HeaderDuration::be32(header, 4);
-    std::uint64_t size = HeaderDuration::be32(header, 0);
+    box.type = be32(header, 4);
+    std::uint64_t size = be32(header, 0);
     std::int64_t headerBytes = shortHeader;
     const auto rest = static_cast<std::uint64_t>(end - at);
     if (size == 1) {
@@ -23,7 +23,7 @@ std::optional<Mp4Box> mp4BoxAt(GuardedReader& reader, std::int64_t at, std::int6
         if (longSize.empty()) {
             return std::nullopt;
         }
-        size = HeaderDuration::be64(longSize, shortHeader);
+        size = be64(longSize, shortHeader);
         headerBytes = longHeader;
     } else if (size == 0) { // to the end
         size = rest;

@@ -3,7 +3,7 @@
 // The boxes that MP4, 3GP and QuickTime files are made of (ISO/IEC 14496-12 section 4.2): size (4 bytes),
 // type (4), for a size of 1 the real size (8), then content, which may be further boxes.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

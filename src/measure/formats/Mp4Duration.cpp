@@ -1,8 +1,8 @@
-#include "measure/Mp4Duration.h"
+#include "measure/formats/Mp4Duration.h"
 
-#include "measure/BigEndian.h"
-#include "measure/Mp4Fragments.h"
-#include "measure/Mp4Track.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/formats/Mp4Fragments.h"
+#include "measure/formats/Mp4Track.h"
 
 #include <algorithm>
 
@@ -42,7 +42,7 @@ std::int64_t timeScaleOf(GuardedReader& reader, const Mp4Box& header) {
     const auto version = reader.header(header.content, 1);
     const bool isLong = !version.empty() && version[0] == 1;
     const auto scale = reader.header(header.content + (isLong ? 20 : 12), 4);
-    return scale.empty() ? 0 : HeaderDuration::be32(scale, 0);
+    return scale.empty() ? 0 : be32(scale, 0);
 }
 
 double trackSeconds(GuardedReader& reader, const Mp4Track& track, const Movie& movie,

@@ -3,7 +3,7 @@
 // The playing time of MP4 and its kin (.m4a, .m4b, .3ga, .aax, QuickTime): the audio track's media as its
 // edits play them.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

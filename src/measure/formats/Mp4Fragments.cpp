@@ -1,14 +1,12 @@
-#include "measure/Mp4Fragments.h"
+#include "measure/formats/Mp4Fragments.h"
 
-#include "measure/BigEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <algorithm>
 
 namespace velmora {
 
 namespace {
-
-using HeaderDuration::be32;
 
 constexpr std::int64_t mostDuration = 1LL << 50;
 

@@ -3,7 +3,7 @@
 // Fragmented MP4 (ISO/IEC 14496-12 section 8.8): the movie itself is empty, and samples come in pieces, each
 // a "moof" that describes the "mdat" behind it.
 
-#include "measure/Mp4Boxes.h"
+#include "measure/formats/Mp4Boxes.h"
 
 #include <cstdint>
 

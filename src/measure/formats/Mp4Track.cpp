@@ -1,6 +1,6 @@
-#include "measure/Mp4Track.h"
+#include "measure/formats/Mp4Track.h"
 
-#include "measure/BigEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <algorithm>
 
@@ -8,8 +8,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::be32;
-using HeaderDuration::be64;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::int64_t fullBoxBytes = 4; // version and flags, at the start of all these boxes

@@ -4,7 +4,7 @@
 // which part of them its edits play, and where its samples stand, to tell how many are left of a file that
 // was cut off.
 
-#include "measure/Mp4Boxes.h"
+#include "measure/formats/Mp4Boxes.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,9 +1,9 @@
-#include "measure/MusepackDuration.h"
+#include "measure/formats/MusepackDuration.h"
 
-#include "measure/Id3Tags.h"
-#include "measure/LibavDuration.h"
-#include "measure/LittleEndian.h"
-#include "measure/Magic.h"
+#include "measure/bytes/AudioTags.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
+#include "measure/libav/LibavDuration.h"
 
 #include <algorithm>
 #include <array>
@@ -13,7 +13,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::le32;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::array<int, 4> rates = {44'100, 48'000, 37'800, 32'000};

@@ -3,7 +3,7 @@
 // The playing time of Musepack, stream versions 7 and 8 (trac.musepack.net, "SV7 specification", "SV8
 // specification").
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

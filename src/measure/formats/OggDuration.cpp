@@ -1,6 +1,6 @@
-#include "measure/OggDuration.h"
+#include "measure/formats/OggDuration.h"
 
-#include "measure/LittleEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <algorithm>
 #include <array>

@@ -29,7 +29,7 @@
 //                            24 bits at 27, highest
 //                            byte first
 
-#include "measure/ByteSource.h"
+#include "measure/bytes/ByteSource.h"
 
 #include <cstdint>
 #include <optional>

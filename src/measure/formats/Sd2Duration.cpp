@@ -1,7 +1,7 @@
-#include "measure/Sd2Duration.h"
+#include "measure/formats/Sd2Duration.h"
 
-#include "measure/BigEndian.h"
-#include "measure/Magic.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
 
 #include <charconv>
 #include <string>
@@ -11,8 +11,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::be16;
-using HeaderDuration::be32;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::int64_t mostForkBytes = 1 << 20;

@@ -4,7 +4,7 @@
 // which is a second file beside it here, "._name", wrapped as AppleDouble (RFC 1740) or bare. It is the only
 // format for which a second file is opened.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <filesystem>
 #include <optional>

@@ -1,6 +1,6 @@
-#include "measure/VocDuration.h"
+#include "measure/formats/VocDuration.h"
 
-#include "measure/LittleEndian.h"
+#include "measure/bytes/ByteOrder.h"
 
 #include <algorithm>
 
@@ -8,8 +8,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::le16;
-using HeaderDuration::le32;
 using Bytes = std::span<const std::uint8_t>;
 
 // The file: 0 magic (20 bytes), 20 where the blocks begin (2 bytes). A block: type, size of what follows (3

@@ -3,7 +3,7 @@
 // The playing time of Creative Voice files (.voc): blocks of sound, each with a rate of its own, and of
 // silence, which is stated as a length without data.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,9 +1,8 @@
-#include "measure/WavDuration.h"
+#include "measure/formats/WavDuration.h"
 
-#include "measure/BigEndian.h"
-#include "measure/LittleEndian.h"
-#include "measure/Magic.h"
-#include "measure/WaveFormat.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
+#include "measure/formats/WaveFormat.h"
 
 #include <algorithm>
 #include <string>
@@ -13,9 +12,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::be32;
-using HeaderDuration::le32;
-using HeaderDuration::le64;
 using namespace std::string_view_literals;
 
 constexpr std::int64_t riffHeaderBytes = 12; // "RIFF", size of what follows, "WAVE"

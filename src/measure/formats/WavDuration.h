@@ -4,7 +4,7 @@
 // (EBU Tech 3306, ITU-R BS.2088), and Wave64. What a header states about the size of the data is believed
 // only as far as the file reaches; recorders and pipes leave it empty, full, or wrapped around at 4 GB.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

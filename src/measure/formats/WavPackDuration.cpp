@@ -1,8 +1,8 @@
-#include "measure/WavPackDuration.h"
+#include "measure/formats/WavPackDuration.h"
 
-#include "measure/LittleEndian.h"
-#include "measure/Magic.h"
-#include "measure/TailSearch.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
+#include "measure/bytes/TailSearch.h"
 
 #include <array>
 
@@ -10,8 +10,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::le16;
-using HeaderDuration::le32;
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::array<std::int32_t, 15> rates = {6'000,  8'000,  9'600,  11'025, 12'000,

@@ -3,7 +3,7 @@
 // The playing time of WavPack (wavpack.com, "WavPack 4 & 5 Binary File / Block Format"): blocks, each of
 // which states the samples of the whole file, if its encoder knew them, and where its own stand.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

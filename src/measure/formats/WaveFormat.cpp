@@ -1,8 +1,7 @@
-#include "measure/WaveFormat.h"
+#include "measure/formats/WaveFormat.h"
 
-#include "measure/BigEndian.h"
-#include "measure/FrameStreamDuration.h"
-#include "measure/LittleEndian.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/frames/FrameStreamDuration.h"
 
 namespace velmora {
 
@@ -77,12 +76,8 @@ std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, b
     if (chunk.size() < baseBytes) {
         return std::nullopt;
     }
-    const auto u16 = [&](std::size_t at) {
-        return isBigEndian ? HeaderDuration::be16(chunk, at) : HeaderDuration::le16(chunk, at);
-    };
-    const auto u32 = [&](std::size_t at) {
-        return isBigEndian ? HeaderDuration::be32(chunk, at) : HeaderDuration::le32(chunk, at);
-    };
+    const auto u16 = [&](std::size_t at) { return isBigEndian ? be16(chunk, at) : le16(chunk, at); };
+    const auto u32 = [&](std::size_t at) { return isBigEndian ? be32(chunk, at) : le32(chunk, at); };
     WaveFormat format{u16(0), u16(2), u32(4), u32(8), u16(12), u16(14), 0};
     if (format.tag == extensible && chunk.size() >= subformatAt + 2) {
         format.tag = u16(subformatAt);

@@ -5,7 +5,7 @@
 // 4 frames a second, 8 bytes a second, 12 bytes a block, 14 bits a sample, 16 size of what follows, 18
 // samples a block (compressed formats) or valid bits (extensible), 24 the real format tag (extensible).
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,4 +1,4 @@
-#include "measure/FrameHeader.h"
+#include "measure/frames/FrameHeader.h"
 
 #include <array>
 

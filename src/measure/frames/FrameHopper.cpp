@@ -1,7 +1,7 @@
-#include "measure/FrameHopper.h"
+#include "measure/frames/FrameHopper.h"
 
-#include "measure/Id3Tags.h"
-#include "measure/SlidingWindow.h"
+#include "measure/bytes/AudioTags.h"
+#include "measure/bytes/SlidingWindow.h"
 
 #include <algorithm>
 #include <span>

@@ -3,8 +3,8 @@
 // Adds up self-synchronising audio frames (see FrameHeader.h) by hopping from header to header, over whatever
 // stands between them: tags, zeros, remains of other files.
 
-#include "measure/FrameHeader.h"
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
+#include "measure/frames/FrameHeader.h"
 
 #include <cstdint>
 #include <optional>

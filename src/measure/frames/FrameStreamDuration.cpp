@@ -1,7 +1,7 @@
-#include "measure/FrameStreamDuration.h"
+#include "measure/frames/FrameStreamDuration.h"
 
-#include "measure/FrameHopper.h"
-#include "measure/XingHeader.h"
+#include "measure/frames/FrameHopper.h"
+#include "measure/frames/XingHeader.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 // stored. What the first frame states is believed only when it fits the size of the file; otherwise frames
 // are counted.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

@@ -1,7 +1,7 @@
-#include "measure/XingHeader.h"
+#include "measure/frames/XingHeader.h"
 
-#include "measure/BigEndian.h"
-#include "measure/Magic.h"
+#include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -10,7 +10,6 @@ namespace velmora {
 
 namespace {
 
-using HeaderDuration::be32;
 using Bytes = std::span<const std::uint8_t>;
 
 // VBRI: offset 0 "VBRI", 4 version, 6 delay, 8 quality, 10 bytes, 14 frames.

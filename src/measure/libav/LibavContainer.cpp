@@ -1,6 +1,6 @@
-#include "measure/LibavContainer.h"
+#include "measure/libav/LibavContainer.h"
 
-#include "measure/LibavFile.h"
+#include "measure/libav/LibavFile.h"
 
 extern "C" {
 #include <libavformat/avformat.h>

@@ -5,7 +5,7 @@
 // subtitles too, the last packets of the sound. A length guessed from a bit rate is never given. Part of the
 // module that holds libavformat; the rest of the program calls LibavDuration.h.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <optional>

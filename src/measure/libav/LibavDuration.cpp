@@ -1,4 +1,4 @@
-#include "measure/LibavDuration.h"
+#include "measure/libav/LibavDuration.h"
 
 #include <dlfcn.h>
 

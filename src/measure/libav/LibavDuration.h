@@ -5,8 +5,8 @@
 // subtitles too, the last packets of the sound. A length guessed from a bit rate is never given. The first
 // call loads libavformat; where that cannot be loaded, nothing can be learnt from it. Called on any thread.
 
-#include "measure/GuardedReader.h"
-#include "measure/LibavModule.h"
+#include "measure/bytes/GuardedReader.h"
+#include "measure/libav/LibavModule.h"
 
 #include <cstdint>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "measure/LibavFile.h"
+#include "measure/libav/LibavFile.h"
 
 extern "C" {
 #include <libavformat/avformat.h>

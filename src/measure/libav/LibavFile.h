@@ -4,8 +4,8 @@
 // network, whatever the content asks for. Scripts and playlists, which exist to name other files, are not
 // among the demuxers allowed at all.
 
-#include "measure/GuardedReader.h"
-#include "measure/LibavModule.h"
+#include "measure/bytes/GuardedReader.h"
+#include "measure/libav/LibavModule.h"
 
 #include <cstdint>
 #include <filesystem>

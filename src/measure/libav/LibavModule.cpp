@@ -1,8 +1,8 @@
-#include "measure/LibavModule.h"
+#include "measure/libav/LibavModule.h"
 
-#include "measure/LibavContainer.h"
-#include "measure/LibavFile.h"
-#include "measure/PacketDecoder.h"
+#include "measure/libav/LibavContainer.h"
+#include "measure/libav/LibavFile.h"
+#include "measure/libav/PacketDecoder.h"
 
 // The name that libavModuleSymbol gives.
 extern "C" __attribute__((visibility("default"))) const velmora::LibavModule velmoraLibavModule = {

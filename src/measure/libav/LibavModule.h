@@ -4,7 +4,7 @@
 // whose loading takes longer than measuring a thousand files; most scans need none of them. So they stand in
 // a module of their own, which is loaded when the first file asks for it.
 
-#include "measure/GuardedReader.h"
+#include "measure/bytes/GuardedReader.h"
 
 #include <cstdint>
 #include <filesystem>

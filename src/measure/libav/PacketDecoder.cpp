@@ -1,6 +1,6 @@
-#include "measure/PacketDecoder.h"
+#include "measure/libav/PacketDecoder.h"
 
-#include "measure/LibavFile.h"
+#include "measure/libav/LibavFile.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>

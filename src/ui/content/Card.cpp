@@ -1,7 +1,7 @@
-#include "ui/Card.h"
+#include "ui/content/Card.h"
 
-#include "ui/Glow.h"
-#include "ui/Neon.h"
+#include "ui/kit/Glow.h"
+#include "ui/kit/Neon.h"
 
 #include <QLinearGradient>
 #include <QPainter>

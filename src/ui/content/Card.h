@@ -2,7 +2,7 @@
 
 // The panel in the middle of the window. It brightens while a drag hovers.
 
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QtQml/qqmlregistration.h>
 

@@ -1,7 +1,7 @@
-#include "ui/DropEmblem.h"
+#include "ui/content/DropEmblem.h"
 
-#include "ui/Neon.h"
-#include "ui/WaveSymbol.h"
+#include "ui/content/WaveSymbol.h"
+#include "ui/kit/Neon.h"
 
 #include <QLinearGradient>
 #include <QPainter>

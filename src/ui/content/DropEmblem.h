@@ -3,7 +3,7 @@
 // The emblem of the drop prompt: a waveform with a plus in two circles. It is painted at its magnification
 // rather than stretched, so that it stays sharp.
 
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QtQml/qqmlregistration.h>
 

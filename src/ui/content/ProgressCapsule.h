@@ -2,7 +2,7 @@
 
 // The bar that fills while a scan measures.
 
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QtQml/qqmlregistration.h>
 

@@ -1,4 +1,4 @@
-#include "ui/ScanState.h"
+#include "ui/content/ScanState.h"
 
 namespace velmora {
 

@@ -3,8 +3,8 @@
 // What the window shows of a scan at one moment: a plain value, so that a window can stand on a running scan
 // as well as on prepared data.
 
-#include "core/ScanModel.h"
-#include "core/ZipState.h"
+#include "scan/ScanModel.h"
+#include "scan/ZipState.h"
 
 #include <cstdint>
 #include <string>

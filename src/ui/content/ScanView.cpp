@@ -1,8 +1,8 @@
-#include "ui/ScanView.h"
+#include "ui/content/ScanView.h"
 
-#include "core/DisplayFormat.h"
+#include "records/DisplayFormat.h"
 #include "system/FileName.h"
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
 
 #include <QTimer>
 

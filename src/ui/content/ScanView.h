@@ -3,7 +3,7 @@
 // The state of the window in the words and colours its views show. Every text is built here, so that the
 // views only lay out and bind.
 
-#include "ui/ScanState.h"
+#include "ui/content/ScanState.h"
 
 #include <QColor>
 #include <QObject>

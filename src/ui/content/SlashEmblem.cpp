@@ -1,7 +1,7 @@
-#include "ui/SlashEmblem.h"
+#include "ui/content/SlashEmblem.h"
 
-#include "ui/Neon.h"
-#include "ui/WaveSymbol.h"
+#include "ui/content/WaveSymbol.h"
+#include "ui/kit/Neon.h"
 
 #include <QPainter>
 

@@ -2,7 +2,7 @@
 
 // The emblem of a scan that found nothing: a waveform crossed out.
 
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QColor>
 #include <QtQml/qqmlregistration.h>

@@ -1,4 +1,4 @@
-#include "ui/WaveSymbol.h"
+#include "ui/content/WaveSymbol.h"
 
 #include <QLineF>
 #include <QPainterPathStroker>

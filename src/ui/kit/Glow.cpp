@@ -1,4 +1,4 @@
-#include "ui/Glow.h"
+#include "ui/kit/Glow.h"
 
 #include <QImage>
 #include <QPainter>

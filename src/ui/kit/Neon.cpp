@@ -1,4 +1,4 @@
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
 
 namespace velmora {
 

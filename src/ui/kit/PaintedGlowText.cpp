@@ -1,7 +1,7 @@
-#include "ui/PaintedGlowText.h"
+#include "ui/kit/PaintedGlowText.h"
 
-#include "ui/Glow.h"
-#include "ui/Neon.h"
+#include "ui/kit/Glow.h"
+#include "ui/kit/Neon.h"
 
 #include <QLinearGradient>
 #include <QPainter>

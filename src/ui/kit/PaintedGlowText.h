@@ -2,8 +2,8 @@
 
 // Text that glows: two blurred copies in its tint, and a sharp one in the accents' gradient above them.
 
-#include "ui/PaintedItem.h"
-#include "ui/TextStyle.h"
+#include "ui/kit/PaintedItem.h"
+#include "ui/kit/TextStyle.h"
 
 #include <QColor>
 #include <QString>

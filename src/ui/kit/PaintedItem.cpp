@@ -1,4 +1,4 @@
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QPainter>
 #include <QQuickWindow>

@@ -1,7 +1,7 @@
-#include "ui/PaintedLogo.h"
+#include "ui/kit/PaintedLogo.h"
 
-#include "ui/Glow.h"
-#include "ui/Neon.h"
+#include "ui/kit/Glow.h"
+#include "ui/kit/Neon.h"
 
 #include <QPainter>
 

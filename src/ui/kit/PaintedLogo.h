@@ -2,7 +2,7 @@
 
 // The maker's mark with a soft shadow of light. Where its image is missing the space stays empty.
 
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QImage>
 #include <QString>

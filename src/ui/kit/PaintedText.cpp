@@ -1,6 +1,6 @@
-#include "ui/PaintedText.h"
+#include "ui/kit/PaintedText.h"
 
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
 
 #include <QPainter>
 

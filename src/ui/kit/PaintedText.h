@@ -2,8 +2,8 @@
 
 // A line of text. Wider than the item it ends in an ellipsis.
 
-#include "ui/PaintedItem.h"
-#include "ui/TextStyle.h"
+#include "ui/kit/PaintedItem.h"
+#include "ui/kit/TextStyle.h"
 
 #include <QColor>
 #include <QString>

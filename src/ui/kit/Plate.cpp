@@ -1,6 +1,6 @@
-#include "ui/Plate.h"
+#include "ui/kit/Plate.h"
 
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
 
 #include <QPainter>
 

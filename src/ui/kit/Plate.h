@@ -3,7 +3,7 @@
 // The ground of buttons, pills and chips, and the ring around what has the focus: a rounded rectangle with a
 // fill and a border of one point, which lies inside the edge.
 
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QColor>
 #include <QtQml/qqmlregistration.h>

@@ -1,4 +1,4 @@
-#include "ui/Spring.h"
+#include "ui/kit/Spring.h"
 
 #include <QAbstractAnimation>
 

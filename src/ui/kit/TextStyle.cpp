@@ -1,4 +1,4 @@
-#include "ui/TextStyle.h"
+#include "ui/kit/TextStyle.h"
 
 #include <QDir>
 #include <QFontDatabase>

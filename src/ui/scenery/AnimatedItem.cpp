@@ -1,4 +1,4 @@
-#include "ui/AnimatedItem.h"
+#include "ui/scenery/AnimatedItem.h"
 
 #include <QQuickWindow>
 #include <QSGGeometryNode>

@@ -1,8 +1,8 @@
-#include "ui/Backdrop.h"
+#include "ui/scenery/Backdrop.h"
 
-#include "ui/Dither.h"
-#include "ui/GridLayer.h"
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
+#include "ui/scenery/Dither.h"
+#include "ui/scenery/GridLayer.h"
 
 #include <QPainter>
 

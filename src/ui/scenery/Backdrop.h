@@ -2,7 +2,7 @@
 
 // The ground of the window: a dark gradient, a light in two of its corners, a vignette and a faint grid.
 
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QtQml/qqmlregistration.h>
 

@@ -1,4 +1,4 @@
-#include "ui/FrameClock.h"
+#include "ui/scenery/FrameClock.h"
 
 #include <chrono>
 

@@ -1,6 +1,6 @@
-#include "ui/GridLayer.h"
+#include "ui/scenery/GridLayer.h"
 
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
 
 #include <QPainter>
 

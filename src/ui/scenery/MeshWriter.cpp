@@ -1,6 +1,6 @@
-#include "ui/MeshWriter.h"
+#include "ui/scenery/MeshWriter.h"
 
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
 
 #include <QColor>
 #include <QSGGeometryNode>

@@ -1,6 +1,6 @@
-#include "ui/RibbonFormula.h"
+#include "ui/scenery/RibbonFormula.h"
 
-#include "ui/Angle.h"
+#include "ui/scenery/Angle.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,6 +1,6 @@
-#include "ui/SpectrumFormula.h"
+#include "ui/scenery/SpectrumFormula.h"
 
-#include "ui/Angle.h"
+#include "ui/scenery/Angle.h"
 
 #include <algorithm>
 #include <cmath>

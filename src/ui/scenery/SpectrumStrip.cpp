@@ -1,4 +1,4 @@
-#include "ui/SpectrumStrip.h"
+#include "ui/scenery/SpectrumStrip.h"
 
 #include <QSGGeometryNode>
 

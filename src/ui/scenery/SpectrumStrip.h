@@ -2,9 +2,9 @@
 
 // A row of bars that moves like a spectrum.
 
-#include "ui/AnimatedItem.h"
-#include "ui/MeshWriter.h"
-#include "ui/SpectrumFormula.h"
+#include "ui/scenery/AnimatedItem.h"
+#include "ui/scenery/MeshWriter.h"
+#include "ui/scenery/SpectrumFormula.h"
 
 #include <QtQml/qqmlregistration.h>
 

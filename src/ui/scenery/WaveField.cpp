@@ -1,6 +1,6 @@
-#include "ui/WaveField.h"
+#include "ui/scenery/WaveField.h"
 
-#include "ui/WaveGeometry.h"
+#include "ui/scenery/WaveGeometry.h"
 
 namespace velmora {
 

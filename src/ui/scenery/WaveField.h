@@ -2,8 +2,8 @@
 
 // Five ribbons of light that move behind the window's content.
 
-#include "ui/AnimatedItem.h"
-#include "ui/WaveImage.h"
+#include "ui/scenery/AnimatedItem.h"
+#include "ui/scenery/WaveImage.h"
 
 #include <QtQml/qqmlregistration.h>
 

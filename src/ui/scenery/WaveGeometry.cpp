@@ -1,4 +1,4 @@
-#include "ui/WaveGeometry.h"
+#include "ui/scenery/WaveGeometry.h"
 
 #include <array>
 #include <cmath>

@@ -2,8 +2,8 @@
 
 // The ribbons drawn by a GPU: one mesh with a colour at every corner.
 
-#include "ui/MeshWriter.h"
-#include "ui/WaveShape.h"
+#include "ui/scenery/MeshWriter.h"
+#include "ui/scenery/WaveShape.h"
 
 #include <QSGGeometryNode>
 

@@ -1,7 +1,7 @@
-#include "ui/WaveImage.h"
+#include "ui/scenery/WaveImage.h"
 
-#include "ui/Dither.h"
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
+#include "ui/scenery/Dither.h"
 
 #include <algorithm>
 #include <array>

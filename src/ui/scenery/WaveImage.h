@@ -2,7 +2,7 @@
 
 // The ribbons drawn without a GPU: by hand, column by column, several times faster than a general stroker.
 
-#include "ui/WaveShape.h"
+#include "ui/scenery/WaveShape.h"
 
 #include <QImage>
 #include <QRectF>

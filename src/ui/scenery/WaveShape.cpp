@@ -1,4 +1,4 @@
-#include "ui/WaveShape.h"
+#include "ui/scenery/WaveShape.h"
 
 #include <algorithm>
 #include <cmath>

@@ -2,7 +2,7 @@
 
 // The five ribbons of one frame, as both back ends draw them.
 
-#include "ui/RibbonFormula.h"
+#include "ui/scenery/RibbonFormula.h"
 
 #include <QSizeF>
 

@@ -1,4 +1,4 @@
-#include "ui/Alerts.h"
+#include "ui/window/Alerts.h"
 
 #include <utility>
 

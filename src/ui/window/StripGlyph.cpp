@@ -1,6 +1,6 @@
-#include "ui/StripGlyph.h"
+#include "ui/window/StripGlyph.h"
 
-#include "ui/Neon.h"
+#include "ui/kit/Neon.h"
 
 #include <QPainter>
 #include <QPainterPath>

@@ -2,7 +2,7 @@
 
 // The four signs on the window's strip, drawn as thin lines.
 
-#include "ui/PaintedItem.h"
+#include "ui/kit/PaintedItem.h"
 
 #include <QColor>
 #include <QtQml/qqmlregistration.h>
