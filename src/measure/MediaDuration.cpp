@@ -39,10 +39,10 @@ bool isFrameDemuxer(const ProbedDemuxer& demuxer) {
 
 /// How a format is timed: `start` is where it begins, behind any ID3v2 tag. Zero if nothing in it plays;
 /// absent if the reader cannot tell.
-using TimeReader = std::optional<double> (*)(GuardedReader& reader, std::int64_t start);
+using TimeReader = std::optional<Timing> (*)(GuardedReader& reader, std::int64_t start);
 
 /// A stream that was never finished states an hour, so nothing is believed.
-std::optional<double> realMediaDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> realMediaDuration(GuardedReader& reader, std::int64_t start) {
     return libavWalkedDuration(reader, start, "rm");
 }
 
@@ -97,7 +97,7 @@ const Format* formatAt(GuardedReader& reader, std::int64_t start) {
     return row == formats.end() ? nullptr : row;
 }
 
-std::optional<double> knownDuration(GuardedReader& reader, std::int64_t start, const Format& format) {
+std::optional<Timing> knownDuration(GuardedReader& reader, std::int64_t start, const Format& format) {
     const auto seconds = format.read == nullptr ? std::nullopt : format.read(reader, start);
     return seconds || format.demuxer.empty() ? seconds
                                              : libavDuration(reader, start, std::string(format.demuxer));
@@ -106,15 +106,15 @@ std::optional<double> knownDuration(GuardedReader& reader, std::int64_t start, c
 /// For what begins with no magic that we know.
 MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std::filesystem::path& name) {
     const std::optional<ProbedDemuxer> demuxer = probeDemuxer(reader, start, "");
-    std::optional<double> seconds;
+    std::optional<Timing> timing;
     if (demuxer && demuxer->isMedia && !isFrameDemuxer(*demuxer)) {
-        seconds = libavDuration(reader, start, demuxer->name);
+        timing = libavDuration(reader, start, demuxer->name);
     }
-    if (!seconds) {
-        seconds = searchedFrameDuration(reader, start, findTrailingTags(reader, start));
+    if (!timing) {
+        timing = searchedFrameDuration(reader, start, findTrailingTags(reader, start));
     }
-    if (seconds) {
-        return {seconds, false};
+    if (timing) {
+        return {timing->seconds, false};
     }
     const std::optional<ProbedDemuxer> named = probeDemuxer(reader, start, name);
     return {std::nullopt, named && (!named->isMedia || isFrameDemuxer(*named))};
@@ -123,10 +123,11 @@ MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std:
 MediaAnswer answer(GuardedReader& reader, const std::filesystem::path& name) {
     const std::int64_t start = skipLeadingTags(reader);
     if (const Format* const format = formatAt(reader, start)) {
-        return {knownDuration(reader, start, *format), false};
+        const std::optional<Timing> timing = knownDuration(reader, start, *format);
+        return {timing ? std::optional(timing->seconds) : std::nullopt, false};
     }
-    if (const auto seconds = frameStreamDuration(reader, start, findTrailingTags(reader, start))) {
-        return {seconds, false};
+    if (const auto timing = frameStreamDuration(reader, start, findTrailingTags(reader, start))) {
+        return {timing->seconds, false};
     }
     return probedDuration(reader, start, name);
 }
@@ -142,8 +143,8 @@ bool hasExtension(const std::filesystem::path& name, std::string_view lowerCase)
 MediaAnswer mediaDuration(const RegularFile& file, const std::filesystem::path& name,
                           const std::stop_token& stop) {
     if (hasExtension(name, ".sd2")) {
-        if (const auto seconds = sd2Duration(name, file.size(), stop)) {
-            return {seconds, false};
+        if (const auto timing = sd2Duration(name, file.size(), stop)) {
+            return {timing->seconds, false};
         }
     }
     return mediaDuration(sourceOf(file), name, stop);

@@ -99,7 +99,7 @@ std::optional<double> soundSeconds(const Common& common, const Sound& sound) {
 
 } // namespace
 
-std::optional<double> aiffDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> aiffDuration(GuardedReader& reader, std::int64_t start) {
     std::optional<Common> common;
     std::optional<Sound> sound;
     std::int64_t at = start + formHeaderBytes;

@@ -4,6 +4,7 @@
 // 1991).
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,6 +14,6 @@ namespace velmora {
 /// Times the AIFF or AIFF-C file at `start`. The frames it states are clamped to the sound data there is; for
 /// a compression that is not known they are taken as they are, if all the sound is there. Absent without a
 /// "COMM" chunk, or for such a compression when it is not.
-std::optional<double> aiffDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> aiffDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

@@ -54,7 +54,7 @@ std::int64_t countFrames(GuardedReader& reader, std::int64_t at, const FrameSize
 
 } // namespace
 
-std::optional<double> amrDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> amrDuration(GuardedReader& reader, std::int64_t start) {
     for (const Kind& kind : kinds) {
         if (!matches(reader.header(start, kind.magic.size()), kind.magic)) {
             continue;

@@ -5,6 +5,7 @@
 // counted.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,6 +14,6 @@ namespace velmora {
 
 /// Times the narrow-band or wide-band AMR file at `start`. Zero without a whole frame; absent if it is
 /// neither.
-std::optional<double> amrDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> amrDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

@@ -82,7 +82,7 @@ std::int64_t framesThere(GuardedReader& reader, std::int64_t start, const ApeHea
 
 } // namespace
 
-std::optional<double> apeDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> apeDuration(GuardedReader& reader, std::int64_t start) {
     const Bytes magic = reader.header(start, versionAt + 2);
     if (!matches(magic, "MAC ")) {
         return std::nullopt;

@@ -3,6 +3,7 @@
 // The playing time of Monkey's Audio (.ape), whose header counts blocks (samples of one channel) in frames.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -10,6 +11,6 @@
 namespace velmora {
 
 /// Times the file at `start`. Of a file that was cut off only the frames that are there count.
-std::optional<double> apeDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> apeDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

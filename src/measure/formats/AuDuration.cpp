@@ -48,7 +48,7 @@ int bitsOf(std::uint32_t encoding) {
 
 } // namespace
 
-std::optional<double> auDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> auDuration(GuardedReader& reader, std::int64_t start) {
     const auto header = reader.header(start, headerBytes);
     if (header.empty()) {
         return std::nullopt;

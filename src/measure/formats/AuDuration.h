@@ -4,6 +4,7 @@
 // little-endian where the magic stands backwards.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -12,6 +13,6 @@ namespace velmora {
 
 /// Times the file at `start`; a size that is unknown or too large is what the file holds. Absent for an
 /// encoding whose length the bytes do not tell.
-std::optional<double> auDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> auDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

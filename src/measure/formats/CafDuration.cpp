@@ -122,7 +122,7 @@ std::optional<std::int64_t> framesOf(GuardedReader& reader, const Description& d
 
 } // namespace
 
-std::optional<double> cafDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> cafDuration(GuardedReader& reader, std::int64_t start) {
     std::optional<Description> description;
     std::optional<Data> data;
     std::optional<CafPacketTable> table;

@@ -26,7 +26,7 @@ std::int64_t clamped(const GuardedReader& reader, std::int64_t at, std::uint64_t
 
 } // namespace
 
-std::optional<double> dsfDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> dsfDuration(GuardedReader& reader, std::int64_t start) {
     // "DSD " chunk: 28 bytes. "fmt ": 12 version, 16 format, 20 channel type, 24 channels, 28 rate, 32 bits,
     // 36 samples of a channel (8 bytes), 44 block size. "data": name, size with this header (8 bytes).
     constexpr std::size_t formatAt = 28;
@@ -52,7 +52,7 @@ std::optional<double> dsfDuration(GuardedReader& reader, std::int64_t start) {
     return std::min(*there, static_cast<double>(samples) / static_cast<double>(rate));
 }
 
-std::optional<double> dsdiffDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) {
     // Chunks: name (4), size of what follows (8). "PROP" holds "SND " and further chunks: "FS  " with the
     // rate, "CHNL" with the channels. "DST " begins with "FRTE": frames (4), frames a second (2).
     constexpr std::int64_t fileHeaderBytes = 16;

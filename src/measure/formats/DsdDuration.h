@@ -4,6 +4,7 @@
 // Philips, "DSDIFF File Format Specification" 1.5).
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,9 +12,9 @@
 namespace velmora {
 
 /// Times the DSF file at `start`; what it states is clamped to the data there are.
-std::optional<double> dsfDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> dsfDuration(GuardedReader& reader, std::int64_t start);
 
 /// Times the DSDIFF file at `start`, plain or compressed (DST).
-std::optional<double> dsdiffDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

@@ -43,7 +43,7 @@ std::optional<std::int64_t> endOfLastFrame(GuardedReader& reader, std::int64_t s
 
 } // namespace
 
-std::optional<double> flacDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> flacDuration(GuardedReader& reader, std::int64_t start) {
     const auto stream = parseStreamInfo(reader.header(start + streamInfoAt, streamInfoBytes));
     if (!stream) {
         return std::nullopt;

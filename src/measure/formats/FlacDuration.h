@@ -4,6 +4,7 @@
 // which also stands in where nothing is stated.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -12,6 +13,6 @@ namespace velmora {
 
 /// Times the FLAC stream at `start`. Of a file that was cut off only the whole frames count. Zero if neither
 /// a statement nor a frame is found.
-std::optional<double> flacDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> flacDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

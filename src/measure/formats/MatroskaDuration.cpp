@@ -84,7 +84,7 @@ std::optional<double> statedAtHead(GuardedReader& reader, const EbmlElement& seg
 
 } // namespace
 
-std::optional<double> matroskaDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> matroskaDuration(GuardedReader& reader, std::int64_t start) {
     const std::optional<EbmlElement> segment = segmentOf(reader, start);
     if (segment && isCutOff(reader, *segment)) {
         return libavWalkedDuration(reader, start, "matroska");

@@ -5,6 +5,7 @@
 // holds everything.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,6 +14,6 @@ namespace velmora {
 
 /// Times the sound of the file at `start` by what the file states, or by its packets if it was cut off or
 /// states nothing of the sound.
-std::optional<double> matroskaDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> matroskaDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

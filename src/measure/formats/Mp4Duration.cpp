@@ -62,7 +62,7 @@ double trackSeconds(GuardedReader& reader, const Mp4Track& track, const Movie& m
 
 } // namespace
 
-std::optional<double> mp4Duration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> mp4Duration(GuardedReader& reader, std::int64_t start) {
     const Movie movie = readMovie(reader, start);
     if (!movie.box || findMp4Box(reader, *movie.box, mp4Type("cmov"))) {
         return std::nullopt;

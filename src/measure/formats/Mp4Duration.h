@@ -4,6 +4,7 @@
 // edits play them.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,6 +14,6 @@ namespace velmora {
 /// Times the longest audio track of the file at `start`. Of a file that was cut off only the samples that are
 /// there count. Zero without an audio track; absent if the movie is missing or in a form only libavformat
 /// reads.
-std::optional<double> mp4Duration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> mp4Duration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

@@ -170,7 +170,7 @@ std::optional<double> version8Seconds(GuardedReader& reader, std::int64_t start)
 
 } // namespace
 
-std::optional<double> musepackDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> musepackDuration(GuardedReader& reader, std::int64_t start) {
     constexpr std::size_t version7Bytes = 24;
     constexpr std::int64_t magicBytes = 4;
     if (matches(reader.header(start, magicBytes), "MPCK")) {

@@ -4,6 +4,7 @@
 // specification").
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -12,6 +13,6 @@ namespace velmora {
 
 /// Times the Musepack file at `start` by what its header states; of a file of version 8 without its end,
 /// which may have been cut off, by the frames that are whole. Absent for other stream versions.
-std::optional<double> musepackDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> musepackDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

@@ -117,7 +117,7 @@ Description describe(GuardedReader& fork, std::int64_t resourcesAt) {
 
 } // namespace
 
-std::optional<double> sd2Duration(const std::filesystem::path& name, std::int64_t dataBytes,
+std::optional<Timing> sd2Duration(const std::filesystem::path& name, std::int64_t dataBytes,
                                   const std::stop_token& stop) {
     const auto fork = RegularFile::open(name.parent_path() / ("._" + name.filename().native()));
     if (!fork || fork->size() > mostForkBytes) {
@@ -127,7 +127,7 @@ std::optional<double> sd2Duration(const std::filesystem::path& name, std::int64_
     return sd2Duration(reader, dataBytes);
 }
 
-std::optional<double> sd2Duration(GuardedReader& fork, std::int64_t dataBytes) {
+std::optional<Timing> sd2Duration(GuardedReader& fork, std::int64_t dataBytes) {
     const auto resourcesAt = resourceForkAt(fork);
     if (!resourcesAt) {
         return std::nullopt;

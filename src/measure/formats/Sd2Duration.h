@@ -5,6 +5,7 @@
 // format for which a second file is opened.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <filesystem>
 #include <optional>
@@ -14,10 +15,10 @@ namespace velmora {
 
 /// Times the `dataBytes` of samples at `name`, by the fork beside it. Absent if there is none or it does not
 /// describe them.
-std::optional<double> sd2Duration(const std::filesystem::path& name, std::int64_t dataBytes,
+std::optional<Timing> sd2Duration(const std::filesystem::path& name, std::int64_t dataBytes,
                                   const std::stop_token& stop);
 
 /// The same by a fork at hand.
-std::optional<double> sd2Duration(GuardedReader& fork, std::int64_t dataBytes);
+std::optional<Timing> sd2Duration(GuardedReader& fork, std::int64_t dataBytes);
 
 } // namespace velmora

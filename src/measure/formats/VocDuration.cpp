@@ -99,7 +99,7 @@ private:
 
 } // namespace
 
-std::optional<double> vocDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> vocDuration(GuardedReader& reader, std::int64_t start) {
     const Bytes file = reader.header(start, blocksAt + 2);
     if (file.empty()) {
         return std::nullopt;

@@ -4,6 +4,7 @@
 // silence, which is stated as a length without data.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -11,6 +12,6 @@
 namespace velmora {
 
 /// Times the file at `start`; repeated sections count once. Zero without sound or silence.
-std::optional<double> vocDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> vocDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

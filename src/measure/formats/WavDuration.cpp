@@ -84,7 +84,7 @@ void noteChunk(GuardedReader& reader, std::string_view name, std::int64_t at, st
 
 } // namespace
 
-std::optional<double> wavDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> wavDuration(GuardedReader& reader, std::int64_t start) {
     const auto riff = reader.header(start, riffHeaderBytes);
     if (riff.empty()) {
         return std::nullopt;
@@ -119,7 +119,7 @@ std::optional<double> wavDuration(GuardedReader& reader, std::int64_t start) {
     }
 }
 
-std::optional<double> wave64Duration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> wave64Duration(GuardedReader& reader, std::int64_t start) {
     constexpr std::int64_t fileHeaderBytes = 40; // "riff" and 12 bytes, size, "wave" and 12 bytes
     constexpr std::int64_t header64Bytes = 24;   // name (16), size with this header (8)
     std::optional<WaveFormat> format;

@@ -5,6 +5,7 @@
 // only as far as the file reaches; recorders and pipes leave it empty, full, or wrapped around at 4 GB.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,9 +14,9 @@ namespace velmora {
 
 /// Times the RIFF, RIFX, RF64 or BW64 file at `start`. Absent if it has no data, or data whose length its
 /// bytes do not tell.
-std::optional<double> wavDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> wavDuration(GuardedReader& reader, std::int64_t start);
 
 /// The same for Wave64, whose chunks have names of 16 bytes and sizes of 8.
-std::optional<double> wave64Duration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> wave64Duration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

@@ -66,7 +66,7 @@ std::optional<std::int64_t> endOfLastBlock(Bytes bytes, std::int64_t offset, std
 
 } // namespace
 
-std::optional<double> wavPackDuration(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> wavPackDuration(GuardedReader& reader, std::int64_t start) {
     constexpr std::int64_t tailBytes = 64 << 10;
     const auto first = parseBlock(reader.header(start, headerBytes));
     if (!first) {

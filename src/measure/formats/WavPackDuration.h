@@ -4,6 +4,7 @@
 // which states the samples of the whole file, if its encoder knew them, and where its own stand.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -12,6 +13,6 @@ namespace velmora {
 
 /// Times the file at `start`. Of a file that was cut off only the whole blocks count. Absent for the rates
 /// that a block's flags do not tell, and for one-bit audio.
-std::optional<double> wavPackDuration(GuardedReader& reader, std::int64_t start);
+std::optional<Timing> wavPackDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

@@ -87,7 +87,7 @@ std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, b
     return format.rate > 0 && format.channels > 0 ? std::optional(format) : std::nullopt;
 }
 
-std::optional<double> waveSeconds(GuardedReader& reader, const WaveFormat& format, std::int64_t start,
+std::optional<Timing> waveSeconds(GuardedReader& reader, const WaveFormat& format, std::int64_t start,
                                   std::int64_t end, std::optional<std::int64_t> statedFrames) {
     switch (format.tag) {
     case mpegLayers12:

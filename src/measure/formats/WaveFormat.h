@@ -6,6 +6,7 @@
 // samples a block (compressed formats) or valid bits (extensible), 24 the real format tag (extensible).
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -29,7 +30,7 @@ std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, b
 /// Seconds of the audio between `start` and `end`. `statedFrames` is what a "fact" chunk says, taken for
 /// formats whose blocks may be filled up, if it fits. Zero if none plays; absent for a format whose length
 /// its bytes do not tell.
-std::optional<double> waveSeconds(GuardedReader& reader, const WaveFormat& format, std::int64_t start,
+std::optional<Timing> waveSeconds(GuardedReader& reader, const WaveFormat& format, std::int64_t start,
                                   std::int64_t end, std::optional<std::int64_t> statedFrames);
 
 } // namespace velmora

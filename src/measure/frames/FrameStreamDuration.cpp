@@ -37,7 +37,7 @@ std::optional<double> statedDuration(GuardedReader& reader, const AudioFrame& fr
 
 } // namespace
 
-std::optional<double> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
+std::optional<Timing> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
     constexpr std::int32_t firstFrameBytes = 2048; // more than any that may hold a statement
     const auto bytes = reader.header(
         start, static_cast<std::size_t>(std::clamp<std::int64_t>(end - start, 0, firstFrameBytes)));
@@ -55,7 +55,7 @@ std::optional<double> frameStreamDuration(GuardedReader& reader, std::int64_t st
     return positive(sumFrames(reader, start, end).seconds);
 }
 
-std::optional<double> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
+std::optional<Timing> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
     const std::optional<std::int64_t> first = findFrame(reader, start, end);
     if (!first || sumFrames(reader, *first, end).bytes < (end - *first) / 2) {
         return std::nullopt;

@@ -5,6 +5,7 @@
 // are counted.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -12,9 +13,9 @@
 namespace velmora {
 
 /// Times the frames between `start` and `end`, the first of which stands at `start`. Absent if none does.
-std::optional<double> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
+std::optional<Timing> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
 /// The same when the first frame may stand anywhere behind `start`; from there on most of it must be frames.
-std::optional<double> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
+std::optional<Timing> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
 } // namespace velmora

@@ -189,7 +189,7 @@ std::optional<double> soughtSeconds(AVFormatContext& context, GuardedReader& rea
 
 } // namespace
 
-std::optional<double> containerDuration(GuardedReader& reader, std::int64_t start,
+std::optional<Timing> containerDuration(GuardedReader& reader, std::int64_t start,
                                         const std::string& demuxer) {
     const LibavFile file(reader, start, demuxer);
     if (file.context() == nullptr) {
@@ -209,7 +209,7 @@ std::optional<double> containerDuration(GuardedReader& reader, std::int64_t star
     return walkedSeconds(*file.context(), reader);
 }
 
-std::optional<double> walkedContainerDuration(GuardedReader& reader, std::int64_t start,
+std::optional<Timing> walkedContainerDuration(GuardedReader& reader, std::int64_t start,
                                               const std::string& demuxer) {
     const LibavFile file(reader, start, demuxer);
     return file.context() == nullptr ? std::nullopt : walkedSeconds(*file.context(), reader);

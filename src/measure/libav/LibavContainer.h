@@ -6,6 +6,7 @@
 // module that holds libavformat; the rest of the program calls LibavDuration.h.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -15,11 +16,11 @@ namespace velmora {
 
 /// Times what stands at byte `start`, opened with `demuxer`. Zero if it opens but holds no audio; absent when
 /// nothing can be learnt within the reader's bounds.
-std::optional<double> containerDuration(GuardedReader& reader, std::int64_t start,
+std::optional<Timing> containerDuration(GuardedReader& reader, std::int64_t start,
                                         const std::string& demuxer);
 
 /// The same, but what the file states is not believed: all its packets are read.
-std::optional<double> walkedContainerDuration(GuardedReader& reader, std::int64_t start,
+std::optional<Timing> walkedContainerDuration(GuardedReader& reader, std::int64_t start,
                                               const std::string& demuxer);
 
 } // namespace velmora

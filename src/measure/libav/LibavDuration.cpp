@@ -19,11 +19,11 @@ const LibavModule* libav() {
 
 } // namespace
 
-std::optional<double> libavDuration(GuardedReader& reader, std::int64_t start, const std::string& demuxer) {
+std::optional<Timing> libavDuration(GuardedReader& reader, std::int64_t start, const std::string& demuxer) {
     return libav() == nullptr ? std::nullopt : libav()->duration(reader, start, demuxer);
 }
 
-std::optional<double> libavWalkedDuration(GuardedReader& reader, std::int64_t start,
+std::optional<Timing> libavWalkedDuration(GuardedReader& reader, std::int64_t start,
                                           const std::string& demuxer) {
     return libav() == nullptr ? std::nullopt : libav()->walkedDuration(reader, start, demuxer);
 }

@@ -6,6 +6,7 @@
 // call loads libavformat; where that cannot be loaded, nothing can be learnt from it. Called on any thread.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 #include "measure/libav/LibavModule.h"
 
 #include <cstdint>
@@ -18,10 +19,10 @@ namespace velmora {
 
 /// Times what stands at byte `start`, opened with `demuxer`. Zero if it opens but holds no audio; absent when
 /// nothing can be learnt within the reader's bounds.
-std::optional<double> libavDuration(GuardedReader& reader, std::int64_t start, const std::string& demuxer);
+std::optional<Timing> libavDuration(GuardedReader& reader, std::int64_t start, const std::string& demuxer);
 
 /// The same, but what the file states is not believed: all its packets are read.
-std::optional<double> libavWalkedDuration(GuardedReader& reader, std::int64_t start,
+std::optional<Timing> libavWalkedDuration(GuardedReader& reader, std::int64_t start,
                                           const std::string& demuxer);
 
 /// The demuxer that libavformat would choose among all it has, for the bytes at `start` of a file called

@@ -5,6 +5,7 @@
 // a module of their own, which is loaded when the first file asks for it.
 
 #include "measure/bytes/GuardedReader.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -22,8 +23,8 @@ struct ProbedDemuxer {
 
 /// The module's operations; each as the function of the same purpose in LibavDuration.h.
 struct LibavModule {
-    std::optional<double> (*duration)(GuardedReader& reader, std::int64_t start, const std::string& demuxer);
-    std::optional<double> (*walkedDuration)(GuardedReader& reader, std::int64_t start,
+    std::optional<Timing> (*duration)(GuardedReader& reader, std::int64_t start, const std::string& demuxer);
+    std::optional<Timing> (*walkedDuration)(GuardedReader& reader, std::int64_t start,
                                             const std::string& demuxer);
     std::optional<ProbedDemuxer> (*probe)(GuardedReader& reader, std::int64_t start,
                                           const std::filesystem::path& name);
