@@ -18,7 +18,7 @@
 #include "measure/formats/WavDuration.h"
 #include "measure/formats/WavPackDuration.h"
 #include "measure/frames/FrameStreamDuration.h"
-#include "measure/libav/LibavDuration.h"
+#include "measure/libav/Libav.h"
 
 #include <algorithm>
 #include <array>
@@ -43,7 +43,7 @@ using TimeReader = std::optional<Timing> (*)(GuardedReader& reader, std::int64_t
 
 /// A stream that was never finished states an hour, so nothing is believed.
 std::optional<Timing> realMediaDuration(GuardedReader& reader, std::int64_t start) {
-    return libavWalkedDuration(reader, start, "rm");
+    return libav().duration(reader, start, "rm", Doubt::unfinished);
 }
 
 struct Format {
@@ -99,16 +99,17 @@ const Format* formatAt(GuardedReader& reader, std::int64_t start) {
 
 std::optional<Timing> knownDuration(GuardedReader& reader, std::int64_t start, const Format& format) {
     const auto seconds = format.read == nullptr ? std::nullopt : format.read(reader, start);
-    return seconds || format.demuxer.empty() ? seconds
-                                             : libavDuration(reader, start, std::string(format.demuxer));
+    return seconds || format.demuxer.empty()
+               ? seconds
+               : libav().duration(reader, start, std::string(format.demuxer), Doubt::none);
 }
 
 /// For what begins with no magic that we know.
 MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std::filesystem::path& name) {
-    const std::optional<ProbedDemuxer> demuxer = probeDemuxer(reader, start, "");
+    const std::optional<ProbedDemuxer> demuxer = libav().probe(reader, start, "");
     std::optional<Timing> timing;
     if (demuxer && demuxer->isMedia && !isFrameDemuxer(*demuxer)) {
-        timing = libavDuration(reader, start, demuxer->name);
+        timing = libav().duration(reader, start, demuxer->name, Doubt::none);
     }
     if (!timing) {
         timing = searchedFrameDuration(reader, start, findTrailingTags(reader, start));
@@ -116,7 +117,7 @@ MediaAnswer probedDuration(GuardedReader& reader, std::int64_t start, const std:
     if (timing) {
         return {timing->seconds, false};
     }
-    const std::optional<ProbedDemuxer> named = probeDemuxer(reader, start, name);
+    const std::optional<ProbedDemuxer> named = libav().probe(reader, start, name);
     return {std::nullopt, named && (!named->isMedia || isFrameDemuxer(*named))};
 }
 

@@ -121,7 +121,7 @@ INSTANTIATE_TEST_SUITE_P(
         ArrowCase{"BytesToFormats", "measure/bytes/GuardedReader.cpp",
                   "#include \"measure/formats/WavDuration.h\"", false},
         ArrowCase{"FramesToLibav", "measure/frames/FrameHopper.cpp",
-                  "#include \"measure/libav/LibavDuration.h\"", false},
+                  "#include \"measure/libav/Libav.h\"", false},
         ArrowCase{"FormatsToDispatch", "measure/formats/WavDuration.cpp",
                   "#include \"measure/MediaDuration.h\"", false},
         ArrowCase{"ContentToKit", "ui/content/Card.cpp", "#include \"ui/kit/Neon.h\"", true},

@@ -23,6 +23,14 @@ enum class Doubt : std::uint8_t {
     disagrees,  ///< the audio that is there says otherwise
 };
 
+/// Which part of the program found a length.
+enum class Way : std::uint8_t {
+    headerReader, ///< a reader of our own, chosen by the file's extension
+    ownReader,    ///< a reader of our own, chosen by the file's first bytes
+    libavformat,  ///< in process
+    ffprobe,      ///< the program
+};
+
 /// One answer of a reader. `seconds` is finite and at least 0; 0 means that nothing in the file plays.
 struct Timing {
     double seconds = 0;
@@ -36,6 +44,8 @@ struct Timing {
 
     Timing(double length) // NOLINT(google-explicit-constructor): until every reader says its basis
         : seconds(length) {}
+
+    Way way = Way::ownReader;
 
     bool operator==(const Timing&) const = default;
 };

@@ -1,7 +1,7 @@
 #include "measure/formats/MatroskaDuration.h"
 
 #include "measure/formats/EbmlElement.h"
-#include "measure/libav/LibavDuration.h"
+#include "measure/libav/Libav.h"
 
 namespace velmora {
 
@@ -87,10 +87,10 @@ std::optional<double> statedAtHead(GuardedReader& reader, const EbmlElement& seg
 std::optional<Timing> matroskaDuration(GuardedReader& reader, std::int64_t start) {
     const std::optional<EbmlElement> segment = segmentOf(reader, start);
     if (segment && isCutOff(reader, *segment)) {
-        return libavWalkedDuration(reader, start, "matroska");
+        return libav().duration(reader, start, "matroska", Doubt::beyondEnd);
     }
     const std::optional<double> stated = segment ? statedAtHead(reader, *segment) : std::nullopt;
-    return stated ? stated : libavDuration(reader, start, "matroska");
+    return stated ? stated : libav().duration(reader, start, "matroska", Doubt::none);
 }
 
 } // namespace velmora

@@ -3,7 +3,7 @@
 #include "measure/bytes/AudioTags.h"
 #include "measure/bytes/ByteOrder.h"
 #include "measure/bytes/Magic.h"
-#include "measure/libav/LibavDuration.h"
+#include "measure/libav/Libav.h"
 
 #include <algorithm>
 #include <array>
@@ -109,7 +109,7 @@ std::int64_t samplesOfPart(GuardedReader& reader, std::int64_t at, const StreamH
     bytes.resize(reader.search(at, bytes));
     const auto packet = parsePacket(bytes);
     const std::int64_t decoded =
-        packet ? libavDecodedSamples("mpc8", header.description, packet->content) : 0;
+        packet ? libav().decodedSamples("mpc8", header.description, packet->content) : 0;
     return std::max<std::int64_t>(0, decoded - frameSamples);
 }
 

@@ -1,6 +1,5 @@
-#include "measure/libav/LibavContainer.h"
-
 #include "measure/libav/LibavFile.h"
+#include "measure/libav/LibavModule.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -17,7 +16,8 @@ namespace velmora {
 
 namespace {
 
-constexpr double jumpBackSeconds = 0.5; // a time stamp this far back begins a new segment (joined recordings)
+/// A time stamp this far before the last one begins a new segment: recordings were joined.
+constexpr double jumpBackSeconds = 0.5;
 
 std::span<AVStream*> streamsOf(const AVFormatContext& context) {
     return {context.streams, context.nb_streams};
@@ -31,8 +31,8 @@ bool hasAudio(const AVFormatContext& context) {
     return std::ranges::any_of(streamsOf(context), [](const AVStream* stream) { return isAudio(*stream); });
 }
 
-/// Whether something may play that is no audio, and for longer.
-bool hasCompany(const AVFormatContext& context) {
+/// Whether something that is not audio may play, and for longer than the audio.
+bool hasMoreThanAudio(const AVFormatContext& context) {
     return std::ranges::any_of(streamsOf(context), [](const AVStream* stream) {
         const bool isAttached = stream->codecpar->codec_type == AVMEDIA_TYPE_ATTACHMENT ||
                                 (stream->disposition & AV_DISPOSITION_ATTACHED_PIC) != 0;
@@ -42,8 +42,9 @@ bool hasCompany(const AVFormatContext& context) {
 
 /// What Matroska's writers note of each track; 0 if there is none.
 double taggedSeconds(const AVStream& stream) {
+    // The tag's language may follow its name.
     const AVDictionaryEntry* const tag =
-        av_dict_get(stream.metadata, "DURATION", nullptr, AV_DICT_IGNORE_SUFFIX); // behind it: its language
+        av_dict_get(stream.metadata, "DURATION", nullptr, AV_DICT_IGNORE_SUFFIX);
     std::int64_t microseconds = 0;
     const bool isTime = tag != nullptr && av_parse_time(&microseconds, tag->value, 1) == 0;
     return isTime ? static_cast<double>(microseconds) / AV_TIME_BASE : 0;
@@ -60,11 +61,12 @@ double longestAudio(const AVFormatContext& context, Seconds seconds) {
 
 /// Absent if nothing is stated, or only for everything together and not everything is audio.
 std::optional<double> statedSeconds(const AVFormatContext& context) {
-    const double whole = static_cast<double>(context.duration) / AV_TIME_BASE; // "unknown" is negative
+    // Negative if it is not known.
+    const double whole = static_cast<double>(context.duration) / AV_TIME_BASE;
     double longest = longestAudio(context, [](const AVStream& stream) {
         return static_cast<double>(stream.duration) * av_q2d(stream.time_base);
     });
-    if (!(longest > 0) && hasCompany(context)) {
+    if (!(longest > 0) && hasMoreThanAudio(context)) {
         longest = std::min(whole, longestAudio(context, taggedSeconds));
     } else if (!(longest > 0) && hasAudio(context)) {
         longest = whole;
@@ -89,6 +91,7 @@ double secondsOf(const AVPacket& packet, const AVStream& stream) {
 class SegmentSum {
 public:
     void add(const AVPacket& packet, const AVStream& stream) {
+        ++m_packets;
         const double timeBase = av_q2d(stream.time_base);
         const double length = secondsOf(packet, stream);
         // A packet without a time stamp of its own goes on where the last one ended.
@@ -112,6 +115,8 @@ public:
 
     double end() const { return m_end; }
 
+    std::int64_t packets() const { return m_packets; }
+
 private:
     bool m_isEmpty = true;
     double m_closed = 0;
@@ -119,6 +124,7 @@ private:
     double m_end = 0;
     double m_last = 0;
     std::int64_t m_lastStamp = AV_NOPTS_VALUE;
+    std::int64_t m_packets = 0;
 };
 
 /// Samples that the packet holds at its end but that are not to be played.
@@ -163,56 +169,73 @@ void learnPackets(AVFormatContext& context, GuardedReader& reader) {
     avformat_find_stream_info(&context, nullptr);
 }
 
-std::optional<double> walkedSeconds(AVFormatContext& context, GuardedReader& reader) {
-    learnPackets(context, reader);
-    double longest = 0;
-    for (const SegmentSum& sum : sumPackets(context, reader)) {
-        longest = std::max(longest, sum.seconds());
+/// The longest of `sums` by `seconds`, a member function of theirs.
+Timing longestOf(const std::vector<SegmentSum>& sums, double (SegmentSum::*seconds)() const) {
+    Timing timing;
+    timing.basis = Basis::counted;
+    timing.way = Way::libavformat;
+    for (const SegmentSum& sum : sums) {
+        if ((sum.*seconds)() > timing.seconds) {
+            timing.seconds = (sum.*seconds)();
+            timing.frames = sum.packets();
+        }
     }
-    const bool isAnswer = longest > 0 || !hasAudio(context);
-    return isAnswer && !reader.isOver() ? std::optional(longest) : std::nullopt;
+    return timing;
 }
 
-/// Where the last audio packets end, found by the file's index; absent if there are none behind what that
-/// leads to.
-std::optional<double> soughtSeconds(AVFormatContext& context, GuardedReader& reader) {
+/// By all packets, since what the file may state is open to `doubt`.
+std::optional<Timing> walkedTiming(AVFormatContext& context, GuardedReader& reader, Doubt doubt) {
+    const std::optional<double> stated = statedSeconds(context);
+    learnPackets(context, reader);
+    Timing timing = longestOf(sumPackets(context, reader), &SegmentSum::seconds);
+    timing.stated = stated;
+    timing.doubt = stated ? doubt : Doubt::none;
+    const bool isAnswer = timing.seconds > 0 || !hasAudio(context);
+    return isAnswer && !reader.isOver() ? std::optional(timing) : std::nullopt;
+}
+
+/// Where the last audio packets end, found by the file's index; absent if there are none after the place that
+/// the index leads to.
+std::optional<Timing> soughtTiming(AVFormatContext& context, GuardedReader& reader) {
     learnPackets(context, reader);
     if (av_seek_frame(&context, -1, context.duration, AVSEEK_FLAG_BACKWARD) < 0) {
         return std::nullopt;
     }
-    double end = 0;
-    for (const SegmentSum& sum : sumPackets(context, reader)) {
-        end = std::max(end, sum.end());
-    }
-    return end > 0 && !reader.isOver() ? std::optional(end) : std::nullopt;
+    const Timing timing = longestOf(sumPackets(context, reader), &SegmentSum::end);
+    return timing.seconds > 0 && !reader.isOver() ? std::optional(timing) : std::nullopt;
+}
+
+Timing statedTiming(std::optional<double> stated) {
+    Timing timing;
+    timing.seconds = stated.value_or(0);
+    timing.stated = stated;
+    timing.way = Way::libavformat;
+    return timing;
 }
 
 } // namespace
 
-std::optional<Timing> containerDuration(GuardedReader& reader, std::int64_t start,
-                                        const std::string& demuxer) {
+std::optional<Timing> LibavModule::duration(GuardedReader& reader, std::int64_t start,
+                                            const std::string& demuxer, Doubt doubt) const {
     const LibavFile file(reader, start, demuxer);
-    if (file.context() == nullptr) {
+    AVFormatContext* const context = file.context();
+    if (context == nullptr) {
         return std::nullopt;
     }
-    if (const std::optional<double> stated = statedSeconds(*file.context())) {
-        return stated;
+    const std::optional<double> stated = statedSeconds(*context);
+    if (doubt != Doubt::none) {
+        return walkedTiming(*context, reader, doubt);
     }
-    const bool mayGetStreams = (file.context()->ctx_flags & AVFMTCTX_NOHEADER) != 0;
-    if (!hasAudio(*file.context()) && !mayGetStreams) {
-        return 0;
+    const bool mayGetStreams = (context->ctx_flags & AVFMTCTX_NOHEADER) != 0;
+    if (stated || (!hasAudio(*context) && !mayGetStreams)) {
+        return statedTiming(stated);
     }
-    if (hasCompany(*file.context()) && file.context()->duration > 0) {
-        const auto sought = soughtSeconds(*file.context(), reader);
-        return sought ? sought : walkedContainerDuration(reader, start, demuxer);
+    if (hasMoreThanAudio(*context) && context->duration > 0) {
+        // If there is no index, all packets are read from a fresh start: a doubt makes it so.
+        const auto sought = soughtTiming(*context, reader);
+        return sought ? sought : duration(reader, start, demuxer, Doubt::disagrees);
     }
-    return walkedSeconds(*file.context(), reader);
-}
-
-std::optional<Timing> walkedContainerDuration(GuardedReader& reader, std::int64_t start,
-                                              const std::string& demuxer) {
-    const LibavFile file(reader, start, demuxer);
-    return file.context() == nullptr ? std::nullopt : walkedSeconds(*file.context(), reader);
+    return walkedTiming(*context, reader, doubt);
 }
 
 } // namespace velmora

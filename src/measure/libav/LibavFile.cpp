@@ -1,5 +1,7 @@
 #include "measure/libav/LibavFile.h"
 
+#include "measure/libav/LibavModule.h"
+
 extern "C" {
 #include <libavformat/avformat.h>
 #include <libavutil/avstring.h>
@@ -108,13 +110,13 @@ void silenceLibav() {
     }();
 }
 
-std::optional<ProbedDemuxer> chosenDemuxer(GuardedReader& reader, std::int64_t start,
-                                           const std::filesystem::path& name) {
+std::optional<ProbedDemuxer> LibavModule::probe(GuardedReader& reader, std::int64_t start,
+                                                const std::filesystem::path& name) const {
     constexpr std::size_t probeBytes = 64 << 10;
     silenceLibav();
     std::vector<std::uint8_t> bytes(probeBytes + AVPROBE_PADDING_SIZE);
     const std::size_t got = reader.search(start, std::span(bytes).first(probeBytes));
-    std::fill(bytes.begin() + static_cast<std::ptrdiff_t>(got), bytes.end(), std::uint8_t{0});
+    std::ranges::fill(std::span(bytes).subspan(got), std::uint8_t{0});
     const AVProbeData data = {name.c_str(), bytes.data(), static_cast<int>(got), nullptr};
     const AVInputFormat* const demuxer = av_probe_input_format(&data, 1);
     return demuxer == nullptr ? std::nullopt

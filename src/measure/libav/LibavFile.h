@@ -5,11 +5,8 @@
 // among the demuxers allowed at all.
 
 #include "measure/bytes/GuardedReader.h"
-#include "measure/libav/LibavModule.h"
 
 #include <cstdint>
-#include <filesystem>
-#include <optional>
 #include <string>
 
 struct AVFormatContext;
@@ -42,10 +39,5 @@ private:
 
 /// The libraries print to standard error unless told not to, once for the process.
 void silenceLibav();
-
-/// The demuxer that libavformat would choose among all it has, for the bytes at `start` of a file called
-/// `name`; absent if none fits.
-std::optional<ProbedDemuxer> chosenDemuxer(GuardedReader& reader, std::int64_t start,
-                                           const std::filesystem::path& name);
 
 } // namespace velmora

@@ -1,10 +1,10 @@
 #include "measure/libav/LibavModule.h"
 
-#include "measure/libav/LibavContainer.h"
-#include "measure/libav/LibavFile.h"
-#include "measure/libav/PacketDecoder.h"
+namespace {
+
+const velmora::LibavModule module;
+
+} // namespace
 
 // The name that libavModuleSymbol gives.
-extern "C" __attribute__((visibility("default"))) const velmora::LibavModule velmoraLibavModule = {
-    &velmora::containerDuration, &velmora::walkedContainerDuration, &velmora::chosenDemuxer,
-    &velmora::decodedSamples};
+extern "C" __attribute__((visibility("default"))) const velmora::Libav* const velmoraLibav = &module;
