@@ -2,15 +2,16 @@
 
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
-#include "app/EndingSignals.h"
 #include "app/Launch.h"
 #include "app/desktop/GraphicsProbe.h"
 #include "app/desktop/SingleInstance.h"
 #include "screenshots/Screenshots.h"
+#include "system/EndingSignals.h"
 #include "ui/Views.h"
 #include "update/UpdateChecker.h"
 
 #include <QApplication>
+#include <QSocketNotifier>
 
 #include <algorithm>
 #include <cstdio>
@@ -52,7 +53,12 @@ int openWindow(int argc, char** argv, const Paths& paths) {
     if (!instance.claim(paths)) {
         return EXIT_SUCCESS;
     }
-    const EndingSignals endingSignals; // longer than the window, which has to clean up
+    EndingSignals endingSignals; // longer than the window, which has to clean up
+    const QSocketNotifier endingNotifier(endingSignals.descriptor(), QSocketNotifier::Read);
+    QObject::connect(&endingNotifier, &QSocketNotifier::activated, &application, [&] {
+        endingSignals.take();
+        QCoreApplication::exit(EXIT_SUCCESS); // an open panel's event loop ends as well
+    });
     Views::prepare();
     AppDelegate delegate;
     delegate.open(paths);

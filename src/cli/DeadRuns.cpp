@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <charconv>
 #include <csignal>
 #include <fstream>
@@ -25,7 +26,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr int killPatience = 2000; // milliseconds a killed process gets to be gone
+constexpr int killPatience = 2000; // milliseconds to wait for the end of a killed process
 
 /// The entries of `directory`; none where it cannot be listed.
 Paths entriesOf(const fs::path& directory) {
@@ -47,6 +48,12 @@ bool hasVariable(const fs::path& process, std::string_view entry) {
     return between.find(std::string(1, '\0') + std::string(entry) + '\0') != std::string::npos;
 }
 
+void awaitEnd(const FileDescriptor& process) {
+    pollfd ended{process.get(), POLLIN, 0};
+    while (::poll(&ended, 1, killPatience) < 0 && errno == EINTR) {
+    }
+}
+
 /// Kills the process if it works with `variable`, and waits for its end.
 void killIfMarked(const fs::path& process, std::string_view variable) {
     const std::string name = process.filename();
@@ -58,8 +65,7 @@ void killIfMarked(const fs::path& process, std::string_view variable) {
     const FileDescriptor handle(static_cast<int>(::syscall(SYS_pidfd_open, id, 0)));
     if (handle && hasVariable(process, variable) &&
         ::syscall(SYS_pidfd_send_signal, handle.get(), SIGKILL, nullptr, 0) == 0) {
-        pollfd ended{handle.get(), POLLIN, 0};
-        ::poll(&ended, 1, killPatience);
+        awaitEnd(handle);
     }
 }
 

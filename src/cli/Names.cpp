@@ -1,7 +1,8 @@
 #include "cli/Names.h"
 
+#include "system/Utf8.h"
+
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 
 #include <cstdint>
 
@@ -9,15 +10,12 @@ namespace velmora {
 
 namespace {
 
-/// Whether a terminal shows `character` and does nothing else. A negative one stands for bytes that are not
-/// UTF-8.
-bool isHarmless(UChar32 character) {
-    if (character < 0) {
-        return false;
-    }
-    const int category = u_charType(character);
+/// Whether a terminal shows `character` and does nothing else.
+bool isHarmless(char32_t character) {
+    const auto code = static_cast<UChar32>(character);
+    const int category = u_charType(code);
     return category != U_CONTROL_CHAR && category != U_LINE_SEPARATOR && category != U_PARAGRAPH_SEPARATOR &&
-           u_hasBinaryProperty(character, UCHAR_BIDI_CONTROL) == 0;
+           u_hasBinaryProperty(code, UCHAR_BIDI_CONTROL) == 0;
 }
 
 std::string hexadecimal(std::string_view bytes) {
@@ -54,19 +52,16 @@ std::string fieldName(std::string_view name) {
 }
 
 std::string terminalText(std::string_view text) {
-    const auto* const bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     std::string result;
-    for (std::size_t start = 0; start < text.size();) {
-        std::size_t end = start;
-        UChar32 character = 0;
-        U8_NEXT(bytes, end, text.size(), character);
-        const std::string_view part = text.substr(start, end - start);
-        if (character == '\\') {
+    while (!text.empty()) {
+        const Utf8Part part = takeUtf8(text);
+        if (part.character == U'\\') {
             result += "\\\\";
+        } else if (part.character && isHarmless(*part.character)) {
+            result += part.bytes;
         } else {
-            result += isHarmless(character) ? std::string(part) : hexadecimal(part);
+            result += hexadecimal(part.bytes);
         }
-        start = end;
     }
     return result;
 }

@@ -3,7 +3,6 @@
 #include "cli/DeadRuns.h"
 #include "cli/Names.h"
 #include "cli/RunLock.h"
-#include "system/RemoveTree.h"
 
 #include <cerrno>
 #include <cstdlib>
@@ -16,9 +15,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// A starting run may take a new directory for a dead run's before it is locked. Then another is made; more
-/// often than this it is not bad luck.
-constexpr int mostAttempts = 100;
+/// A run that starts at the same time may take a new directory for a dead run's before it is locked. Then
+/// another one is made, at most this often.
+constexpr int maxAttempts = 100;
 
 fs::path temporaryDirectory() {
     std::error_code error;
@@ -34,22 +33,24 @@ fs::path temporaryDirectory() {
 PrivateDirectory::PrivateDirectory() {
     const fs::path parent = temporaryDirectory();
     removeDeadRuns(parent);
-    for (int attempt = 0; attempt < mostAttempts && !m_lock; ++attempt) {
-        std::string path = parent / (std::string(runPrefix) + "XXXXXX");
-        if (::mkdtemp(path.data()) == nullptr) {
+    int error = 0;
+    for (int attempt = 0; attempt < maxAttempts && !m_lock; ++attempt) {
+        m_directory = TemporaryDirectory::makeUnique(parent / runPrefix);
+        if (!m_directory) {
+            error = errno;
             break;
         }
-        m_lock = lockRun(path);
-        m_path = std::move(path);
+        m_lock = lockRun(path());
+        error = errno;
     }
     if (!m_lock) {
-        throw std::system_error(errno, std::generic_category(),
+        throw std::system_error(error, std::generic_category(),
                                 "cannot make a directory in " + quotedName(parent.native()));
     }
     if (const char* outer = std::getenv("TMPDIR")) {
         m_outerTmpdir = outer;
     }
-    ::setenv("TMPDIR", m_path.c_str(), 1);
+    ::setenv("TMPDIR", path().c_str(), 1);
 }
 
 PrivateDirectory::~PrivateDirectory() {
@@ -58,7 +59,6 @@ PrivateDirectory::~PrivateDirectory() {
     } else {
         ::unsetenv("TMPDIR");
     }
-    removeTree(m_path);
 }
 
 } // namespace velmora

@@ -3,7 +3,8 @@
 // The directory one run of velmora-scan works in. Everything temporary lies in it, its tools' files too, so
 // runs never meet each other's or the window's files, and one removal leaves nothing behind.
 
-#include "system/RegularFile.h"
+#include "system/FileDescriptor.h"
+#include "system/TemporaryDirectory.h"
 
 #include <filesystem>
 #include <optional>
@@ -24,11 +25,11 @@ public:
     /// Removes the directory with everything in it and gives TMPDIR its old value.
     ~PrivateDirectory();
 
-    const std::filesystem::path& path() const { return m_path; }
+    const std::filesystem::path& path() const { return m_directory->path(); }
 
 private:
-    std::filesystem::path m_path;
-    FileDescriptor m_lock;
+    FileDescriptor m_lock; // held until the directory is gone
+    std::optional<TemporaryDirectory> m_directory;
     std::optional<std::string> m_outerTmpdir; // absent when it was not set
 };
 

@@ -1,15 +1,16 @@
 #include "cli/Session.h"
 
-#include "cli/Interrupt.h"
 #include "cli/Names.h"
 #include "cli/PrivateDirectory.h"
 #include "cli/Progress.h"
 #include "cli/Report.h"
 #include "cli/Sources.h"
 #include "scan/ScanModel.h"
+#include "system/EndingSignals.h"
 #include "system/Paths.h"
 
 #include <QCoreApplication>
+#include <QSocketNotifier>
 
 #include <array>
 #include <optional>
@@ -32,7 +33,8 @@ private:
 };
 
 /// Runs the model's work one after the other in the event loop. The members stand in the order in which they
-/// need each other: background work ends first, then its directory goes, then signals are delivered.
+/// need each other: background work ends first, then its directory goes, then a signal that came meanwhile is
+/// raised again.
 class Session {
 public:
     explicit Session(const Options& options)
@@ -40,6 +42,10 @@ public:
         QObject::connect(&m_model, &ScanModel::statusChanged, &m_model, [this] { scanMoved(); });
         QObject::connect(&m_model, &ScanModel::processedChanged, &m_model, [this] { showMeasuring(); });
         QObject::connect(&m_model, &ScanModel::zipStateChanged, &m_model, [this] { zipMoved(); });
+        QObject::connect(&m_signalNotifier, &QSocketNotifier::activated, &m_model, [this] {
+            takeSignals();
+            QCoreApplication::quit();
+        });
     }
 
     /// False when it was interrupted.
@@ -60,8 +66,11 @@ private:
     bool awaitEnd() {
         QCoreApplication::exec();
         m_progress.clear();
-        return !m_interrupt.requested();
+        takeSignals();
+        return !m_interrupted;
     }
+
+    void takeSignals() { m_interrupted = m_signals.take() || m_interrupted; }
 
     void scanMoved() {
         switch (m_model.phase()) {
@@ -92,7 +101,9 @@ private:
     }
 
     Application m_application;
-    Interrupt m_interrupt{[] { QCoreApplication::quit(); }};
+    EndingSignals m_signals;
+    QSocketNotifier m_signalNotifier{m_signals.descriptor(), QSocketNotifier::Read};
+    bool m_interrupted = false;
     Progress m_progress;
     PrivateDirectory m_directory;
     ScanModel m_model;

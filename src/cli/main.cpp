@@ -1,11 +1,13 @@
 // velmora-scan: how long does all this audio play? Answered in the terminal.
 
-#include "cli/Interrupt.h"
 #include "cli/Options.h"
 #include "cli/Session.h"
 #include "cli/Sources.h"
 #include "cli/Terminal.h"
+#include "system/EndingSignals.h"
 #include "system/Paths.h"
+
+#include <unistd.h>
 
 #include <algorithm>
 #include <csignal>
@@ -15,6 +17,11 @@
 namespace velmora {
 
 namespace {
+
+/// Answers a signal where there is nothing to clean up.
+extern "C" void endProgram(int /*signal*/) {
+    ::_exit(static_cast<int>(ExitStatus::interrupted));
+}
 
 ExitStatus carryOut(const Options& options) {
     Paths given;
@@ -57,7 +64,7 @@ int main(int argc, char** argv) {
     using namespace velmora;
     reserveStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error of the write
-    endAtSignals();
+    handleEndingSignals(&endProgram);
     try {
         const CommandLine line = parseCommandLine({argv + std::min(argc, 1), argv + argc});
         return static_cast<int>(std::visit([](const auto& asked) { return carryOut(asked); }, line));

@@ -1,6 +1,6 @@
 #include "export/EntryEncoding.h"
 
-#include <unicode/utf8.h>
+#include "system/Utf8.h"
 
 #include <cstdint>
 
@@ -8,19 +8,9 @@ namespace velmora {
 
 namespace {
 
-constexpr UChar32 notUtf8 = -1;
-
-/// The character that begins at `position`, or `notUtf8`. `position` is moved behind it, if it is one.
-UChar32 nextCharacter(std::string_view text, std::int32_t& position) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    std::int32_t next = position;
-    UChar32 character = 0;
-    U8_NEXT(bytes, next, static_cast<std::int32_t>(text.size()), character);
-    if (character < 0) {
-        return notUtf8;
-    }
-    position = next;
-    return character;
+/// Whether libzip takes `character` in a name that is marked as UTF-8: it refuses most control characters.
+bool isMarkable(char32_t character) {
+    return character >= U' ' || character == U'\t' || character == U'\n' || character == U'\r';
 }
 
 /// How many bytes at the start of `text` look like a character of UTF-8: a lead byte for two to four bytes
@@ -51,24 +41,22 @@ void appendEscaped(std::string& text, std::string_view bytes) {
 
 EncodedName encodedName(std::string_view name) {
     EncodedName result;
-    bool isMarkable = true; // UTF-8 without the control characters that libzip refuses in marked names
-    for (std::int32_t position = 0; position < static_cast<std::int32_t>(name.size());) {
-        const auto start = static_cast<std::size_t>(position);
-        const UChar32 character = nextCharacter(name, position);
-        if (character != notUtf8) {
-            isMarkable = isMarkable &&
-                         (character >= ' ' || character == '\t' || character == '\n' || character == '\r');
-            result.text += name.substr(start, static_cast<std::size_t>(position) - start);
-        } else if (const std::size_t length = lookAlikeLength(name.substr(start))) {
-            appendEscaped(result.text, name.substr(start, length));
-            position += static_cast<std::int32_t>(length);
+    bool allMarkable = true;
+    while (!name.empty()) {
+        const std::string_view here = name;
+        const Utf8Part part = takeUtf8(name);
+        if (part.character) {
+            allMarkable = allMarkable && isMarkable(*part.character);
+            result.text += part.bytes;
+        } else if (const std::size_t length = lookAlikeLength(here)) {
+            appendEscaped(result.text, here.substr(0, length));
+            name = here.substr(length);
         } else {
-            isMarkable = false;
-            result.text += name[start];
-            ++position;
+            allMarkable = false;
+            result.text += part.bytes;
         }
     }
-    result.encoding = isMarkable ? ZIP_FL_ENC_UTF_8 : ZIP_FL_ENC_GUESS;
+    result.encoding = allMarkable ? ZIP_FL_ENC_UTF_8 : ZIP_FL_ENC_GUESS;
     return result;
 }
 

@@ -15,15 +15,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Calls `use` with every folder of the relative path `name`, without its final "/".
-template <typename Use>
-void forEachFolder(std::string_view name, const Use& use) {
-    for (std::size_t slash = name.find('/'); slash != std::string_view::npos;
-         slash = name.find('/', slash + 1)) {
-        use(name.substr(0, slash));
-    }
-}
-
 std::string numbered(std::string_view name, int number) {
     const std::string ending = " (" + std::to_string(number) + ").";
     return withEnding(withoutExtension(name), ending + std::string(extensionOf(name)));
@@ -33,7 +24,10 @@ std::string numbered(std::string_view name, int number) {
 class TakenNames {
 public:
     void takeFoldersOf(std::string_view name) {
-        forEachFolder(lowerCased(name), [&](std::string_view folder) { m_taken.emplace(folder); });
+        const std::string lower = lowerCased(name);
+        for (const std::string_view folder : parentFolders(lower)) {
+            m_taken.emplace(folder);
+        }
     }
 
     /// `name`, or the first numbered one that is free; taken from then on.
@@ -70,13 +64,13 @@ std::string Roots::relativePath(const fs::path& file) const {
     const std::string path = standardized(file);
     std::size_t bestRank = m_ranks.size();
     std::size_t bestLength = 0;
-    forEachFolder(path, [&](std::string_view folder) {
+    for (const std::string_view folder : parentFolders(path)) {
         const auto found = m_ranks.find(path.substr(0, folder.size() + 1));
         if (found != m_ranks.end() && found->second < bestRank) {
             bestRank = found->second;
             bestLength = folder.size() + 1;
         }
-    });
+    }
     return bestLength == 0 ? lastComponent(path) : path.substr(bestLength);
 }
 

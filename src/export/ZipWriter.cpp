@@ -156,11 +156,10 @@ void writeZip(const fs::path& archive, const fs::path& folder, const std::vector
     zip.addFolder(top);
     std::unordered_set<std::string> folders;
     for (const std::string& file : files) {
-        for (std::size_t slash = file.find('/'); slash != std::string::npos;
-             slash = file.find('/', slash + 1)) {
-            const auto [name, isNew] = folders.insert(file.substr(0, slash + 1));
+        for (const std::string_view parent : parentFolders(file)) {
+            const auto [name, isNew] = folders.emplace(parent);
             if (isNew) {
-                zip.addFolder(top + *name);
+                zip.addFolder(top + *name + "/");
             }
         }
         zip.addFile(top + file, folder / file);

@@ -5,14 +5,16 @@
 #include "system/FileCopy.h"
 #include "system/FileName.h"
 #include "system/Paths.h"
-#include "system/RemoveTree.h"
 #include "system/TempRegistry.h"
+#include "system/TemporaryDirectory.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstdio>
+#include <optional>
+#include <utility>
 
 namespace velmora::Zipper {
 
@@ -39,26 +41,14 @@ void endIfStopped(const std::stop_token& stop) {
     }
 }
 
-/// A new private directory in the temporary directory, removed with all that is in it.
-class StagingDirectory {
-public:
-    StagingDirectory()
-        : m_path(TempRegistry::freshPath("zip-")) {
-        if (::mkdir(m_path.c_str(), S_IRWXU) != 0) {
-            fail("cannot make a folder in", m_path.parent_path(), errno);
-        }
+TemporaryDirectory makeStagingDirectory() {
+    const fs::path path = TempRegistry::freshPath("zip-");
+    std::optional<TemporaryDirectory> directory = TemporaryDirectory::make(path);
+    if (!directory) {
+        fail("cannot make a folder in", path.parent_path(), errno);
     }
-
-    StagingDirectory(const StagingDirectory&) = delete;
-    StagingDirectory& operator=(const StagingDirectory&) = delete;
-
-    ~StagingDirectory() { removeTree(m_path); }
-
-    const fs::path& path() const { return m_path; }
-
-private:
-    fs::path m_path;
-};
+    return std::move(*directory);
+}
 
 /// The name of the archive's one folder. Never one that stands for another folder: "...zip" would give "..".
 std::string folderName(const fs::path& destination) {
@@ -108,7 +98,7 @@ void zip(const Paths& files, const Paths& roots, const fs::path& destination, co
     if (fs::is_directory(destination, ignored)) {
         fail("cannot replace", destination, EISDIR);
     }
-    const StagingDirectory staging;
+    const TemporaryDirectory staging = makeStagingDirectory();
     const std::string name = folderName(destination);
     const fs::path content = staging.path() / name;
     if (::mkdir(content.c_str(), S_IRWXU) != 0) {

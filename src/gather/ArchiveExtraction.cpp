@@ -7,8 +7,8 @@
 #include "system/FileName.h"
 #include "system/OwnerAccess.h"
 #include "system/RegularFile.h"
-#include "system/RemoveTree.h"
 #include "system/TempRegistry.h"
+#include "system/TemporaryDirectory.h"
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -67,17 +67,13 @@ std::optional<fs::path> extract(const fs::path& url, const std::stop_token& stop
     if (!RegularFile::open(url)) {
         return std::nullopt;
     }
-    fs::path directory = TempRegistry::freshPath("");
-    if (::mkdir(directory.c_str(), S_IRWXU) != 0) {
+    std::optional<TemporaryDirectory> directory = TemporaryDirectory::make(TempRegistry::freshPath(""));
+    if (!directory || !unpack(url, directory->path(), stop) || stop.stop_requested()) {
         return std::nullopt;
     }
-    if (!unpack(url, directory, stop) || stop.stop_requested()) {
-        removeTree(directory);
-        return std::nullopt;
-    }
-    ::chmod(directory.c_str(), S_IRWXU); // an archive may hold permissions for its top folder, too
-    grantOwnerBelow(directory);
-    return directory;
+    ::chmod(directory->path().c_str(), S_IRWXU); // an archive may hold permissions for its top folder, too
+    grantOwnerBelow(directory->path());
+    return directory->release();
 }
 
 } // namespace velmora::Collector

@@ -90,13 +90,8 @@ public:
             return false;
         }
         const std::string path = standardized(file);
-        for (std::size_t slash = path.find('/'); slash != std::string::npos;
-             slash = path.find('/', slash + 1)) {
-            if (m_directories.contains(std::string_view(path).substr(0, slash))) {
-                return true;
-            }
-        }
-        return false;
+        return std::ranges::any_of(
+            parentFolders(path), [this](std::string_view folder) { return m_directories.contains(folder); });
     }
 
 private:

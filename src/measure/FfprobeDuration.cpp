@@ -2,10 +2,10 @@
 
 #include "records/Records.h"
 #include "system/RegularFile.h"
+#include "system/Utf8.h"
 
 #include <sys/mman.h>
 #include <unicode/uchar.h>
-#include <unicode/utf8.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -23,19 +23,17 @@ constexpr std::chrono::seconds deadline{30};
 
 /// `text` without white space at both ends; empty if it is not valid UTF-8.
 std::string_view trimmed(std::string_view text) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
     std::size_t first = text.size();
     std::size_t end = 0;
-    for (std::size_t at = 0; at < text.size();) {
-        const std::size_t start = at;
-        UChar32 character = 0;
-        U8_NEXT(bytes, at, text.size(), character);
-        if (character < 0) {
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::size_t start = text.size() - rest.size();
+        const Utf8Part part = takeUtf8(rest);
+        if (!part.character) {
             return {};
         }
-        if (!u_isUWhiteSpace(character)) {
+        if (!u_isUWhiteSpace(static_cast<UChar32>(*part.character))) {
             first = std::min(first, start);
-            end = at;
+            end = text.size() - rest.size();
         }
     }
     return first < end ? text.substr(first, end - first) : std::string_view();

@@ -1,14 +1,15 @@
 #include "scan/ScanDetails.h"
 
+#include "system/FileName.h"
+
 namespace velmora {
 
 std::filesystem::path ScanDetails::shownPath(const std::filesystem::path& path) const {
     const std::string& text = path.native();
-    for (std::size_t slash = text.find('/', 1); slash != std::string::npos;
-         slash = text.find('/', slash + 1)) {
-        const auto archive = archiveOf.find(text.substr(0, slash));
+    for (const std::string_view folder : parentFolders(text)) {
+        const auto archive = archiveOf.find(std::string(folder));
         if (archive != archiveOf.end()) {
-            return shownPath(archive->second) / text.substr(slash + 1);
+            return shownPath(archive->second) / text.substr(folder.size() + 1);
         }
     }
     return path;

@@ -49,6 +49,15 @@ std::string classifyingExtension(const std::filesystem::path& path) {
     return lowerCased(extensionOf(path.native()));
 }
 
+std::vector<std::string_view> parentFolders(std::string_view path) {
+    std::vector<std::string_view> folders;
+    for (std::size_t slash = path.find('/'); slash != std::string_view::npos;
+         slash = path.find('/', slash + 1)) {
+        folders.push_back(path.substr(0, slash));
+    }
+    return folders;
+}
+
 std::string standardized(const std::filesystem::path& path) {
     if (isStandard(path.native())) {
         return path.native();

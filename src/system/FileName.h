@@ -10,6 +10,7 @@
 #include <filesystem>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace velmora {
 
@@ -24,6 +25,11 @@ std::string_view withoutExtension(std::string_view name);
 
 /// The extension of `path` in Unicode lower case: the key by which files are classified.
 std::string classifyingExtension(const std::filesystem::path& path);
+
+/// The folders on the way to `path`, outermost first, without their final "/": "", "/music", "/music/Album"
+/// for
+/// "/music/Album/01.wav". They point into `path`'s memory.
+std::vector<std::string_view> parentFolders(std::string_view path);
 
 /// `path` in absolute form with "." and ".." resolved lexically and no trailing slash, as bytes.
 /// Links are not followed and the file system is not consulted, beyond the working directory of a relative

@@ -1,8 +1,9 @@
 #include "system/UnicodeCase.h"
 
+#include "system/Utf8.h"
+
 #include <unicode/bytestream.h>
 #include <unicode/casemap.h>
-#include <unicode/utf8.h>
 
 #include <algorithm>
 #include <cstdint>
@@ -15,40 +16,37 @@ using CaseMapping = void (*)(const char*, std::uint32_t, icu::StringPiece, icu::
                              UErrorCode&);
 
 bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    return std::ranges::all_of(text, [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
-/// The end of the run of valid UTF-8 that begins at `start`; `start` itself if the first byte is not valid.
-std::int32_t validRunEnd(std::string_view text, std::int32_t start) {
-    const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
-    const auto size = static_cast<std::int32_t>(text.size());
-    std::int32_t end = start;
-    while (end < size) {
-        std::int32_t next = end;
-        UChar32 character = 0;
-        U8_NEXT(bytes, next, size, character);
-        if (character < 0) {
+/// How many bytes at the start of `text` are valid UTF-8.
+std::size_t validLength(std::string_view text) {
+    std::string_view rest = text;
+    while (!rest.empty()) {
+        std::string_view next = rest;
+        if (!takeUtf8(next).character) {
             break;
         }
-        end = next;
+        rest = next;
     }
-    return end;
+    return text.size() - rest.size();
 }
 
 std::string mapped(std::string_view text, CaseMapping mapping) {
     std::string result;
     result.reserve(text.size());
     icu::StringByteSink<std::string> sink(&result);
-    std::int32_t position = 0;
-    while (position < static_cast<std::int32_t>(text.size())) {
-        const std::int32_t end = validRunEnd(text, position);
-        if (end == position) {
-            result.push_back(text[static_cast<std::size_t>(position++)]);
+    while (!text.empty()) {
+        const std::size_t valid = validLength(text);
+        if (valid == 0) {
+            result.push_back(text.front());
+            text.remove_prefix(1);
             continue;
         }
         UErrorCode status = U_ZERO_ERROR;
-        mapping("", 0, icu::StringPiece(text.data() + position, end - position), sink, nullptr, status);
-        position = end;
+        mapping("", 0, icu::StringPiece(text.data(), static_cast<std::int32_t>(valid)), sink, nullptr,
+                status);
+        text.remove_prefix(valid);
     }
     return result;
 }
@@ -58,8 +56,9 @@ std::string mapped(std::string_view text, CaseMapping mapping) {
 std::string lowerCased(std::string_view text) {
     if (isAscii(text)) {
         std::string result(text);
-        std::transform(result.begin(), result.end(), result.begin(),
-                       [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c; });
+        std::ranges::transform(result, result.begin(), [](char c) {
+            return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
+        });
         return result;
     }
     return mapped(text, &icu::CaseMap::utf8ToLower);
@@ -68,8 +67,9 @@ std::string lowerCased(std::string_view text) {
 std::string upperCased(std::string_view text) {
     if (isAscii(text)) {
         std::string result(text);
-        std::transform(result.begin(), result.end(), result.begin(),
-                       [](char c) { return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c; });
+        std::ranges::transform(result, result.begin(), [](char c) {
+            return c >= 'a' && c <= 'z' ? static_cast<char>(c - ('a' - 'A')) : c;
+        });
         return result;
     }
     return mapped(text, &icu::CaseMap::utf8ToUpper);

@@ -1,5 +1,6 @@
 #include "system/FileName.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <vector>
@@ -79,6 +80,12 @@ TEST(FileName, StandardizedPathsHaveNothingLeftToResolve) {
     for (const Row& row : rows) {
         EXPECT_EQ(standardized(row.path), row.standardized) << row.path;
     }
+}
+
+TEST(FileName, ParentFoldersAreListedFromTheOutermost) {
+    EXPECT_THAT(parentFolders("/music/Album/01.wav"), testing::ElementsAre("", "/music", "/music/Album"));
+    EXPECT_THAT(parentFolders("Album/01.wav"), testing::ElementsAre("Album"));
+    EXPECT_THAT(parentFolders("01.wav"), testing::IsEmpty());
 }
 
 TEST(FileName, RelativePathsAreStandardizedFromTheWorkingDirectory) {
