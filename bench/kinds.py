@@ -28,9 +28,9 @@ def run() -> str:
         rows.append([kind.name, str(kind.count), f"{example.stat().st_size / 1e6:.1f}", str(calls),
                      f"{read_bytes / 1024:,.1f}", f"{(scan.median() - start.median()) / files * 1e6:.0f}"])
     return ("## What a file costs\n\n"
-            "The reads that one file of the library takes and the bytes they bring, counted with strace; the\n"
-            f"time a file, warm cache, of a scan of at least {FILES_AT_ONCE} of its kind without the program's\n"
-            "start.\n\n"
+            "The reads that one file of the library takes and the bytes they bring, counted with strace;\n"
+            f"the time a file, warm cache, of a scan of at least {FILES_AT_ONCE} of its kind without the\n"
+            "program's start.\n\n"
             + table(["kind", "in the library", "MB", "reads", "KiB read", "µs"], rows))
 
 

@@ -1,4 +1,4 @@
-"""How the benchmarks measure: whole processes, in interleaved rounds, medians and ratios of the same round."""
+"""How the benchmarks measure: whole processes in interleaved rounds, medians, ratios of the same round."""
 
 import statistics
 import subprocess

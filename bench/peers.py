@@ -54,10 +54,10 @@ def run() -> str:
     rows = [row(scan, f"{found / music.seconds:.2%}"), row(floor, "")]
     rows += [row(peer, f"{peer.total() / music.seconds:.2%}") for peer in peers]
     return (f"## A library of {TRACKS:,} tracks\n\n"
-            f"{TRACKS:,} tracks of about four minutes, {music.seconds / 3600:.1f} hours; warm cache; whole process\n"
-            "against whole process in interleaved rounds. Seconds are the median of the rounds, \"times\" the\n"
-            "median of the ratios within a round. \"Total\" is the sum of what a program says, as a share of the\n"
-            "truth.\n\n"
+            f"{TRACKS:,} tracks of about four minutes, {music.seconds / 3600:.1f} hours; warm cache; whole\n"
+            "process against whole process in interleaved rounds. Seconds are the median of the rounds,\n"
+            "\"times\" the median of the ratios within a round. \"Total\" is the sum of what a program\n"
+            "says, as a share of the truth.\n\n"
             + table(["program", "seconds", "times velmora-scan", "rounds", "total"], rows)
             + f"\nOf its time `velmora-scan` needs {start.median() * 1000:.1f} ms to start and to load its\n"
             "libraries.\n")

@@ -1,5 +1,5 @@
-"""./dev bench [NAME…]: runs the benchmarks named and prints what they find; without names runs all of them and
-writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md."""
+"""./dev bench [NAME…]: runs the benchmarks named and prints what they find; without names runs all of them
+and writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md."""
 
 import platform
 import subprocess

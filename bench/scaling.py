@@ -68,7 +68,7 @@ def small_files(data: Path) -> list[Path]:
 
 
 def linked_tracks(data: Path) -> list[Path]:
-    """The folders of STEPS with the library's tracks, mixed, as hard links; made if they are not there yet."""
+    """The folders of STEPS with the library's tracks, mixed, as hard links; made if they are missing."""
     tracks = [Path(path) for path in library(data).files()]
 
     def fill(linked: Path) -> None:

@@ -36,7 +36,8 @@ def run() -> str:
     rows += [[f"a frame, {name}", f"{milliseconds:.2f} ms"] for name, milliseconds in frames()]
     return ("## The window\n\n"
             "The program on a virtual display with a window manager, drawn in software, 940 by 728 points;\n"
-            "a frame's cost is processor time without a display, of a window that moves at full intensity.\n\n"
+            "a frame's cost is processor time without a display, of a window that moves at full intensity."
+            "\n\n"
             + table(["what", "figure"], rows))
 
 
@@ -62,9 +63,9 @@ def display() -> Iterator[dict[str, str]]:
 
 
 def first_frame_seconds(environment: dict[str, str]) -> float:
+    talkative = {**environment, "QT_LOGGING_RULES": "qt.scenegraph.time.renderloop=true"}
     begin = time.perf_counter()
-    with subprocess.Popen([WINDOW], stderr=subprocess.PIPE, text=True,
-                          env={**environment, "QT_LOGGING_RULES": "qt.scenegraph.time.renderloop=true"}) as window:
+    with subprocess.Popen([WINDOW], stderr=subprocess.PIPE, text=True, env=talkative) as window:
         for line in window.stderr:
             if FRAME_DRAWN in line:
                 break
@@ -80,8 +81,8 @@ def at_rest(environment: dict[str, str]) -> tuple[float, float, float]:
         time.sleep(SETTLED)
         shown = processor_share(window.pid)
         memory = resident_megabytes(window.pid)
-        subprocess.run(["sh", "-c", 'xdotool windowminimize "$(xdotool search --onlyvisible --name Velmora)"'],
-                       env=environment, check=True)
+        minimise = 'xdotool windowminimize "$(xdotool search --onlyvisible --name Velmora)"'
+        subprocess.run(["sh", "-c", minimise], env=environment, check=True)
         time.sleep(SETTLED)
         return shown, processor_share(window.pid), memory
     finally:

@@ -1,4 +1,4 @@
-"""Why an answer of ours is not right, where that is known; the page shows "not known yet" for what is missing."""
+"""Why an answer of ours is not right, where that is known; of the others the page says "not known yet"."""
 
 _PAGE = (
     "the last page is cut off, yet its header stands in the file and states the position where the page "

@@ -28,7 +28,8 @@ def _introduction(judgement, versions):
 
 Made by `./dev bench accuracy` from files that the project makes itself: by real encoders where there is one,
 byte by byte where there is none. {sizes[HEALTHY]} healthy variants over {extensions} extensions,
-{sizes[MISNAMED]} good files with a wrong extension, {sizes[TRUNCATED]} truncated ones, {sizes[SILENT]} files without audio.
+{sizes[MISNAMED]} good files with a wrong extension, {sizes[TRUNCATED]} truncated ones,
+{sizes[SILENT]} files without audio.
 
 - **True** is what a gapless player plays: the length of what was encoded where the file tells how much of its
   first and last frames is padding, else all that its frames decode to; of a truncated file, what is really

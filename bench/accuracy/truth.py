@@ -5,7 +5,7 @@ import subprocess
 from concurrent.futures import ThreadPoolExecutor
 
 from corpus.native import sndfile_seconds
-from corpus.tools import ToolFailed, call
+from corpus.tools import ToolFailed
 
 # Each writes a WAV file to standard output. Where the decoder is not ffmpeg it is the format's own reference.
 _TO_WAV = {

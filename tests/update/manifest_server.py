@@ -1,5 +1,5 @@
-"""An HTTP server on loopback that answers as its paths say; prints its port once it listens. With a certificate and
-its key as arguments it speaks HTTPS."""
+"""An HTTP server on loopback that answers as its paths say; prints its port once it listens. With a
+certificate and its key as arguments it speaks HTTPS."""
 
 import http.server
 import json

@@ -32,7 +32,7 @@ def raw_blocks(stream: bytes) -> list[bytes]:
     blocks, at = [], 0
     while at < len(stream):
         length = (stream[at + 3] & 3) << 11 | stream[at + 4] << 3 | stream[at + 5] >> 5
-        blocks.append(stream[at + _HEADER : at + length])
+        blocks.append(stream[at + _HEADER:at + length])
         at += length
     return blocks
 
@@ -97,7 +97,7 @@ def _adts_made(shelf):
     blocks = raw_blocks(stream)
     count = len(blocks)
     frames = [adts_frame([block], 44100, 2) for block in blocks]
-    first, second = b"".join(frames[: count // 2]), b"".join(frames[count // 2 :])
+    first, second = b"".join(frames[: count // 2]), b"".join(frames[count // 2:])
     truth = built(count * 1024 / 44100, "blocks of 1024 samples", "ffmpeg", 0.1)
     noise = bytes(byte if byte != 0xFF else 0 for byte in random.Random(2).randbytes(4000))
     for name, note, content in (
@@ -127,7 +127,7 @@ def _adts_made(shelf):
         built(2 * count * 1024 / 44100, "blocks of 1024 samples", "ffmpeg", 0.1),
     )
     for number in (2, 3, 4):
-        groups = [blocks[at : at + number] for at in range(0, count, number)]
+        groups = [blocks[at:at + number] for at in range(0, count, number)]
         shelf.put(
             f"aac/blocks-{number}.aac",
             f"{number} blocks a frame",
@@ -137,7 +137,7 @@ def _adts_made(shelf):
     shelf.put(
         "adts/blocks-checked.adts",
         "4 blocks a frame, checksums",
-        b"".join(adts_frame(blocks[at : at + 4], 44100, 2, checked=True) for at in range(0, count, 4)),
+        b"".join(adts_frame(blocks[at:at + 4], 44100, 2, checked=True) for at in range(0, count, 4)),
         built(count * 1024 / 44100, "blocks of 1024 samples; ffmpeg decodes one block a frame"),
     )
 

@@ -10,7 +10,7 @@ import struct
 
 from . import native
 from .layout import extended, iff, id3v2
-from .shelf import Shelf, built, decoded, source
+from .shelf import Shelf, built, source
 from .tools import encode, ffmpeg, pcm_of, sox
 
 _UNKNOWN = 0xFFFFFFFF

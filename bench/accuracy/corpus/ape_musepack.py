@@ -77,7 +77,7 @@ def _ape(shelf):
 def swapped(bits: str) -> bytes:
     """A string of bits as the 32-bit little-endian words of SV7, filled up with zeros."""
     bits = bits.ljust(-(-len(bits) // 32) * 32, "0")
-    return b"".join(struct.pack("<I", int(bits[at : at + 32], 2)) for at in range(0, len(bits), 32))
+    return b"".join(struct.pack("<I", int(bits[at:at + 32], 2)) for at in range(0, len(bits), 32))
 
 
 def musepack_seven(frames, last=1152, gapless=True, rate_index=0) -> bytes:

@@ -43,7 +43,7 @@ def _asf(shelf):
     shelf.add("wma/mp3.wma", "MP3 in ASF", decoded())
     live = bytearray(shelf.path("wma/v2.wma").read_bytes())
     at = live.index(_FILE_PROPERTIES)
-    live[at + 64 : at + 80] = bytes(16)
+    live[at + 64:at + 80] = bytes(16)
     live[at + 88] |= 1
     shelf.put("wma/live.wma", "broadcast flag, play duration 0", bytes(live), source(9.3, slack=0.3))
     shelf.put(

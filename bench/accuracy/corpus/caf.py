@@ -89,7 +89,7 @@ def _aac(shelf, head):
     packets, at = [], 0
     while at < len(stream):
         length = (stream[at + 3] & 3) << 11 | stream[at + 4] << 3 | stream[at + 5] >> 5
-        packets.append(stream[at + 7 : at + length])
+        packets.append(stream[at + 7:at + length])
         at += length
     valid, priming = round(5.3 * 44100), 1024
     remainder = len(packets) * 1024 - priming - valid

@@ -70,7 +70,7 @@ def _without_length(shelf):
     shelf.put(
         "mka/no-duration.mka",
         "Opus, the duration element voided, index kept",
-        whole[:at] + _VOID + whole[at + 2 :],
+        whole[:at] + _VOID + whole[at + 2:],
         built(5.3, "source", "ffmpeg", 0.1),
     )
     late = shelf.root / "sources" / "late-mka.srt"

@@ -46,7 +46,7 @@ def _durations(shelf):
     at = content.index(b"mdat") - 4
     end = at + struct.unpack_from(">I", content, at)[0]
     moved = _moved(content[:at] + content[end:] + content[at:end], len(content) - end)
-    open_end = moved[: moved.index(b"mdat") - 4] + b"\0\0\0\0" + moved[moved.index(b"mdat") :]
+    open_end = moved[: moved.index(b"mdat") - 4] + b"\0\0\0\0" + moved[moved.index(b"mdat"):]
     shelf.put("m4a/open-mdat.m4a", "mdat of size 0: to the end", open_end, truth)
 
 
@@ -65,7 +65,7 @@ def _boxes(shelf):
     truth = built(11.3, "sample table", "ffmpeg", 0.06)
     at = plain.index(b"mdat") - 4
     size = struct.unpack_from(">I", plain, at)[0]
-    wide = plain[:at] + struct.pack(">I4sQ", 1, b"mdat", size + 8) + plain[at + 8 :]
+    wide = plain[:at] + struct.pack(">I4sQ", 1, b"mdat", size + 8) + plain[at + 8:]
     shelf.put("m4a/wide-mdat.m4a", "mdat with a 64-bit size", _moved(wide, 8), truth)
     free = box(b"free", bytes(500_000))
     head = struct.unpack_from(">I", plain, 0)[0]

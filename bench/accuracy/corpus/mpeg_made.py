@@ -44,7 +44,7 @@ def frames_of(stream: bytes) -> list[bytes]:
         kilobits = (_KILOBITS_ONE if version == 3 else _KILOBITS_TWO)[head >> 12 & 15]
         rate = _RATES[version][head >> 10 & 3]
         length = (144000 if version == 3 else 72000) * kilobits // rate + (head >> 9 & 1)
-        frames.append(stream[at : at + length])
+        frames.append(stream[at:at + length])
         at += length
     return frames
 

@@ -109,14 +109,14 @@ def _sound_at(whole, mark):
         at, last = 4, False
         while not last:
             last = bool(whole[at] & 0x80)
-            at += 4 + int.from_bytes(whole[at + 1 : at + 4], "big")
+            at += 4 + int.from_bytes(whole[at + 1:at + 4], "big")
         return at
     if whole[:4] == b"OggS":
         # Header pages carry granule 0; the first other page begins the sound.
         at = 0
-        while whole[at + 6 : at + 14] == bytes(8):
+        while whole[at + 6:at + 14] == bytes(8):
             count = whole[at + 26]
-            at += 27 + count + sum(whole[at + 27 : at + 27 + count])
+            at += 27 + count + sum(whole[at + 27:at + 27 + count])
         return at
     return 26
 
