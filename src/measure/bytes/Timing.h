@@ -11,14 +11,14 @@ namespace velmora {
 /// What a length rests on.
 enum class Basis : std::uint8_t {
     stated,  ///< a header, an index or a table states it, and nothing speaks against it
-    counted, ///< frames, packets or blocks were counted, or positions in the audio were read
-    sized,   ///< the bytes of audio divided by the bytes of a second: audio that is not compressed
+    counted, ///< frames, packets or blocks were counted, or their numbers and time stamps were read
+    sized,   ///< the bytes of audio divided by the bytes of a second, which are the same all along
 };
 
 /// Why what a header states was not taken.
 enum class Doubt : std::uint8_t {
-    none,       ///< it was taken, or nothing was stated
-    unfinished, ///< the writer never came back to fill it in
+    none,       ///< it was taken, or the format has no place for it
+    unfinished, ///< its place is empty, holds a placeholder or lacks a part
     beyondEnd,  ///< the file ends before what is stated does
     disagrees,  ///< the audio that is there says otherwise
 };
@@ -31,23 +31,53 @@ enum class Way : std::uint8_t {
     ffprobe,      ///< the program
 };
 
-/// One answer of a reader. `seconds` is finite and at least 0; 0 means that nothing in the file plays.
+/// One answer of a reader.
 struct Timing {
+    /// Finite and at least 0; 0 means that nothing in the file plays.
     double seconds = 0;
+
     Basis basis = Basis::stated;
-    std::optional<double> stated =
-        {};                    ///< seconds that the header states, taken or not; absent: it states none
-    Doubt doubt = Doubt::none; ///< why `stated` differs from `seconds`
-    std::int64_t frames = 0;   ///< frames, packets or blocks counted; 0 where none were
 
-    Timing() = default;
+    /// Seconds that the header states, taken or not; absent where it states none. Not bounded by the file.
+    std::optional<double> stated = {};
 
-    Timing(double length) // NOLINT(google-explicit-constructor): until every reader says its basis
-        : seconds(length) {}
+    Doubt doubt = Doubt::none;
+
+    /// Frames, packets or blocks that were counted one by one; 0 where none were.
+    std::int64_t frames = 0;
 
     Way way = Way::ownReader;
 
     bool operator==(const Timing&) const = default;
 };
+
+/// `seconds` that a header states and that are taken as they are.
+constexpr Timing statedTiming(double seconds) {
+    return {.seconds = seconds, .stated = seconds};
+}
+
+/// The shorter of the seconds that a header states and of what was found in the file; what was found where
+/// the header states none.
+constexpr Timing withinFile(std::optional<double> stated, Timing found) {
+    found.stated = stated;
+    if (!stated) {
+        found.doubt = Doubt::unfinished;
+    } else if (*stated <= found.seconds) {
+        found.seconds = *stated;
+        found.basis = Basis::stated;
+    } else {
+        found.doubt = Doubt::beyondEnd;
+    }
+    return found;
+}
+
+/// The `seconds` that the bytes of audio in the file make, whatever a header states.
+constexpr Timing sizedTiming(double seconds, std::optional<double> stated) {
+    const Doubt doubt = !stated             ? Doubt::unfinished
+                        : *stated > seconds ? Doubt::beyondEnd
+                        : *stated < seconds ? Doubt::disagrees
+                                            : Doubt::none;
+    return {.seconds = seconds, .basis = Basis::sized, .stated = stated, .doubt = doubt};
+}
 
 } // namespace velmora

@@ -82,19 +82,24 @@ std::optional<Common> parseCommon(Bytes chunk) {
     return common;
 }
 
-std::optional<double> soundSeconds(const Common& common, const Sound& sound) {
+std::optional<Timing> soundTiming(const Common& common, const Sound& sound) {
+    const double stated = static_cast<double>(common.frames) / common.rate;
     if (common.packetBytes == 0) {
         // Frames of more bytes than without any compression are a count of packets.
         const bool isCredible = sound.bytes > 0 && sound.bytes <= common.frames * common.frameBytes;
-        return isCredible && !sound.isCutOff ? std::optional(static_cast<double>(common.frames) / common.rate)
-                                             : std::nullopt;
+        return isCredible && !sound.isCutOff ? std::optional(statedTiming(stated)) : std::nullopt;
     }
-    const std::int64_t there = sound.bytes / common.packetBytes * common.packetFrames;
-    // Compressed sound counts frames or packets, as its writer pleased; a pipe's count is nothing or too
-    // much.
-    const bool isStated = common.packetFrames == 1 && common.frames > 0;
-    const std::int64_t frames = isStated ? std::min(common.frames, there) : there;
-    return static_cast<double>(std::max<std::int64_t>(0, frames)) / common.rate;
+    const std::int64_t frames =
+        std::max<std::int64_t>(0, sound.bytes / common.packetBytes * common.packetFrames);
+    const double there = static_cast<double>(frames) / common.rate;
+    if (common.packetFrames > 1) { // what is stated may be frames or packets, as the writer chose
+        return Timing{.seconds = there,
+                      .basis = Basis::sized,
+                      .doubt = sound.isCutOff ? Doubt::beyondEnd : Doubt::none};
+    }
+    // A writer that cannot go back states 0 or too much.
+    return withinFile(common.frames > 0 ? std::optional(stated) : std::nullopt,
+                      {.seconds = there, .basis = Basis::sized});
 }
 
 } // namespace
@@ -125,7 +130,7 @@ std::optional<Timing> aiffDuration(GuardedReader& reader, std::int64_t start) {
         }
         at += stated + stated % 2;
     }
-    return common ? soundSeconds(*common, sound.value_or(Sound())) : std::nullopt;
+    return common ? soundTiming(*common, sound.value_or(Sound())) : std::nullopt;
 }
 
 } // namespace velmora

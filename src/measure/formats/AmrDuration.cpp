@@ -67,7 +67,8 @@ std::optional<Timing> amrDuration(GuardedReader& reader, std::int64_t start) {
             at += 4;
         }
         const std::int64_t frames = channels == 0 ? 0 : countFrames(reader, at, kind.frameBytes) / channels;
-        return static_cast<double>(frames) * frameSeconds;
+        return Timing{
+            .seconds = static_cast<double>(frames) * frameSeconds, .basis = Basis::counted, .frames = frames};
     }
     return std::nullopt;
 }

@@ -93,12 +93,21 @@ std::optional<Timing> apeDuration(GuardedReader& reader, std::int64_t start) {
     if (!header || header->frames == 0 || header->rate == 0) {
         return std::nullopt;
     }
+    const auto secondsOf = [&](std::int64_t frames, std::int64_t lastBlocks) {
+        const double blocks = static_cast<double>(frames) * static_cast<double>(header->frameBlocks) +
+                              static_cast<double>(lastBlocks);
+        return blocks / static_cast<double>(header->rate);
+    };
+    const double stated = secondsOf(header->frames - 1, header->lastBlocks);
     const std::int64_t there = framesThere(reader, start, *header);
-    const bool isWhole = there == header->frames;
-    const double blocks =
-        static_cast<double>(isWhole ? there - 1 : there) * static_cast<double>(header->frameBlocks) +
-        static_cast<double>(isWhole ? header->lastBlocks : 0);
-    return blocks / static_cast<double>(header->rate);
+    if (there == header->frames) {
+        return statedTiming(stated);
+    }
+    return Timing{.seconds = secondsOf(there, 0),
+                  .basis = Basis::counted,
+                  .stated = stated,
+                  .doubt = Doubt::beyondEnd,
+                  .frames = there};
 }
 
 } // namespace velmora

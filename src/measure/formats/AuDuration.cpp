@@ -64,8 +64,10 @@ std::optional<Timing> auDuration(GuardedReader& reader, std::int64_t start) {
     if (frameBits == 0 || rate == 0) {
         return std::nullopt;
     }
-    const std::int64_t frames = std::max<std::int64_t>(0, bytes) * 8 / frameBits;
-    return static_cast<double>(frames) / rate;
+    const auto secondsOf = [frameBits, rate](std::int64_t size) {
+        return static_cast<double>(std::max<std::int64_t>(0, size) * 8 / frameBits) / rate;
+    };
+    return sizedTiming(secondsOf(bytes), isKnown ? std::optional(secondsOf(stated)) : std::nullopt);
 }
 
 } // namespace velmora

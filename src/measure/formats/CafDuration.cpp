@@ -25,12 +25,18 @@ struct Description {
     double rate = 0;
     std::uint32_t format = 0;
     CafPacketKind packet;
+
+    double secondsOf(std::int64_t frames) const {
+        return static_cast<double>(std::max<std::int64_t>(0, frames)) / rate;
+    }
 };
 
 struct Data {
     std::int64_t at = 0;
-    std::int64_t bytes = 0;
-    bool isCutOff = false;
+    std::int64_t bytes = 0;                  ///< that are there
+    std::optional<std::int64_t> statedBytes; ///< absent if the writer did not know
+
+    bool isCutOff() const { return statedBytes && *statedBytes > bytes; }
 };
 
 std::optional<Description> parseDescription(Bytes chunk) {
@@ -99,25 +105,57 @@ std::optional<std::int64_t> framesByLastPacket(GuardedReader& reader, const Desc
     }
 }
 
-std::optional<std::int64_t> framesOf(GuardedReader& reader, const Description& description, const Data& data,
+/// By the table alone. Absent if it cannot be read.
+std::optional<Timing> tableTiming(GuardedReader& reader, const Description& description, const Data& data,
+                                  const CafPacketTable& table) {
+    const auto stated =
+        table.validFrames > 0 ? std::optional(description.secondsOf(table.validFrames)) : std::nullopt;
+    if (stated && !data.isCutOff()) {
+        const auto frames = framesByLastPacket(reader, description, table, data);
+        return frames ? Timing{.seconds = description.secondsOf(*frames),
+                               .basis = Basis::counted,
+                               .stated = stated,
+                               .doubt = *frames == table.validFrames ? Doubt::none : Doubt::disagrees}
+                      : statedTiming(*stated);
+    }
+    const auto sum = sumWithin(reader, table, description.packet, data.bytes);
+    return sum ? std::optional(Timing{.seconds = description.secondsOf(sum->frames),
+                                      .basis = Basis::counted,
+                                      .stated = stated,
+                                      .doubt = stated ? Doubt::beyondEnd : Doubt::unfinished,
+                                      .frames = sum->packets})
+               : std::nullopt;
+}
+
+/// By the bytes of packets that are all alike, less what the table, if there is one, leaves out. Absent if
+/// the frames are more than can be.
+std::optional<Timing> constantTiming(const Description& description, const Data& data,
                                      const std::optional<CafPacketTable>& table) {
     const CafPacketKind& packet = description.packet;
-    if (table && table->validFrames > 0 && !data.isCutOff) {
-        const auto byLastPacket = framesByLastPacket(reader, description, *table, data);
-        return byLastPacket ? byLastPacket : table->validFrames;
-    }
-    if (table && !packet.isConstant()) {
-        return framesWithin(reader, *table, packet, data.bytes);
-    }
-    if (!packet.isConstant()) {
-        return std::nullopt;
-    }
     const std::int64_t packets = data.bytes / packet.bytes;
     if (packets > 0 && packet.frames > (1LL << 62) / packets) {
         return std::nullopt;
     }
-    const std::int64_t frames = packets * packet.frames - (table ? table->primingFrames : 0);
-    return table && table->validFrames > 0 ? std::min(frames, table->validFrames) : frames;
+    const double there = description.secondsOf(packets * packet.frames - (table ? table->primingFrames : 0));
+    if (table && table->validFrames > 0) {
+        return withinFile(description.secondsOf(table->validFrames),
+                          {.seconds = there, .basis = Basis::sized});
+    }
+    if (!data.isCutOff()) {
+        return sizedTiming(there, data.statedBytes ? std::optional(there) : std::nullopt);
+    }
+    const double stated = static_cast<double>(*data.statedBytes / packet.bytes) *
+                          static_cast<double>(packet.frames) / description.rate;
+    return sizedTiming(there, stated);
+}
+
+std::optional<Timing> timingOf(GuardedReader& reader, const Description& description, const Data& data,
+                               const std::optional<CafPacketTable>& table) {
+    const bool isConstant = description.packet.isConstant();
+    if (table && ((table->validFrames > 0 && !data.isCutOff()) || !isConstant)) {
+        return tableTiming(reader, description, data, *table);
+    }
+    return isConstant ? constantTiming(description, data, table) : std::nullopt;
 }
 
 } // namespace
@@ -146,7 +184,8 @@ std::optional<Timing> cafDuration(GuardedReader& reader, std::int64_t start) {
         } else if (isTable) {
             table = readCafPacketTable(reader, at, at + size);
         } else if (isData) {
-            data = Data{at + editCountBytes, size - editCountBytes, stated > rest};
+            data = Data{at + editCountBytes, size - editCountBytes,
+                        isUnknown ? std::nullopt : std::optional(stated - editCountBytes)};
             if (description && description->packet.isConstant()) {
                 break; // a table behind the data of such packets has nothing to add
             }
@@ -156,9 +195,7 @@ std::optional<Timing> cafDuration(GuardedReader& reader, std::int64_t start) {
     if (!description || !data) {
         return std::nullopt;
     }
-    const auto frames = framesOf(reader, *description, *data, table);
-    return frames ? std::optional(static_cast<double>(std::max<std::int64_t>(0, *frames)) / description->rate)
-                  : std::nullopt;
+    return timingOf(reader, *description, *data, table);
 }
 
 } // namespace velmora

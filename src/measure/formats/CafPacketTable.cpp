@@ -63,11 +63,11 @@ std::optional<CafPacketTable> readCafPacketTable(GuardedReader& reader, std::int
     return CafPacketTable{at + headBytes, end, packets, frames, priming, remainder};
 }
 
-std::optional<std::int64_t> framesWithin(GuardedReader& reader, const CafPacketTable& table,
-                                         const CafPacketKind& kind, std::int64_t bytes) {
+std::optional<CafPacketSum> sumWithin(GuardedReader& reader, const CafPacketTable& table,
+                                      const CafPacketKind& kind, std::int64_t bytes) {
     EntryCursor cursor(reader, table);
-    std::int64_t frames = 0;
-    for (std::int64_t packet = 0; packet < table.packets; ++packet) {
+    CafPacketSum sum;
+    while (sum.packets < table.packets) {
         const auto size = kind.bytes > 0 ? kind.bytes : cursor.next();
         const auto length = kind.frames > 0 ? kind.frames : cursor.next();
         if (!size || !length) {
@@ -77,9 +77,11 @@ std::optional<std::int64_t> framesWithin(GuardedReader& reader, const CafPacketT
         if (bytes < 0) {
             break;
         }
-        frames += *length;
+        sum.frames += *length;
+        ++sum.packets;
     }
-    return std::max<std::int64_t>(0, frames - table.primingFrames);
+    sum.frames = std::max<std::int64_t>(0, sum.frames - table.primingFrames);
+    return sum;
 }
 
 std::optional<std::int64_t> lastPacketBytes(GuardedReader& reader, const CafPacketTable& table) {

@@ -30,10 +30,14 @@ struct CafPacketTable {
 /// The table that fills the chunk from `at` to `end`. Absent if it is too short or states what cannot be.
 std::optional<CafPacketTable> readCafPacketTable(GuardedReader& reader, std::int64_t at, std::int64_t end);
 
-/// Frames, without priming, of those packets that are whole within the first `bytes` of the data. Absent if
-/// the table cannot be read.
-std::optional<std::int64_t> framesWithin(GuardedReader& reader, const CafPacketTable& table,
-                                         const CafPacketKind& kind, std::int64_t bytes);
+struct CafPacketSum {
+    std::int64_t packets = 0;
+    std::int64_t frames = 0; ///< without priming
+};
+
+/// Those packets that are whole within the first `bytes` of the data. Absent if the table cannot be read.
+std::optional<CafPacketSum> sumWithin(GuardedReader& reader, const CafPacketTable& table,
+                                      const CafPacketKind& kind, std::int64_t bytes);
 
 /// Bytes of the last packet that is not empty, of packets of which nothing but the bytes varies. Absent if
 /// there is none near the table's end.

@@ -4,12 +4,14 @@
 #include "measure/bytes/Magic.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace velmora {
 
 namespace {
 
-/// Bits of one channel as time.
+/// How long `bytes` of samples of one bit play, `rate` a second and channel. Absent if there are no channels
+/// or there is no rate.
 std::optional<double> bitSeconds(std::int64_t bytes, std::int64_t channels, std::int64_t rate) {
     if (channels <= 0 || rate <= 0) {
         return std::nullopt;
@@ -46,10 +48,12 @@ std::optional<Timing> dsfDuration(GuardedReader& reader, std::int64_t start) {
     const std::int64_t dataAt = start + static_cast<std::int64_t>(formatAt) +
                                 clamped(reader, start, le64(header, formatAt + sizeAt)) + dataHeaderBytes;
     const auto there = bitSeconds(clamped(reader, dataAt, ~0ULL), channels, rate);
-    if (!there || samples == 0) {
-        return there;
+    if (!there) {
+        return std::nullopt;
     }
-    return std::min(*there, static_cast<double>(samples) / static_cast<double>(rate));
+    const double stated = static_cast<double>(samples) / static_cast<double>(rate);
+    return withinFile(samples > 0 ? std::optional(stated) : std::nullopt,
+                      {.seconds = *there, .basis = Basis::sized});
 }
 
 std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) {
@@ -66,9 +70,15 @@ std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) 
         if (chunk.empty()) {
             return std::nullopt;
         }
-        const std::int64_t size = clamped(reader, at + chunkHeaderBytes, be64(chunk, 4));
+        const std::uint64_t stated = be64(chunk, 4);
+        const std::int64_t size = clamped(reader, at + chunkHeaderBytes, stated);
         if (matches(chunk, "DSD ")) {
-            return bitSeconds(size, channels, rate);
+            const auto there = bitSeconds(size, channels, rate);
+            const auto limit = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
+            return there ? std::optional(sizedTiming(
+                               *there, bitSeconds(static_cast<std::int64_t>(std::min(stated, limit)),
+                                                  channels, rate)))
+                         : std::nullopt;
         }
         if (matches(chunk, "PROP")) {
             at += chunkHeaderBytes + propertyTypeBytes;
@@ -86,7 +96,7 @@ std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) 
             rate = isRate ? be32(value, 0) : rate;
             channels = isChannels ? be16(value, 0) : channels;
             if (isFrames) {
-                return static_cast<double>(be32(value, 0)) / std::max<int>(1, be16(value, 4));
+                return statedTiming(static_cast<double>(be32(value, 0)) / std::max<int>(1, be16(value, 4)));
             }
         }
         at += size + size % 2;

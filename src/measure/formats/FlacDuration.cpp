@@ -48,11 +48,12 @@ std::optional<Timing> flacDuration(GuardedReader& reader, std::int64_t start) {
     if (!stream) {
         return std::nullopt;
     }
-    std::int64_t samples = endOfLastFrame(reader, start, *stream).value_or(stream->samples);
-    if (stream->samples > 0) {
-        samples = std::min(samples, stream->samples);
-    }
-    return static_cast<double>(samples) / stream->rate;
+    const auto secondsOf = [&stream](std::int64_t samples) {
+        return static_cast<double>(samples) / stream->rate;
+    };
+    const std::int64_t end = endOfLastFrame(reader, start, *stream).value_or(stream->samples);
+    return withinFile(stream->samples > 0 ? std::optional(secondsOf(stream->samples)) : std::nullopt,
+                      {.seconds = secondsOf(end), .basis = Basis::counted});
 }
 
 } // namespace velmora

@@ -90,7 +90,7 @@ std::optional<Timing> matroskaDuration(GuardedReader& reader, std::int64_t start
         return libav().duration(reader, start, "matroska", Doubt::beyondEnd);
     }
     const std::optional<double> stated = segment ? statedAtHead(reader, *segment) : std::nullopt;
-    return stated ? stated : libav().duration(reader, start, "matroska", Doubt::none);
+    return stated ? statedTiming(*stated) : libav().duration(reader, start, "matroska", Doubt::none);
 }
 
 } // namespace velmora

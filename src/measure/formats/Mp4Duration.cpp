@@ -45,19 +45,24 @@ std::int64_t timeScaleOf(GuardedReader& reader, const Mp4Box& header) {
     return scale.empty() ? 0 : be32(scale, 0);
 }
 
-double trackSeconds(GuardedReader& reader, const Mp4Track& track, const Movie& movie,
-                    std::int64_t movieScale) {
+Timing trackTiming(GuardedReader& reader, const Mp4Track& track, const Movie& movie,
+                   std::int64_t movieScale) {
     if (!track.isAudio || track.timeScale <= 0) {
-        return 0;
+        return {};
     }
-    std::int64_t duration = track.mediaDuration;
-    if (movie.isCutOff || duration == 0) {
-        duration = mediaDurationBefore(reader, track, reader.size());
+    const bool isStated = track.mediaDuration > 0;
+    const double stated = editedSeconds(track, track.mediaDuration, movieScale);
+    if (isStated && !movie.isCutOff) {
+        return statedTiming(stated);
     }
+    std::int64_t duration = mediaDurationBefore(reader, track, reader.size());
     if (duration == 0) {
         duration = fragmentsDuration(reader, *movie.box, track.id, movie.box->end);
     }
-    return editedSeconds(track, duration, movieScale);
+    return {.seconds = editedSeconds(track, duration, movieScale),
+            .basis = Basis::counted,
+            .stated = isStated ? std::optional(stated) : std::nullopt,
+            .doubt = isStated ? Doubt::beyondEnd : Doubt::unfinished};
 }
 
 } // namespace
@@ -67,13 +72,15 @@ std::optional<Timing> mp4Duration(GuardedReader& reader, std::int64_t start) {
     if (!movie.box || findMp4Box(reader, *movie.box, mp4Type("cmov"))) {
         return std::nullopt;
     }
-    double longest = 0;
+    Timing longest;
     std::int64_t movieScale = 0;
     forEachMp4Box(reader, movie.box->content, movie.box->end, [&](const Mp4Box& box) {
         if (box.type == mp4Type("mvhd")) {
             movieScale = timeScaleOf(reader, box);
         } else if (box.type == mp4Type("trak")) {
-            longest = std::max(longest, trackSeconds(reader, readMp4Track(reader, box), movie, movieScale));
+            longest =
+                std::ranges::max(longest, trackTiming(reader, readMp4Track(reader, box), movie, movieScale),
+                                 {}, &Timing::seconds);
         }
     });
     return longest;

@@ -21,7 +21,7 @@ constexpr std::int64_t decoderDelay = 481;
 
 /// Six words: 1 frames, 2 rate in bits 16 and 17, 5 whether the last frame's length is exact (bit 31) and
 /// that length (bits 20 to 30).
-double version7Seconds(Bytes header) {
+Timing version7Timing(Bytes header) {
     constexpr std::size_t framesAt = 4;
     constexpr std::size_t rateAt = 8;
     constexpr std::size_t lastAt = 20;
@@ -31,7 +31,8 @@ double version7Seconds(Bytes header) {
     const std::int64_t lastSamples = last >> 20 & 0x7FF;
     const std::int64_t samples =
         frames * frameSamples - (isExact ? frameSamples - lastSamples : decoderDelay);
-    return static_cast<double>(std::max<std::int64_t>(0, samples)) / rates[le32(header, rateAt) >> 16 & 0x03];
+    return statedTiming(static_cast<double>(std::max<std::int64_t>(0, samples)) /
+                        rates[le32(header, rateAt) >> 16 & 0x03]);
 }
 
 /// A number in groups of 7 bits, the highest first; the bytes it takes are cut from `bytes`.
@@ -113,10 +114,15 @@ std::int64_t samplesOfPart(GuardedReader& reader, std::int64_t at, const StreamH
     return std::max<std::int64_t>(0, decoded - frameSamples);
 }
 
-/// Samples of the audio packets, "AP", from the packet at `at` on. Absent if there are more packets than the
-/// reader's bounds allow.
-std::optional<std::int64_t> samplesThere(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
+struct PacketSum {
+    std::int64_t packets = 0; ///< whole ones
     std::int64_t samples = 0;
+};
+
+/// The audio packets, "AP", from the packet at `at` on. Absent if there are more packets than the reader's
+/// bounds allow.
+std::optional<PacketSum> packetsThere(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
+    PacketSum sum;
     std::array<std::uint8_t, 12> bytes{};
     for (;;) {
         const Bytes head = Bytes(bytes).first(reader.search(at, bytes));
@@ -124,12 +130,15 @@ std::optional<std::int64_t> samplesThere(GuardedReader& reader, std::int64_t at,
         const bool isAudio = matches(head, "AP");
         const bool isCutOff = packet && packet->bytes > reader.size() - at;
         if (isCutOff && isAudio) {
-            samples += samplesOfPart(reader, at, header);
+            sum.samples += samplesOfPart(reader, at, header);
         }
         if (!packet || isCutOff || matches(head, "SE")) {
-            return reader.isOver() ? std::nullopt : std::optional(samples);
+            return reader.isOver() ? std::nullopt : std::optional(sum);
         }
-        samples += isAudio ? header.packetSamples : 0;
+        if (isAudio) {
+            sum.samples += header.packetSamples;
+            ++sum.packets;
+        }
         at += packet->bytes;
     }
 }
@@ -151,21 +160,24 @@ std::optional<StreamHeader> takeStreamHeader(GuardedReader& reader, std::int64_t
     }
 }
 
-std::optional<double> version8Seconds(GuardedReader& reader, std::int64_t start) {
+std::optional<Timing> version8Timing(GuardedReader& reader, std::int64_t start) {
     std::int64_t at = start;
     const auto header = takeStreamHeader(reader, at);
     if (!header) {
         return std::nullopt;
     }
-    std::int64_t samples = header->samples;
-    if (samples == 0 || !hasItsEnd(reader, start)) {
-        const auto there = samplesThere(reader, at, *header);
-        if (!there) {
-            return std::nullopt;
-        }
-        samples = samples == 0 ? *there : std::min(samples, *there);
+    const auto secondsOf = [&header](std::int64_t samples) {
+        return static_cast<double>(std::max<std::int64_t>(0, samples - header->silence)) / header->rate;
+    };
+    const auto stated = header->samples > 0 ? std::optional(secondsOf(header->samples)) : std::nullopt;
+    if (stated && hasItsEnd(reader, start)) {
+        return statedTiming(*stated);
     }
-    return static_cast<double>(std::max<std::int64_t>(0, samples - header->silence)) / header->rate;
+    const auto there = packetsThere(reader, at, *header);
+    return there ? std::optional(withinFile(stated, {.seconds = secondsOf(there->samples),
+                                                     .basis = Basis::counted,
+                                                     .frames = there->packets}))
+                 : std::nullopt;
 }
 
 } // namespace
@@ -174,13 +186,13 @@ std::optional<Timing> musepackDuration(GuardedReader& reader, std::int64_t start
     constexpr std::size_t version7Bytes = 24;
     constexpr std::int64_t magicBytes = 4;
     if (matches(reader.header(start, magicBytes), "MPCK")) {
-        return version8Seconds(reader, start + magicBytes);
+        return version8Timing(reader, start + magicBytes);
     }
     const Bytes header = reader.header(start, version7Bytes);
     if (!matches(header, "MP+") || (header[3] & 0x0F) != 7) {
         return std::nullopt;
     }
-    return version7Seconds(header);
+    return version7Timing(header);
 }
 
 } // namespace velmora

@@ -138,7 +138,7 @@ std::optional<Timing> sd2Duration(GuardedReader& fork, std::int64_t dataBytes) {
     }
     const double seconds =
         static_cast<double>(dataBytes) / *description.sampleBytes / *description.channels / *description.rate;
-    return seconds > 0 ? std::optional(seconds) : std::nullopt;
+    return seconds > 0 ? std::optional(Timing{.seconds = seconds, .basis = Basis::sized}) : std::nullopt;
 }
 
 } // namespace velmora

@@ -105,7 +105,7 @@ std::optional<Timing> vocDuration(GuardedReader& reader, std::int64_t start) {
         return std::nullopt;
     }
     VocClock clock;
-    double seconds = 0;
+    Timing timing{.basis = Basis::sized};
     std::int64_t at = start + le16(file, blocksAt);
     for (;;) {
         const Bytes block = reader.header(at, 1);
@@ -120,11 +120,13 @@ std::optional<Timing> vocDuration(GuardedReader& reader, std::int64_t start) {
         const std::int64_t stated = le32(header, 0) >> 8;
         at += blockHeaderBytes;
         const std::int64_t size = std::min(stated, reader.size() - at);
-        seconds += clock.advance(
+        timing.seconds += clock.advance(
             type, reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, 12))), size);
+        timing.doubt = stated > size ? Doubt::beyondEnd : timing.doubt;
+        ++timing.frames;
         at += stated;
     }
-    return seconds;
+    return timing;
 }
 
 } // namespace velmora

@@ -39,6 +39,12 @@ bool isUnknown(std::uint32_t size) {
     return (size | 0x8000'0000) >= 0xFFFF'F000;
 }
 
+/// The same for a size of 64 bits: absent if it is 0, or more than any disk holds.
+std::optional<std::int64_t> credibleBytes(std::uint64_t size) {
+    constexpr std::uint64_t limit = 1ULL << 46;
+    return size > 0 && size < limit ? std::optional(static_cast<std::int64_t>(size)) : std::nullopt;
+}
+
 /// Whether `at` looks like the beginning of a chunk: a name of letters, and a size that fits into the file.
 bool isChunkAt(GuardedReader& reader, std::int64_t at) {
     const auto header = reader.header(at, chunkHeaderBytes);
@@ -47,19 +53,22 @@ bool isChunkAt(GuardedReader& reader, std::int64_t at) {
            std::ranges::all_of(header.first(4), [](std::uint8_t c) { return c >= ' ' && c < 0x7F; });
 }
 
-/// Where the data that begin at `at` end.
-std::int64_t dataEnd(GuardedReader& reader, const WavState& state, std::int64_t start, std::int64_t at,
-                     std::uint32_t stated) {
+/// The data that begin at `at`, in a chunk of `stated` bytes.
+WaveData dataAt(GuardedReader& reader, const WavState& state, std::int64_t start, std::int64_t at,
+                std::uint32_t stated) {
     const std::int64_t rest = reader.size() - at;
+    WaveData data{at, reader.size(), std::nullopt, state.statedFrames};
     if (isUnknown(stated)) {
-        return at + std::min(state.longDataBytes.value_or(rest), rest);
+        data.statedBytes = state.longDataBytes;
+        data.end = at + std::min(state.longDataBytes.value_or(rest), rest);
+    } else if (stated != 0 || isChunkAt(reader, at)) {
+        const std::int64_t riffEnd = start + chunkHeaderBytes + state.riffBytes;
+        const bool isWrapped = rest >= wrap && (reader.size() - riffEnd) % wrap == 0;
+        data.statedBytes = stated;
+        data.end =
+            at + std::min(rest, isWrapped ? stated + (rest - stated) / wrap * wrap : std::int64_t{stated});
     }
-    if (stated == 0 && !isChunkAt(reader, at)) {
-        return reader.size();
-    }
-    const std::int64_t riffEnd = start + chunkHeaderBytes + state.riffBytes;
-    const bool isWrapped = rest >= wrap && (reader.size() - riffEnd) % wrap == 0;
-    return at + std::min(rest, isWrapped ? stated + (rest - stated) / wrap * wrap : std::int64_t{stated});
+    return data;
 }
 
 /// Takes note of a chunk that is not the data.
@@ -74,10 +83,7 @@ void noteChunk(GuardedReader& reader, std::string_view name, std::int64_t at, st
         }
     } else if (name == "ds64"sv) {
         if (const auto sizes = chunkStart(reader, at, size, longDataAt + 8); sizes.size() == longDataAt + 8) {
-            const std::uint64_t bytes = le64(sizes, longDataAt);
-            state.longDataBytes = bytes > 0 && bytes < static_cast<std::uint64_t>(reader.size())
-                                      ? static_cast<std::int64_t>(bytes)
-                                      : reader.size();
+            state.longDataBytes = credibleBytes(le64(sizes, longDataAt));
         }
     }
 }
@@ -108,8 +114,7 @@ std::optional<Timing> wavDuration(GuardedReader& reader, std::int64_t start) {
             if (!state.format) {
                 return std::nullopt;
             }
-            const std::int64_t end = dataEnd(reader, state, start, at, size);
-            return waveSeconds(reader, *state.format, at, end, state.statedFrames);
+            return waveTiming(reader, *state.format, dataAt(reader, state, start, at, size));
         }
         noteChunk(reader, name, at, size, state);
         at += size;
@@ -138,7 +143,11 @@ std::optional<Timing> wave64Duration(GuardedReader& reader, std::int64_t start) 
         const std::int64_t size = isKnown ? static_cast<std::int64_t>(stated) - header64Bytes : rest;
         at += header64Bytes;
         if (name == "data") {
-            return format ? waveSeconds(reader, *format, at, at + size, statedFrames) : std::nullopt;
+            const auto statedBytes = credibleBytes(stated);
+            const WaveData data{at, at + size,
+                                statedBytes ? std::optional(*statedBytes - header64Bytes) : std::nullopt,
+                                statedFrames};
+            return format ? waveTiming(reader, *format, data) : std::nullopt;
         }
         if (name == "fmt ") {
             format = parseWaveFormat(chunkStart(reader, at, size, formatBytes), false);

@@ -75,11 +75,12 @@ std::optional<Timing> wavPackDuration(GuardedReader& reader, std::int64_t start)
     const auto find = [&](Bytes bytes, std::int64_t offset) {
         return endOfLastBlock(bytes, offset, reader.size());
     };
-    std::optional<std::int64_t> samples = searchTail(reader, start, tailBytes, find);
-    if (first->total) {
-        samples = std::min(samples.value_or(*first->total), *first->total);
-    }
-    return static_cast<double>(samples.value_or(0)) / first->rate;
+    const auto secondsOf = [&first](std::int64_t samples) {
+        return static_cast<double>(samples) / first->rate;
+    };
+    const std::int64_t end = searchTail(reader, start, tailBytes, find).value_or(first->total.value_or(0));
+    return withinFile(first->total ? std::optional(secondsOf(*first->total)) : std::nullopt,
+                      {.seconds = secondsOf(end), .basis = Basis::counted});
 }
 
 } // namespace velmora

@@ -87,24 +87,33 @@ std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, b
     return format.rate > 0 && format.channels > 0 ? std::optional(format) : std::nullopt;
 }
 
-std::optional<Timing> waveSeconds(GuardedReader& reader, const WaveFormat& format, std::int64_t start,
-                                  std::int64_t end, std::optional<std::int64_t> statedFrames) {
+std::optional<Timing> waveTiming(GuardedReader& reader, const WaveFormat& format, const WaveData& data) {
     switch (format.tag) {
     case mpegLayers12:
     case mpegLayer3:
     case rawAac:
     case adtsAac:
-        return searchedFrameDuration(reader, start, end);
+        return searchedFrameDuration(reader, data.start, data.end);
     default:
         break;
     }
-    std::optional<std::int64_t> frames = framesOf(format, end - start);
-    const std::int64_t slack = 2 * framesOfBlock(format, format.blockBytes);
-    if (statedFrames && frames && *statedFrames <= *frames && *statedFrames > *frames - slack) {
-        frames = *statedFrames;
+    const auto frames = framesOf(format, data.end - data.start);
+    if (!frames) {
+        return std::nullopt;
     }
-    return frames ? std::optional(static_cast<double>(*frames) / static_cast<double>(format.rate))
-                  : std::nullopt;
+    const auto secondsOf = [&format](std::int64_t count) {
+        return static_cast<double>(count) / static_cast<double>(format.rate);
+    };
+    const std::int64_t slack = 2 * framesOfBlock(format, format.blockBytes);
+    const bool mayBeFilledUp = slack > 0 && data.statedFrames.has_value();
+    if (mayBeFilledUp && *data.statedFrames <= *frames && *data.statedFrames > *frames - slack) {
+        return statedTiming(secondsOf(*data.statedFrames));
+    }
+    std::optional<std::int64_t> stated = data.statedFrames;
+    if (!mayBeFilledUp) {
+        stated = data.statedBytes ? framesOf(format, *data.statedBytes) : std::nullopt;
+    }
+    return sizedTiming(secondsOf(*frames), stated ? std::optional(secondsOf(*stated)) : std::nullopt);
 }
 
 } // namespace velmora

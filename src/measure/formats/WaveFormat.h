@@ -27,10 +27,16 @@ struct WaveFormat {
 /// Absent if `chunk` is too short or states no rate.
 std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, bool isBigEndian);
 
-/// Seconds of the audio between `start` and `end`. `statedFrames` is what a "fact" chunk says, taken for
-/// formats whose blocks may be filled up, if it fits. Zero if none plays; absent for a format whose length
-/// its bytes do not tell.
-std::optional<Timing> waveSeconds(GuardedReader& reader, const WaveFormat& format, std::int64_t start,
-                                  std::int64_t end, std::optional<std::int64_t> statedFrames);
+/// The content of a "data" chunk, and what the file states of it.
+struct WaveData {
+    std::int64_t start = 0; ///< positions in the file
+    std::int64_t end = 0;
+    std::optional<std::int64_t> statedBytes;  ///< absent if the writer did not know
+    std::optional<std::int64_t> statedFrames; ///< of a "fact" chunk
+};
+
+/// How long `data` play. `statedFrames` are taken for formats whose blocks may be filled up, if they fit.
+/// Zero if nothing plays; absent for a format whose length its bytes do not tell.
+std::optional<Timing> waveTiming(GuardedReader& reader, const WaveFormat& format, const WaveData& data);
 
 } // namespace velmora

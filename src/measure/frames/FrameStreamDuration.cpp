@@ -16,23 +16,33 @@ bool agrees(std::int64_t stated, std::int64_t real) {
     return std::abs(stated - real) <= real / agreementPart;
 }
 
-std::optional<double> positive(double seconds) {
-    return seconds > 0 ? std::optional(seconds) : std::nullopt;
+std::optional<Timing> positive(const Timing& timing) {
+    return timing.seconds > 0 ? std::optional(timing) : std::nullopt;
 }
 
 /// `frame` stands at `start` and states `header` instead of holding sound.
-std::optional<double> statedDuration(GuardedReader& reader, const AudioFrame& frame, const XingHeader& header,
+std::optional<Timing> statedDuration(GuardedReader& reader, const AudioFrame& frame, const XingHeader& header,
                                      std::int64_t start, std::int64_t end) {
     const auto secondsOf = [&frame](std::int64_t samples) {
         return static_cast<double>(samples) / frame.rate;
     };
-    if (header.frames > 0 && header.bytes && agrees(*header.bytes, end - start)) {
-        return positive(secondsOf(*header.frames * frame.samples - header.startTrim - header.endTrim));
+    const auto stated =
+        header.frames > 0
+            ? std::optional(secondsOf(*header.frames * frame.samples - header.startTrim - header.endTrim))
+            : std::nullopt;
+    if (stated && header.bytes && agrees(*header.bytes, end - start)) {
+        return positive(statedTiming(*stated));
     }
     const FrameSum sum = sumFrames(reader, start, end); // with the frame that states
     const bool hasItsEnd = sum.frames > header.frames.value_or(0);
-    return positive(sum.seconds -
-                    secondsOf(frame.samples + header.startTrim + (hasItsEnd ? header.endTrim : 0)));
+    return positive({.seconds = sum.seconds - secondsOf(frame.samples + header.startTrim +
+                                                        (hasItsEnd ? header.endTrim : 0)),
+                     .basis = Basis::counted,
+                     .stated = stated,
+                     .doubt = !stated || !header.bytes      ? Doubt::unfinished
+                              : *header.bytes > end - start ? Doubt::beyondEnd
+                                                            : Doubt::disagrees,
+                     .frames = std::max<std::int64_t>(0, sum.frames - 1)});
 }
 
 } // namespace
@@ -52,7 +62,8 @@ std::optional<Timing> frameStreamDuration(GuardedReader& reader, std::int64_t st
     if (!isFrameAt(reader, start, end)) {
         return std::nullopt;
     }
-    return positive(sumFrames(reader, start, end).seconds);
+    const FrameSum sum = sumFrames(reader, start, end);
+    return positive({.seconds = sum.seconds, .basis = Basis::counted, .frames = sum.frames});
 }
 
 std::optional<Timing> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
