@@ -1,11 +1,11 @@
 #include "gather/ArchiveExtraction.h"
 
+#include "gather/ExtractionCleanup.h"
 #include "gather/ExtractionPlan.h"
 #include "gather/ToolRunner.h"
 #include "gather/ZipNames.h"
 #include "system/FileCopy.h"
 #include "system/FileName.h"
-#include "system/OwnerAccess.h"
 #include "system/RegularFile.h"
 #include "system/TempRegistry.h"
 #include "system/TemporaryDirectory.h"
@@ -13,7 +13,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
+#include <string>
+#include <system_error>
+#include <vector>
 
 namespace velmora::Collector {
 
@@ -50,29 +52,77 @@ private:
     fs::path m_path;
 };
 
+/// Whether tar may have taken the content of a compressed single file for an archive with nothing in it: a
+/// tar archive ends with two blocks of zeros, and what begins with them is an empty one.
+bool mayBeNoTar(const fs::path& archive) {
+    const std::string extension = classifyingExtension(archive);
+    return extension == "gz" || extension == "bz2" || extension == "xz";
+}
+
+/// Makes the attempts of a plan, one after the other in the same directory.
+class Attempts {
+public:
+    Attempts(const fs::path& directory, const std::stop_token& stop)
+        : m_directory(directory)
+        , m_stop(stop) {}
+
+    /// Whether one of them succeeded. An attempt that leaves nothing is a success as well, but the last word
+    /// only where `nothingIsDone`, or when all others failed.
+    bool succeed(const std::vector<ExtractionStep>& plan, bool nothingIsDone) {
+        for (const ExtractionStep& step : plan) {
+            if (m_stop.stop_requested() || !prepare(step.ground)) {
+                return false;
+            }
+            if (!attempt(step)) {
+                continue;
+            }
+            std::error_code error; // a directory closed by its archive is not empty
+            if (nothingIsDone || !fs::is_empty(m_directory, error)) {
+                return true;
+            }
+            m_foundNothing = true;
+        }
+        return m_foundNothing && makeEmpty(m_directory);
+    }
+
+private:
+    /// Makes sure that the next tool meets nothing that it could write through.
+    bool prepare(Ground ground) const {
+        const bool isClean = ground == Ground::shared && keepPlainFiles(m_directory);
+        return isClean || makeEmpty(m_directory);
+    }
+
+    bool attempt(const ExtractionStep& step) const {
+        return step.out ? runCapturing(step.tool, step.args, *step.out, m_stop)
+                        : run(step.tool, step.args, m_stop);
+    }
+
+    const fs::path& m_directory;
+    const std::stop_token& m_stop;
+    bool m_foundNothing = false;
+};
+
 bool unpack(const fs::path& archive, const fs::path& directory, const std::stop_token& stop) {
     const WorkingCopy copy(archive, stop);
     const fs::path& input = copy.path().empty() ? archive : copy.path();
     const UnzipTurn unzip = unzipGarblesNames(input) ? UnzipTurn::last : UnzipTurn::asUsual;
-    const std::vector<ExtractionStep> plan = extractionPlan(archive, input, directory, unzip);
-    return std::any_of(plan.begin(), plan.end(), [&](const ExtractionStep& step) {
-        return step.out ? runCapturing(step.tool, step.args, *step.out, stop)
-                        : run(step.tool, step.args, stop);
-    });
+    return Attempts(directory, stop)
+        .succeed(extractionPlan(archive, input, directory, unzip), !mayBeNoTar(archive));
 }
 
 } // namespace
 
 std::optional<fs::path> extract(const fs::path& url, const std::stop_token& stop) {
-    if (!RegularFile::open(url)) {
+    const std::optional<RegularFile> archive = RegularFile::open(url);
+    if (!archive || archive->size() == 0) { // bsdtar would unpack nothing from nothing, and call it success
         return std::nullopt;
     }
     std::optional<TemporaryDirectory> directory = TemporaryDirectory::make(TempRegistry::freshPath(""));
-    if (!directory || !unpack(url, directory->path(), stop) || stop.stop_requested()) {
+    if (!directory || !unpack(url, directory->path(), stop) || stop.stop_requested() ||
+        !keepOwnContent(directory->path())) {
         return std::nullopt;
     }
     ::chmod(directory->path().c_str(), S_IRWXU); // an archive may hold permissions for its top folder, too
-    grantOwnerBelow(directory->path());
     return directory->release();
 }
 

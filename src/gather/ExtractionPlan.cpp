@@ -21,10 +21,10 @@ std::vector<ExtractionStep> extractionPlan(const fs::path& archive, const fs::pa
     const std::string extension = classifyingExtension(archive);
     const std::vector<std::string> tarArguments = {"-x", "-f", input, "-C", directory};
     std::vector<ExtractionStep> plan;
-    const auto addUnzip = [&] {
+    const auto addUnzip = [&](Ground ground) {
         // The fresh UUID in a copy's name keeps the pattern from matching any other file.
         if (input != archive || !isPatternForUnzip(input)) {
-            plan.push_back({"/usr/bin/unzip", {"-qq", "-o", input, "-d", directory}, {}});
+            plan.push_back({"/usr/bin/unzip", {"-qq", "-o", input, "-d", directory}, {}, ground});
         }
     };
 
@@ -33,7 +33,7 @@ std::vector<ExtractionStep> extractionPlan(const fs::path& archive, const fs::pa
     }
     plan.push_back({"/usr/bin/tar", tarArguments, {}});
     if (unzip == UnzipTurn::asUsual) {
-        addUnzip();
+        addUnzip(Ground::shared);
     }
     if (const std::string_view stem = withoutExtension(name); !stem.empty()) {
         if (extension == "gz") {
@@ -42,9 +42,9 @@ std::vector<ExtractionStep> extractionPlan(const fs::path& archive, const fs::pa
             plan.push_back({"/usr/bin/bunzip2", {"-c", input}, directory / stem});
         }
     }
-    plan.push_back({"/usr/bin/bsdtar", tarArguments, {}}); // reads what the others cannot: 7z, rar
+    plan.push_back({"/usr/bin/bsdtar", tarArguments, {}, Ground::empty}); // reads 7z and rar
     if (unzip == UnzipTurn::last) {
-        addUnzip();
+        addUnzip(Ground::empty);
     }
     return plan;
 }

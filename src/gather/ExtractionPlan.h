@@ -11,11 +11,18 @@
 
 namespace velmora::Collector {
 
+/// What a tool finds in the extraction directory.
+enum class Ground : bool {
+    shared, ///< the plain files of the tools before it
+    empty,
+};
+
 /// One attempt: a tool and its arguments.
 struct ExtractionStep {
     std::string_view tool; ///< absolute path
     std::vector<std::string> args;
     std::optional<std::filesystem::path> out; ///< the file its standard output becomes; absent: discarded
+    Ground ground = Ground::shared;
 
     bool operator==(const ExtractionStep&) const = default;
 };
@@ -30,6 +37,9 @@ enum class UnzipTurn : bool { asUsual, last };
 ///   gz         ->  tar, unzip, gunzip to a file named as the archive without ".gz", bsdtar
 ///   bz2        ->  tar, unzip, bunzip2 likewise, bsdtar
 ///   others     ->  tar, unzip, bsdtar
+///
+/// bsdtar, and unzip where it is the last, start from an empty directory: they name the same members in other
+/// ways, and what two tools made would be counted twice.
 std::vector<ExtractionStep> extractionPlan(const std::filesystem::path& archive,
                                            const std::filesystem::path& input,
                                            const std::filesystem::path& directory, UnzipTurn unzip);

@@ -4,6 +4,7 @@
 #include "records/AudioExtensions.h"
 #include "system/FileName.h"
 #include "system/FolderReader.h"
+#include "system/TempRegistry.h"
 #include "system/UnicodeCase.h"
 
 #include <optional>
@@ -41,6 +42,12 @@ std::string joined(const std::string& folder, std::string_view name) {
     return path += name;
 }
 
+/// Whether the entry is an item of our own in the temporary directory: what comes out of an archive is found
+/// through the archive, and not once more where it was unpacked.
+bool isTemporary(const std::string& folder, std::string_view name) {
+    return name.starts_with(TempRegistry::prefix) && TempRegistry::isTemporaryDirectory(folder);
+}
+
 /// One walk, into archives and out again.
 class Walk {
 public:
@@ -71,13 +78,12 @@ private:
                 if (m_stop.stop_requested()) {
                     return;
                 }
-                if (entry->name.starts_with('.')) {
+                if (entry->name.starts_with('.') || isTemporary(current, entry->name)) {
                     continue;
                 }
                 if (entry->kind == EntryKind::folder) {
                     pending.push_back(joined(current, entry->name));
-                } else if (const Kind kind = kindOf(entry->name);
-                           kind != Kind::neither && !reader.leadsToFolder(*entry)) {
+                } else if (const Kind kind = kindOf(entry->name); kind != Kind::neither) {
                     file(joined(current, entry->name), kind, depth);
                 }
             }

@@ -50,7 +50,13 @@ Bytes bytesAt(const RegularFile& file, std::int64_t offset, std::size_t size) {
     return bytes;
 }
 
-/// The central directory; empty if there is none.
+bool beginsWithEntry(const Bytes& bytes) {
+    return bytes.size() >= entrySignature.size() &&
+           std::equal(entrySignature.begin(), entrySignature.end(), bytes.begin());
+}
+
+/// The central directory; empty if there is none. It stands where the end record says, or, in an archive with
+/// other bytes before it, immediately before the end record.
 Bytes directoryOf(const RegularFile& file) {
     const std::int64_t tailSize =
         std::min(file.size(), static_cast<std::int64_t>(endRecordSize + longestComment));
@@ -60,8 +66,14 @@ Bytes directoryOf(const RegularFile& file) {
     if (record.size() < endRecordSize) {
         return {};
     }
-    return bytesAt(file, number(record, 16, 4),
-                   std::min<std::size_t>(number(record, 12, 4), longestDirectory));
+    const std::size_t size = number(record, 12, 4);
+    const std::size_t shownSize = std::min(size, longestDirectory);
+    Bytes directory = bytesAt(file, number(record, 16, 4), shownSize);
+    if (!beginsWithEntry(directory)) {
+        const auto recordStart = file.size() - static_cast<std::int64_t>(record.size());
+        directory = bytesAt(file, recordStart - static_cast<std::int64_t>(size), shownSize);
+    }
+    return directory;
 }
 
 bool isTakenForCodePage(unsigned system, unsigned version) {

@@ -20,10 +20,10 @@ namespace velmora {
 
 namespace {
 
-/// Variables in which the archive tools look for options, and those that would outweigh the names' encoding.
+/// Variables in which the archive tools look for options, and those that are set for them below.
 constexpr auto toolVariables = std::to_array<std::string_view>(
     {"TAR_OPTIONS=", "TAR_READER_OPTIONS=", "TAPE=", "UNZIP=", "UNZIPOPT=", "GZIP=", "BZIP=", "BZIP2=",
-     "XZ_OPT=", "XZ_DEFAULTS=", "LC_ALL=", "LANGUAGE=", "POSIXLY_CORRECT="});
+     "XZ_OPT=", "XZ_DEFAULTS=", "LC_ALL=", "LANGUAGE=", "POSIXLY_CORRECT=", "PATH="});
 
 std::vector<std::string> childEnvironment() {
     std::vector<std::string> result;
@@ -36,6 +36,7 @@ std::vector<std::string> childEnvironment() {
         }
     }
     result.emplace_back("LC_ALL=C.UTF-8");
+    result.emplace_back("PATH=/usr/bin:/bin"); // tar looks for gzip and its like there
     return result;
 }
 

@@ -2,8 +2,8 @@
 
 // The one way the program starts other programs. A child gets a session of its own (it cannot ask for a
 // password on the user's terminal), the null device as standard error and as a standard input that cannot be
-// read, no other descriptor, default signal handling, names in UTF-8 (LC_ALL=C.UTF-8), and no variable that
-// would change a tool's options.
+// read, no other descriptor, default signal handling, names in UTF-8 (LC_ALL=C.UTF-8), the system's programs
+// alone in its PATH, and no variable that would change a tool's options.
 
 #include <chrono>
 #include <filesystem>

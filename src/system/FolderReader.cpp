@@ -15,10 +15,10 @@ DIR* streamOf(FileDescriptor folder) {
     return stream;
 }
 
-bool isFolder(int parent, const char* name, int flags) {
+bool isFolder(int parent, const char* name) {
     struct stat status {};
 
-    return ::fstatat(parent, name, &status, flags) == 0 && S_ISDIR(status.st_mode);
+    return ::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
 }
 
 bool isLink(int parent, const char* name) {
@@ -34,7 +34,7 @@ EntryKind kindOf(int parent, const dirent& entry) {
     case DT_LNK:
         return EntryKind::link;
     case DT_UNKNOWN:
-        if (isFolder(parent, entry.d_name, AT_SYMLINK_NOFOLLOW)) {
+        if (isFolder(parent, entry.d_name)) {
             return EntryKind::folder;
         }
         return isLink(parent, entry.d_name) ? EntryKind::link : EntryKind::other;
@@ -59,10 +59,6 @@ std::optional<FolderEntry> FolderReader::next() {
         }
     }
     return std::nullopt;
-}
-
-bool FolderReader::leadsToFolder(const FolderEntry& entry) const {
-    return entry.kind == EntryKind::link && isFolder(::dirfd(m_stream.get()), entry.name.data(), 0);
 }
 
 } // namespace velmora

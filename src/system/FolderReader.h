@@ -39,9 +39,6 @@ public:
     /// The next entry, never "." or "..". Absent at the end, and after an error.
     std::optional<FolderEntry> next();
 
-    /// Whether `entry`, the last one read, is a link that leads to a folder.
-    bool leadsToFolder(const FolderEntry& entry) const;
-
 private:
     std::unique_ptr<DIR, int (*)(DIR*)> m_stream;
 };

@@ -34,6 +34,11 @@ fs::path freshPath(std::string_view kind) {
     return temporaryDirectory() / (std::string(prefix) + std::string(kind) + randomUuid());
 }
 
+bool isTemporaryDirectory(const fs::path& folder) {
+    std::error_code error;
+    return fs::equivalent(folder, temporaryDirectory(), error);
+}
+
 void add(const Paths& directories) {
     const std::scoped_lock guard(lock);
     registered.insert(registered.end(), directories.begin(), directories.end());

@@ -20,6 +20,9 @@ inline constexpr std::string_view prefix = "velmora-";
 /// is "" for an extraction directory, "src-" for a working copy, "zip-" for a staging directory.
 std::filesystem::path freshPath(std::string_view kind);
 
+/// Whether `folder` is the temporary directory, under whatever name.
+bool isTemporaryDirectory(const std::filesystem::path& folder);
+
 /// Registers `directories` for the next release. Any thread.
 void add(const Paths& directories);
 

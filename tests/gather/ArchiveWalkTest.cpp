@@ -1,4 +1,5 @@
 #include "gather/SourceWalker.h"
+#include "records/AudioExtensions.h"
 #include "tests/gather/Found.h"
 #include "tests/support/Archives.h"
 #include "tests/support/ForkedProcess.h"
@@ -109,6 +110,28 @@ TEST(ArchiveWalk, FindsWhatOtherKindsOfArchivesHold) {
     pack(folder / "set.tar.gz", content);
     const GatherResult found = walked(folder);
     EXPECT_THAT(namesIn(found, folder), ElementsAre("[0]/b.flac", "[1]/c.wav"));
+}
+
+TEST(ArchiveWalk, FindsWhatIsUnpackedOnceThoughTheTemporaryDirectoryIsWalked) {
+    const fs::path home = freshFolder();
+    for (const char* name : {"a.zip", "z.zip", "tmp/b.zip", "tmp/sub/c.zip"}) {
+        fs::create_directories((home / name).parent_path());
+        fs::rename(nestedZip(3), home / name);
+    }
+    ::setenv("TMPDIR", (home / "tmp").c_str(), 1);
+    const GatherResult found = walked(home);
+    EXPECT_THAT(found.files, SizeIs(4));
+    EXPECT_THAT(found.temps, SizeIs(12));
+    EXPECT_THAT(found.skippedArchives, IsEmpty());
+}
+
+TEST(ArchiveWalk, CountsAnArchiveOfNothingAsSkipped) {
+    const fs::path folder = freshFolder();
+    for (const std::string_view extension : Collector::archiveExts) {
+        write(folder / ("failed download." + std::string(extension)));
+    }
+    EXPECT_THAT(walked(folder).skippedArchives, SizeIs(Collector::archiveExts.size()));
+    EXPECT_THAT(test::temporaryItems(), IsEmpty());
 }
 
 TEST(ArchiveWalk, FollowsLinksToArchives) {

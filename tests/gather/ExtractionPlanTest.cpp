@@ -9,6 +9,7 @@ namespace {
 
 using Collector::extractionPlan;
 using Collector::ExtractionStep;
+using Collector::Ground;
 using Collector::UnzipTurn;
 using testing::ElementsAre;
 namespace fs = std::filesystem;
@@ -30,7 +31,8 @@ TEST(ExtractionPlan, GivesEachToolItsArguments) {
             ExtractionStep{"/usr/bin/ditto", {"-x", "-k", "--noqtn", "/tmp/copy-Song.ZIP", "/tmp/out"}, {}},
             ExtractionStep{"/usr/bin/tar", {"-x", "-f", "/tmp/copy-Song.ZIP", "-C", "/tmp/out"}, {}},
             ExtractionStep{"/usr/bin/unzip", {"-qq", "-o", "/tmp/copy-Song.ZIP", "-d", "/tmp/out"}, {}},
-            ExtractionStep{"/usr/bin/bsdtar", {"-x", "-f", "/tmp/copy-Song.ZIP", "-C", "/tmp/out"}, {}}));
+            ExtractionStep{
+                "/usr/bin/bsdtar", {"-x", "-f", "/tmp/copy-Song.ZIP", "-C", "/tmp/out"}, {}, Ground::empty}));
 }
 
 TEST(ExtractionPlan, WritesASingleFileUnderTheNameOfTheArchiveWithoutItsExtension) {
@@ -62,6 +64,20 @@ TEST(ExtractionPlan, ChoosesToolsByTheExtension) {
 TEST(ExtractionPlan, LetsUnzipBeTheLast) {
     EXPECT_THAT(toolsFor("song.zip", UnzipTurn::last), ElementsAre("ditto", "tar", "bsdtar", "unzip"));
     EXPECT_THAT(toolsFor("song.gz", UnzipTurn::last), ElementsAre("tar", "gunzip", "bsdtar", "unzip"));
+}
+
+TEST(ExtractionPlan, MixesNothingWithWhatTheRequiredToolsMade) {
+    const auto emptied = [](UnzipTurn unzip) {
+        std::vector<std::string> tools;
+        for (const ExtractionStep& step : extractionPlan("/music/a.zip", "/tmp/a.zip", "/tmp/out", unzip)) {
+            if (step.ground == Ground::empty) {
+                tools.push_back(fs::path(step.tool).filename());
+            }
+        }
+        return tools;
+    };
+    EXPECT_THAT(emptied(UnzipTurn::asUsual), ElementsAre("bsdtar"));
+    EXPECT_THAT(emptied(UnzipTurn::last), ElementsAre("bsdtar", "unzip"));
 }
 
 TEST(ExtractionPlan, KeepsPatternsFromUnzipWhenThereIsNoCopy) {

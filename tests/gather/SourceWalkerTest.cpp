@@ -144,7 +144,7 @@ TEST(SourceWalker, ClassifiesLinksToFilesByTheirOwnName) {
     EXPECT_THAT(walked(folder / "links" / "notes.wav").files, ElementsAre(folder / "links" / "notes.wav"));
 }
 
-TEST(SourceWalker, DoesNotEnterLinksToFoldersOnTheWay) {
+TEST(SourceWalker, ClassifiesLinksToFoldersByTheirOwnNameAndEntersNone) {
     const fs::path folder = freshFolder();
     write(folder / "outside" / "a.wav");
     write(folder / "walked" / "b.wav");
@@ -153,8 +153,25 @@ TEST(SourceWalker, DoesNotEnterLinksToFoldersOnTheWay) {
     fs::create_symlink("../outside", folder / "walked" / "link.zip");
     fs::create_symlink("..", folder / "walked" / "up");
     const GatherResult found = walked(folder / "walked");
-    EXPECT_THAT(namesIn(found, folder / "walked"), ElementsAre("b.wav"));
-    EXPECT_THAT(found.skippedArchives, IsEmpty());
+    EXPECT_THAT(namesIn(found, folder / "walked"), ElementsAre("b.wav", "link.wav"));
+    EXPECT_THAT(found.skippedArchives, ElementsAre(folder / "walked" / "link.zip"));
+}
+
+TEST(SourceWalker, PassesOverItsOwnTemporaryItems) {
+    const fs::path temporary = fs::temp_directory_path();
+    write(temporary / "a.wav");
+    write(temporary / "velmora-1" / "b.wav");
+    write(temporary / "velmora-src-1-c.zip", "a working copy");
+    write(temporary / "sub" / "velmora-2" / "d.wav"); // a user's own folder
+    write(temporary / "Velmora-3" / "e.wav");
+    const fs::path link = freshFolder() / "link";
+    fs::create_directory_symlink(temporary, link);
+    for (const fs::path& name : {temporary, link}) { // by whatever name the directory is walked
+        const GatherResult found = walked(name);
+        EXPECT_THAT(namesIn(found, name), ElementsAre("Velmora-3/e.wav", "a.wav", "sub/velmora-2/d.wav"));
+        EXPECT_THAT(found.skippedArchives, IsEmpty());
+    }
+    EXPECT_THAT(walked(temporary / "velmora-1").files, ElementsAre(temporary / "velmora-1/b.wav"));
 }
 
 TEST(SourceWalker, FindsWhatIsNamedAsAudioButIsNoRegularFile) {

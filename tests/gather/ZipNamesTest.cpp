@@ -53,6 +53,15 @@ TEST(ZipNames, FindsTheDirectoryBeforeAComment) {
     EXPECT_TRUE(unzipGarblesNames(write(freshFolder() / "a.zip", bytes)));
 }
 
+TEST(ZipNames, FindsTheDirectoryAfterOtherBytes) {
+    for (const std::size_t start : {1U, 80U, 100000U}) {
+        test::Bytes bytes(start, 'x');
+        const test::Bytes zip = test::zipArchive(members);
+        bytes.insert(bytes.end(), zip.begin(), zip.end());
+        EXPECT_TRUE(unzipGarblesNames(write(freshFolder() / "a.zip", bytes))) << start;
+    }
+}
+
 TEST(ZipNames, SaysNothingOfOtherFiles) {
     const fs::path folder = freshFolder();
     EXPECT_FALSE(unzipGarblesNames(folder / "missing.zip"));

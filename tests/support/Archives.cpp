@@ -83,9 +83,9 @@ std::string tarHeader(const Member& member) {
 // ------------------------------------------------------------------------------------------------- zip
 
 /// The part that a zip member's local header and its directory entry have in common.
-void appendZipFields(Bytes& bytes, const Member& member) {
-    append(bytes, 10, 2);     // version needed: 1.0
-    append(bytes, 0x0800, 2); // flags: names are UTF-8
+void appendZipFields(Bytes& bytes, const Member& member, const ZipMaker& maker) {
+    append(bytes, 10, 2); // version needed: 1.0
+    append(bytes, maker.flags, 2);
     append(bytes, 0, 2);      // method: stored
     append(bytes, 0, 2);      // time
     append(bytes, 0x5821, 2); // date: 2024-01-01
@@ -101,11 +101,11 @@ void appendZipDirectoryEntry(Bytes& bytes, const Member& member, std::size_t loc
     append(bytes, "PK\x01\x02");
     bytes.push_back(static_cast<std::uint8_t>(maker.version));
     bytes.push_back(static_cast<std::uint8_t>(maker.system));
-    appendZipFields(bytes, member);
-    append(bytes, 0, 2); // comment
-    append(bytes, 0, 2); // disk
-    append(bytes, 0, 2); // internal attributes
-    append(bytes, 0, 4); // external attributes
+    appendZipFields(bytes, member, maker);
+    append(bytes, 0, 2);                                                   // comment
+    append(bytes, 0, 2);                                                   // disk
+    append(bytes, 0, 2);                                                   // internal attributes
+    append(bytes, (member.type == '2' ? 0120777U : member.mode) << 16, 4); // permissions, of Unix
     append(bytes, localHeader, 4);
     append(bytes, member.name);
 }
@@ -200,13 +200,13 @@ Bytes zipArchive(const std::vector<Member>& members, const ZipMaker& maker) {
     Bytes bytes;
     Bytes directory;
     for (const Member& member : members) {
-        appendZipDirectoryEntry(directory, member, bytes.size(), maker);
+        appendZipDirectoryEntry(directory, member, maker.start + bytes.size(), maker);
         append(bytes, "PK\x03\x04");
-        appendZipFields(bytes, member);
+        appendZipFields(bytes, member, maker);
         append(bytes, member.name);
         append(bytes, member.content);
     }
-    const std::size_t directoryStart = bytes.size();
+    const std::size_t directoryStart = maker.start + bytes.size();
     bytes.insert(bytes.end(), directory.begin(), directory.end());
     append(bytes, "PK\x05\x06");
     append(bytes, 0, 4); // disks

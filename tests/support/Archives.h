@@ -28,9 +28,9 @@ fs::path slowArchive(const fs::path& folder);
 struct Member {
     std::string name = {};
     std::string content = {};
-    char type = '0';             ///< of a tar member: '0' file, '1' hard link, '2' link, '5' folder, '6' FIFO
-    unsigned mode = 0644;        ///< of a tar member: its permissions
-    std::string linkTarget = {}; ///< of a tar member of type '1' or '2'
+    char type = '0';      ///< '0' file, '2' link; of a tar member also '1' hard link, '5' folder, '6' FIFO
+    unsigned mode = 0644; ///< permissions; a zip archive's hold where its maker is Unix
+    std::string linkTarget = {}; ///< of a tar member of type '1' or '2'; a zip member's is its content
     std::optional<std::uint64_t> declaredSize =
         {}; ///< of a tar member: what its header says, if not the truth
 };
@@ -40,8 +40,10 @@ Bytes tarArchive(const std::vector<Member>& members);
 
 /// What a zip archive says of the program that made it. The default is what Windows and Java write.
 struct ZipMaker {
-    int system = 0;   ///< 0 DOS, 3 Unix, 11 NTFS
-    int version = 20; ///< of the zip format, times ten
+    int system = 0;          ///< 0 DOS, 3 Unix, 11 NTFS
+    int version = 20;        ///< of the zip format, times ten
+    unsigned flags = 0x0800; ///< of every member: names are UTF-8
+    std::size_t start = 0;   ///< where the archive begins in its file: what its positions count from
 };
 
 /// A zip archive, members stored, names as they are and flagged as UTF-8.

@@ -133,6 +133,13 @@ TEST(ChildProcess, NamesAreUtf8UnderEveryLocaleOfTheUser) {
     EXPECT_EQ(shellOutput("env | grep -c ^LC_ALL="), "1\n");
 }
 
+TEST(ChildProcess, FindsOnlyTheSystemsPrograms) {
+    const fs::path folder = freshFolder();
+    fs::permissions(write(folder / "gzip", "#!/bin/sh\necho wrong\n"), fs::perms(0700));
+    ::setenv("PATH", folder.c_str(), 1);
+    EXPECT_EQ(shellOutput("echo $PATH; command -v gzip"), "/usr/bin:/bin\n/usr/bin/gzip\n");
+}
+
 TEST(ChildProcess, DropsVariablesThatHoldOptionsOfTools) {
     for (const char* name : {"TAR_OPTIONS", "TAR_READER_OPTIONS", "TAPE", "UNZIP", "UNZIPOPT", "GZIP", "BZIP",
                              "BZIP2", "XZ_OPT", "XZ_DEFAULTS", "POSIXLY_CORRECT"}) {

@@ -54,26 +54,6 @@ TEST(FolderReader, GivesNamesAsTheirBytes) {
                                      Pair(std::string(255, 'x'), EntryKind::other)));
 }
 
-TEST(FolderReader, KnowsLinksThatLeadToFolders) {
-    const fs::path folder = freshFolder();
-    fs::create_directory(folder / "folder");
-    write(folder / "file");
-    fs::create_symlink("folder", folder / "to-folder");
-    fs::create_symlink("file", folder / "to-file");
-    fs::create_symlink("nowhere", folder / "dangling");
-    fs::create_symlink("loop", folder / "loop");
-
-    FolderReader reader(folder);
-    std::map<std::string, bool> leading;
-    while (const auto entry = reader.next()) {
-        leading.emplace(entry->name, reader.leadsToFolder(*entry));
-    }
-
-    EXPECT_THAT(leading,
-                UnorderedElementsAre(Pair("folder", false), Pair("file", false), Pair("to-folder", true),
-                                     Pair("to-file", false), Pair("dangling", false), Pair("loop", false)));
-}
-
 TEST(FolderReader, FindsNothingInWhatIsNotAFolder) {
     const fs::path folder = freshFolder();
     EXPECT_THAT(entriesOf(FolderReader(folder)), testing::IsEmpty());
