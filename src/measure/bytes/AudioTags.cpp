@@ -10,12 +10,34 @@ namespace velmora {
 
 namespace {
 
+// At the end of a file the tags are looked for one by one, from the last to the first: each of the three
+// kinds has a mark at or near its end, and states its size.
+//
+// ID3v1 (id3.org, "ID3v1"): 128 bytes that begin with "TAG".
+//
+// APEv2 (Hydrogenaudio Knowledgebase, "APEv2 specification"), header and footer:
+//
+//   offset  size  field
+//        0     8  "APETAGEX"
+//        8     4  version
+//       12     4  size of the items and the footer
+//       16     4  number of items
+//       20     4  flags; bit 31: there is a header
+//       24     8  reserved
+//
+// Lyrics3v2 (id3.org, "Lyrics3 v2.00"), footer:
+//
+//   offset  size  field
+//        0     6  size of what comes before, in decimal digits
+//        6     9  "LYRICS200"
+
 constexpr std::int64_t id3v1Bytes = 128;
-constexpr std::int64_t apeFooterBytes = 32; // "APETAGEX", version, size (items and footer), count, flags
+constexpr std::int64_t apeFooterBytes = 32;
 constexpr std::size_t apeSizeAt = 12;
 constexpr std::size_t apeFlagsAt = 20;
 constexpr std::uint32_t apeHasHeader = 0x8000'0000;
-constexpr std::int64_t lyricsFooterBytes = 15; // six digits of size, "LYRICS200"
+constexpr std::int64_t lyricsFooterBytes = 15;
+constexpr std::size_t lyricsSizeDigits = 6;
 
 /// The tag that ends at `end`; 0 if there is none.
 std::int64_t tagBytesBefore(GuardedReader& reader, std::int64_t end) {
@@ -32,7 +54,7 @@ std::int64_t tagBytesBefore(GuardedReader& reader, std::int64_t end) {
         matches(footer, "??????LYRICS200")) {
         const auto* const digits = reinterpret_cast<const char*>(footer.data());
         std::int64_t size = 0;
-        std::from_chars(digits, digits + 6, size);
+        std::from_chars(digits, digits + lyricsSizeDigits, size);
         return std::max<std::int64_t>(size, 0) + lyricsFooterBytes;
     }
     return 0;
@@ -56,8 +78,8 @@ std::optional<std::int64_t> id3TagBytes(std::span<const std::uint8_t> header) {
         }
         size = size << 7 | byte;
     }
-    const std::int64_t edges = (header[flagsAt] & hasFooter) != 0 ? 2 : 1;
-    return size + edges * static_cast<std::int64_t>(id3HeaderBytes);
+    const std::int64_t headers = (header[flagsAt] & hasFooter) != 0 ? 2 : 1;
+    return size + headers * static_cast<std::int64_t>(id3HeaderBytes);
 }
 
 std::int64_t tagBytesAt(std::span<const std::uint8_t> bytes) {
@@ -81,8 +103,8 @@ std::int64_t skipLeadingTags(GuardedReader& reader) {
 std::int64_t findTrailingTags(GuardedReader& reader, std::int64_t start) {
     std::int64_t end = reader.size();
     // One read brings the ends of all the tags there usually are.
-    reader.header(std::max<std::int64_t>(start, end - 512),
-                  static_cast<std::size_t>(std::min<std::int64_t>(512, end - start)));
+    constexpr std::int64_t usualTagBytes = 512;
+    reader.headerUpTo(std::max(start, end - usualTagBytes), usualTagBytes);
     while (const std::int64_t tag = tagBytesBefore(reader, end)) {
         if (tag > end - start) {
             break;

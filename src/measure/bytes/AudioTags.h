@@ -1,6 +1,6 @@
 #pragma once
 
-// The tags that stand before and behind audio without belonging to it, in whatever format the audio is. They
+// The tags that stand before and after audio without belonging to it, in whatever format the audio is. They
 // are stepped over, never read: a tag may hold a picture of many megabytes.
 
 #include "measure/bytes/GuardedReader.h"
@@ -22,7 +22,7 @@ std::optional<std::int64_t> id3TagBytes(std::span<const std::uint8_t> header);
 /// none.
 std::int64_t tagBytesAt(std::span<const std::uint8_t> bytes);
 
-/// Where the first byte behind the ID3v2 tags at the start of the file stands. Tags may be repeated.
+/// Where the first byte after the ID3v2 tags at the start of the file stands. Tags may be repeated.
 std::int64_t skipLeadingTags(GuardedReader& reader);
 
 /// Where the tags at the end begin: ID3v1 ("TAG", 128 bytes), APEv2 ("APETAGEX", its footer states the size)

@@ -28,6 +28,16 @@ std::span<const std::uint8_t> GuardedReader::header(std::int64_t offset, std::si
     return std::span(window.bytes).subspan(static_cast<std::size_t>(offset - window.start), count);
 }
 
+std::span<const std::uint8_t> GuardedReader::headerUpTo(std::int64_t offset, std::size_t count,
+                                                        std::int64_t end) {
+    const std::int64_t limit = std::min(end, size());
+    if (offset < 0 || offset >= limit) {
+        return {};
+    }
+    const auto rest = static_cast<std::uint64_t>(limit - offset);
+    return header(offset, static_cast<std::size_t>(std::min<std::uint64_t>(count, rest)));
+}
+
 std::size_t GuardedReader::search(std::int64_t offset, std::span<std::uint8_t> buffer) {
     if (isOver()) {
         return 0;

@@ -21,7 +21,7 @@ class GuardedReader {
 public:
     using Clock = std::chrono::steady_clock;
 
-    static constexpr std::size_t windowBytes = 4096;       ///< most that `header` gives at once
+    static constexpr std::size_t windowBytes = 4096;       ///< the most that `header` gives at once
     static constexpr std::int64_t searchBytes = 8LL << 20; ///< the budget
     static constexpr std::chrono::seconds searchTime{10};  ///< the deadline, from construction
 
@@ -32,6 +32,14 @@ public:
     /// The `count` (at most `windowBytes`) bytes at `offset`, or none if the file has not all of them, cannot
     /// be read, or the search is over. Valid until the next call. Neighbouring headers cost one read.
     std::span<const std::uint8_t> header(std::int64_t offset, std::size_t count);
+
+    /// The first of them that stand before `end`, where the file has fewer than `count` or the structure that
+    /// is read ends earlier.
+    std::span<const std::uint8_t> headerUpTo(std::int64_t offset, std::size_t count, std::int64_t end);
+
+    std::span<const std::uint8_t> headerUpTo(std::int64_t offset, std::size_t count) {
+        return headerUpTo(offset, count, size());
+    }
 
     /// Reads into `buffer` as RegularFile::readAt does, paid from the budget; 0 when the search is over.
     std::size_t search(std::int64_t offset, std::span<std::uint8_t> buffer);

@@ -1,6 +1,7 @@
 #include "measure/formats/AiffDuration.h"
 
 #include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Chunks.h"
 #include "measure/bytes/Magic.h"
 
 #include <algorithm>
@@ -14,16 +15,44 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::int64_t formHeaderBytes = 12; // "FORM", size, "AIFF" or "AIFC"
-constexpr std::int64_t chunkHeaderBytes = 8; // name, size of what follows
-constexpr std::int64_t soundHeaderBytes = 8; // of "SSND": offset of the first frame, block size
+// The chunks are walked in whatever order they come until both "COMM" and "SSND" were seen. The frames that
+// "COMM" states count, as far as the bytes of "SSND" hold them.
+//
+// File (Apple, "Audio Interchange File Format" 1.3, section "FORM AIFF"), the highest byte of a number first:
+//
+//   offset  size  field
+//        0     4  "FORM"
+//        4     4  size of what follows
+//        8     4  "AIFF" or "AIFC"
+//       12        chunks: name (4), size of the content (4), content, filled up to an even size
+//
+// "COMM" (section "The Common Chunk"; the compression in the draft of AIFF-C):
+//
+//   offset  size  field
+//        0     2  channels
+//        2     4  frames; or packets, for some writers of compressed sound
+//        6     2  bits of a sample
+//        8    10  frames a second (80-bit extended)
+//       18     4  compression (AIFF-C)
+//
+// "SSND" (section "The Sound Data Chunk"):
+//
+//   offset  size  field
+//        0     4  offset of the first frame
+//        4     4  block size
+//        8        frames
 
-// "COMM": 0 channels, 2 frames, 6 bits a sample, 8 frames a second (80-bit extended), 18 compression
-// (AIFF-C).
+constexpr std::int64_t formHeaderBytes = 12;
+constexpr ChunkLayout iffChunks{.order = SizeOrder::highestByteFirst, .alignment = 2};
+
+constexpr std::size_t channelsAt = 0;
 constexpr std::size_t framesAt = 2;
 constexpr std::size_t bitsAt = 6;
 constexpr std::size_t rateAt = 8;
 constexpr std::size_t compressionAt = 18;
+constexpr std::size_t compressionBytes = 4;
+
+constexpr std::int64_t soundHeaderBytes = 8;
 
 struct Common {
     std::int64_t channels = 0;
@@ -39,10 +68,10 @@ struct Sound {
     bool isCutOff = false;
 };
 
-/// Packets of a compression, a channel; 0 bits stand for the sample's own.
+/// The packets of one channel.
 struct Compression {
     std::string_view name;
-    std::int64_t packetBytes; ///< 0: as many as a sample's bits need
+    std::int64_t packetBytes; ///< 0: as many as the bits of a sample need
     std::int64_t packetFrames;
 };
 
@@ -53,23 +82,26 @@ constexpr auto compressions = std::to_array<Compression>({
     {"MAC6", 1, 6}, {"GSM ", 33, 160}, {"G722", 1, 2}, {"Qclp", 35, 160},
 });
 
-/// A number of 80 bits: sign and exponent (16), then the mantissa with its leading one (64).
+/// A number of 80 bits: sign (1), exponent (15), mantissa with its leading one (64).
 double extended(Bytes bytes, std::size_t at) {
-    constexpr int bias = 16383 + 63;
+    constexpr int exponentBias = 16383;
+    constexpr int mantissaBits = 63; // after the leading one
+    constexpr std::size_t mantissaAt = 2;
     const int exponent = be16(bytes, at) & 0x7FFF;
-    return std::ldexp(static_cast<double>(be64(bytes, at + 2)), exponent - bias);
+    return std::ldexp(static_cast<double>(be64(bytes, at + mantissaAt)),
+                      exponent - exponentBias - mantissaBits);
 }
 
 std::optional<Common> parseCommon(Bytes chunk) {
     if (chunk.size() < compressionAt) {
         return std::nullopt;
     }
-    Common common{be16(chunk, 0), be32(chunk, framesAt), extended(chunk, rateAt)};
+    Common common{be16(chunk, channelsAt), be32(chunk, framesAt), extended(chunk, rateAt)};
     common.frameBytes = (be16(chunk, bitsAt) + 7) / 8 * common.channels;
     if (common.channels == 0 || !(common.rate >= 1) || !std::isfinite(common.rate)) {
         return std::nullopt;
     }
-    const bool isCompressed = chunk.size() >= compressionAt + 4;
+    const bool isCompressed = chunk.size() >= compressionAt + compressionBytes;
     const auto* const row = std::ranges::find_if(compressions, [&](const Compression& compression) {
         return matches(isCompressed ? chunk.subspan(compressionAt) : Bytes(), compression.name);
     });
@@ -102,6 +134,17 @@ std::optional<Timing> soundTiming(const Common& common, const Sound& sound) {
                       {.seconds = there, .basis = Basis::sized});
 }
 
+/// The sound in `chunk`, which is called "SSND". A writer that cannot go back states no size.
+Sound soundOf(GuardedReader& reader, const Chunk& chunk) {
+    const std::int64_t rest = reader.size() - chunk.content;
+    const bool isUnknown = chunk.stated <= static_cast<std::uint64_t>(soundHeaderBytes);
+    Sound sound{(isUnknown ? rest : chunk.size) - soundHeaderBytes, chunk.isCutOff()};
+    if (const Bytes head = reader.header(chunk.content, soundHeaderBytes); !head.empty()) {
+        sound.bytes -= be32(head, 0);
+    }
+    return sound;
+}
+
 } // namespace
 
 std::optional<Timing> aiffDuration(GuardedReader& reader, std::int64_t start) {
@@ -109,26 +152,16 @@ std::optional<Timing> aiffDuration(GuardedReader& reader, std::int64_t start) {
     std::optional<Sound> sound;
     std::int64_t at = start + formHeaderBytes;
     while (!common || !sound) {
-        const Bytes header = reader.header(at, chunkHeaderBytes);
-        if (header.empty()) {
+        const auto chunk = chunkAt(reader, iffChunks, at);
+        if (!chunk) {
             break;
         }
-        const bool isCommon = matches(header, "COMM");
-        const bool isSound = matches(header, "SSND");
-        const std::int64_t stated = be32(header, 4);
-        at += chunkHeaderBytes;
-        const std::int64_t size = std::min(stated, reader.size() - at);
-        if (isCommon) {
-            common = parseCommon(
-                reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, compressionAt + 4))));
-        } else if (isSound) {
-            const std::int64_t rest = reader.size() - at;
-            sound = Sound{(stated <= soundHeaderBytes ? rest : size) - soundHeaderBytes, stated > rest};
-            if (const Bytes head = reader.header(at, soundHeaderBytes); !head.empty()) {
-                sound->bytes -= be32(head, 0);
-            }
+        if (chunk->name == "COMM") {
+            common = parseCommon(contentOf(reader, *chunk, compressionAt + compressionBytes));
+        } else if (chunk->name == "SSND") {
+            sound = soundOf(reader, *chunk);
         }
-        at += stated + stated % 2;
+        at = chunk->next;
     }
     return common ? soundTiming(*common, sound.value_or(Sound())) : std::nullopt;
 }

@@ -2,6 +2,7 @@
 
 #include "measure/bytes/ByteOrder.h"
 #include "measure/bytes/Magic.h"
+#include "measure/bytes/PartitionPoint.h"
 
 #include <algorithm>
 
@@ -67,17 +68,7 @@ std::int64_t framesThere(GuardedReader& reader, std::int64_t start, const ApeHea
         const Bytes entry = reader.header(header.seekTableAt + frame * 4, 4);
         return !entry.empty() && start + le32(entry, 0) <= reader.size();
     };
-    std::int64_t low = 0;
-    std::int64_t high = header.frames;
-    while (low < high) { // to the first frame whose start the file does not reach
-        const std::int64_t middle = low + (high - low) / 2;
-        if (isReached(middle)) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    return std::max<std::int64_t>(0, low - 1);
+    return std::max<std::int64_t>(0, partitionPoint(header.frames, isReached) - 1);
 }
 
 } // namespace

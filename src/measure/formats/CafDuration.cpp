@@ -1,7 +1,7 @@
 #include "measure/formats/CafDuration.h"
 
 #include "measure/bytes/ByteOrder.h"
-#include "measure/bytes/Magic.h"
+#include "measure/bytes/Chunks.h"
 #include "measure/formats/CafPacketTable.h"
 #include "measure/formats/FlacFrame.h"
 
@@ -15,12 +15,55 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::int64_t fileHeaderBytes = 8;   // "caff", version, flags
-constexpr std::int64_t chunkHeaderBytes = 12; // name, size of what follows; data of size -1 reach to the end
-constexpr std::int64_t editCountBytes = 4;    // at the start of "data"
+// The chunks are walked until data and packet table were seen. Packets that all have the same bytes and
+// frames are counted by the bytes of the data; for others the packet table states the frames that play. Some
+// writers count the last packet as full: then that packet is asked.
+//
+// File (Apple, "Core Audio Format Specification 1.0", section "CAF File Overview"), the highest byte of a
+// number first:
+//
+//   offset  size  field
+//        0     4  "caff"
+//        4     2  version
+//        6     2  flags
+//        8        chunks: name (4), size of the content (8, signed), content; data of size -1 reach to the
+//        end
+//
+// "desc" (section "Audio Description Chunk"):
+//
+//   offset  size  field
+//        0     8  frames a second (64-bit floating point)
+//        8     4  format, four letters
+//       12     4  flags
+//       16     4  bytes of a packet; 0 if they vary
+//       20     4  frames of a packet; 0 if they vary
+//       24     4  channels
+//       28     4  bits of a sample
+//
+// "data" (section "Audio Data Chunk"): 0 number of edits (4), 4 the packets.
+//
+// The head of an ALAC packet (Apple Lossless Audio Codec, ALACDecoder): element type (3 bits), its number
+// (4), zeros (12), whether the frames are counted (1), shift and escape (3), frames (32, if counted).
 
-/// "desc": 0 rate (64-bit floating point), 8 format, 12 flags, 16 bytes a packet, 20 frames a packet, 24
-/// channels, 28 bits a channel.
+constexpr std::int64_t fileHeaderBytes = 8;
+constexpr ChunkLayout cafChunks{.sizeBytes = 8, .order = SizeOrder::highestByteFirst};
+constexpr std::int64_t editCountBytes = 4;
+
+constexpr std::size_t rateAt = 0;
+constexpr std::size_t formatAt = 8;
+constexpr std::size_t packetBytesAt = 16;
+constexpr std::size_t packetFramesAt = 20;
+constexpr std::size_t descriptionBytes = 32;
+
+constexpr std::uint32_t flacFormat = 0x666C'6163; // "flac"
+constexpr std::uint32_t alacFormat = 0x616C'6163; // "alac"
+
+constexpr std::size_t alacHeadBytes = 8;
+constexpr std::uint32_t alacZeros = 0x01FF'E000;
+constexpr std::uint32_t alacIsCounted = 0x0000'1000;
+constexpr int alacBitsAfterFrames = 9; // of the 64 bits of the head
+
+/// What "desc" states.
 struct Description {
     double rate = 0;
     std::uint32_t format = 0;
@@ -40,18 +83,18 @@ struct Data {
 };
 
 std::optional<Description> parseDescription(Bytes chunk) {
-    if (chunk.size() < 32) {
+    if (chunk.size() < descriptionBytes) {
         return std::nullopt;
     }
-    const Description description{
-        std::bit_cast<double>(be64(chunk, 0)), be32(chunk, 8), {be32(chunk, 16), be32(chunk, 20)}};
+    const Description description{std::bit_cast<double>(be64(chunk, rateAt)),
+                                  be32(chunk, formatAt),
+                                  {be32(chunk, packetBytesAt), be32(chunk, packetFramesAt)}};
     return std::isfinite(description.rate) && description.rate >= 1 ? std::optional(description)
                                                                     : std::nullopt;
 }
 
 std::optional<FlacFrame> flacFrameAt(GuardedReader& reader, std::int64_t at, const FlacStreamInfo& stream) {
-    const auto count = std::clamp<std::int64_t>(reader.size() - at, 0, longestFlacHeader);
-    return parseFlacFrame(reader.header(at, static_cast<std::size_t>(count)), stream);
+    return parseFlacFrame(reader.headerUpTo(at, maxFlacHeaderBytes), stream);
 }
 
 /// FLAC numbers its frames.
@@ -67,25 +110,20 @@ std::optional<std::int64_t> flacFrames(GuardedReader& reader, const Description&
     return last ? std::optional(last->firstSample + last->samples) : std::nullopt;
 }
 
-/// A packet of ALAC begins with 3 bits of element type, 4 of its number, 12 zeros, 1 that tells whether the
-/// samples are counted, 3 others, then the count (32).
+/// The last packet of ALAC counts its frames; all others are full.
 std::optional<std::int64_t> alacFrames(GuardedReader& reader, const CafPacketTable& table,
                                        std::int64_t packetFrames, std::int64_t lastAt) {
-    constexpr std::uint32_t zeros = 0x01FF'E000;
-    constexpr std::uint32_t isCounted = 0x0000'1000;
-    const Bytes packet = reader.header(lastAt, 8);
-    if (packet.empty() || (be32(packet, 0) & zeros) != 0 || (be32(packet, 0) & isCounted) == 0) {
+    const Bytes head = reader.header(lastAt, alacHeadBytes);
+    if (head.empty() || (be32(head, 0) & alacZeros) != 0 || (be32(head, 0) & alacIsCounted) == 0) {
         return std::nullopt;
     }
-    const std::int64_t frames = be64(packet, 0) >> 9 & 0xFFFF'FFFF;
+    const std::int64_t frames = be64(head, 0) >> alacBitsAfterFrames & 0xFFFF'FFFF;
     return frames <= packetFrames ? std::optional((table.packets - 1) * packetFrames + frames) : std::nullopt;
 }
 
 /// What the packets themselves tell, where the table counts even the last one as full, as some writers do.
 std::optional<std::int64_t> framesByLastPacket(GuardedReader& reader, const Description& description,
                                                const CafPacketTable& table, const Data& data) {
-    constexpr std::uint32_t flac = 0x666C'6163; // the name's four letters
-    constexpr std::uint32_t alac = 0x616C'6163;
     const std::int64_t packetFrames = description.packet.frames;
     const bool isRoundedUp = table.primingFrames == 0 && table.remainderFrames == 0 && packetFrames > 0 &&
                              table.validFrames % packetFrames == 0 &&
@@ -96,9 +134,9 @@ std::optional<std::int64_t> framesByLastPacket(GuardedReader& reader, const Desc
     }
     const std::int64_t lastAt = data.at + data.bytes - *lastBytes;
     switch (description.format) {
-    case flac:
+    case flacFormat:
         return flacFrames(reader, description, data.at, lastAt);
-    case alac:
+    case alacFormat:
         return alacFrames(reader, table, packetFrames, lastAt);
     default:
         return std::nullopt;
@@ -158,6 +196,15 @@ std::optional<Timing> timingOf(GuardedReader& reader, const Description& descrip
     return isConstant ? constantTiming(description, data, table) : std::nullopt;
 }
 
+/// The packets in `chunk`, which is called "data". A writer that cannot go back states no size.
+Data dataOf(GuardedReader& reader, const Chunk& chunk) {
+    const auto stated = static_cast<std::int64_t>(chunk.stated);
+    const bool isUnknown = stated <= editCountBytes;
+    const std::int64_t size = isUnknown ? reader.size() - chunk.content : chunk.size;
+    return {chunk.content + editCountBytes, size - editCountBytes,
+            isUnknown ? std::nullopt : std::optional(stated - editCountBytes)};
+}
+
 } // namespace
 
 std::optional<Timing> cafDuration(GuardedReader& reader, std::int64_t start) {
@@ -166,31 +213,22 @@ std::optional<Timing> cafDuration(GuardedReader& reader, std::int64_t start) {
     std::optional<CafPacketTable> table;
     std::int64_t at = start + fileHeaderBytes;
     while (!table || !data) {
-        const Bytes header = reader.header(at, chunkHeaderBytes);
-        if (header.empty()) {
+        const auto chunk = chunkAt(reader, cafChunks, at);
+        if (!chunk) {
             break;
         }
-        const bool isDescription = matches(header, "desc");
-        const bool isTable = matches(header, "pakt");
-        const bool isData = matches(header, "data");
-        const auto stated = static_cast<std::int64_t>(be64(header, 4));
-        at += chunkHeaderBytes;
-        const std::int64_t rest = reader.size() - at;
-        const bool isUnknown = stated < 0 || (isData && stated <= editCountBytes); // a pipe's
-        const std::int64_t size = isUnknown ? rest : std::min(stated, rest);
-        if (isDescription) {
-            description = parseDescription(
-                reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, 32))));
-        } else if (isTable) {
-            table = readCafPacketTable(reader, at, at + size);
-        } else if (isData) {
-            data = Data{at + editCountBytes, size - editCountBytes,
-                        isUnknown ? std::nullopt : std::optional(stated - editCountBytes)};
+        at = chunk->next;
+        if (chunk->name == "desc") {
+            description = parseDescription(contentOf(reader, *chunk, descriptionBytes));
+        } else if (chunk->name == "pakt") {
+            table = readCafPacketTable(reader, chunk->content, chunk->end());
+        } else if (chunk->name == "data") {
+            data = dataOf(reader, *chunk);
             if (description && description->packet.isConstant()) {
-                break; // a table behind the data of such packets has nothing to add
+                break; // a table after the data of such packets has nothing to add
             }
+            at = data->at + data->bytes;
         }
-        at += size;
     }
     if (!description || !data) {
         return std::nullopt;

@@ -87,7 +87,7 @@ std::optional<CafPacketSum> sumWithin(GuardedReader& reader, const CafPacketTabl
 std::optional<std::int64_t> lastPacketBytes(GuardedReader& reader, const CafPacketTable& table) {
     constexpr std::int64_t searchedBytes = 16;
     const std::int64_t from = std::max(table.entriesAt, table.end - searchedBytes);
-    const Bytes entries = reader.header(from, static_cast<std::size_t>(table.end - from));
+    const Bytes entries = reader.headerUpTo(from, searchedBytes, table.end);
     std::int64_t value = 0;
     int shift = 0;
     for (std::size_t at = entries.size(); at-- > 0;) {

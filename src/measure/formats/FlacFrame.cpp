@@ -146,7 +146,7 @@ std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream
             continue;
         }
         const Bytes rest = bytes.subspan(at);
-        if (auto frame = parseFlacFrame(rest.first(std::min(rest.size(), longestFlacHeader)), stream)) {
+        if (auto frame = parseFlacFrame(rest.first(std::min(rest.size(), maxFlacHeaderBytes)), stream)) {
             frame->at = at;
             return frame;
         }

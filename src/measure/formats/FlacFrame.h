@@ -27,7 +27,7 @@ struct FlacFrame {
 /// Absent if `block`, the content of STREAMINFO, is too short or states no rate.
 std::optional<FlacStreamInfo> parseStreamInfo(std::span<const std::uint8_t> block);
 
-inline constexpr std::size_t longestFlacHeader = 16; ///< in bytes
+inline constexpr std::size_t maxFlacHeaderBytes = 16;
 
 /// The frame whose header `bytes` begin with; absent if they do not.
 std::optional<FlacFrame> parseFlacFrame(std::span<const std::uint8_t> bytes, const FlacStreamInfo& stream);

@@ -1,6 +1,7 @@
 #include "measure/formats/Mp4Track.h"
 
 #include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/PartitionPoint.h"
 
 #include <algorithm>
 
@@ -117,17 +118,9 @@ std::pair<std::int64_t, std::int64_t> chunksBefore(GuardedReader& reader, const 
         return areLong ? longWord(reader, offsets->box, Table::entriesAt + i * 8).value_or(end)
                        : word(reader, offsets->box, Table::entriesAt + i * 4).value_or(end);
     };
-    std::int64_t low = 0;
-    std::int64_t high = offsets->count;
-    while (low < high) {
-        const std::int64_t middle = low + (high - low) / 2;
-        if (offsetOf(middle) < end) {
-            low = middle + 1;
-        } else {
-            high = middle;
-        }
-    }
-    return {low, low > 0 ? offsetOf(low - 1) : 0};
+    const std::int64_t chunks =
+        partitionPoint(offsets->count, [&](std::int64_t i) { return offsetOf(i) < end; });
+    return {chunks, chunks > 0 ? offsetOf(chunks - 1) : 0};
 }
 
 /// The last of `chunks` chunks, by "stsc": first chunk (from 1), samples a chunk from there on, description.

@@ -145,10 +145,9 @@ std::optional<PacketSum> packetsThere(GuardedReader& reader, std::int64_t at, co
 
 /// Takes `at` from the first packet to behind the stream header. Others may come before it, but no audio.
 std::optional<StreamHeader> takeStreamHeader(GuardedReader& reader, std::int64_t& at) {
-    constexpr std::int64_t longestHeader = 40;
+    constexpr std::size_t maxHeaderBytes = 40;
     for (;;) {
-        const Bytes head = reader.header(
-            at, static_cast<std::size_t>(std::clamp<std::int64_t>(reader.size() - at, 0, longestHeader)));
+        const Bytes head = reader.headerUpTo(at, maxHeaderBytes);
         const auto packet = parsePacket(head);
         if (!packet || matches(head, "AP")) {
             return std::nullopt;

@@ -1,8 +1,9 @@
 #include "measure/formats/VocDuration.h"
 
 #include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Chunks.h"
 
-#include <algorithm>
+#include <iterator>
 
 namespace velmora {
 
@@ -10,19 +11,47 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// The file: 0 magic (20 bytes), 20 where the blocks begin (2 bytes). A block: type, size of what follows (3
-// bytes).
+// The blocks are walked to the end. Each block of sound states its rate and codec, or takes those of the
+// block before; silence states its length. The seconds of all blocks are added up.
+//
+// File (Creative Labs, "Sound Blaster Series Hardware Programming Guide", appendix "Creative Voice File"),
+// the lowest byte of a number first:
+//
+//   offset  size  field
+//        0    20  "Creative Voice File", 0x1A
+//       20     2  where the blocks begin
+//       22     4  version, check
+//       26        blocks: type (1), size of the content (3), content; the block that ends the file has no
+//       size
+//
+//   type  name             content
+//      0  terminator       none
+//      1  sound data       0 time constant (1), 1 codec (1), 2 samples
+//      2  continuation     samples
+//      3  silence          0 samples less one (2), 2 time constant (1)
+//      8  extended         0 time constant (2), 2 codec (1), 3 channels less one (1): of the sound data after
+//      it 9  new sound data   0 samples a second (4), 4 bits (1), 5 channels (1), 6 codec (2), 8 reserved
+//      (4),
+//                          12 samples
+//
+// A time constant is 256 - 1,000,000 / rate; one of two bytes 65,536 - 256,000,000 / (channels * rate).
+
 constexpr std::size_t blocksAt = 20;
-constexpr std::int64_t blockHeaderBytes = 4;
+constexpr ChunkLayout vocBlocks{.nameBytes = 1, .sizeAt = 1, .sizeBytes = 3};
 
 enum class Block : std::uint8_t {
-    end = 0,
-    sound = 1,      ///< 0 time constant, 1 codec
-    more = 2,       ///< more of the sound before
-    silence = 3,    ///< 0 samples less one (2 bytes), 2 time constant
-    parameters = 8, ///< of the sound that follows: 0 time constant (2 bytes), 2 codec, 3 channels less one
-    newSound = 9,   ///< 0 rate (4 bytes), 4 bits, 5 channels, 6 codec (2 bytes), 8 reserved
+    terminator = 0,
+    sound = 1,
+    continuation = 2,
+    silence = 3,
+    extended = 8,
+    newSound = 9,
 };
+
+constexpr std::int64_t soundHeadBytes = 2;
+constexpr std::size_t silenceBytes = 3;
+constexpr std::size_t extendedBytes = 4;
+constexpr std::int64_t newSoundHeadBytes = 12; // the longest of the heads
 
 /// Bits of a sample in each codec; 0 if unknown.
 double bitsOf(int codec) {
@@ -34,7 +63,7 @@ double bitsOf(int codec) {
     case 1: // ADPCM
     case 0x200:
         return 4;
-    case 2:
+    case 2: // three samples in a byte
         return 8.0 / 3;
     case 3:
         return 2;
@@ -49,39 +78,43 @@ double rateOf(int timeConstant) {
     return 1'000'000.0 / (256 - timeConstant);
 }
 
-/// How long a byte of sound lasts, as the blocks so far have told.
+double extendedRateOf(int timeConstant, int channels) {
+    return 256'000'000.0 / (65'536 - timeConstant) / channels;
+}
+
+/// Knows how long a byte of sound lasts, as the blocks so far have told.
 class VocClock {
 public:
     /// Seconds of a block whose content begins with `head` and is `size` bytes long.
     double advance(Block block, Bytes head, std::int64_t size) {
         switch (block) {
         case Block::sound:
-            if (head.size() < 2) {
+            if (std::ssize(head) < soundHeadBytes) {
                 return 0;
             }
-            if (!m_hasParameters) {
+            if (!m_hasExtended) {
                 setSound(rateOf(head[0]), head[1], 1);
             }
-            m_hasParameters = false;
-            return static_cast<double>(size - 2) * m_byteSeconds;
+            m_hasExtended = false;
+            return static_cast<double>(size - soundHeadBytes) * m_byteSeconds;
         case Block::newSound:
-            if (head.size() < 12) {
+            if (std::ssize(head) < newSoundHeadBytes) {
                 return 0;
             }
             setSound(le32(head, 0), le16(head, 6), head[5]);
-            return static_cast<double>(size - 12) * m_byteSeconds;
-        case Block::more:
+            return static_cast<double>(size - newSoundHeadBytes) * m_byteSeconds;
+        case Block::continuation:
             return static_cast<double>(size) * m_byteSeconds;
         case Block::silence:
-            return head.size() < 3 ? 0 : (le16(head, 0) + 1) / rateOf(head[2]);
-        case Block::parameters:
-            if (head.size() >= 4) {
+            return head.size() < silenceBytes ? 0 : (le16(head, 0) + 1) / rateOf(head[2]);
+        case Block::extended:
+            if (head.size() >= extendedBytes) {
                 const int channels = head[3] + 1;
-                setSound(256'000'000.0 / (65'536 - le16(head, 0)) / channels, head[2], channels);
-                m_hasParameters = true;
+                setSound(extendedRateOf(le16(head, 0), channels), head[2], channels);
+                m_hasExtended = true;
             }
             return 0;
-        case Block::end:
+        case Block::terminator:
             break;
         }
         return 0;
@@ -94,7 +127,7 @@ private:
     }
 
     double m_byteSeconds = 0;
-    bool m_hasParameters = false;
+    bool m_hasExtended = false;
 };
 
 } // namespace
@@ -107,24 +140,15 @@ std::optional<Timing> vocDuration(GuardedReader& reader, std::int64_t start) {
     VocClock clock;
     Timing timing{.basis = Basis::sized};
     std::int64_t at = start + le16(file, blocksAt);
-    for (;;) {
-        const Bytes block = reader.header(at, 1);
-        if (block.empty() || block[0] == static_cast<std::uint8_t>(Block::end)) {
+    while (const auto block = chunkAt(reader, vocBlocks, at)) {
+        const auto type = static_cast<Block>(block->name.front());
+        if (type == Block::terminator) {
             break;
         }
-        const Bytes header = reader.header(at, blockHeaderBytes);
-        if (header.empty()) {
-            break;
-        }
-        const auto type = static_cast<Block>(header[0]);
-        const std::int64_t stated = le32(header, 0) >> 8;
-        at += blockHeaderBytes;
-        const std::int64_t size = std::min(stated, reader.size() - at);
-        timing.seconds += clock.advance(
-            type, reader.header(at, static_cast<std::size_t>(std::min<std::int64_t>(size, 12))), size);
-        timing.doubt = stated > size ? Doubt::beyondEnd : timing.doubt;
+        timing.seconds += clock.advance(type, contentOf(reader, *block, newSoundHeadBytes), block->size);
+        timing.doubt = block->isCutOff() ? Doubt::beyondEnd : timing.doubt;
         ++timing.frames;
-        at += stated;
+        at = block->next;
     }
     return timing;
 }

@@ -48,11 +48,9 @@ std::optional<Timing> statedDuration(GuardedReader& reader, const AudioFrame& fr
 } // namespace
 
 std::optional<Timing> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end) {
-    constexpr std::int32_t firstFrameBytes = 2048; // more than any that may hold a statement
-    const auto bytes = reader.header(
-        start, static_cast<std::size_t>(std::clamp<std::int64_t>(end - start, 0, firstFrameBytes)));
-    const std::optional<AudioFrame> frame =
-        parseFrame(bytes, firstFrameBytes); // free format is as long as it may be
+    constexpr std::int32_t maxFrameBytes = 2048; // more than any frame that may hold a statement
+    const auto bytes = reader.headerUpTo(start, maxFrameBytes, end);
+    const std::optional<AudioFrame> frame = parseFrame(bytes, maxFrameBytes);
     if (frame && frame->isLayer3) {
         const std::size_t length = std::min(bytes.size(), static_cast<std::size_t>(frame->bytes));
         if (const std::optional<XingHeader> header = parseXing(bytes.first(length))) {
