@@ -1,5 +1,6 @@
 """./dev bench [NAME…]: runs the benchmarks named and prints what they find; without names runs all of them
-and writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md."""
+and writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md; `faults`
+times nothing and runs only by name."""
 
 import platform
 import subprocess
@@ -7,6 +8,7 @@ import sys
 
 import archives
 import busy
+import faults
 import kinds
 import micro
 import peers
@@ -16,7 +18,7 @@ from measuring import DATA, ROOT, SCAN, output_of
 
 PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
                "archives": archives, "window": window}
-NAMES = (*PERFORMANCE, "accuracy")
+NAMES = (*PERFORMANCE, "accuracy", "faults")
 
 
 def main(names: list[str]) -> int:
@@ -31,6 +33,8 @@ def main(names: list[str]) -> int:
         print(page)
         if not names:
             (ROOT / "docs" / "performance.md").write_text(page)
+    if "faults" in names:
+        print(faults.run())
     return accuracy() if not names or "accuracy" in names else 0
 
 

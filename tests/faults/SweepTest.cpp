@@ -1,0 +1,76 @@
+// Every call to the system that a scan makes fails once, each in every way it can: here a sample, by
+// `./dev bench faults` all of them.
+
+#include "tests/faults/Extent.h"
+#include "tests/faults/Scene.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <iostream>
+#include <iterator>
+#include <random>
+
+namespace velmora::test {
+namespace {
+
+/// Kinds of calls, and the ways they can fail.
+const std::vector<std::pair<std::string, std::vector<std::string>>> ways = {
+    {"read", {"EIO", "EINTR", "short"}},
+    {"pread", {"EINTR", "short"}},
+    {"write", {"ENOSPC", "EIO", "EINTR", "short"}},
+    {"copy_file_range", {"ENOSPC", "EIO", "EINTR", "EXDEV", "short"}},
+    {"mkdir", {"ENOSPC", "EROFS"}},
+    {"rename", {"EXDEV", "EIO"}},
+    {"descriptor", {"EMFILE"}},
+    {"posix_spawn", {"EAGAIN", "ENOMEM"}},
+    {"wait", {"EINTR"}},
+    {"poll", {"EINTR"}},
+};
+
+/// How many of the calls of a kind fail in each of its ways, in the sample.
+constexpr std::size_t sampled = 2;
+
+std::vector<Call> callsOfKind(const Scene& scene, const std::string& kind) {
+    std::vector<Call> calls;
+    std::ranges::copy_if(scene.calls(), std::back_inserter(calls),
+                         [&](const Call& call) { return call.kind == kind; });
+    return calls;
+}
+
+/// What is to go wrong, one after the other.
+std::vector<std::string> faults(const Scene& scene) {
+    std::vector<std::string> chosen;
+    std::size_t index = 0;
+    std::mt19937 random(seed());
+    for (const auto& [kind, hows] : ways) {
+        const std::vector<Call> all = callsOfKind(scene, kind);
+        EXPECT_FALSE(all.empty()) << "a scan makes no such call: " << kind;
+        for (const std::string& how : hows) {
+            std::vector<Call> calls;
+            if (everything()) {
+                std::ranges::copy_if(all, std::back_inserter(calls),
+                                     [&](const Call&) { return isOurs(index++); });
+            } else {
+                std::ranges::sample(all, std::back_inserter(calls), sampled, random);
+            }
+            for (const Call& call : calls) {
+                chosen.push_back(call.kind + ":" + std::to_string(call.number) + ":" + how);
+            }
+        }
+    }
+    return chosen;
+}
+
+TEST(FailedCall, IsNeitherAWrongTotalNorALossNorACrash) {
+    const Scene scene;
+    const std::vector<std::string> chosen = faults(scene);
+    for (const std::string& fault : chosen) {
+        const std::string complaints = scene.complaintsAbout(fault);
+        EXPECT_TRUE(complaints.empty()) << "VELMORA_FAULT=" << fault << "\n" << complaints;
+    }
+    std::cout << chosen.size() << " faults, " << scene.calls().size() << " calls, seed " << seed() << "\n";
+}
+
+} // namespace
+} // namespace velmora::test
