@@ -20,7 +20,7 @@ def run() -> str:
         raise SystemExit("".join(outputs))
     tried = sum(number(output, "faults") for output in outputs)
     killed = sum(number(output, "kills") for output in outputs)
-    return f"{tried} failed calls and {killed} kills: no wrong total, no loss, nothing left behind.\n"
+    return f"{tried} failed calls and {killed} kills: no wrong total, no loss, nothing left over.\n"
 
 
 def start(part: int, parts: int) -> subprocess.Popen:
@@ -31,4 +31,5 @@ def start(part: int, parts: int) -> subprocess.Popen:
 
 def number(output: str, what: str) -> int:
     """The number in front of `what` in a line such as "35 faults, 890 calls"."""
-    return sum(int(line.split()[0]) for line in output.splitlines() if f" {what}" in line and line[0].isdigit())
+    lines = [line for line in output.splitlines() if f" {what}" in line and line[0].isdigit()]
+    return sum(int(line.split()[0]) for line in lines)

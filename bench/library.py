@@ -114,7 +114,7 @@ def synthesise(path: Path, seconds: int, pitch: int) -> None:
 
 
 def make_cover(path: Path) -> None:
-    """A JPEG of exactly COVER_BYTES: a real picture, with zeros behind its end."""
+    """A JPEG of exactly COVER_BYTES: a real picture, with zeros after its end."""
     subprocess.run(["ffmpeg", "-v", "error", "-y", "-f", "lavfi", "-i", "testsrc2=s=1000x1000",
                     "-frames:v", "1", "-q:v", "2", str(path)], check=True)
     picture = path.read_bytes()

@@ -1,6 +1,6 @@
 """./dev bench [NAME…]: runs the benchmarks named and prints what they find; without names runs all of them
-and writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md; `faults`
-times nothing and runs only by name."""
+and writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md;
+`faults` times nothing and runs only by name."""
 
 import platform
 import subprocess

@@ -41,7 +41,7 @@ byte by byte where there is none. {sizes[HEALTHY]} healthy variants over {extens
   accurate one. Some answer for the file as a whole, so that a film without sound has a length too; here that
   counts as false, as nothing can be heard.
 - Left out by design: chained Ogg files (the last page of the file decides) and Windows Media files without
-  sound or cut off behind their header (the header's play duration decides).
+  sound or cut off after their header (the header's play duration decides).
 """
 
 

@@ -39,7 +39,7 @@ _MAY_FAIL = {"ffmpeg", "flac", "wvunpack", "oggdec"}
 
 
 def wav_seconds(stream) -> float:
-    """Counts what a WAV stream really holds behind its header; sizes in the header are not believed."""
+    """Counts what a WAV stream really holds after its header; sizes in the header are not believed."""
     head = stream.read(12)
     if head[:4] not in (b"RIFF", b"RF64") or head[8:] != b"WAVE":
         raise ToolFailed("the decoder gave no WAV stream")

@@ -102,8 +102,8 @@ def _adts_made(shelf):
     noise = bytes(byte if byte != 0xFF else 0 for byte in random.Random(2).randbytes(4000))
     for name, note, content in (
         ("aac/id3v2-big.aac", "300 KB ID3v2 before", id3v2(300_000) + stream),
-        ("aac/id3v1.aac", "ID3v1 behind", stream + id3v1()),
-        ("aac/apev2.aac", "APEv2 behind", stream + apev2()),
+        ("aac/id3v1.aac", "ID3v1 at the end", stream + id3v1()),
+        ("aac/apev2.aac", "APEv2 at the end", stream + apev2()),
         (
             "adts/all-tags.adts",
             "ID3v2 twice, APEv2, ID3v1",
@@ -111,7 +111,7 @@ def _adts_made(shelf):
         ),
         ("aac/junk-before.aac", "4 KB of junk before", noise + stream),
         ("aac/junk-between.aac", "4 KB of junk between frames", first + noise + second),
-        ("aac/zeros-behind.aac", "50 KB of zeros behind", stream + bytes(50_000)),
+        ("aac/zeros-behind.aac", "50 KB of zeros at the end", stream + bytes(50_000)),
         ("aac/part-frame.aac", "the last frame cut off", stream + frames[3][:100]),
         (
             "adts/checksum.adts",

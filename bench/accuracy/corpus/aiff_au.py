@@ -50,14 +50,14 @@ def _aiff(shelf):
         "aiff/piped-ffmpeg.aiff",
         "piped: sizes 0",
         ffmpeg("-i", stereo, "-f aiff -"),
-        built(5.3, "bytes behind the header"),
+        built(5.3, "bytes after the header"),
     )
     shelf.put("aif/piped-sox.aif", "piped: sizes near 2^31", sox(stereo, "-t aiff -"), source(5.3))
     shelf.put(
         "aifc/piped.aifc",
         "AIFF-C piped, float",
         ffmpeg("-i", stereo, "-c:a pcm_f32be -f aiff -"),
-        built(5.3, "bytes behind the header"),
+        built(5.3, "bytes after the header"),
     )
     native.sndfile_write(
         shelf.tone(5.3, 44100, 1), shelf.path("aifc/dwvw.aifc"), native.AIFF | native.DWVW_16
@@ -80,7 +80,7 @@ def _aiff_made(shelf):
     sound = iff(b"SSND", bytes(8) + samples)
     why = "132,300 sample frames"
     for name, note, content in (
-        ("aiff/comm-behind.aiff", "COMM behind SSND", form(sound, comm(132300))),
+        ("aiff/comm-behind.aiff", "COMM after SSND", form(sound, comm(132300))),
         ("aiff/name-odd.aiff", "NAME of odd size first", form(iff(b"NAME", b"odd"), comm(132300), sound)),
         (
             "aiff/offset.aiff",
@@ -149,5 +149,5 @@ def _sun_made(shelf):
             name,
             note,
             header.ljust(offset, b"\0") + samples,
-            built(5.3, "bytes behind the header", "ffmpeg" if size else None),
+            built(5.3, "bytes after the header", "ffmpeg" if size else None),
         )

@@ -66,7 +66,7 @@ def _ape(shelf):
         ("ape/deep.ape", "3.99, 24 bit, 96 kHz", 4.4, ape(round(4.4 * 96000), 96000, 2, 24)),
         ("ape/tenth.ape", "3.99, 0.1 s", 0.1, ape(4410)),
         ("ape/hour.ape", "3.99, one hour", 3600.0, ape(3600 * 8000, 8000, 1)),
-        ("ape/tagged.ape", "3.99, APEv2 behind", 5.3, ape(five) + apev2()),
+        ("ape/tagged.ape", "3.99, APEv2 at the end", 5.3, ape(five) + apev2()),
         ("ape/id3v2.ape", "3.99, ID3v2 before", 5.3, id3v2(2000) + ape(five)),
         ("ape/old.ape", "3.97, the old header", 61.7, ape_old(round(61.7 * 44100))),
         ("ape/older.ape", "3.95, the old header", 5.3, ape_old(five, 3950)),
@@ -106,7 +106,7 @@ def _musepack_seven(shelf):
     tagged = id3v2(1000) + musepack_seven(200, 500) + apev2()
     shelf.put(
         "mpc/sv7-tagged.mpc",
-        "SV7, ID3v2 before, APEv2 behind",
+        "SV7, ID3v2 before, APEv2 at the end",
         tagged,
         built((200 * 1152 - 652) / 44100, "frames of 1152 samples"),
     )

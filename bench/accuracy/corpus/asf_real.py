@@ -1,6 +1,6 @@
 """Windows Media files and RealAudio, by ffmpeg; old RealAudio headers by hand.
 
-Old RealAudio (version 3): ".ra\\xfd", u16 3, u16 bytes behind this field, 10 bytes, u32 data size, then
+Old RealAudio (version 3): ".ra\\xfd", u16 3, u16 bytes after this field, 10 bytes, u32 data size, then
 title, author, copyright and comment as u8 length and text, u8 0, u8 length and codec name "lpcJ". Frames of
 20 bytes, 160 samples, 8,000 Hz.
 

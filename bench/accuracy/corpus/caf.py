@@ -62,7 +62,7 @@ def _made(shelf):
         "caf/unknown.caf",
         "data size -1",
         head + pcm + caf_chunk(b"data", data, -1),
-        built(5.3, "bytes behind the header", "ffmpeg"),
+        built(5.3, "bytes after the header", "ffmpeg"),
     )
     shelf.put(
         "caf/free-first.caf",
@@ -76,7 +76,7 @@ def _made(shelf):
     )
     shelf.put(
         "caf/chunks-behind.caf",
-        "100 KB free chunk behind the data",
+        "100 KB free chunk after the data",
         head + pcm + caf_chunk(b"data", data) + caf_chunk(b"free", bytes(100_000)),
         built(5.3, "data size", "ffmpeg"),
     )
@@ -110,7 +110,7 @@ def _aac(shelf, head):
     )
     shelf.put(
         "caf/aac-behind.caf",
-        "AAC, packet table behind the data",
+        "AAC, packet table after the data",
         head + kind + caf_chunk(b"data", data) + pakt,
         truth,
     )

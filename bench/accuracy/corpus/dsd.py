@@ -55,13 +55,13 @@ def _dsf(shelf):
         shelf.put(name, note, dsf(seconds, rate, channels), built(seconds, "sample count", "ffmpeg"))
     shelf.put(
         "dsf/tagged.dsf",
-        "ID3v2 behind the data",
+        "ID3v2 after the data",
         dsf(3.3, metadata=id3v2(30_000)),
         built(3.3, "sample count", "ffmpeg"),
     )
 
 
-def dsdiff(payload: bytes, rate=_RATE, channels=2, compression=b"DSD ", before=b"", behind=b"") -> bytes:
+def dsdiff(payload: bytes, rate=_RATE, channels=2, compression=b"DSD ", before=b"", after=b"") -> bytes:
     names = b"".join((b"SLFT", b"SRGT", b"C   ")[:channels]) if channels > 1 else b"C   "
     kind = {b"DSD ": b"not compressed", b"DST ": b"DST Encoded"}[compression]
     properties = (
@@ -75,7 +75,7 @@ def dsdiff(payload: bytes, rate=_RATE, channels=2, compression=b"DSD ", before=b
         + iff64(b"PROP", b"SND " + properties)
         + before
         + payload
-        + behind
+        + after
     )
     return iff64(b"FRM8", body)
 
@@ -92,8 +92,8 @@ def _dsdiff(shelf):
     )
     shelf.put(
         "dff/comment.dff",
-        "COMT before and DIIN behind the sound",
-        dsdiff(silence(3), before=iff64(b"COMT", b"\0\0"), behind=iff64(b"DIIN", b"")),
+        "COMT before and DIIN after the sound",
+        dsdiff(silence(3), before=iff64(b"COMT", b"\0\0"), after=iff64(b"DIIN", b"")),
         built(3.0, why, "ffmpeg"),
     )
     shelf.put("dff/tenth.dff", "0.1 s", dsdiff(silence(0.1)), built(0.1, why, "ffmpeg", 0.001))

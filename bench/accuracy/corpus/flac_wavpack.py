@@ -62,9 +62,9 @@ def _flac_tagged(shelf):
     plain = shelf.path("flac/plain.flac").read_bytes()
     for name, note, content in (
         ("id3v2-first", "ID3v2 with a 400 KB picture before", id3v2_picture(400_000) + plain),
-        ("id3v1-behind", "ID3v1 behind", plain + id3v1()),
+        ("id3v1-behind", "ID3v1 at the end", plain + id3v1()),
         ("id3v2-twice", "two ID3v2 tags before", id3v2(3000) + id3v2(5000) + plain),
-        ("zeros-behind", "100 KB of zeros behind", plain + bytes(100_000)),
+        ("zeros-behind", "100 KB of zeros at the end", plain + bytes(100_000)),
     ):
         shelf.put(f"flac/{name}.flac", note, content, built(5.3, "source", "ffmpeg", 0.1))
     call(
@@ -98,7 +98,8 @@ def _wavpack(shelf):
         source(5.3, "wvunpack"),
     )
     plain = shelf.path("wv/plain.wv").read_bytes()
-    shelf.put("wv/tagged.wv", "APEv2 and ID3v1 behind", plain + apev2() + id3v1(), source(5.3, "wvunpack"))
+    tagged = plain + apev2() + id3v1()
+    shelf.put("wv/tagged.wv", "APEv2 and ID3v1 at the end", tagged, source(5.3, "wvunpack"))
     dsd = shelf.path("dsf/stereo.dsf")
     call("wavpack", "-q -y", dsd, "-o", shelf.path("wv/dsd.wv"))
     shelf.add("wv/dsd.wv", "DSD64", built(3.0, "source of 3 s of DSD", "ffmpeg"))

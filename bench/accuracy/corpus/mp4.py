@@ -18,7 +18,7 @@ def make(shelf: Shelf):
 def _layouts(shelf):
     stereo = shelf.tone()
     for name, note, options in (
-        ("m4a/plain.m4a", "moov behind", ""),
+        ("m4a/plain.m4a", "moov at the end", ""),
         ("m4a/faststart.m4a", "moov first", "-movflags +faststart"),
         ("m4a/vbr.m4a", "VBR", "-q:a 1.2"),
         ("m4a/no-edit.m4a", "no edit list", "-use_editlist 0"),
@@ -92,7 +92,7 @@ def _fragments(shelf):
         ("fragments", "fragments of 1 s", "frag_keyframe+empty_moov"),
         ("dash", "DASH", "dash"),
         ("cmaf", "CMAF", "cmaf"),
-        ("no-mfra", "fragments, no index behind", "frag_keyframe+empty_moov+skip_trailer"),
+        ("no-mfra", "fragments, no index at the end", "frag_keyframe+empty_moov+skip_trailer"),
         ("base-moof", "fragments relative to moof", "frag_keyframe+empty_moov+default_base_moof"),
         ("sidx", "fragments with a global index", "dash+global_sidx"),
         ("delayed", "moov after the first fragment", "frag_keyframe+delay_moov"),

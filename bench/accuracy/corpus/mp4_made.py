@@ -1,7 +1,7 @@
 """MP4 files changed by hand: durations that recorders left open, 64-bit boxes, tracks beside the sound.
 
 Layout (ISO/IEC 14496-12): boxes of u32 size and name (size 1: a u64 follows; 0: to the end). In version 0
-`mvhd` and `mdhd` hold u32 times, u32 timescale, u32 duration behind 4 bytes of version and flags; `tkhd` u32
+`mvhd` and `mdhd` hold u32 times, u32 timescale, u32 duration after 4 bytes of version and flags; `tkhd` u32
 times, u32 track, 4 reserved, u32 duration; `elst` u32 entries of u32 duration, i32 media time, u32 rate.
 """
 
@@ -75,7 +75,7 @@ def _boxes(shelf):
         _moved(plain[:head] + free + plain[head:], len(free)),
         truth,
     )
-    shelf.put("m4b/junk-behind.m4b", "20 KB of zeros behind", plain + bytes(20_000), truth)
+    shelf.put("m4b/junk-behind.m4b", "20 KB of zeros at the end", plain + bytes(20_000), truth)
     shelf.put(
         "m4r/unknown-box.m4r",
         "unknown boxes first",

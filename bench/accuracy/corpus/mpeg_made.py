@@ -2,10 +2,10 @@
 files; and the layers that no encoder writes.
 
 A frame (ISO/IEC 11172-3): 11 bits sync, 2 version, 2 layer, 1 no checksum, 4 bit rate, 2 rate, 1 padding, 1
-private, 2 mode, 2 extension, copyright, original, 2 emphasis. Zeros behind the header of layers I and II
+private, 2 mode, 2 extension, copyright, original, 2 emphasis. Zeros after the header of layers I and II
 allocate no bits: silence.
 
-Xing (behind the side information): "Xing" or "Info", u32 flags, then frames, bytes, 100 bytes of seek points,
+Xing (after the side information): "Xing" or "Info", u32 flags, then frames, bytes, 100 bytes of seek points,
 quality as flagged. VBRI (at byte 36): "VBRI", u16 version, u16 delay, u16 quality, u32 bytes, u32 frames, u16
 entries, u16 scale, u16 entry bytes, u16 frames an entry.
 """
@@ -69,7 +69,7 @@ def _tags(shelf, vbr, tagged):
         ("apev2", "APEv2", vbr + apev2(), bare),
         ("ape-id3v1", "APEv2 and ID3v1", vbr + apev2() + id3v1(), bare),
         ("ape-first", "APEv2 before the frames", apev2() + vbr, bare),
-        ("ape-big", "300 KB APEv2 behind", vbr + apev2(((b"Cover Art (Front)", _noise(300_000)),)), bare),
+        ("ape-big", "300 KB APEv2 at the end", vbr + apev2(((b"Cover Art (Front)", _noise(300_000)),)), bare),
         (
             "lyrics",
             "Lyrics3v2 and ID3v1",
@@ -97,8 +97,8 @@ def _junk(shelf, cbr, vbr):
             b"HTTP/1.0 200 OK\r\nContent-Type: audio/mpeg\r\n\r\n" + vbr,
             bare,
         ),
-        ("zeros-behind", "200 KB of zeros behind", vbr + bytes(200_000), bare),
-        ("junk-behind", "20 KB of junk behind", vbr + _noise(20_000), bare),
+        ("zeros-behind", "200 KB of zeros at the end", vbr + bytes(200_000), bare),
+        ("junk-behind", "20 KB of junk at the end", vbr + _noise(20_000), bare),
         ("zeros-between", "5 KB of zeros between frames", first + bytes(5000) + second, loose),
         ("junk-between", "5 KB of junk between frames", first + _noise(5000) + second, loose),
         ("part-frame", "the last frame cut off", vbr + same[5][:90], bare),
@@ -113,7 +113,7 @@ def _junk(shelf, cbr, vbr):
 
 
 def _length_frame(frame: bytes, name: bytes, fields: bytes) -> bytes:
-    """A silent frame, headed as `frame` is, with a length header: Xing and Info behind 32 bytes of side
+    """A silent frame, headed as `frame` is, with a length header: Xing and Info after 32 bytes of side
     information."""
     start = 36 if name == b"VBRI" or (frame[3] >> 6) != 3 else 21
     return (frame[:4] + bytes(start - 4) + name + fields).ljust(len(frame), b"\0")

@@ -40,13 +40,13 @@ def _vorbis(shelf):
     shelf.add("ogg/by-ffmpeg.ogg", "Vorbis by ffmpeg", source(5.3, "oggdec"))
     shelf.put(
         "ogg/id3v1.ogg",
-        "Vorbis, ID3v1 behind",
+        "Vorbis, ID3v1 at the end",
         shelf.path("ogg/vorbis.ogg").read_bytes() + id3v1(),
         built(5.3, "source", "ffmpeg"),
     )
     shelf.put(
         "ogg/zeros-behind.ogg",
-        "Vorbis, 100 KB of zeros behind",
+        "Vorbis, 100 KB of zeros at the end",
         shelf.path("ogg/vorbis.ogg").read_bytes() + bytes(100_000),
         built(5.3, "source", "ffmpeg"),
     )

@@ -96,7 +96,7 @@ def _heads(shelf):
         ("head.voc", "VOC header", "-f voc", None),
     ):
         whole = _made_by(shelf, name, "-i", stereo, options)
-        put(shelf, name, f"{note}, nothing behind", whole[: _sound_at(whole, mark)])
+        put(shelf, name, f"{note}, nothing after it", whole[: _sound_at(whole, mark)])
     for name, source in (("head-wave.wv", "wv/plain.wv"), ("head-amr.amr", "amr/nb-7.amr")):
         size = {"wv": 20, "amr": 6}[name.rpartition(".")[2]]
         put(shelf, name, f"the first {size} bytes of {source}", shelf.path(source).read_bytes()[:size])

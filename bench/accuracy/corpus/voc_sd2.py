@@ -2,7 +2,7 @@
 
 VOC: "Creative Voice File", 0x1A, u16 header size 26, u16 version, u16 check; blocks of u8 type and u24 size.
 Type 1: u8 divisor (rate = 1,000,000 / (256 - divisor)), u8 codec, samples; 2: more samples; 3: silence: u16
-samples - 1, u8 divisor; 4: marker; 5: text; 8: u16 divisor, codec, channels - 1 for the type 1 behind it; 9:
+samples - 1, u8 divisor; 4: marker; 5: text; 8: u16 divisor, codec, channels - 1 for the type 1 after it; 9:
 u32 rate, u8 bits, u8 channels, u16 codec, 4 reserved, samples; 0: end.
 
 SD2: bare big-endian samples; rate, bytes a sample and channels are strings of the resource fork, which

@@ -102,7 +102,7 @@ def _broadcast(shelf):
         ("bwf/bext.bwf", "pcm_s24le", ["-write_bext 1 -metadata description=take"], "bext chunk first"),
         ("wav/bext.wav", "pcm_s16le", ["-write_bext 1 -metadata originator=desk"], "bext chunk first"),
         ("bwf/rf64.bwf", "pcm_s24le", ["-write_bext 1 -rf64 always"], "RF64 with bext"),
-        ("wav/peak.wav", "pcm_s16le", ["-write_peak on"], "peak envelope chunk behind the data"),
+        ("wav/peak.wav", "pcm_s16le", ["-write_peak on"], "peak envelope chunk after the data"),
         ("bwf/mpeg.bwf", "libmp3lame", ["-write_bext 1"], "MP3 in a broadcast WAV"),
     ):
         encode(stereo, shelf.path(name), options, "-c:a", codec, "-f wav")
@@ -136,7 +136,7 @@ def _wave64(shelf):
         "w64/piped.w64",
         "Wave64 piped: size unknown",
         ffmpeg("-i", stereo, "-f w64 -"),
-        built(4.9, "bytes behind the header; ffmpeg decodes nothing"),
+        built(4.9, "bytes after the header; ffmpeg decodes nothing"),
     )
     encode(shelf.tone(0.1), shelf.path("w64/tenth.w64"))
     shelf.add("w64/tenth.w64", "Wave64, 0.1 s", source(0.1, slack=0.001))

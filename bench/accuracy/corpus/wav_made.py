@@ -1,4 +1,4 @@
-"""WAV files put together byte by byte: what recorders, editors and interrupted programs leave behind.
+"""WAV files put together byte by byte: what recorders, editors and interrupted programs leave over.
 
 Layout (Multimedia Programming Interface 1.0; EBU Tech 3306 for RF64): "RIFF", u32 size, "WAVE", chunks. `fmt
 ` holds u16 tag, u16 channels, u32 rate, u32 bytes a second, u16 bytes a block, u16 bits. In RF64 `ds64` holds
@@ -35,7 +35,7 @@ def make(shelf: Shelf):
 
 
 def _sizes(shelf, samples):
-    why = "bytes behind the header / bytes a second"
+    why = "bytes after the header / bytes a second"
     for name, note, content in (
         (
             "wav/size-zero.wav",
@@ -78,7 +78,7 @@ def _chunks(shelf, samples):
     good = chunk(b"data", samples)
     for name, note, content in (
         ("wav/list-before.wav", "LIST of odd size before the data", riff(fmt(), listing, good)),
-        ("wav/list-after.wav", "LIST behind the data", riff(fmt(), good, listing)),
+        ("wav/list-after.wav", "LIST after the data", riff(fmt(), good, listing)),
         ("wav/junk-first.wav", "JUNK before fmt", riff(chunk(b"JUNK", b"\0" * 28), fmt(), good)),
         (
             "wav/big-junk.wav",
@@ -87,7 +87,7 @@ def _chunks(shelf, samples):
         ),
         ("wav/fmt-18.wav", "fmt with cbSize", riff(fmt(extra=b"\0\0"), good)),
         ("wav/id3-chunk.wav", "ID3 tag in a chunk", riff(fmt(), good, chunk(b"id3 ", id3v2(500)))),
-        ("wav/id3v1-behind.wav", "ID3v1 behind the file", riff(fmt(), good) + id3v1()),
+        ("wav/id3v1-behind.wav", "ID3v1 after the file", riff(fmt(), good) + id3v1()),
         (
             "wav/cue.wav",
             "cue and adtl chunks",
@@ -98,12 +98,12 @@ def _chunks(shelf, samples):
             "PCM with a wrong fact count",
             riff(fmt(), chunk(b"fact", struct.pack("<I", 123)), good),
         ),
-        ("wav/zeros-behind.wav", "1 MB of zeros behind the data", riff(fmt(), good) + bytes(1_000_000)),
+        ("wav/zeros-behind.wav", "1 MB of zeros after the data", riff(fmt(), good) + bytes(1_000_000)),
     ):
         shelf.put(name, note, content, built(5.3, "one data chunk", "ffmpeg"))
     shelf.put(
         "wav/odd-data.wav",
-        "8 bit, odd size, padded, LIST behind",
+        "8 bit, odd size, padded, LIST at the end",
         riff(fmt(8000, 1, 8), chunk(b"data", eight), listing),
         built(len(eight) / 8000, "one data chunk", "ffmpeg"),
     )
@@ -148,7 +148,7 @@ def _big(shelf):
         "rf64/cut-short.rf64",
         "RF64 whose ds64 was never filled in",
         riff(_ds64(0), fmt(), data_of(_UNKNOWN, samples), size=_UNKNOWN, name=b"RF64"),
-        built(5.3, "bytes behind the header"),
+        built(5.3, "bytes after the header"),
     )
     hour = 3600 * 8000 * 2
     _sparse(
@@ -166,7 +166,7 @@ def _big(shelf):
         "over 4 GiB: the 32-bit sizes wrapped around",
         riff(fmt(), data_of(whole % (1 << 32), b""), size=(whole + 36) % (1 << 32)),
         whole,
-        built(whole / _BYTES_A_SECOND, "bytes behind the header"),
+        built(whole / _BYTES_A_SECOND, "bytes after the header"),
     )
     _sparse(
         shelf,
