@@ -1,19 +1,24 @@
-// Single steps of a scan on one thread: measuring a file of each kind, ordering, handing results to the main
-// thread. Usage: bench_micro FOLDER [GOOGLE BENCHMARK OPTION...], with one or more files of each kind in
-// FOLDER.
+// Single steps of a scan: measuring a file of each kind, ordering, handing results to the main thread. Usage:
+// bench_micro FOLDER [GOOGLE BENCHMARK OPTION...], with one or more files of each kind in FOLDER.
 
 #include "gather/ScanOrder.h"
 #include "measure/MeasurementPipeline.h"
-#include "scan/MainThreadQueue.h"
 #include "system/Paths.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
+#include <QMetaObject>
+#include <QObject>
 
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
+#include <mutex>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -55,14 +60,75 @@ void orderFiles(benchmark::State& state) {
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 
+constexpr int producers = 6;
+constexpr int itemsOfEach = 20'000;
+
+/// Hands `task` over as a scan does.
+template <typename Task>
+void post(QObject& receiver, Task task) {
+    QMetaObject::invokeMethod(&receiver, std::move(task), Qt::QueuedConnection);
+}
+
 void handOver(benchmark::State& state) {
-    velmora::MainThreadQueue queue;
+    QObject receiver;
     std::int64_t done = 0;
     for ([[maybe_unused]] auto round : state) {
-        queue.post([&done] { ++done; });
-        queue.runPending();
+        post(receiver, [&done] { ++done; });
+        QCoreApplication::sendPostedEvents(); // of one receiver alone it would keep what is done in its list
     }
     state.SetItemsProcessed(done);
+}
+
+/// Runs `produce(item)` for every item on six threads, and the event loop until `done` counts all of them.
+void runProducers(const std::function<void(int)>& produce, const int& done) {
+    std::vector<std::jthread> threads;
+    for (int i = 0; i < producers; ++i) {
+        threads.emplace_back([&] {
+            for (int item = 0; item < itemsOfEach; ++item) {
+                produce(item);
+            }
+        });
+    }
+    while (done < producers * itemsOfEach) {
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+}
+
+/// One task for each item.
+void handOverSingly(benchmark::State& state) {
+    QObject receiver;
+    for ([[maybe_unused]] auto round : state) {
+        int done = 0;
+        runProducers([&](int) { post(receiver, [&done] { ++done; }); }, done);
+    }
+    state.SetItemsProcessed(state.iterations() * producers * itemsOfEach);
+}
+
+/// One task at most is under way; it takes all items that are ready by then.
+void handOverInBatches(benchmark::State& state) {
+    QObject receiver;
+    std::mutex lock;
+    std::vector<int> batch;
+    for ([[maybe_unused]] auto round : state) {
+        int done = 0;
+        const auto takeBatch = [&] {
+            const std::lock_guard guard(lock);
+            done += static_cast<int>(std::exchange(batch, {}).size());
+        };
+        const auto produce = [&](int item) {
+            bool first = false;
+            {
+                const std::lock_guard guard(lock);
+                first = batch.empty();
+                batch.push_back(item);
+            }
+            if (first) {
+                post(receiver, takeBatch);
+            }
+        };
+        runProducers(produce, done);
+    }
+    state.SetItemsProcessed(state.iterations() * producers * itemsOfEach);
 }
 
 } // namespace
@@ -87,5 +153,7 @@ int main(int argc, char** argv) {
         ->Arg(100'000)
         ->Unit(benchmark::kMillisecond);
     benchmark::RegisterBenchmark("hand over", handOver);
+    benchmark::RegisterBenchmark("six threads, one by one", handOverSingly)->UseRealTime();
+    benchmark::RegisterBenchmark("six threads, in batches", handOverInBatches)->UseRealTime();
     benchmark::RunSpecifiedBenchmarks();
 }

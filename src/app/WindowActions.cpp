@@ -66,7 +66,7 @@ void WindowActions::reset() {
 
 void WindowActions::revealZip() {
     if (const auto* saved = std::get_if<ZipDone>(&m_model.zipState())) {
-        revealFile(saved->url);
+        revealFile(saved->path);
     }
 }
 

@@ -12,7 +12,8 @@ namespace velmora {
 
 namespace {
 
-constexpr const char* shortOptions = ":lfj0:z:qVh"; // the colon in front tells a missing value apart
+constexpr const char* shortOptions =
+    ":lfj0:z:qVh"; // with the first colon, getopt reports a missing value as ':'
 
 const std::array<option, 9> longOptions = {{{"list", no_argument, nullptr, 'l'},
                                             {"files", no_argument, nullptr, 'f'},

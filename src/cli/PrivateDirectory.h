@@ -1,7 +1,7 @@
 #pragma once
 
 // The directory one run of velmora-scan works in. Everything temporary lies in it, its tools' files too, so
-// runs never meet each other's or the window's files, and one removal leaves nothing behind.
+// runs never meet each other's or the window's files, and one removal takes all of it away.
 
 #include "system/FileDescriptor.h"
 #include "system/TemporaryDirectory.h"

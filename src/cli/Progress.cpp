@@ -14,9 +14,9 @@ namespace {
 
 constexpr auto drawingPause = std::chrono::milliseconds(40);
 constexpr int usualColumns = 80; // where the terminal does not tell
-constexpr int widestBar = 40;
-constexpr int narrowestBar = 8;
-constexpr int barFrame = 4; // two blanks and two brackets
+constexpr int maxBarWidth = 40;
+constexpr int minBarWidth = 8;
+constexpr int barFrameWidth = 4; // two blanks and two brackets
 
 constexpr std::string_view toLineStart = "\r";
 constexpr std::string_view eraseToLineEnd = "\x1b[K";
@@ -53,8 +53,8 @@ std::string progressLine(std::string_view stage, const std::optional<Advance>& a
     if (advance) {
         line += " " + std::to_string(advance->done) + " / " + std::to_string(advance->total);
     }
-    const int barWidth = std::min(room - static_cast<int>(line.size()) - barFrame, widestBar);
-    if (advance && barWidth >= narrowestBar) {
+    const int barWidth = std::min(room - static_cast<int>(line.size()) - barFrameWidth, maxBarWidth);
+    if (advance && barWidth >= minBarWidth) {
         return line + bar(*advance, barWidth, colour);
     }
     return line.substr(0, static_cast<std::size_t>(room));

@@ -13,7 +13,8 @@ namespace velmora {
 void reserveStandardDescriptors() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(descriptor, F_GETFD) < 0) {
-            // Opened the wrong way round: use is an error. The lowest free number is this one.
+            // Standard input is opened for writing and the others for reading, so that using one is an error.
+            // The file gets the lowest free number, which is `descriptor`.
             (void)::open("/dev/null", descriptor == STDIN_FILENO ? O_WRONLY : O_RDONLY);
         }
     }

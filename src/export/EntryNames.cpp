@@ -15,6 +15,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
+// A character of UTF-8 is a lead byte and up to three continuation bytes, whose upper two bits are 10.
+constexpr unsigned continuationMask = 0xC0;
+constexpr unsigned continuation = 0x80;
+constexpr int maxContinuations = 3;
+
 std::string numbered(std::string_view name, int number) {
     const std::string ending = " (" + std::to_string(number) + ").";
     return withEnding(withoutExtension(name), ending + std::string(extensionOf(name)));
@@ -94,10 +99,10 @@ std::string withEnding(std::string_view base, std::string_view ending) {
     const std::size_t room = NAME_MAX - std::min<std::size_t>(ending.size(), NAME_MAX);
     if (base.size() - start > room) {
         const auto insideCharacter = [&](std::size_t end) {
-            return end > start && (static_cast<unsigned char>(base[end]) & 0xC0) == 0x80;
+            return end > start && (static_cast<unsigned char>(base[end]) & continuationMask) == continuation;
         };
         std::size_t end = start + room;
-        for (int back = 0; back < 3 && insideCharacter(end); ++back) {
+        for (int back = 0; back < maxContinuations && insideCharacter(end); ++back) {
             --end;
         }
         base = base.substr(0, end);

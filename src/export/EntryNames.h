@@ -28,8 +28,8 @@ public:
     std::string relativePath(const std::filesystem::path& file) const;
 
 private:
-    std::unordered_map<std::string, std::size_t>
-        m_ranks; // a root with its final "/" -> its place in the list
+    /// A root with its final "/" -> its place in the list.
+    std::unordered_map<std::string, std::size_t> m_ranks;
 };
 
 /// The names of `files`, in their order: the path relative to `roots`, numbered from 2 where the archive

@@ -1,7 +1,7 @@
 #pragma once
 
-// What libzip reads from and writes to: objects of ours behind the one C function that libzip calls a source.
-// libzip passes on only that a source failed; why is kept here as the exception it was.
+// What libzip reads from and writes to. libzip calls one C function for all of it; here each source is an
+// object. libzip tells only that a source failed; the exception that says why is kept here.
 
 #include <zip.h>
 

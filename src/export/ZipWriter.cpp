@@ -27,7 +27,8 @@ namespace fs = std::filesystem;
 constexpr zip_uint32_t deflateLevel = 3; // PCM: three to four times as fast as 6, and hardly larger
 
 constexpr zip_uint32_t fileAttributes = zip_uint32_t{S_IFREG | 0644} << 16;
-constexpr zip_uint32_t folderAttributes = (zip_uint32_t{S_IFDIR | 0755} << 16) | 0x10; // 0x10: DOS directory
+constexpr zip_uint32_t dosDirectory = 0x10;
+constexpr zip_uint32_t folderAttributes = (zip_uint32_t{S_IFDIR | 0755} << 16) | dosDirectory;
 
 std::time_t localTime(int year, int month, int day, int hour, int minute, int second) {
     std::tm time{};

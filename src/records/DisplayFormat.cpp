@@ -23,6 +23,9 @@ std::int64_t wholeSeconds(double seconds) {
     return std::max<std::int64_t>(static_cast<std::int64_t>(rounded), 0);
 }
 
+constexpr std::int64_t secondsPerMinute = 60;
+constexpr std::int64_t secondsPerHour = 3600;
+
 std::string twoDigits(std::int64_t number) {
     const std::string text = std::to_string(number);
     return text.size() < 2 ? "0" + text : text;
@@ -43,14 +46,23 @@ constexpr std::array<Unit, 6> units = {{
     {"EB", 1'000'000'000'000'000'000, 2},
 }};
 
+/// How many steps of its last decimal place a unit has.
+std::uint64_t stepsPer(const Unit& unit) {
+    std::uint64_t steps = 1;
+    for (int decimal = 0; decimal < unit.decimals; ++decimal) {
+        steps *= 10;
+    }
+    return steps;
+}
+
 /// `count` in steps of the unit's last decimal place, rounded half up; without overflow for any 64-bit count.
 std::uint64_t inSteps(std::uint64_t count, const Unit& unit) {
-    const std::uint64_t step = unit.bytes / (unit.decimals == 0 ? 1 : unit.decimals == 1 ? 10 : 100);
+    const std::uint64_t step = unit.bytes / stepsPer(unit);
     return count / step + (count % step >= step - count % step ? 1 : 0);
 }
 
 std::string withUnit(std::uint64_t steps, const Unit& unit) {
-    const std::uint64_t perUnit = unit.decimals == 0 ? 1 : unit.decimals == 1 ? 10 : 100;
+    const std::uint64_t perUnit = stepsPer(unit);
     std::string text = std::to_string(steps / perUnit);
     if (std::uint64_t rest = steps % perUnit; rest != 0) {
         std::string digits = std::to_string(rest);
@@ -65,19 +77,20 @@ std::string withUnit(std::uint64_t steps, const Unit& unit) {
 
 std::string hms(double seconds) {
     const std::int64_t s = wholeSeconds(seconds);
-    return twoDigits(s / 3600) + ":" + twoDigits(s % 3600 / 60) + ":" + twoDigits(s % 60);
+    return twoDigits(s / secondsPerHour) + ":" + twoDigits(s % secondsPerHour / secondsPerMinute) + ":" +
+           twoDigits(s % secondsPerMinute);
 }
 
 std::string longForm(double seconds) {
     const std::int64_t s = wholeSeconds(seconds);
     std::string text;
-    if (s >= 3600) {
-        text += std::to_string(s / 3600) + " hr  ";
+    if (s >= secondsPerHour) {
+        text += std::to_string(s / secondsPerHour) + " hr  ";
     }
-    if (s % 3600 >= 60) {
-        text += std::to_string(s % 3600 / 60) + " min  ";
+    if (s % secondsPerHour >= secondsPerMinute) {
+        text += std::to_string(s % secondsPerHour / secondsPerMinute) + " min  ";
     }
-    return text + std::to_string(s % 60) + " sec";
+    return text + std::to_string(s % secondsPerMinute) + " sec";
 }
 
 double displayable(double seconds) {

@@ -17,8 +17,8 @@ inline constexpr double unmeasured = -1.0;
 
 /// One audio file after measurement.
 struct Measured {
-    std::filesystem::path
-        url; ///< the file as it was found: in a dropped folder or in an extraction directory
+    /// The file as it was found: in a dropped folder or in an extraction directory.
+    std::filesystem::path url;
     double seconds = unmeasured;
     std::int64_t bytes = 0; ///< 0 when the size could not be read
 
@@ -27,8 +27,8 @@ struct Measured {
 
 /// The tally of one audio format within one summary.
 struct FormatStat {
-    std::string
-        ext; ///< the extension in upper case, "MP3"; "" for files without one. Unique within a summary
+    /// The extension in upper case, "MP3"; "" for files without one. Unique within a summary.
+    std::string ext;
     int count = 0;
     double seconds = 0;
 

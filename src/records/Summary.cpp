@@ -4,6 +4,7 @@
 #include "system/UnicodeCase.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 #include <string>
 
@@ -35,8 +36,7 @@ ScanSummary summarize(const std::vector<Measured>& files) {
     for (const auto& [key, format] : formats) {
         summary.formats.push_back(format);
     }
-    std::stable_sort(summary.formats.begin(), summary.formats.end(),
-                     [](const FormatStat& a, const FormatStat& b) { return a.seconds > b.seconds; });
+    std::ranges::stable_sort(summary.formats, std::ranges::greater(), &FormatStat::seconds);
     return summary;
 }
 

@@ -1,5 +1,7 @@
 #include "scan/MeasuringStage.h"
 
+#include <QMetaObject>
+
 #include <algorithm>
 #include <utility>
 
@@ -10,28 +12,27 @@ MeasuringStage::MeasuringStage(Paths files, Measure measure, Deliver deliver)
     , m_measure(std::move(measure))
     , m_deliver(std::move(deliver)) {}
 
-void MeasuringStage::start(BackgroundTasks& background, MainThreadQueue& mainThread,
-                           const std::stop_token& stop) {
+void MeasuringStage::start(BackgroundTasks& background, QObject& receiver, const std::stop_token& stop) {
     const std::size_t workers = std::min(m_files.size(), width);
     for (std::size_t i = 0; i < workers; ++i) {
-        background.start([self = shared_from_this(), &mainThread, stop](const std::stop_token&) {
-            self->work(mainThread, stop);
+        background.start([self = shared_from_this(), &receiver, stop](const std::stop_token&) {
+            self->work(receiver, stop);
         });
     }
 }
 
-void MeasuringStage::work(MainThreadQueue& mainThread, const std::stop_token& stop) {
+void MeasuringStage::work(QObject& receiver, const std::stop_token& stop) {
     while (!stop.stop_requested()) {
         const std::size_t index = m_next.fetch_add(1);
         if (index >= m_files.size()) {
             return;
         }
         const std::filesystem::path file = std::move(m_files[index]); // from here on the record holds it
-        handOver({index, m_measure(file, stop)}, mainThread);
+        handOver({index, m_measure(file, stop)}, receiver);
     }
 }
 
-void MeasuringStage::handOver(MeasuredFile result, MainThreadQueue& mainThread) {
+void MeasuringStage::handOver(MeasuredFile result, QObject& receiver) {
     bool first = false;
     {
         const std::lock_guard guard(m_lock);
@@ -39,7 +40,8 @@ void MeasuringStage::handOver(MeasuredFile result, MainThreadQueue& mainThread) 
         m_batch.push_back(std::move(result));
     }
     if (first) {
-        mainThread.post([self = shared_from_this()] { self->m_deliver(self->takeBatch()); });
+        const auto deliver = [self = shared_from_this()] { self->m_deliver(self->takeBatch()); };
+        QMetaObject::invokeMethod(&receiver, deliver, Qt::QueuedConnection);
     }
 }
 

@@ -6,8 +6,9 @@
 
 #include "records/Records.h"
 #include "scan/BackgroundTasks.h"
-#include "scan/MainThreadQueue.h"
 #include "system/Paths.h"
+
+#include <QObject>
 
 #include <atomic>
 #include <cstddef>
@@ -29,23 +30,24 @@ struct MeasuredFile {
 class MeasuringStage : public std::enable_shared_from_this<MeasuringStage> {
 public:
     using Batch = std::vector<MeasuredFile>;
-    using Measure = std::function<Measured(const std::filesystem::path& url, const std::stop_token& stop)>;
+    using Measure = std::function<Measured(const std::filesystem::path& file, const std::stop_token& stop)>;
     using Deliver = std::function<void(Batch batch)>;
 
     /// Files measured at the same time: the bound on open files and child processes.
     static constexpr std::size_t width = 6;
 
-    /// `measure` is called on the workers, `deliver` on the main thread with results in the order of their
-    /// completion.
+    /// `measure` is called on the workers, `deliver` on the receiver's thread with results in the order of
+    /// their completion.
     MeasuringStage(Paths files, Measure measure, Deliver deliver);
 
     /// Starts the workers. They hold the stage until the last file is measured or `stop` is requested: then
-    /// no further file is started, and measurements under way are told to end.
-    void start(BackgroundTasks& background, MainThreadQueue& mainThread, const std::stop_token& stop);
+    /// no further file is started, and measurements under way are told to end. Results are handed over to the
+    /// event loop of `receiver`, which outlives the workers; what it has not taken goes with it.
+    void start(BackgroundTasks& background, QObject& receiver, const std::stop_token& stop);
 
 private:
-    void work(MainThreadQueue& mainThread, const std::stop_token& stop);
-    void handOver(MeasuredFile result, MainThreadQueue& mainThread);
+    void work(QObject& receiver, const std::stop_token& stop);
+    void handOver(MeasuredFile result, QObject& receiver);
     Batch takeBatch();
 
     Paths m_files; // each taken by the one worker that measures it

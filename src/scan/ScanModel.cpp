@@ -5,12 +5,15 @@
 #include "measure/MeasurementPipeline.h"
 #include "records/Summary.h"
 #include "scan/BackgroundTasks.h"
-#include "scan/MainThreadQueue.h"
 #include "scan/MeasuringStage.h"
 #include "system/FileName.h"
 #include "system/Paths.h"
 #include "system/TempRegistry.h"
 #include "system/UnicodeCase.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QMetaObject>
 
 #include <algorithm>
 #include <utility>
@@ -19,17 +22,20 @@ namespace velmora {
 
 namespace {
 
-/// Every how many measured files the count is published.
+/// The count of measured files is published after this many files.
 constexpr int processedStep = 4;
 
-std::string sourceLabel(const Paths& urls) {
-    return upperCased(urls.size() == 1 ? lastComponent(urls.front())
-                                       : std::to_string(urls.size()) + " items");
+/// About how often the count of packed files is published in all.
+constexpr int zipUpdates = 50;
+
+std::string sourceLabel(const Paths& dropped) {
+    return upperCased(dropped.size() == 1 ? lastComponent(dropped.front())
+                                          : std::to_string(dropped.size()) + " items");
 }
 
-/// Every how many packed files the count is published: about fifty times in all.
+/// The count of packed files is published after this many files.
 int zipStep(int total) {
-    return total < 50 ? 1 : total / 50;
+    return total < zipUpdates ? 1 : total / zipUpdates;
 }
 
 } // namespace
@@ -40,7 +46,7 @@ class ScanModel::Job {
 public:
     std::stop_source cancelled; ///< also tells measurements under way to end
     bool ended = false;         ///< nothing that still arrives counts
-    Paths urls;
+    Paths dropped;
     GatherResult gathered;         ///< without its files, which the measuring stage has
     std::vector<Measured> results; ///< by position in scan order
     int done = 0;
@@ -53,7 +59,6 @@ ScanStages ScanStages::real() {
 ScanModel::ScanModel(ScanStages stages, QObject* parent)
     : QObject(parent)
     , m_stages(std::move(stages))
-    , m_mainThread(std::make_unique<MainThreadQueue>())
     , m_background(std::make_unique<BackgroundTasks>()) {
     TempRegistry::sweepStale();
 }
@@ -62,12 +67,17 @@ ScanModel::~ScanModel() {
     blockSignals(true);
     cancelJob();
     m_background->finish();
-    m_mainThread->runPending(); // registers what gathering still unpacked
+    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall); // registers what gathering still unpacked
     TempRegistry::releaseAll();
 }
 
-void ScanModel::ingest(const Paths& urls) {
-    if (urls.empty()) {
+template <typename Task>
+void ScanModel::runOnMainThread(Task task) {
+    QMetaObject::invokeMethod(this, std::move(task), Qt::QueuedConnection);
+}
+
+void ScanModel::ingest(const Paths& dropped) {
+    if (dropped.empty()) {
         return;
     }
     cancelJob();
@@ -77,20 +87,20 @@ void ScanModel::ingest(const Paths& urls) {
     publishPhase(Phase::scanning);
     publishSummary({});
     ScanSummary summary;
-    summary.dropped = urls;
+    summary.dropped = dropped;
     publishSummary(summary);
     publishProcessed(0);
     publishFound(0);
     publishZipState(ZipIdle{});
     publishStatus("READING SOURCE");
-    summary.source = sourceLabel(urls);
+    summary.source = sourceLabel(dropped);
     publishSummary(std::move(summary));
 
     m_job = std::make_shared<Job>();
-    m_job->urls = urls;
-    m_background->start([this, job = m_job, urls](const std::stop_token& programEnds) {
-        GatherResult gathered = m_stages.gather(urls, programEnds);
-        m_mainThread->post([this, job, gathered = std::move(gathered)]() mutable {
+    m_job->dropped = dropped;
+    m_background->start([this, job = m_job, dropped](const std::stop_token& programEnds) {
+        GatherResult gathered = m_stages.gather(dropped, programEnds);
+        runOnMainThread([this, job, gathered = std::move(gathered)]() mutable {
             takeGathered(job, std::move(gathered));
         });
     });
@@ -125,7 +135,7 @@ void ScanModel::startMeasuring(const std::shared_ptr<Job>& job, Paths files) {
     const auto stage = std::make_shared<MeasuringStage>(
         std::move(files), m_stages.measure,
         [this, job](MeasuringStage::Batch batch) { takeMeasured(*job, std::move(batch)); });
-    stage->start(*m_background, *m_mainThread, job->cancelled.get_token());
+    stage->start(*m_background, *this, job->cancelled.get_token());
 }
 
 void ScanModel::takeMeasured(Job& job, std::vector<MeasuredFile> batch) {
@@ -153,8 +163,8 @@ void ScanModel::finish(Job& job) {
     ScanSummary summary = summarize(job.results);
     summary.unreadable += static_cast<int>(job.gathered.skippedArchives.size());
     summary.source = m_summary.source;
-    summary.dropped = job.urls;
-    summary.roots = job.urls;
+    summary.dropped = job.dropped;
+    summary.roots = job.dropped;
     summary.roots.insert(summary.roots.end(), job.gathered.temps.begin(), job.gathered.temps.end());
     m_details.files = std::move(job.results);
 
@@ -191,7 +201,7 @@ void ScanModel::makeZip(const std::filesystem::path& destination) {
     const int total = static_cast<int>(m_summary.files.size());
     publishZipState(ZipWorking{0, total});
     const auto publishLater = [this](ZipState state) {
-        m_mainThread->post([this, state = std::move(state)] { publishZipState(state); });
+        runOnMainThread([this, state = std::move(state)] { publishZipState(state); });
     };
     m_background->start(
         [=, files = m_summary.files, roots = m_summary.roots](const std::stop_token& programEnds) {
@@ -226,18 +236,16 @@ void ScanModel::publishSummary(ScanSummary summary) {
 void ScanModel::publishProcessed(int processed) {
     m_processed = processed;
     emit processedChanged(processed);
-    emit progressChanged();
 }
 
 void ScanModel::publishFound(int found) {
     m_found = found;
     emit foundChanged(found);
-    emit progressChanged();
 }
 
 void ScanModel::publishStatus(std::string status) {
     m_status = std::move(status);
-    emit statusChanged(statusText());
+    emit statusChanged(m_status);
 }
 
 void ScanModel::publishZipState(ZipState state) {

@@ -22,14 +22,13 @@
 namespace velmora {
 
 class BackgroundTasks;
-class MainThreadQueue;
 struct MeasuredFile;
 
 /// The two stages of a scan. Both run on background threads, `measure` on six at once, and end early when
 /// their stop token is requested. The default is the real work; a test holds and releases stages of its own.
 struct ScanStages {
-    std::function<GatherResult(const Paths& urls, const std::stop_token& stop)> gather;
-    std::function<Measured(const std::filesystem::path& url, const std::stop_token& stop)> measure;
+    std::function<GatherResult(const Paths& dropped, const std::stop_token& stop)> gather;
+    std::function<Measured(const std::filesystem::path& file, const std::stop_token& stop)> measure;
 
     static ScanStages real();
 };
@@ -38,11 +37,6 @@ struct ScanStages {
 /// published field is announced, also one of an equal value.
 class ScanModel : public QObject {
     Q_OBJECT
-    Q_PROPERTY(Phase phase READ phase NOTIFY phaseChanged)
-    Q_PROPERTY(int processed READ processed NOTIFY processedChanged)
-    Q_PROPERTY(int found READ found NOTIFY foundChanged)
-    Q_PROPERTY(double progress READ progress NOTIFY progressChanged)
-    Q_PROPERTY(QString status READ statusText NOTIFY statusChanged)
 
 public:
     enum class Phase : std::uint8_t {
@@ -59,8 +53,8 @@ public:
     /// Stops whatever runs in the background, waits for it and deletes its temporary directories.
     ~ScanModel() override;
 
-    /// Starts a scan of `urls` in place of any running one and returns at once. No urls: nothing changes.
-    void ingest(const Paths& urls);
+    /// Starts a scan of `dropped` in place of any running one and returns at once. No paths: nothing changes.
+    void ingest(const Paths& dropped);
 
     /// Cancels any running scan, forgets its result and returns to `idle`.
     void reset();
@@ -105,14 +99,15 @@ signals:
     void summaryChanged();
     void processedChanged(int processed);
     void foundChanged(int found);
-    void progressChanged();
-    void statusChanged(const QString& status);
+    void statusChanged(const std::string& status);
     void zipStateChanged();
 
 private:
     class Job;
 
-    QString statusText() const { return QString::fromStdString(m_status); }
+    /// Hands `task` over to the event loop. Any thread.
+    template <typename Task>
+    void runOnMainThread(Task task);
 
     void cancelJob();
     void takeGathered(const std::shared_ptr<Job>& job, GatherResult gathered);
@@ -137,7 +132,6 @@ private:
     ScanDetails m_details;
     std::shared_ptr<Job> m_job;
 
-    std::unique_ptr<MainThreadQueue> m_mainThread;
     std::unique_ptr<BackgroundTasks> m_background; // last: its threads end before anything they use goes
 };
 

@@ -20,9 +20,9 @@ struct ZipWorking {
     bool operator==(const ZipWorking&) const = default;
 };
 
-/// The archive stands at `url`.
+/// The archive stands at `path`.
 struct ZipDone {
-    std::filesystem::path url;
+    std::filesystem::path path;
     bool operator==(const ZipDone&) const = default;
 };
 

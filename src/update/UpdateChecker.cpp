@@ -19,18 +19,19 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto timeOut = 15s;
-constexpr qint64 largestBody = qint64{1} << 20; // bytes
-constexpr double aDay = 86'400;                 // seconds
+constexpr qint64 maxBodySize = qint64{1} << 20; // bytes
+constexpr double secondsPerDay = 86'400;
 
 bool isAllowed(const QUrl& url) {
     const bool onThisMachine = url.host() == u"localhost" || QHostAddress(url.host()).isLoopback();
     return url.scheme() == u"https" || (url.scheme() == u"http" && onThisMachine);
 }
 
-/// Whether the server answered in full, whatever its status. Error codes below 200 are those of the
-/// transport.
+/// Whether the server answered in full, whatever its status.
 bool hasAnswer(const QNetworkReply& reply) {
-    const bool transportFailed = reply.error() != QNetworkReply::NoError && reply.error() < 200;
+    // The codes up to UnknownProxyError are those of the network and of the proxy.
+    const bool transportFailed =
+        reply.error() != QNetworkReply::NoError && reply.error() <= QNetworkReply::UnknownProxyError;
     return !transportFailed && reply.attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
 }
 
@@ -78,7 +79,7 @@ void latest(QNetworkAccessManager& network, const QUrl& url,
         }
     });
     QObject::connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64) {
-        if (received > largestBody) {
+        if (received > maxBodySize) {
             reply->abort();
         }
     });
@@ -90,7 +91,7 @@ void latest(QNetworkAccessManager& network, const QUrl& url,
 
 void checkQuietly(const Program& program) {
     const double last = program.preferences.value(lastCheckPreference, 0.0).toDouble();
-    if (!(program.now() - last > aDay)) {
+    if (!(program.now() - last > secondsPerDay)) {
         return;
     }
     latest(program.network, program.manifestURL, [program](const std::optional<Release>& release) {

@@ -63,7 +63,7 @@ TEST_F(KilledRun, DuringMeasuringLeavesNothingAfterTheNextStart) {
     writeSlowTracks(sources);
     const auto measures = [] {
         const std::vector<std::string> tools = toolsAtWork();
-        return std::find(tools.begin(), tools.end(), "ffprobe") != tools.end();
+        return std::ranges::find(tools, "ffprobe") != tools.end();
     };
     killAndStartAgain({}, measures);
 }

@@ -166,7 +166,7 @@ TEST_F(LongReport, IsWrittenWholeThoughStandardOutputDoesNotBlock) {
     const std::string report = readToEnd();
 
     EXPECT_EQ(process.wait().status, 0);
-    EXPECT_EQ(std::count(report.begin(), report.end(), '\n'), lines);
+    EXPECT_EQ(std::ranges::count(report, '\n'), lines);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "tests/cli/ScanProcess.h"
 #include "tests/support/Archives.h"
+#include "tests/support/NamedRow.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 
@@ -27,8 +28,7 @@ bool extracts() {
     return false;
 }
 
-struct SignalCase {
-    std::string name;
+struct SignalCase : NamedRow {
     int number;
 };
 
@@ -55,7 +55,7 @@ TEST_P(EndingSignal, EndsAnExtractionWithoutATrace) {
 INSTANTIATE_TEST_SUITE_P(Rows, EndingSignal,
                          testing::Values(SignalCase{"Interrupt", SIGINT}, SignalCase{"Terminate", SIGTERM},
                                          SignalCase{"HangUp", SIGHUP}),
-                         [](const auto& row) { return row.param.name; });
+                         &rowName<SignalCase>);
 
 TEST(Interrupt, AgainAndAgainLeavesNothingEither) {
     const fs::path archive = slowArchive(freshFolder());

@@ -1,4 +1,5 @@
-// Which libraries a scan loads: libavformat, with more than a hundred behind it, only for who needs it.
+// Which libraries a scan loads: libavformat and the more than a hundred that it needs are loaded only
+// for a file that needs them.
 
 #include "tests/support/Files.h"
 #include "tests/support/RealAudio.h"

@@ -1,13 +1,14 @@
 #include "cli/Names.h"
 
+#include "tests/support/NamedRow.h"
+
 #include <gtest/gtest.h>
 
 namespace velmora {
 namespace {
 
-struct NameCase {
-    std::string label;
-    std::string name;
+struct NameCase : test::NamedRow {
+    std::string text;
     std::string field;
     std::string quoted;
 };
@@ -15,11 +16,11 @@ struct NameCase {
 class Name : public testing::TestWithParam<NameCase> {};
 
 TEST_P(Name, IsWrittenAsAField) {
-    EXPECT_EQ(fieldName(GetParam().name), GetParam().field);
+    EXPECT_EQ(fieldName(GetParam().text), GetParam().field);
 }
 
 TEST_P(Name, IsQuotedForAMessage) {
-    EXPECT_EQ(quotedName(GetParam().name), GetParam().quoted);
+    EXPECT_EQ(quotedName(GetParam().text), GetParam().quoted);
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -39,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(
                     NameCase{"CutOffUtf8", "a\xE2\x82", "a\xE2\x82", "'a\\xE2\\x82'"},
                     NameCase{"ControlInTwoBytes", "a\xC2\x9Bm", "a\xC2\x9Bm", "'a\\xC2\\x9Bm'"},
                     NameCase{"LineSeparator", "a\u2028b", "a\u2028b", "'a\\xE2\\x80\\xA8b'"}),
-    [](const auto& row) { return row.param.label; });
+    &test::rowName<NameCase>);
 
 TEST(QuotedName, WritesTheMarksThatTurnTextRound) {
     const std::string rightToLeftOverride = {'\xE2', '\x80', '\xAE'};

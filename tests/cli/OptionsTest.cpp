@@ -1,5 +1,7 @@
 #include "cli/Options.h"
 
+#include "tests/support/NamedRow.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -12,8 +14,7 @@ using testing::HasSubstr;
 using testing::MatchesRegex;
 using Arguments = std::vector<std::string>;
 
-struct AcceptedCase {
-    std::string name;
+struct AcceptedCase : test::NamedRow {
     Arguments arguments;
     Options expected;
 };
@@ -45,9 +46,9 @@ INSTANTIATE_TEST_SUITE_P(
         AcceptedCase{"CombinedShortOptions",
                      {"-qfz", "o", "a"},
                      {.output = Output::files, .quiet = true, .paths = {"a"}, .zip = "o"}},
-        AcceptedCase{"OptionsBehindPaths", {"a", "-q", "b"}, {.quiet = true, .paths = {"a", "b"}}},
+        AcceptedCase{"OptionsAfterPaths", {"a", "-q", "b"}, {.quiet = true, .paths = {"a", "b"}}},
         AcceptedCase{
-            "NoOptionBehindTwoDashes", {"-q", "--", "-l", "--"}, {.quiet = true, .paths = {"-l", "--"}}},
+            "NoOptionAfterTwoDashes", {"-q", "--", "-l", "--"}, {.quiet = true, .paths = {"-l", "--"}}},
         AcceptedCase{"ADashIsAPath", {"-"}, {.paths = {"-"}}},
         AcceptedCase{"AListFromStandardInput", {"-0", "-"}, {.pathLists = {"-"}}},
         AcceptedCase{"SeveralListsAndAPath",
@@ -56,10 +57,9 @@ INSTANTIATE_TEST_SUITE_P(
         AcceptedCase{"AnUnmistakableBeginning", {"--qui", "a"}, {.quiet = true, .paths = {"a"}}},
         AcceptedCase{"TheSameOutputTwice", {"-jj", "--json", "a"}, {.output = Output::json, .paths = {"a"}}},
         AcceptedCase{"APathThatIsNotUtf8", {"\xFF"}, {.paths = {"\xFF"}}}),
-    [](const auto& row) { return row.param.name; });
+    &test::rowName<AcceptedCase>);
 
-struct RefusedCase {
-    std::string name;
+struct RefusedCase : test::NamedRow {
     Arguments arguments;
     std::string message;
 };
@@ -87,7 +87,7 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"TwoOutputs", {"-l", "-f", "a"}, "only one of --list, --files and --json can be given"},
         RefusedCase{
             "TwoOutputsInOneWord", {"-jl", "a"}, "only one of --list, --files and --json can be given"}),
-    [](const auto& row) { return row.param.name; });
+    &test::rowName<RefusedCase>);
 
 TEST(CommandLine, AsksForTheVersionInEitherForm) {
     EXPECT_EQ(parseCommandLine({"-V"}), CommandLine(TextWanted{versionText()}));

@@ -101,6 +101,7 @@ TEST_F(VelmoraScan, NamesAFolderItMayNotEnter) {
 
 TEST_F(VelmoraScan, EndsWith3WhereItMayNotMakeADirectory) {
     fs::create_directory(folder / "tmp");
+    fs::permissions(folder / "tmp", fs::perms(0555));
     asOrdinaryUser([&] {
         const Finished run = runToEnd(
             {.arguments = {"Live Set"}, .folder = folder, .environment = {{"TMPDIR", folder / "tmp"}}});
@@ -119,7 +120,7 @@ TEST_F(VelmoraScan, TakesPathsFromStandardInput) {
     EXPECT_EQ(run.status, 0);
 }
 
-TEST_F(VelmoraScan, TakesPathsFromAPipeBehindThoseOfTheCommandLine) {
+TEST_F(VelmoraScan, TakesPathsFromAPipeAfterThoseOfTheCommandLine) {
     const std::string command =
         shellWord(VELMORA_SCAN) + " -f -0 <(find 'Live Set' -name 1.wav -print0) " + "'Live Set/2.wav'";
     EXPECT_EQ(shell("bash -c " + shellWord(command), folder),

@@ -2,6 +2,7 @@
 // a whole run, child processes included, shows that nobody gets it.
 
 #include "tests/support/Files.h"
+#include "tests/support/NamedRow.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 
@@ -23,8 +24,7 @@ using testing::Not;
 
 const auto asksForMore = AnyOf(HasSubstr("neighbour"), HasSubstr("connect("), HasSubstr("socket(AF_INET"));
 
-struct Trap {
-    std::string_view name;
+struct Trap : NamedRow {
     std::string (*content)();
     std::string_view victim = "ffprobe -v quiet"; ///< a program that does as the file asks
 };
@@ -102,7 +102,7 @@ INSTANTIATE_TEST_SUITE_P(
                     Trap{"Sdp", &sdp, "timeout 2 ffprobe -v quiet -protocol_whitelist file,udp,rtp"},
                     Trap{"Manifest", &manifest, "ffprobe -v quiet -f dash -allowed_extensions ALL"},
                     Trap{"Movie", &movieWithoutItsSound, "ffprobe -v quiet -enable_drefs 1"}),
-    [](const auto& row) { return std::string(row.param.name); });
+    &rowName<Trap>);
 
 } // namespace
 } // namespace velmora::test

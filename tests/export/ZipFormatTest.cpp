@@ -50,7 +50,7 @@ TEST(ZipFormat, MarksEntriesAsReadableUnixFilesAndFolders) {
     for (const ListedEntry& entry : entriesOf(archive)) {
         EXPECT_EQ(entry.system, 3) << entry.name;
         EXPECT_EQ(entry.mode, entry.name.ends_with("/") ? S_IFDIR | 0755U : S_IFREG | 0644U) << entry.name;
-        EXPECT_EQ(entry.flags & 0x0009U, 0U) << "encrypted, or sizes only behind the content: " << entry.name;
+        EXPECT_EQ(entry.flags & 0x0009U, 0U) << "encrypted, or sizes only after the content: " << entry.name;
     }
     const fs::path out = freshFolder();
     shell("umask 022 && unzip -qq " + shellWord(archive.native()), out);
@@ -162,7 +162,7 @@ TEST(ZipFormat, HoldsMoreThanFourGibibytesInLittleMemory) {
     const fs::path folder = freshFolder();
     const fs::path content = folder / "Mix";
     fs::resize_file(write(content / "large.mp3"), size);
-    write(content / "last.mp3", "behind it");
+    write(content / "last.mp3", "after it");
     const fs::path archive = folder / "Mix.zip";
     const long before = peakKilobytes();
     writeZip(archive, content, {"large.mp3", "last.mp3"});
@@ -173,9 +173,9 @@ TEST(ZipFormat, HoldsMoreThanFourGibibytesInLittleMemory) {
     const std::string word = shellWord(archive.native());
     EXPECT_EQ(shell("python3 -m zipfile -t " + word), "Done testing\n");
     EXPECT_THAT(shell("unzip -Zl " + word), testing::HasSubstr(" " + std::to_string(size) + " "));
-    EXPECT_EQ(shell("unzip -p " + word + " Mix/last.mp3"), "behind it");
+    EXPECT_EQ(shell("unzip -p " + word + " Mix/last.mp3"), "after it");
     EXPECT_THAT(shell("bsdtar -tvf " + word), testing::HasSubstr(" " + std::to_string(size) + " "));
-    EXPECT_EQ(shell("bsdtar -xOf " + word + " Mix/last.mp3"), "behind it");
+    EXPECT_EQ(shell("bsdtar -xOf " + word + " Mix/last.mp3"), "after it");
 }
 
 } // namespace

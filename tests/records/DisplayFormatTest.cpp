@@ -1,5 +1,7 @@
 #include "records/DisplayFormat.h"
 
+#include "tests/support/NamedRow.h"
+
 #include <gtest/gtest.h>
 
 #include <limits>
@@ -7,8 +9,7 @@
 namespace velmora::test {
 namespace {
 
-struct DurationRow {
-    const char* name;
+struct DurationRow : NamedRow {
     double seconds;
     const char* clock;
     const char* words;
@@ -41,7 +42,7 @@ INSTANTIATE_TEST_SUITE_P(DisplayFormat, Duration,
     DurationRow{"Negative",             -5,      "00:00:00",  "0 sec"},
     DurationRow{"NegativeHalf",         -0.5,    "00:00:00",  "0 sec"}),
                          // clang-format on
-                         [](const auto& row) { return row.param.name; });
+                         &rowName<DurationRow>);
 
 TEST(DisplayFormatDeathTest, StopsTheProgramOnWhatNoClockCanShow) {
     for (const double seconds :
@@ -58,8 +59,7 @@ TEST(DisplayFormat, ClampsWhatAHostileFileStates) {
     EXPECT_EQ(hms(displayable(std::numeric_limits<double>::infinity())), "1281023894007607:45:04");
 }
 
-struct SizeRow {
-    const char* name;
+struct SizeRow : NamedRow {
     std::int64_t bytes;
     const char* text;
 };
@@ -93,7 +93,7 @@ INSTANTIATE_TEST_SUITE_P(
     SizeRow{"Largest",            9223372036854775807,    "9.22 EB"},
     SizeRow{"Negative",           -1500000,               "-1.5 MB"}),
     // clang-format on
-    [](const auto& row) { return row.param.name; });
+    &rowName<SizeRow>);
 
 } // namespace
 } // namespace velmora::test

@@ -14,12 +14,12 @@ protected:
     /// A model whose measuring is held; each dropped item is one file, and so is each of `more`.
     void createHeldModel(Paths more = {}) {
         createModel(
-            {[more](const Paths& urls, const std::stop_token&) {
-                 Paths files = urls;
+            {[more](const Paths& dropped, const std::stop_token&) {
+                 Paths files = dropped;
                  files.insert(files.end(), more.begin(), more.end());
                  return gathered(files);
              },
-             [this](const fs::path& url, const std::stop_token& stop) { return held.measure(url, stop); }});
+             [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     }
 };
 
@@ -79,16 +79,16 @@ TEST_F(ScanModelCancelTest, ANewScanSupersedesARunningOne) {
 TEST_F(ScanModelCancelTest, GatheringRunsToItsEndAndItsDirectoriesAreReleasedLater) {
     std::latch mayEnd(1);
     const fs::path unpacked = fs::temp_directory_path() / "velmora-UNPACKED";
-    createModel({[&](const Paths& urls, const std::stop_token&) {
-                     if (urls.front() == "/m/slow.zip") {
+    createModel({[&](const Paths& dropped, const std::stop_token&) {
+                     if (dropped.front() == "/m/slow.zip") {
                          mayEnd.wait();
                          write(unpacked / "x.wav");
-                         return GatherResult{{unpacked / "x.wav"}, {unpacked}, {urls.front()}, {}};
+                         return GatherResult{{unpacked / "x.wav"}, {unpacked}, {dropped.front()}, {}};
                      }
                      return GatherResult{};
                  },
-                 [](const fs::path& url, const std::stop_token&) {
-                     return Measured{url, 1, 1};
+                 [](const fs::path& file, const std::stop_token&) {
+                     return Measured{file, 1, 1};
                  }});
     model->ingest({"/m/slow.zip"});
     model->ingest({"/m/other"});
@@ -120,7 +120,7 @@ TEST_F(ScanModelCancelTest, ANewScanReleasesThePreviousScansDirectories) {
     EXPECT_EQ(temporaryItems(), Lines{});
 }
 
-TEST_F(ScanModelCancelTest, LeavesNothingBehindWhenItEndsDuringAnExtraction) {
+TEST_F(ScanModelCancelTest, LeavesNothingWhenItEndsDuringAnExtraction) {
     const fs::path folder = freshFolder();
     shell("head -c 300000000 /dev/zero > zeros.wav && xz -0 -T2 zeros.wav && mv zeros.wav.xz a.xz && "
           "tar -cJf big.tar.xz a.xz && head -c 400000000 /dev/zero | xz -0 > zeros.xz",

@@ -10,16 +10,16 @@
 
 namespace velmora::test {
 
-Measured HeldMeasuring::measure(const std::filesystem::path& url, const std::stop_token& stop) {
+Measured HeldMeasuring::measure(const std::filesystem::path& file, const std::stop_token& stop) {
     std::unique_lock lock(m_lock);
-    m_started.push_back(url);
+    m_started.push_back(file);
     m_changed.notify_all();
     m_changed.wait(lock, stop, [this] { return m_free > 0; });
     if (stop.stop_requested()) {
-        return {url, unmeasured, 0}; // what was let go is for one that was not cancelled
+        return {file, unmeasured, 0}; // what was let go is for one that was not cancelled
     }
     --m_free;
-    return {url, 1.0, 10};
+    return {file, 1.0, 10};
 }
 
 void HeldMeasuring::release(int count) {
@@ -49,9 +49,9 @@ void ScanModelTest::createModel() {
 
 void ScanModelTest::createModel(const Paths& files, std::map<std::string, double> lengths) {
     createModel({[files](const Paths&, const std::stop_token&) { return gathered(files); },
-                 [lengths = std::move(lengths)](const std::filesystem::path& url, const std::stop_token&) {
-                     const auto length = lengths.find(url.filename());
-                     return Measured{url, length == lengths.end() ? unmeasured : length->second, 1000};
+                 [lengths = std::move(lengths)](const std::filesystem::path& file, const std::stop_token&) {
+                     const auto length = lengths.find(file.filename());
+                     return Measured{file, length == lengths.end() ? unmeasured : length->second, 1000};
                  }});
 }
 
@@ -72,7 +72,7 @@ void ScanModelTest::record() {
     QObject::connect(observed, &ScanModel::foundChanged,
                      [=](int found) { write("found " + std::to_string(found)); });
     QObject::connect(observed, &ScanModel::statusChanged,
-                     [=](const QString& status) { write("status " + status.toStdString()); });
+                     [=](const std::string& status) { write("status " + status); });
     QObject::connect(observed, &ScanModel::zipStateChanged,
                      [=] { write("zip " + text(observed->zipState())); });
 }
@@ -103,7 +103,7 @@ std::string text(const ZipState& state) {
             return "working " + std::to_string(working.done) + "/" + std::to_string(working.total);
         }
 
-        std::string operator()(const ZipDone& done) const { return "done " + done.url.native(); }
+        std::string operator()(const ZipDone& done) const { return "done " + done.path.native(); }
 
         std::string operator()(const ZipFailed& failed) const { return "failed " + failed.text; }
     };

@@ -22,7 +22,7 @@ namespace velmora::test {
 /// Measuring that waits until a test lets it go, on the real worker threads.
 class HeldMeasuring {
 public:
-    Measured measure(const std::filesystem::path& url, const std::stop_token& stop);
+    Measured measure(const std::filesystem::path& file, const std::stop_token& stop);
 
     /// Lets `count` further measurements end.
     void release(int count);

@@ -92,7 +92,7 @@ TEST_F(ScanModelTest, EndsEmptyWhenNoFileCouldBeMeasured) {
 TEST_F(ScanModelTest, PublishesEveryFourthFileAndTheLast) {
     createModel(
         {[](const Paths&, const std::stop_token&) { return gathered(tracks(10)); },
-         [this](const fs::path& url, const std::stop_token& stop) { return held.measure(url, stop); }});
+         [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     record();
     std::vector<double> progress;
     QObject::connect(model.get(), &ScanModel::processedChanged,
@@ -113,7 +113,7 @@ TEST_F(ScanModelTest, PublishesEveryFourthFileAndTheLast) {
 TEST_F(ScanModelTest, MeasuresSixFilesAtATimeStartedInScanOrder) {
     createModel(
         {[](const Paths&, const std::stop_token&) { return gathered(tracks(12)); },
-         [this](const fs::path& url, const std::stop_token& stop) { return held.measure(url, stop); }});
+         [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     model->ingest({"/m"});
     awaitStatus("MEASURING");
     held.awaitStarted(6);
@@ -133,7 +133,7 @@ TEST_F(ScanModelTest, MeasuresSixFilesAtATimeStartedInScanOrder) {
 TEST_F(ScanModelTest, GoesOnMeasuringWhileTheMainThreadIsBusy) {
     createModel(
         {[](const Paths&, const std::stop_token&) { return gathered(tracks(60)); },
-         [this](const fs::path& url, const std::stop_token& stop) { return held.measure(url, stop); }});
+         [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     model->ingest({"/m"});
     awaitStatus("MEASURING");
     held.release(60);
@@ -148,8 +148,8 @@ TEST_F(ScanModelTest, CountsSkippedArchivesAsUnreadableBesideUnmeasuredFiles) {
         {[](const Paths&, const std::stop_token&) {
              return GatherResult{{"/m/good.wav", "/m/bad.wav"}, {"/t/velmora-A"}, {"/m/a.zip"}, {"/m/b.rar"}};
          },
-         [](const fs::path& url, const std::stop_token&) {
-             return Measured{url, url == "/m/good.wav" ? 4.5 : unmeasured, 7};
+         [](const fs::path& file, const std::stop_token&) {
+             return Measured{file, file == "/m/good.wav" ? 4.5 : unmeasured, 7};
          }});
     model->ingest({"/m/good.wav", "/m"});
     awaitStatus("COMPLETE");

@@ -18,8 +18,8 @@ protected:
                 write(folder / (std::to_string(i) + ".mp3"), "bytes of file " + std::to_string(i)));
         }
         createModel({[files](const Paths&, const std::stop_token&) { return gathered(files); },
-                     [](const fs::path& url, const std::stop_token&) {
-                         return Measured{url, 1, 1};
+                     [](const fs::path& file, const std::stop_token&) {
+                         return Measured{file, 1, 1};
                      }});
         model->ingest({folder});
         awaitStatus("COMPLETE");

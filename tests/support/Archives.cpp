@@ -146,7 +146,7 @@ Bytes rarFileFields(const Member& member, std::uint8_t method) {
 std::string noise(std::size_t size) {
     std::minstd_rand random; // the same each time
     std::string bytes(size, '\0');
-    std::generate(bytes.begin(), bytes.end(), [&] { return static_cast<char>(random()); });
+    std::ranges::generate(bytes, [&] { return static_cast<char>(random()); });
     return bytes;
 }
 

@@ -46,7 +46,7 @@ std::vector<std::string> namesIn(const fs::path& folder, std::string_view prefix
             names.push_back(std::move(name));
         }
     }
-    std::sort(names.begin(), names.end());
+    std::ranges::sort(names);
     return names;
 }
 

@@ -1,5 +1,7 @@
 #include "system/EndingSignals.h"
 
+#include "tests/support/NamedRow.h"
+
 #include <gtest/gtest.h>
 #include <poll.h>
 
@@ -19,14 +21,18 @@ bool isReadable(int descriptor) {
     return ::poll(&readable, 1, 0) == 1;
 }
 
-class EndingSignal : public testing::TestWithParam<int> {};
+struct SignalRow : NamedRow {
+    int number = 0;
+};
+
+class EndingSignal : public testing::TestWithParam<SignalRow> {};
 
 TEST_P(EndingSignal, IsCaughtUntilItIsTaken) {
     EndingSignals signals;
     EXPECT_FALSE(isReadable(signals.descriptor()));
     EXPECT_FALSE(signals.take());
 
-    std::raise(GetParam());
+    std::raise(GetParam().number);
 
     EXPECT_TRUE(isReadable(signals.descriptor()));
     EXPECT_TRUE(signals.take());
@@ -38,38 +44,39 @@ TEST_P(EndingSignal, DoesAfterwardsWhatItDidBefore) {
     handleEndingSignals(&noteHandled);
     {
         EndingSignals signals;
-        std::raise(GetParam());
+        std::raise(GetParam().number);
         EXPECT_TRUE(signals.take());
     }
     EXPECT_EQ(handled, 0) << "it was taken";
-    std::raise(GetParam());
-    EXPECT_EQ(handled, GetParam());
+    std::raise(GetParam().number);
+    EXPECT_EQ(handled, GetParam().number);
 }
 
 TEST_P(EndingSignal, IsRaisedAgainAtTheEndWhenItWasNotTaken) {
     handleEndingSignals(&noteHandled);
     {
         const EndingSignals signals;
-        std::raise(GetParam());
+        std::raise(GetParam().number);
         EXPECT_EQ(handled, 0);
     }
-    EXPECT_EQ(handled, GetParam());
+    EXPECT_EQ(handled, GetParam().number);
 }
 
 TEST_P(EndingSignal, StaysIgnoredWhereTheCallerIgnoresIt) {
-    std::signal(GetParam(), SIG_IGN);
+    std::signal(GetParam().number, SIG_IGN);
     handleEndingSignals(&noteHandled);
     std::optional<EndingSignals> signals(std::in_place);
-    std::raise(GetParam());
+    std::raise(GetParam().number);
     EXPECT_FALSE(signals->take());
     signals.reset();
-    std::raise(GetParam());
+    std::raise(GetParam().number);
     EXPECT_EQ(handled, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, EndingSignal, testing::ValuesIn(endingSignals), [](const auto& row) {
-    return row.param == SIGINT ? "Interrupt" : row.param == SIGTERM ? "Terminate" : "HangUp";
-});
+INSTANTIATE_TEST_SUITE_P(Rows, EndingSignal,
+                         testing::Values(SignalRow{"Interrupt", SIGINT}, SignalRow{"Terminate", SIGTERM},
+                                         SignalRow{"HangUp", SIGHUP}),
+                         &rowName<SignalRow>);
 
 } // namespace
 } // namespace velmora::test

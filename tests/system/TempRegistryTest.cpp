@@ -4,8 +4,11 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pthread.h>
+#include <unistd.h>
 
 #include <array>
+#include <csignal>
 #include <cstdlib>
 #include <set>
 #include <thread>
@@ -117,26 +120,55 @@ TEST(TempRegistry, SweepsNothingWhereTheTemporaryDirectoryCannotBeRead) {
     EXPECT_TRUE(fs::exists("/proc/self/task"));
 }
 
+std::array<int, 2> heldPipe{};    // written to when a thread is held
+std::array<int, 2> releasePipe{}; // a held thread goes on when it can read a byte
+
+extern "C" void holdThread(int /*signal*/) {
+    char byte = 0;
+    [[maybe_unused]] const ssize_t told = ::write(heldPipe[1], &byte, 1);
+    [[maybe_unused]] const ssize_t released = ::read(releasePipe[0], &byte, 1);
+}
+
+/// Holds `thread`, which must not be allocating memory, and returns when it stands still.
+void hold(std::thread& thread) {
+    ASSERT_EQ(::pthread_kill(thread.native_handle(), SIGUSR1), 0);
+    char byte = 0;
+    ASSERT_EQ(::read(heldPipe[0], &byte, 1), 1);
+}
+
+void releaseHeld() {
+    ASSERT_EQ(::write(releasePipe[1], "", 1), 1);
+}
+
 TEST(TempRegistry, IsNotLockedWhileItDeletes) {
-    const fs::path large = TempRegistry::freshPath("");
+    ASSERT_EQ(::pipe(heldPipe.data()) | ::pipe(releasePipe.data()), 0);
+    std::signal(SIGUSR1, &holdThread);
     constexpr int files = 1000;
-    for (int i = 0; i < files; ++i) {
-        write(large / std::to_string(i));
+    bool heldInTime = false;
+    while (!heldInTime) { // a thread that has deleted everything before it is held is no use
+        const fs::path large = TempRegistry::freshPath("");
+        for (int i = 0; i < files; ++i) {
+            write(large / std::to_string(i));
+        }
+        const fs::path added = extractionDirectory();
+        const auto remaining = [&] {
+            std::error_code error;
+            return std::distance(fs::directory_iterator(large, error), fs::directory_iterator());
+        };
+        TempRegistry::add({large});
+        std::thread releasing(&TempRegistry::releaseAll);
+        while (remaining() == files) {
+            std::this_thread::yield();
+        }
+        hold(releasing);
+        heldInTime = remaining() > 0;
+        if (heldInTime) {
+            TempRegistry::add({added}); // would wait for ever
+        }
+        releaseHeld();
+        releasing.join();
+        EXPECT_TRUE(fs::exists(added));
     }
-    const fs::path added = extractionDirectory();
-    TempRegistry::add({large});
-    std::thread releasing(&TempRegistry::releaseAll);
-    const auto remaining = [&] {
-        std::error_code error;
-        return std::distance(fs::directory_iterator(large, error), fs::directory_iterator());
-    };
-    while (remaining() == files) {
-        std::this_thread::yield();
-    }
-    TempRegistry::add({added});
-    EXPECT_GT(remaining(), 0) << "adding waited for the deletion";
-    releasing.join();
-    EXPECT_TRUE(fs::exists(added));
 }
 
 TEST(TempRegistry, TakesDirectoriesFromManyThreads) {

@@ -1,23 +1,19 @@
 #include "system/Utf8.h"
 
+#include "tests/support/NamedRow.h"
+
 #include <gtest/gtest.h>
 
-#include <ostream>
 #include <string>
 #include <vector>
 
 namespace velmora::test {
 namespace {
 
-struct TakenText {
-    std::string name;
+struct TakenText : NamedRow {
     std::string_view text;
     std::vector<std::optional<char32_t>> characters; ///< absent: one invalid byte
 };
-
-void PrintTo(const TakenText& row, std::ostream* out) {
-    *out << row.name;
-}
 
 class Utf8 : public testing::TestWithParam<TakenText> {};
 
@@ -50,7 +46,7 @@ INSTANTIATE_TEST_SUITE_P(
         TakenText{"Surrogate", "\xED\xA0\x80", {invalid, invalid, invalid}},
         TakenText{"TooLarge", "\xF4\x90\x80\x80", {invalid, invalid, invalid, invalid}},
         TakenText{"LastCharacter", "\xF4\x8F\xBF\xBF", {U'\U0010FFFF'}}),
-    [](const auto& row) { return row.param.name; });
+    &rowName<TakenText>);
 
 } // namespace
 } // namespace velmora::test

@@ -1,12 +1,13 @@
 #include "update/Version.h"
 
+#include "tests/support/NamedRow.h"
+
 #include <gtest/gtest.h>
 
 namespace velmora::test {
 namespace {
 
-struct VersionRow {
-    const char* name;
+struct VersionRow : NamedRow {
     const char* a;
     const char* b;
     bool newer;
@@ -39,7 +40,7 @@ INSTANTIATE_TEST_SUITE_P(UpdateChecker, Version, testing::Values(
     VersionRow{"LargestNumber",           "9223372036854775807",   "1",       true},
     VersionRow{"NothingIsZero",           "",                      "0",       false},
     VersionRow{"Equal",                   "1.2.3",                 "1.2.3",   false}),
-    [](const auto& row) { return row.param.name; });
+    &rowName<VersionRow>);
 // clang-format on
 
 } // namespace

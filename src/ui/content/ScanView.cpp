@@ -46,7 +46,7 @@ ZipLine line(const ZipWorking& working) {
 }
 
 ZipLine line(const ZipDone& saved) {
-    return {QStringLiteral("ZIP SAVED \u00B7 ") + text(lastComponent(saved.url)), Neon::violet};
+    return {QStringLiteral("ZIP SAVED \u00B7 ") + text(lastComponent(saved.path)), Neon::violet};
 }
 
 ZipLine line(const ZipFailed& failed) {

@@ -59,9 +59,9 @@ std::vector<NameRow> rows() {
     };
 }
 
-class ZipNamesTest : public testing::Test {
+class EntryEncodingTest : public testing::Test {
 protected:
-    ZipNamesTest() {
+    EntryEncodingTest() {
         const fs::path music = freshFolder();
         Paths files;
         for (const NameRow& row : rows()) {
@@ -75,7 +75,7 @@ protected:
     const fs::path archive = freshFolder() / "Mix.zip";
 };
 
-TEST_F(ZipNamesTest, AreKeptByteForByteOrEscaped) {
+TEST_F(EntryEncodingTest, AreKeptByteForByteOrEscaped) {
     std::map<std::string, ListedEntry> entries;
     for (const ListedEntry& entry : entriesOf(archive)) {
         entries[entry.name] = entry;
@@ -86,7 +86,7 @@ TEST_F(ZipNamesTest, AreKeptByteForByteOrEscaped) {
     }
 }
 
-TEST_F(ZipNamesTest, ComeBackFromUnzip) {
+TEST_F(EntryEncodingTest, ComeBackFromUnzip) {
     const fs::path folder = freshFolder();
     shell("LC_ALL=C.UTF-8 unzip -qq -^ " + quoted(), folder);
     const std::map<std::string, std::string> files = filesBelow(folder);
@@ -97,7 +97,7 @@ TEST_F(ZipNamesTest, ComeBackFromUnzip) {
     EXPECT_EQ(files.size(), rows().size());
 }
 
-TEST_F(ZipNamesTest, ComeBackFromBsdtarWhichComposesThem) {
+TEST_F(EntryEncodingTest, ComeBackFromBsdtarWhichComposesThem) {
     const fs::path folder = freshFolder();
     shell("LC_ALL=C.UTF-8 bsdtar -xf " + quoted() + "", folder);
     const std::map<std::string, std::string> files = filesBelow(folder);
