@@ -60,16 +60,16 @@ const std::optional<std::filesystem::path>& ffprobePath() {
 }
 
 std::optional<std::filesystem::path> firstExecutable(std::span<const std::string_view> places) {
-    const auto found = std::find_if(places.begin(), places.end(),
-                                    [](std::string_view place) { return isExecutableFile(place); });
+    const auto found =
+        std::ranges::find_if(places, [](std::string_view place) { return isExecutableFile(place); });
     return found == places.end() ? std::nullopt : std::optional<std::filesystem::path>(*found);
 }
 
-double ffprobeSeconds(const std::filesystem::path& url, const std::stop_token& stop) {
-    return ffprobeSeconds(ffprobePath(), url, {stop, deadline});
+double ffprobeSeconds(const std::filesystem::path& path, const std::stop_token& stop) {
+    return ffprobeSeconds(ffprobePath(), path, {stop, deadline});
 }
 
-double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const std::filesystem::path& url,
+double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const std::filesystem::path& path,
                       const ChildLimits& limits) {
     if (!tool) {
         return unmeasured;
@@ -79,9 +79,13 @@ double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const st
     if (!answer) {
         return unmeasured;
     }
-    const std::vector<std::string> args = {
-        "-v",        "quiet", "-show_entries", "format=duration", "-of", "default=noprint_wrappers=1:nokey=1",
-        url.native()};
+    const std::vector<std::string> args = {"-v",
+                                           "quiet",
+                                           "-show_entries",
+                                           "format=duration",
+                                           "-of",
+                                           "default=noprint_wrappers=1:nokey=1",
+                                           path.native()};
     runChild(*tool, args, answer.get(), limits); // the answer counts, not the exit status
     return secondsInAnswer(contentOf(answer));
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// The last way to time a file: the ffprobe program, where one is installed. A process a file is by far the
-// dearest way, so it is asked only about files that nothing else could time.
+// The last way to time a file: the ffprobe program, where one is installed. It costs a process
+// a file, more than any other way, so it is asked only about files that nothing else could time.
 
 #include "system/ChildProcess.h"
 
@@ -14,12 +14,12 @@
 
 namespace velmora::Collector {
 
-/// The seconds that ffprobe states for the file at `url`: positive and finite, or -1.0 when it states none,
+/// The seconds that ffprobe states for the file at `path`: positive and finite, or -1.0 when it states none,
 /// is not installed, takes longer than 30 seconds, or `stop` is requested. Blocks the calling thread.
-double ffprobeSeconds(const std::filesystem::path& url, const std::stop_token& stop = {});
+double ffprobeSeconds(const std::filesystem::path& path, const std::stop_token& stop = {});
 
 /// As above by the program `tool`, within `limits`; -1.0 without a process when `tool` is absent.
-double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const std::filesystem::path& url,
+double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const std::filesystem::path& path,
                       const ChildLimits& limits);
 
 /// Where ffprobe is looked for, in this order.

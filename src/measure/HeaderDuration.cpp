@@ -1,77 +1,46 @@
 #include "measure/HeaderDuration.h"
 
-#include "measure/bytes/ByteSource.h"
 #include "measure/formats/AsfDuration.h"
+#include "measure/formats/FormatTable.h"
 #include "measure/formats/OggDuration.h"
-#include "system/FileName.h"
-
-#include <algorithm>
-#include <array>
-#include <string>
-#include <string_view>
+#include "system/RegularFile.h"
 
 namespace velmora::HeaderDuration {
 
 namespace {
 
-using Reader = std::optional<double> (*)(const ByteSource&);
-
-struct Format {
-    std::string_view extension; // in lower case
-    Reader reader;
-};
-
-constexpr std::array<Format, 8> formats = {{
-    {"ogg", oggSeconds},
-    {"oga", oggSeconds},
-    {"opus", oggSeconds},
-    {"ogx", oggSeconds},
-    {"spx", oggSeconds},
-    {"wma", asfSeconds},
-    {"asf", asfSeconds},
-    {"wmv", asfSeconds},
-}};
-
-/// The reader for `path`; null when its extension belongs to none.
-Reader readerFor(const std::filesystem::path& path) {
-    const std::string extension = classifyingExtension(path);
-    const auto* const format = std::find_if(formats.begin(), formats.end(), [&](const Format& candidate) {
-        return candidate.extension == extension;
-    });
-    return format == formats.end() ? nullptr : format->reader;
-}
-
-std::optional<double> readPath(Reader reader, const std::filesystem::path& path) {
+std::optional<double> readPath(HeaderReader reader, const std::filesystem::path& path) {
     const std::optional<RegularFile> file = RegularFile::open(path);
     return file ? reader(sourceOf(*file)) : std::nullopt;
 }
 
 } // namespace
 
-std::optional<double> seconds(const std::filesystem::path& path, const RegularFile& file) {
-    const Reader reader = readerFor(path);
-    return reader != nullptr ? reader(sourceOf(file)) : std::nullopt;
+std::optional<Timed> timed(const std::filesystem::path& path, const ByteSource& source) {
+    const HeaderFormat* const format = headerFormatOf(path);
+    const std::optional<double> seconds = format == nullptr ? std::nullopt : format->read(source);
+    if (!seconds) {
+        return std::nullopt;
+    }
+    const bool isStated = format->basis == Basis::stated;
+    return Timed{{.seconds = *seconds,
+                  .basis = format->basis,
+                  .stated = isStated ? seconds : std::nullopt,
+                  .way = Way::headerReader},
+                 std::string(format->name)};
 }
 
 std::optional<double> seconds(const std::filesystem::path& path) {
-    const Reader reader = readerFor(path);
-    return reader != nullptr ? readPath(reader, path) : std::nullopt;
-}
-
-std::optional<double> ogg(const RegularFile& file) {
-    return oggSeconds(sourceOf(file));
+    const HeaderFormat* const format = headerFormatOf(path);
+    return format == nullptr ? std::nullopt : readPath(format->read, path);
 }
 
 std::optional<double> ogg(const std::filesystem::path& path) {
-    return readPath(oggSeconds, path);
-}
-
-std::optional<double> asf(const RegularFile& file) {
-    return asfSeconds(sourceOf(file));
+    return readPath(&oggSeconds, path);
 }
 
 std::optional<double> asf(const std::filesystem::path& path) {
-    return readPath(asfSeconds, path);
+    return readPath(&asfSeconds, path);
 }
 
 } // namespace velmora::HeaderDuration

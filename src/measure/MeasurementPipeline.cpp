@@ -8,47 +8,77 @@
 #include <sys/stat.h>
 
 #include <cmath>
-#include <optional>
+#include <utility>
 
 namespace velmora::Collector {
 
 namespace {
 
-/// What libavformat says must be longer than this, in seconds, to be believed.
+/// What was learnt from a file's content must be longer than this, in seconds, to be believed.
 constexpr double tooShort = 0.001;
 
-bool isCredible(const std::optional<double>& seconds) {
-    return seconds && *seconds > tooShort && std::isfinite(*seconds);
-}
-
-std::int64_t sizeAt(const std::filesystem::path& url) {
+std::int64_t sizeAt(const std::filesystem::path& path) {
     struct stat status {};
 
-    return ::stat(url.c_str(), &status) == 0 ? status.st_size : 0;
+    return ::stat(path.c_str(), &status) == 0 ? status.st_size : 0;
 }
 
-double secondsOf(const std::filesystem::path& url, const RegularFile& file, const std::stop_token& stop) {
-    if (stop.stop_requested()) {
-        return unmeasured;
+/// The bytes of `file`; those that are read are added to `bytesRead`. Both must outlive the source.
+ByteSource countedSource(const RegularFile& file, std::int64_t& bytesRead) {
+    return {file.size(), [&file, &bytesRead](std::int64_t offset, std::span<std::uint8_t> buffer) {
+                const std::optional<std::size_t> got = file.readAt(offset, buffer);
+                bytesRead += static_cast<std::int64_t>(got.value_or(0));
+                return got;
+            }};
+}
+
+/// The seconds that `answer` settles on: `unmeasured` if no tool is to time the file; absent if ffprobe may.
+std::optional<double> settledSeconds(const MediaAnswer& answer) {
+    using Seconds = std::optional<double>;
+    return std::visit(Cases{
+                          [](const Timed& timed) {
+                              const double seconds = timed.timing.seconds;
+                              const bool isCredible = seconds > tooShort && std::isfinite(seconds);
+                              return isCredible ? Seconds(seconds) : std::nullopt;
+                          },
+                          [](const NothingPlays&) { return Seconds(unmeasured); },
+                          [](const NotAudio&) { return Seconds(unmeasured); },
+                          [](const OverBudget&) { return Seconds(unmeasured); },
+                          [](const Unknown&) { return Seconds(); },
+                      },
+                      answer);
+}
+
+/// Goes the ways one after the other, and notes in `story` what each comes to.
+void take(Explanation& story, const std::filesystem::path& path, const RegularFile& file,
+          const std::stop_token& stop) {
+    const ByteSource source = countedSource(file, story.bytesRead);
+    if (std::optional<Timed> timed = HeaderDuration::timed(path, source)) {
+        story.measured.seconds = timed->timing.seconds;
+        story.answer = *std::move(timed);
+        return;
     }
-    if (const std::optional<double> stated = HeaderDuration::seconds(url, file)) {
-        return *stated;
-    }
-    const MediaAnswer media = mediaDuration(file, url, stop);
-    if (media.isForeign) {
-        return unmeasured;
-    }
-    return isCredible(media.seconds) ? *media.seconds : ffprobeSeconds(url, stop);
+    MediaFinding finding = mediaDuration(source, path, stop);
+    const std::optional<double> settled = settledSeconds(finding.answer);
+    story.answer = std::move(finding.answer);
+    story.budgetLeft = finding.budgetLeft;
+    story.wasFfprobeAsked = !settled;
+    story.measured.seconds = settled ? *settled : ffprobeSeconds(path, stop);
 }
 
 } // namespace
 
-Measured measure(const std::filesystem::path& url, const std::stop_token& stop) {
-    const std::optional<RegularFile> file = RegularFile::open(url);
-    if (!file) {
-        return {url, unmeasured, sizeAt(url)};
+Measured measure(const std::filesystem::path& path, const std::stop_token& stop) {
+    return explain(path, stop).measured;
+}
+
+Explanation explain(const std::filesystem::path& path, const std::stop_token& stop) {
+    const std::optional<RegularFile> file = RegularFile::open(path);
+    Explanation story{.measured = {path, unmeasured, file ? file->size() : sizeAt(path)}};
+    if (file && !stop.stop_requested()) {
+        take(story, path, *file, stop);
     }
-    return {url, secondsOf(url, *file, stop), file->size()};
+    return story;
 }
 
 } // namespace velmora::Collector

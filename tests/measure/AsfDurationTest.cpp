@@ -36,7 +36,7 @@ Bytes object(std::size_t contentSize) {
 }
 
 /// A file whose first object, of `size` bytes by its own statement, stands before the File Properties.
-Bytes behindAnObjectStating(std::uint64_t size) {
+Bytes afterAnObjectStating(std::uint64_t size) {
     return asfHeader(
         joined({AsfObject{.content = Bytes(76), .objectSize = size}.bytes(), AsfFileProperties{}.bytes()}));
 }
@@ -66,7 +66,7 @@ TEST(AsfDuration, AsksNoFlag) {
     EXPECT_EQ(secondsStating({.flags = 0xFFFF'FFFF}), 2.0);
 }
 
-TEST(AsfDuration, IsFoundBehindOtherObjects) {
+TEST(AsfDuration, IsFoundAfterOtherObjects) {
     const AsfFileProperties longer{.playDuration = 50'000'000};
     EXPECT_EQ(secondsOf(asfHeader(joined({object(0), object(1), AsfFileProperties{}.bytes(), object(7)}))),
               2.0);
@@ -93,16 +93,16 @@ TEST(AsfDuration, IsSoughtWithinTheSizeThatTheHeaderStates) {
     EXPECT_EQ(secondsOf(asfHeader(second, UINT64_MAX)), 2.0);
 }
 
-TEST(AsfDuration, IsAbsentBehindAnObjectOfImpossibleSize) {
-    EXPECT_EQ(secondsOf(behindAnObjectStating(100)), 2.0);
+TEST(AsfDuration, IsAbsentAfterAnObjectOfImpossibleSize) {
+    EXPECT_EQ(secondsOf(afterAnObjectStating(100)), 2.0);
     for (const std::uint64_t size : {0ULL, 1ULL, 23ULL, 205ULL, 1ULL << 32, 1ULL << 63, ~0ULL}) {
-        EXPECT_EQ(secondsOf(behindAnObjectStating(size)), Seconds()) << size;
+        EXPECT_EQ(secondsOf(afterAnObjectStating(size)), Seconds()) << size;
     }
-    EXPECT_EQ(secondsOf(behindAnObjectStating(204)), Seconds()) << "which reaches to the header's end";
-    EXPECT_EQ(secondsOf(behindAnObjectStating(24)), Seconds()) << "then come zeros: an object of size 0";
+    EXPECT_EQ(secondsOf(afterAnObjectStating(204)), Seconds()) << "which reaches to the header's end";
+    EXPECT_EQ(secondsOf(afterAnObjectStating(24)), Seconds()) << "then come zeros: an object of size 0";
 }
 
-TEST(AsfDuration, IsAbsentBehindAnObjectTooSmallForItsPrefixWhateverFollows) {
+TEST(AsfDuration, IsAbsentAfterAnObjectTooSmallForItsPrefixWhateverFollows) {
     // Who steps over `size` bytes finds a second object there, which leads on to the File Properties Object.
     const auto file = [](std::uint8_t size) {
         Bytes first = AsfObject{.content = Bytes(76), .objectSize = size}.bytes();

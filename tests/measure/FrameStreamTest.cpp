@@ -77,6 +77,10 @@ struct HeaderRow {
     double seconds; ///< of one frame
 };
 
+void PrintTo(const HeaderRow& row, std::ostream* out) {
+    *out << row.name;
+}
+
 class MpegHeaders : public testing::TestWithParam<HeaderRow> {};
 
 } // namespace

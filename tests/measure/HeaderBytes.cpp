@@ -38,7 +38,7 @@ Bytes joined(std::initializer_list<Bytes> parts) {
 }
 
 void overwrite(Bytes& bytes, std::size_t offset, const Bytes& part) {
-    std::copy(part.begin(), part.end(), std::next(bytes.begin(), static_cast<std::ptrdiff_t>(offset)));
+    std::ranges::copy(part, std::next(bytes.begin(), static_cast<std::ptrdiff_t>(offset)));
 }
 
 Bytes OggPage::bytes() const {

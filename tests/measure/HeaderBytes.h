@@ -15,7 +15,7 @@
 
 namespace velmora::test {
 
-/// `parts`, one behind the other.
+/// `parts`, one after the other.
 Bytes joined(std::initializer_list<Bytes> parts);
 
 /// `bytes` from `offset` on replaced by `part`, which must fit.

@@ -1,5 +1,6 @@
 #include "measure/HeaderDuration.h"
 
+#include "system/RegularFile.h"
 #include "tests/measure/HeaderBytes.h"
 #include "tests/support/Files.h"
 #include "tests/support/RealAudio.h"
@@ -60,13 +61,15 @@ TEST(HeaderDuration, ReadsAFileThatIsOpenAlready) {
     const std::optional<RegularFile> ogg = RegularFile::open(test::write(folder / "1", oggOfOneSecond()));
     const std::optional<RegularFile> asf = RegularFile::open(test::write(folder / "2", asfOfTwoSeconds()));
     ASSERT_TRUE(ogg && asf);
-    EXPECT_EQ(seconds("named.opus", *ogg), 1.0);
-    EXPECT_EQ(seconds("named.wmv", *asf), 2.0);
-    EXPECT_EQ(seconds("named.wmv", *ogg), Seconds());
-    EXPECT_EQ(HeaderDuration::ogg(*ogg), 1.0);
-    EXPECT_EQ(HeaderDuration::ogg(*asf), Seconds());
-    EXPECT_EQ(HeaderDuration::asf(*asf), 2.0);
-    EXPECT_EQ(HeaderDuration::asf(*ogg), Seconds());
+    EXPECT_FALSE(timed("named.wmv", sourceOf(*ogg)));
+    EXPECT_FALSE(timed("named.mp3", sourceOf(*ogg)));
+    const std::optional<Timed> counted = timed("named.opus", sourceOf(*ogg));
+    const std::optional<Timed> stated = timed("named.wmv", sourceOf(*asf));
+    ASSERT_TRUE(counted && stated);
+    EXPECT_EQ(counted->format, "Ogg");
+    EXPECT_EQ(counted->timing, (Timing{.seconds = 1.0, .basis = Basis::counted, .way = Way::headerReader}));
+    EXPECT_EQ(stated->format, "ASF");
+    EXPECT_EQ(stated->timing, (Timing{.seconds = 2.0, .stated = 2.0, .way = Way::headerReader}));
 }
 
 TEST(HeaderDuration, ReadsByPathWhateverTheExtension) {

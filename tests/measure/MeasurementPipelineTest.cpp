@@ -50,7 +50,7 @@ void bindSocket(const path& at) {
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
     ASSERT_LT(at.native().size(), sizeof address.sun_path);
-    std::copy(at.native().begin(), at.native().end(), std::begin(address.sun_path));
+    std::ranges::copy(at.native(), std::begin(address.sun_path));
     const FileDescriptor socket(::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0));
     ASSERT_EQ(::bind(socket.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address), 0);
 }

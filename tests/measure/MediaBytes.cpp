@@ -1,5 +1,9 @@
 #include "tests/measure/MediaBytes.h"
 
+#include "system/RegularFile.h"
+
+#include <gtest/gtest.h>
+
 #include <algorithm>
 #include <span>
 
@@ -48,11 +52,22 @@ std::string mp4Box(std::string_view type, std::string_view content) {
 
 MediaAnswer answerFor(std::string_view bytes, const std::string& name) {
     const std::span content(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
-    return mediaDuration(sourceOf(content), name, {});
+    return mediaDuration(sourceOf(content), name, {}).answer;
+}
+
+double secondsIn(const MediaAnswer& answer) {
+    const Timed* const timed = std::get_if<Timed>(&answer);
+    return timed == nullptr ? -1 : timed->timing.seconds;
 }
 
 double secondsOf(std::string_view bytes) {
-    return answerFor(bytes).seconds.value_or(-1);
+    return secondsIn(answerFor(bytes));
+}
+
+MediaAnswer answerForFile(const std::filesystem::path& path, const std::stop_token& stop) {
+    const std::optional<RegularFile> file = RegularFile::open(path);
+    EXPECT_TRUE(file) << path;
+    return file ? mediaDuration(sourceOf(*file), path, stop).answer : MediaAnswer(Unknown{});
 }
 
 } // namespace velmora::test

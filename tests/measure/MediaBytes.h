@@ -6,8 +6,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <filesystem>
+#include <stop_token>
 #include <string>
 #include <string_view>
+#include <variant>
 
 namespace velmora::test {
 
@@ -31,7 +34,17 @@ std::string mp4Box(std::string_view type, std::string_view content);
 /// What mediaDuration says to `bytes` in a file called `name`.
 MediaAnswer answerFor(std::string_view bytes, const std::string& name = "track.mp3");
 
-/// Its seconds; -1 if absent.
+/// The seconds of `answer`; -1 for every case but Timed.
+double secondsIn(const MediaAnswer& answer);
 double secondsOf(std::string_view bytes);
+
+/// Whether `answer` is the case `Case`.
+template <typename Case>
+bool is(const MediaAnswer& answer) {
+    return std::holds_alternative<Case>(answer);
+}
+
+/// What mediaDuration says to the file at `path`.
+MediaAnswer answerForFile(const std::filesystem::path& path, const std::stop_token& stop = {});
 
 } // namespace velmora::test

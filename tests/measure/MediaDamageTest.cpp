@@ -26,15 +26,19 @@ struct DamageRow {
     bool tellsWhatIsThere = true;
 };
 
+void PrintTo(const DamageRow& row, std::ostream* out) {
+    *out << row.extension;
+}
+
 std::string sample(const DamageRow& row) {
     const fs::path path = freshFolder() / ("track." + std::string(row.extension));
     return read(row.command.empty() ? encodeAudio(path, shape) : encodeAudio(path, row.command, shape));
 }
 
 void expectSane(const MediaAnswer& answer, std::size_t at) {
-    if (answer.seconds) {
-        EXPECT_TRUE(std::isfinite(*answer.seconds)) << at;
-        EXPECT_GT(*answer.seconds, 0) << at;
+    if (is<Timed>(answer)) {
+        EXPECT_TRUE(std::isfinite(secondsIn(answer))) << at;
+        EXPECT_GT(secondsIn(answer), 0) << at;
     }
 }
 
@@ -50,9 +54,9 @@ TEST_P(MediaDamage, CutOffNeverPlaysLonger) {
     for (std::size_t length = 0; length < whole.size(); length += length < 600 ? 1 : step) {
         const MediaAnswer answer = answerFor(std::string_view(whole).substr(0, length));
         expectSane(answer, length);
-        EXPECT_LE(answer.seconds.value_or(0), seconds + 1e-6) << length << " bytes of " << whole.size();
+        EXPECT_LE(secondsIn(answer), seconds + 1e-6) << length << " bytes of " << whole.size();
         if (GetParam().tellsWhatIsThere && length < whole.size() / 2) {
-            EXPECT_LE(answer.seconds.value_or(0), seconds * 0.8) << length << " bytes of " << whole.size();
+            EXPECT_LE(secondsIn(answer), seconds * 0.8) << length << " bytes of " << whole.size();
         }
     }
 }

@@ -1,7 +1,6 @@
 // Every format a real encoder exists for, against the length of what was encoded.
 
-#include "measure/MediaDuration.h"
-
+#include "tests/measure/MediaBytes.h"
 #include "tests/support/Files.h"
 #include "tests/support/RealAudio.h"
 
@@ -13,17 +12,15 @@ namespace velmora::test {
 
 namespace {
 
-MediaAnswer measured(const fs::path& path) {
-    const std::optional<RegularFile> file = RegularFile::open(path);
-    EXPECT_TRUE(file) << path;
-    return file ? mediaDuration(*file, path, {}) : MediaAnswer{};
-}
-
 /// The default encoder for the extension, and by how many seconds its output may play longer.
 struct EncodedRow {
     std::string extension;
     double longer = 0;
 };
+
+void PrintTo(const EncodedRow& row, std::ostream* out) {
+    *out << row.extension;
+}
 
 class EncodedMedia : public testing::TestWithParam<EncodedRow> {};
 
@@ -33,7 +30,7 @@ TEST_P(EncodedMedia, HasTheLengthOfItsSource) {
     const EncodedRow& row = GetParam();
     const AudioShape shape;
     const fs::path path = encodeAudio(freshFolder() / ("track." + row.extension), shape);
-    const double seconds = measured(path).seconds.value_or(-1);
+    const double seconds = secondsIn(answerForFile(path));
     EXPECT_GE(seconds, shape.seconds() - 0.001);
     EXPECT_LE(seconds, shape.seconds() + row.longer + 0.001);
 }

@@ -57,7 +57,7 @@ TEST(OggDuration, CountsOpusAt48kHzLessThePreSkipWhateverTheInputRate) {
     EXPECT_EQ(secondsOf(oggFile(test::opusHeader(0xFFFF, 0), 48'000 + 0xFFFF)), 1.0);
 }
 
-TEST(OggDuration, IsAbsentWithoutSamplesBehindThePreSkip) {
+TEST(OggDuration, IsAbsentWithoutSamplesAfterThePreSkip) {
     EXPECT_EQ(secondsOf(oggFile(test::opusHeader(312, 48'000), 311)), Seconds());
     EXPECT_EQ(secondsOf(oggFile(test::opusHeader(312, 48'000), 312)), Seconds());
     EXPECT_EQ(secondsOf(oggFile(test::opusHeader(312, 48'000), 313)), 1.0 / 48'000);
@@ -113,7 +113,7 @@ TEST(OggDuration, TakesAHeaderThatEndsWithTheFile) {
     EXPECT_EQ(secondsOf(test::vorbisFile(joined({Bytes(60), empty.bytes()}))), 1.0);
 }
 
-TEST(OggDuration, WantsMoreThan40BytesBehindTheFirstPagesHeader) {
+TEST(OggDuration, WantsMoreThan40BytesAfterTheFirstPagesHeader) {
     for (const std::uint8_t segments : std::to_array<std::uint8_t>({0, 1, 2, 100, 254, 255})) {
         const std::size_t tooSmall = segments + 67;
         EXPECT_EQ(secondsOf(onePage(segments, tooSmall)), Seconds()) << int{segments};
@@ -204,7 +204,7 @@ TEST(OggCodecs, AreKnownByEveryByteOfTheirSignature) {
 TEST(OggCodecs, OfOtherKindsAreUnknown) {
     EXPECT_EQ(identifyOggCodec({}), Codec());
     EXPECT_EQ(identifyOggCodec(Bytes(80)), Codec());
-    const std::string theora = "\x80theora and more than enough bytes behind it";
+    const std::string theora = "\x80theora and more than enough bytes after it";
     EXPECT_EQ(identifyOggCodec(Bytes(theora.begin(), theora.end())), Codec());
 }
 

@@ -19,7 +19,7 @@ using test::Read;
 
 using Seconds = std::optional<double>;
 
-constexpr std::size_t longestTail = 262'144;
+constexpr std::size_t maxTail = 262'144;
 
 Bytes page(std::uint64_t granule) {
     return OggPage{.granulePosition = granule, .segments = 0}.bytes();
@@ -80,11 +80,11 @@ TEST(OggReads, LittleMoreThanTwiceTheWayToThePageThatCounts) {
 }
 
 TEST(OggReads, NoByteTwiceAndNoneBeyondTheTailOfAFileWithoutAnEnd) {
-    for (const std::size_t size : {400UL, 8'000UL, 9'000UL, 100'000UL, longestTail, 3 * longestTail}) {
+    for (const std::size_t size : {400UL, 8'000UL, 9'000UL, 100'000UL, maxTail, 3 * maxTail}) {
         const Bytes file = test::vorbisFile(Bytes(size));
         const Outcome outcome = outcomeOf(file);
         EXPECT_EQ(outcome.seconds, Seconds()) << size;
-        const auto tailStart = static_cast<std::int64_t>(file.size() - std::min(file.size(), longestTail));
+        const auto tailStart = static_cast<std::int64_t>(file.size() - std::min(file.size(), maxTail));
         const std::vector<Read> tail(outcome.reads.begin() + 1, outcome.reads.end());
         for (const Read& read : tail) {
             EXPECT_GE(read.offset, tailStart) << size;
@@ -96,7 +96,7 @@ TEST(OggReads, NoByteTwiceAndNoneBeyondTheTailOfAFileWithoutAnEnd) {
 
 TEST(OggReads, ThePageThatBeginsTheTailButNoneBefore) {
     const Bytes lone = page(44'100);
-    const Bytes rest(longestTail - lone.size());
+    const Bytes rest(maxTail - lone.size());
     EXPECT_EQ(outcomeOf(test::vorbisFile(joined({Bytes(70'000), lone, rest}))).seconds, 1.0);
     EXPECT_EQ(outcomeOf(test::vorbisFile(joined({Bytes(70'000), lone, rest, Bytes(1)}))).seconds, Seconds());
 }

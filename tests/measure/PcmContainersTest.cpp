@@ -88,9 +88,8 @@ TEST(Wav, IsWhatTheFileHoldsWhateverItsHeaderSays) {
 
 TEST(Wav, ThatIsEmptyPlaysNothing) {
     const std::string head = riffChunk("fmt ", pcm8k);
-    EXPECT_FALSE(answerFor(riff(head + dataChunk(0, 0))).seconds);
-    EXPECT_TRUE(answerFor(riff(head + dataChunk(0, 0))).isForeign) << "and no other tool may guess";
-    EXPECT_FALSE(answerFor(riff(head + dataChunk(0, 0) + riffChunk("LIST", zeros(400)))).seconds);
+    EXPECT_TRUE(is<NothingPlays>(answerFor(riff(head + dataChunk(0, 0))))) << "and no other tool may guess";
+    EXPECT_FALSE(is<Timed>(answerFor(riff(head + dataChunk(0, 0) + riffChunk("LIST", zeros(400))))));
 }
 
 TEST(Wav, ReadsItsRelatives) {
@@ -156,7 +155,7 @@ TEST(Aiff, IsWhatItStatesClampedToItsSound) {
                 1e-9);
     EXPECT_NEAR(secondsOf(aiff(common(0) + "SSND" + be(0, 4) + zeros(8 + 16'000))), second, 1e-9)
         << "a pipe's";
-    EXPECT_FALSE(answerFor(aiff(common(8'000))).seconds);
+    EXPECT_FALSE(is<Timed>(answerFor(aiff(common(8'000)))));
 }
 
 TEST(Aiff, KnowsCompressions) {
@@ -170,9 +169,10 @@ TEST(Aiff, KnowsCompressions) {
 TEST(Aiff, IsWhatItStatesForACompressionThatNobodyKnows) {
     const std::string file = aiff(common(8'000, "DWVW") + sound(9'000), "AIFC");
     EXPECT_NEAR(secondsOf(file), second, 1e-9);
-    EXPECT_FALSE(answerFor(file.substr(0, file.size() - 1)).seconds) << "cut off";
-    EXPECT_FALSE(answerFor(aiff(common(8'000, "DWVW"), "AIFC")).seconds) << "without sound";
-    EXPECT_FALSE(answerFor(aiff(common(50, "DWVW") + sound(1'750), "AIFC")).seconds) << "a count of packets";
+    EXPECT_FALSE(is<Timed>(answerFor(file.substr(0, file.size() - 1)))) << "cut off";
+    EXPECT_FALSE(is<Timed>(answerFor(aiff(common(8'000, "DWVW"), "AIFC")))) << "without sound";
+    EXPECT_FALSE(is<Timed>(answerFor(aiff(common(50, "DWVW") + sound(1'750), "AIFC"))))
+        << "a count of packets";
 }
 
 TEST(Au, IsWhatTheFileHolds) {

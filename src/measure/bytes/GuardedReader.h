@@ -7,6 +7,7 @@
 
 #include "measure/bytes/ByteSource.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <cstddef>
@@ -52,6 +53,9 @@ public:
 
     /// True once the budget is spent, the deadline is past or the measurement was stopped.
     bool isOver() const;
+
+    /// Bytes that may still be read in search of audio, at least 0.
+    std::int64_t budgetLeft() const { return std::max<std::int64_t>(m_budget, 0); }
 
     /// A piece of media was found: budget and deadline begin anew for the search of the next.
     void renew();

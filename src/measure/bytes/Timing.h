@@ -23,12 +23,11 @@ enum class Doubt : std::uint8_t {
     disagrees,  ///< the audio that is there says otherwise
 };
 
-/// Which part of the program found a length.
+/// Who found a length in process.
 enum class Way : std::uint8_t {
     headerReader, ///< a reader of our own, chosen by the file's extension
     ownReader,    ///< a reader of our own, chosen by the file's first bytes
-    libavformat,  ///< in process
-    ffprobe,      ///< the program
+    libavformat,
 };
 
 /// One answer of a reader.

@@ -171,9 +171,7 @@ void learnPackets(AVFormatContext& context, GuardedReader& reader) {
 
 /// The longest of `sums` by `seconds`, a member function of theirs.
 Timing longestOf(const std::vector<SegmentSum>& sums, double (SegmentSum::*seconds)() const) {
-    Timing timing;
-    timing.basis = Basis::counted;
-    timing.way = Way::libavformat;
+    Timing timing{.basis = Basis::counted, .way = Way::libavformat};
     for (const SegmentSum& sum : sums) {
         if ((sum.*seconds)() > timing.seconds) {
             timing.seconds = (sum.*seconds)();
@@ -205,14 +203,6 @@ std::optional<Timing> soughtTiming(AVFormatContext& context, GuardedReader& read
     return timing.seconds > 0 && !reader.isOver() ? std::optional(timing) : std::nullopt;
 }
 
-Timing statedTiming(std::optional<double> stated) {
-    Timing timing;
-    timing.seconds = stated.value_or(0);
-    timing.stated = stated;
-    timing.way = Way::libavformat;
-    return timing;
-}
-
 } // namespace
 
 std::optional<Timing> LibavModule::duration(GuardedReader& reader, std::int64_t start,
@@ -228,7 +218,7 @@ std::optional<Timing> LibavModule::duration(GuardedReader& reader, std::int64_t 
     }
     const bool mayGetStreams = (context->ctx_flags & AVFMTCTX_NOHEADER) != 0;
     if (stated || (!hasAudio(*context) && !mayGetStreams)) {
-        return statedTiming(stated);
+        return Timing{.seconds = stated.value_or(0), .stated = stated, .way = Way::libavformat};
     }
     if (hasMoreThanAudio(*context) && context->duration > 0) {
         // If there is no index, all packets are read from a fresh start: a doubt makes it so.
