@@ -37,6 +37,10 @@ TEST(Layout, EveryArrowBetweenFoldersIsDrawn) {
         }
     });
 
+    forEachSource("tools", [&](const fs::path& relative, const std::string& text) {
+        std::ranges::move(wrongIncludes("tools" / relative, text), std::back_inserter(wrong));
+    });
+
     EXPECT_THAT(wrong, IsEmpty());
     EXPECT_GT(files, 30) << "the sources were not found";
 }
@@ -64,7 +68,7 @@ TEST(Layout, EveryArrowBetweenViewsIsDrawn) {
 }
 
 TEST(Layout, NoSourceFileIsLongerThanCanBeReadAtOnce) {
-    for (const std::string folder : {"src", "tests", "bench"}) {
+    for (const std::string folder : {"src", "tests", "tools", "bench"}) {
         forEachSource(folder, [&folder](const fs::path& relative, const std::string& text) {
             EXPECT_LE(lineCount(text), maxLines) << folder / relative;
         });
@@ -114,6 +118,7 @@ INSTANTIATE_TEST_SUITE_P(
         ArrowCase{"CommandLineToModel", "cli/Main.cpp", "#include \"scan/ScanModel.h\"", true},
         ArrowCase{"CommandLineToMeasure", "cli/Main.cpp", "#include \"measure/formats/OggDuration.h\"",
                   false},
+        ArrowCase{"ToolsToReaders", "tools/Explain.cpp", "#include \"measure/formats/OggDuration.h\"", false},
         ArrowCase{"ViewsToPictures", "ui/Views.cpp", "#include \"screenshots/Screenshots.h\"", false},
         ArrowCase{"WindowToPictures", "app/main.cpp", "#include \"screenshots/Screenshots.h\"", true},
         ArrowCase{"FormatsToBytes", "measure/formats/WavDuration.cpp",

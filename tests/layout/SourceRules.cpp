@@ -29,6 +29,7 @@ const std::array floors = {
     Floor{"measure",
           {"measure/bytes", "measure/frames", "measure/libav", "measure/formats", "records", "system"},
           {}},
+    Floor{"tools", {"measure", "measure/bytes", "records", "system"}, {}},
     Floor{"export", {"records", "system"}, {}},
     Floor{"scan", {"gather", "measure", "export", "records", "system"}, {"QtCore"}},
     Floor{"cli", {"scan", "records", "system"}, {"QtCore"}},
