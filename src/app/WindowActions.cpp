@@ -1,7 +1,7 @@
 #include "app/WindowActions.h"
 
 #include "app/desktop/FileReveal.h"
-#include "app/panels/Panels.h"
+#include "app/dialogs/FileDialogs.h"
 #include "scan/ScanModel.h"
 #include "ui/content/ScanView.h"
 #include "update/UpdateChecker.h"

@@ -25,7 +25,7 @@ public:
     /// All of these outlive the actions.
     WindowActions(ScanModel& model, ScanView& view, Alerts& alerts);
 
-    /// The window over which panels are shown; none until it exists.
+    /// The window over which dialogs are shown; none until it exists.
     void setWindow(QWindow* window) { m_window = window; }
 
     /// What "Check for Updates…" does.

@@ -1,8 +1,8 @@
 // Velmora: drop audio on the window, see how long it plays.
 
+#include "app/AppArguments.h"
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
-#include "app/Launch.h"
 #include "app/desktop/GraphicsProbe.h"
 #include "app/desktop/SingleInstance.h"
 #include "screenshots/Screenshots.h"
@@ -77,22 +77,22 @@ int openWindow(int argc, char** argv, const Paths& paths) {
 }
 
 int run(int argc, char** argv) {
-    const Launch launch = readLaunch({argv + std::min(argc, 1), argv + argc});
-    if (launch.renderInto) {
-        return render(argc, argv, *launch.renderInto);
+    const AppArguments arguments = readArguments({argv + std::min(argc, 1), argv + argc});
+    if (arguments.renderInto) {
+        return render(argc, argv, *arguments.renderInto);
     }
-    if (launch.help) {
+    if (arguments.help) {
         return std::fputs(usage, stdout) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
     }
-    if (launch.version) {
+    if (arguments.version) {
         const QString version = UpdateChecker::currentVersion();
         return std::printf("velmora %s\n", qPrintable(version)) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
     }
-    if (!launch.unknownOption.empty()) {
-        std::fprintf(stderr, "velmora: unknown option '%s'\n%s", launch.unknownOption.c_str(), usage);
+    if (!arguments.unknownOption.empty()) {
+        std::fprintf(stderr, "velmora: unknown option '%s'\n%s", arguments.unknownOption.c_str(), usage);
         return usageError;
     }
-    return openWindow(argc, argv, launch.paths);
+    return openWindow(argc, argv, arguments.paths);
 }
 
 } // namespace

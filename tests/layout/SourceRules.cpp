@@ -41,9 +41,9 @@ const std::array floors = {
     Floor{"ui", {"ui/kit"}, {"*"}},
     Floor{"screenshots", {"ui", "ui/kit", "ui/content", "scan", "records", "system"}, {"*"}},
     Floor{"app/desktop", {"system"}, {"*"}},
-    Floor{"app/panels", {"app/desktop", "ui/kit", "system"}, {"*"}},
+    Floor{"app/dialogs", {"app/desktop", "ui/kit", "system"}, {"*"}},
     Floor{"app",
-          {"app/desktop", "app/panels", "screenshots", "ui", "ui/kit", "ui/content", "ui/window", "update",
+          {"app/desktop", "app/dialogs", "screenshots", "ui", "ui/kit", "ui/content", "ui/window", "update",
            "scan", "records", "system"},
           {"*"}},
 };

@@ -1,6 +1,6 @@
 // Writes a picture of every state of the window, for people to look at:
 //   velmora_picture_book DIRECTORY [WIDTH HEIGHT [SCALE [STATE…]]]
-// WIDTH and HEIGHT are those of the content, in points; the strip on top comes on top. The same bytes on
+// WIDTH and HEIGHT are those of the content, in points; the title bar is added to HEIGHT. The same bytes on
 // every run.
 
 #include "app/WindowActions.h"
@@ -191,7 +191,7 @@ std::map<std::string, Page> alertPages() {
 bool write(const Page& page, const QSize& points, const std::filesystem::path& path) {
     Stage stage;
     stage.scan.show(page.state);
-    stage.window->resize(points + QSize(0, static_cast<int>(stage.item("titleStrip")->height())));
+    stage.window->resize(points + QSize(0, static_cast<int>(stage.item("titleBar")->height())));
     stage.window->show();
     stage.window->requestActivate();
     if (!QTest::qWaitForWindowActive(stage.window.get())) {

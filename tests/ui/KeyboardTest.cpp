@@ -53,7 +53,7 @@ TEST_F(KeyboardTest, ReachesEveryControlOfTheWindowInTurn) {
     EXPECT_THAT(tabs(4), ElementsAre("closeButton", "chooseButton", "menuButton", "minimizeButton"));
 }
 
-TEST_F(KeyboardTest, PressesTheStripsButtonsToo) {
+TEST_F(KeyboardTest, PressesTheButtonsOfTheTitleBarToo) {
     openWindow();
     tabs(2);
     press(Qt::Key_Space);

@@ -3,7 +3,7 @@
 #include "tests/ui/UiTest.h"
 #include "ui/kit/Neon.h"
 #include "ui/kit/PaintedGlowText.h"
-#include "ui/scenery/WaveImage.h"
+#include "ui/scenery/RibbonImage.h"
 
 #include <QPainter>
 
@@ -178,19 +178,19 @@ TEST_F(LightTest, ColoursTheEmblemsSymbolFromTopToBottom) {
 }
 
 TEST_F(LightTest, DrawsTheLastRibbonFaintest) {
-    WaveShape shape = WaveShape::at({800, 400}, 1, 812'000'000);
-    for (RibbonCurve& curve : shape.curves) {
-        if (&curve != &shape.curves.back()) {
+    RibbonSet ribbons = RibbonSet::at({800, 400}, 1, 812'000'000);
+    for (RibbonCurve& curve : ribbons.curves) {
+        if (&curve != &ribbons.curves.back()) {
             curve.ribbon.violetOpacity = 0;
             curve.ribbon.indigoOpacity = 0;
         }
     }
     constexpr double scale = 4; // so that the stroke fills whole pixels
-    WaveImage wave;
-    wave.draw(shape, scale);
+    RibbonImage drawn;
+    drawn.draw(ribbons, scale);
     const auto opacityAt = [&](double x) {
-        const double y = shape.curves.back().at(x).y - wave.area().top();
-        return wave.image().pixelColor(static_cast<int>(x * scale), static_cast<int>(y * scale)).alphaF();
+        const double y = ribbons.curves.back().at(x).y - drawn.area().top();
+        return drawn.image().pixelColor(static_cast<int>(x * scale), static_cast<int>(y * scale)).alphaF();
     };
     const auto withGlow = [](double stroke) { return stroke + (1 - stroke) * stroke * 1.3 / (14 * 2.5066); };
     EXPECT_NEAR(opacityAt(400), withGlow(0.32), 0.015);

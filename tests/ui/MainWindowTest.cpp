@@ -71,7 +71,7 @@ TEST_F(MainWindowTest, ClosesItsMenuWithoutACommand) {
     EXPECT_EQ(actions.asked, QStringList());
 }
 
-TEST_F(MainWindowTest, MaximisesByDoubleClickOnTheStrip) {
+TEST_F(MainWindowTest, MaximisesByDoubleClickOnTheTitleBar) {
     openWindow();
     QTest::mouseDClick(window.get(), Qt::LeftButton, {}, {400, 14});
     EXPECT_TRUE(QTest::qWaitFor([&] { return window->visibility() == QWindow::Maximized; }));

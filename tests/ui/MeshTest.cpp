@@ -1,8 +1,8 @@
 // The mesh that a GPU is given, drawn here as a GPU would draw it, against the image that is shown without
 // one.
 
-#include "ui/scenery/WaveGeometry.h"
-#include "ui/scenery/WaveImage.h"
+#include "ui/scenery/RibbonImage.h"
+#include "ui/scenery/RibbonMesh.h"
 
 #include <QImage>
 #include <QPainter>
@@ -17,7 +17,7 @@
 namespace velmora::test {
 namespace {
 
-using Corner = QSGGeometry::ColoredPoint2D;
+using Vertex = QSGGeometry::ColoredPoint2D;
 
 /// A picture of premultiplied colours: red, green, blue, opacity, from 0 to 255.
 struct Canvas {
@@ -27,12 +27,12 @@ struct Canvas {
 };
 
 /// Twice the area to the left of the line from `a` to (x, y), seen from `b`.
-double side(const Corner& a, const Corner& b, double x, double y) {
+double side(const Vertex& a, const Vertex& b, double x, double y) {
     return (double{b.x} - a.x) * (y - a.y) - (double{b.y} - a.y) * (x - a.x);
 }
 
 /// Whether a pixel on the edge from `a` to `b` belongs to the triangle: to one of two that share it.
-bool owns(const Corner& a, const Corner& b) {
+bool owns(const Vertex& a, const Vertex& b) {
     return b.y < a.y || (b.y == a.y && b.x > a.x);
 }
 
@@ -42,7 +42,7 @@ void blend(std::array<double, 4>& pixel, const std::array<double, 4>& color) {
     }
 }
 
-void drawTriangle(Canvas& canvas, const Corner& a, Corner b, Corner c, double scale) {
+void drawTriangle(Canvas& canvas, const Vertex& a, Vertex b, Vertex c, double scale) {
     double area = side(a, b, c.x, c.y);
     if (area < 0) {
         std::swap(b, c);
@@ -74,27 +74,27 @@ void drawTriangle(Canvas& canvas, const Corner& a, Corner b, Corner c, double sc
 Canvas drawn(const QSGGeometry& mesh, const QSize& points, double scale) {
     Canvas canvas{static_cast<int>(points.width() * scale), static_cast<int>(points.height() * scale), {}};
     canvas.pixels.resize(static_cast<std::size_t>(canvas.width) * static_cast<std::size_t>(canvas.height));
-    const Corner* corners = mesh.vertexDataAsColoredPoint2D();
-    const auto corner = [&](int i) {
-        return corners[mesh.indexType() == QSGGeometry::UnsignedShortType ? mesh.indexDataAsUShort()[i]
-                                                                          : mesh.indexDataAsUInt()[i]];
+    const Vertex* vertices = mesh.vertexDataAsColoredPoint2D();
+    const auto vertex = [&](int i) {
+        return vertices[mesh.indexType() == QSGGeometry::UnsignedShortType ? mesh.indexDataAsUShort()[i]
+                                                                           : mesh.indexDataAsUInt()[i]];
     };
     for (int i = 0; i < mesh.indexCount(); i += 3) {
-        drawTriangle(canvas, corner(i), corner(i + 1), corner(i + 2), scale);
+        drawTriangle(canvas, vertex(i), vertex(i + 1), vertex(i + 2), scale);
     }
     return canvas;
 }
 
-/// How alike the mesh and the image of `shape` are on black.
-double decibels(WaveGeometry& geometry, const WaveShape& shape, double scale) {
-    const QSize points = shape.size.toSize();
-    geometry.draw(shape, scale);
+/// How alike the mesh and the image of `ribbons` are on black.
+double decibels(RibbonMesh& geometry, const RibbonSet& ribbons, double scale) {
+    const QSize points = ribbons.size.toSize();
+    geometry.draw(ribbons, scale);
     const Canvas canvas = drawn(*geometry.geometry(), points, scale);
-    WaveImage wave;
-    wave.draw(shape, scale);
+    RibbonImage drawn;
+    drawn.draw(ribbons, scale);
     QImage image(canvas.width, canvas.height, QImage::Format_RGB32);
     image.fill(Qt::black);
-    QPainter(&image).drawImage(QPointF(0, wave.area().top() * scale), wave.image());
+    QPainter(&image).drawImage(QPointF(0, drawn.area().top() * scale), drawn.image());
     double squares = 0;
     for (int y = 0; y < canvas.height; ++y) {
         for (int x = 0; x < canvas.width; ++x) {
@@ -107,27 +107,27 @@ double decibels(WaveGeometry& geometry, const WaveShape& shape, double scale) {
     return 10 * std::log10(255.0 * 255 * 3 * canvas.width * canvas.height / squares);
 }
 
-TEST(WaveMesh, LooksAsTheImageDoes) {
+TEST(RibbonMeshTest, LooksAsTheImageDoes) {
     for (const double scale : {1.0, 2.0}) {
-        WaveGeometry geometry;
-        EXPECT_GT(decibels(geometry, WaveShape::at({600, 400}, 0.74, 812'000'000), scale), 50) << scale;
+        RibbonMesh geometry;
+        EXPECT_GT(decibels(geometry, RibbonSet::at({600, 400}, 0.74, 812'000'000), scale), 50) << scale;
     }
 }
 
-TEST(WaveMesh, KeepsItsJointsWhileTheWidthStays) {
-    WaveGeometry geometry;
-    WaveShape shape;
+TEST(RibbonMeshTest, KeepsItsIndicesWhileTheWidthStays) {
+    RibbonMesh geometry;
+    RibbonSet ribbons;
     for (const QSizeF& size : {QSizeF(600, 400), QSizeF(600, 400), QSizeF(600, 300), QSizeF(500, 300)}) {
-        shape.move(size, 1, 812'000'000 + size.width());
-        EXPECT_GT(decibels(geometry, shape, 1), 50) << size.width() << " " << size.height();
+        ribbons.move(size, 1, 812'000'000 + size.width());
+        EXPECT_GT(decibels(geometry, ribbons, 1), 50) << size.width() << " " << size.height();
     }
 }
 
-TEST(WaveMesh, CountsTheCornersOfAWideFieldToTheLast) {
-    WaveGeometry geometry;
-    geometry.draw(WaveShape::at({1000, 100}, 1, 3), 1);
+TEST(RibbonMeshTest, CountsTheVerticesOfAWideFieldToTheLast) {
+    RibbonMesh geometry;
+    geometry.draw(RibbonSet::at({1000, 100}, 1, 3), 1);
     EXPECT_EQ(geometry.geometry()->indexType(), QSGGeometry::UnsignedShortType);
-    EXPECT_GT(decibels(geometry, WaveShape::at({8000, 60}, 1, 3), 1), 48);
+    EXPECT_GT(decibels(geometry, RibbonSet::at({8000, 60}, 1, 3), 1), 48);
     EXPECT_EQ(geometry.geometry()->indexType(), QSGGeometry::UnsignedIntType);
 }
 

@@ -1,8 +1,8 @@
 #include "tests/ui/UiTest.h"
 #include "ui/kit/Glow.h"
 #include "ui/kit/Neon.h"
+#include "ui/scenery/RibbonImage.h"
 #include "ui/scenery/SpectrumFormula.h"
-#include "ui/scenery/WaveImage.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -65,7 +65,7 @@ TEST_F(SceneryTest, DrawsAFaintLineEveryThirtyFourPoints) {
     EXPECT_NEAR((onLines - beside) / cells, 0.045 * 0.5, 0.004);
 }
 
-TEST_F(SceneryTest, DrawsTheWaveWhereTheFormulaPutsIt) {
+TEST_F(SceneryTest, DrawsTheRibbonsWhereTheFormulaPutsThem) {
     showItem("WaveField", {940, 660}, 1);
     const QImage image = grab();
     const std::vector<double> path = ribbonPath(ribbon(0, 660, 1, someTime), ribbonEnvelopes(940), 940, 660);
@@ -80,17 +80,17 @@ TEST_F(SceneryTest, DrawsTheWaveWhereTheFormulaPutsIt) {
 }
 
 /// The field drawn with a general painter and a general blur.
-QImage paintedWave(const WaveShape& shape) {
-    QImage sharp(shape.size.toSize(), QImage::Format_ARGB32_Premultiplied);
+QImage paintedRibbons(const RibbonSet& ribbons) {
+    QImage sharp(ribbons.size.toSize(), QImage::Format_ARGB32_Premultiplied);
     sharp.fill(Qt::transparent);
     QPainter painter(&sharp);
     painter.setRenderHint(QPainter::Antialiasing);
-    for (const RibbonCurve& curve : shape.curves) {
+    for (const RibbonCurve& curve : ribbons.curves) {
         QPolygonF line;
         for (std::size_t i = 0; i < curve.path.size(); ++i) {
             line << QPointF(static_cast<double>(i) * ribbonStep, curve.path[i]);
         }
-        QLinearGradient gradient(0, 0, shape.size.width(), 0);
+        QLinearGradient gradient(0, 0, ribbons.size.width(), 0);
         gradient.setColorAt(0, Neon::faded(Neon::violet, curve.ribbon.violetOpacity));
         gradient.setColorAt(0.5, Neon::faded(Neon::indigo, curve.ribbon.indigoOpacity));
         gradient.setColorAt(1, Neon::faded(Neon::violet, curve.ribbon.violetOpacity));
@@ -126,14 +126,14 @@ QImage paintedWave(const WaveShape& shape) {
     return result;
 }
 
-TEST_F(SceneryTest, DrawsTheWaveByHandAsAGeneralPainterWould) {
-    const WaveShape shape = WaveShape::at({600, 400}, 0.74, someTime);
-    WaveImage wave;
-    wave.draw(shape, 1);
+TEST_F(SceneryTest, DrawsTheRibbonsByHandAsAGeneralPainterWould) {
+    const RibbonSet ribbons = RibbonSet::at({600, 400}, 0.74, someTime);
+    RibbonImage field;
+    field.draw(ribbons, 1);
     QImage drawn(600, 400, QImage::Format_RGB32);
     drawn.fill(Qt::black);
-    QPainter(&drawn).drawImage(wave.area(), wave.image());
-    const QImage expected = paintedWave(shape);
+    QPainter(&drawn).drawImage(field.area(), field.image());
+    const QImage expected = paintedRibbons(ribbons);
     double squares = 0;
     for (int y = 0; y < 400; ++y) {
         for (int x = 0; x < 600; ++x) {
@@ -146,10 +146,10 @@ TEST_F(SceneryTest, DrawsTheWaveByHandAsAGeneralPainterWould) {
     EXPECT_GT(decibels, 42);
 }
 
-TEST_F(SceneryTest, DrawsAWaveWithoutWidth) {
-    WaveImage wave;
-    wave.draw(WaveShape::at({0, 660}, 1, someTime), 1);
-    EXPECT_TRUE(wave.image().isNull() || wave.image().width() == 0);
+TEST_F(SceneryTest, DrawsAFieldWithoutWidth) {
+    RibbonImage field;
+    field.draw(RibbonSet::at({0, 660}, 1, someTime), 1);
+    EXPECT_TRUE(field.image().isNull() || field.image().width() == 0);
     show("WaveField", {{"intensity", 1.0}, {"time", someTime}}, {1, 100});
     EXPECT_EQ(grab().width(), 1);
 }

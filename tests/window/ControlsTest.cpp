@@ -33,14 +33,14 @@ TEST_F(ControlsTest, StartAnew) {
     awaitShown("STANDBY");
 }
 
-TEST_F(ControlsTest, OpenThePanelForSources) {
+TEST_F(ControlsTest, OpenTheDialogForSources) {
     open();
     click("CHOOSE…");
     awaitActive("Choose a folder, archive, or audio files");
     awaitShown("Measure");
 }
 
-TEST_F(ControlsTest, OpenThePanelForTheZip) {
+TEST_F(ControlsTest, OpenTheDialogForTheZip) {
     openOnResult();
     click("ZIP…");
     awaitActive("Save a zip of the 2 audio files");

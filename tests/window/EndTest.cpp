@@ -53,7 +53,7 @@ TEST_F(EndTest, IsACommandOfTheMenu) {
     expectEndWithoutATrace();
 }
 
-TEST_F(EndTest, IsAButtonOfTheStrip) {
+TEST_F(EndTest, IsAButtonOfTheTitleBar) {
     openOnResult();
     click("Close");
     expectEndWithoutATrace();
@@ -93,7 +93,7 @@ TEST_P(SignalTest, EndsItWithoutATraceWhileAnArchiveIsUnpacked) {
     expectEndWithoutATrace();
 }
 
-TEST_P(SignalTest, EndsItUnderAnOpenPanel) {
+TEST_P(SignalTest, EndsItUnderAnOpenDialog) {
     openOnResult();
     desktop.press("ctrl+o");
     awaitActive("Choose");

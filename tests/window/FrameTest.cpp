@@ -1,4 +1,4 @@
-// The window's own frame, with a window manager that draws none: strip, edges, background.
+// The window's own frame, with a window manager that draws none: title bar, edges, background.
 
 #include "tests/window/WindowTest.h"
 
@@ -7,7 +7,7 @@
 namespace velmora::test {
 namespace {
 
-constexpr QSize leastSize{880, 660 + 28};
+constexpr QSize minimumSize{880, 660 + 28};
 constexpr QSize firstSize{940, 700 + 28};
 constexpr QSize screenSize{1280, 1024};
 
@@ -59,7 +59,7 @@ TEST_F(FrameTest, MovesByItsCard) {
     expectMoveFrom({470, 600});
 }
 
-TEST_F(FrameTest, MovesByItsStrip) {
+TEST_F(FrameTest, MovesByItsTitleBar) {
     expectMoveFrom({470, 14});
 }
 
@@ -77,9 +77,9 @@ TEST_F(FrameTest, GrowsByItsLeftEdgeToTheLeft) {
     EXPECT_EQ(window().topRight(), first.topRight());
 }
 
-TEST_F(FrameTest, NeverShrinksBelowItsLeastSize) {
+TEST_F(FrameTest, NeverShrinksBelowItsMinimumSize) {
     drag(first.bottomRight() - QPoint(2, 2), {-300, -300});
-    awaitSize(leastSize);
+    awaitSize(minimumSize);
 }
 
 TEST_F(FrameTest, MaximisesAndRestoresByItsButton) {
@@ -89,7 +89,7 @@ TEST_F(FrameTest, MaximisesAndRestoresByItsButton) {
     awaitPlace([this](const QRect& place) { return place == first; });
 }
 
-TEST_F(FrameTest, MaximisesAndRestoresByADoubleClickOnTheStrip) {
+TEST_F(FrameTest, MaximisesAndRestoresByADoubleClickOnTheTitleBar) {
     desktop.click(first.topLeft() + QPoint(470, 14), 2);
     awaitSize(screenSize);
     desktop.click(QPoint(640, 14), 2);

@@ -61,7 +61,7 @@ TEST_F(WaylandTest, MaximisesAndRestoresByItsButton) {
     EXPECT_TRUE(comesTrue([this] { return window().size() == firstSize; }));
 }
 
-TEST_F(WaylandTest, TakesWhatIsTypedInItsPanel) {
+TEST_F(WaylandTest, TakesWhatIsTypedInItsDialog) {
     const QString other = tone("b.wav", 4);
     desktop.press("ctrl+o");
     awaitShown("Measure");

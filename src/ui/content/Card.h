@@ -1,6 +1,7 @@
 #pragma once
 
-// The panel in the middle of the window. It brightens while a drag hovers.
+// The card in the middle of the window, which holds the panel of the present phase. It brightens while a drag
+// hovers.
 
 #include "ui/kit/PaintedItem.h"
 

@@ -42,7 +42,7 @@ Item {
         anchors.left: parent.left
         anchors.right: parent.right
         anchors.top: header.bottom
-        anchors.bottom: strip.top
+        anchors.bottom: spectrum.top
         anchors.leftMargin: 26
         anchors.rightMargin: 26
         anchors.topMargin: 20
@@ -52,7 +52,7 @@ Item {
     }
 
     SpectrumStrip {
-        id: strip
+        id: spectrum
 
         objectName: "spectrumStrip"
         anchors.left: parent.left

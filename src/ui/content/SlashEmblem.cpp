@@ -1,6 +1,6 @@
 #include "ui/content/SlashEmblem.h"
 
-#include "ui/content/WaveSymbol.h"
+#include "ui/content/EmblemShapes.h"
 #include "ui/kit/Neon.h"
 
 #include <QPainter>

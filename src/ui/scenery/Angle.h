@@ -1,6 +1,6 @@
 #pragma once
 
-// Angles of the moving scenery's waves, in radians.
+// Angles of the moving scenery, in radians.
 
 #include <cmath>
 #include <numbers>

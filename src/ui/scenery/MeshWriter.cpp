@@ -22,42 +22,43 @@ MeshColor accentColor(double violet, double indigo) {
     return {a.red + b.red, a.green + b.green, a.blue + b.blue, a.opacity + b.opacity};
 }
 
-void MeshWriter::start(std::size_t kind) {
-    m_joined = m_kind == kind;
-    m_kind = kind;
-    m_corners.clear();
-    if (!m_joined) {
+void MeshWriter::start(std::size_t layout) {
+    m_keepsIndices = m_layout == layout;
+    m_layout = layout;
+    m_vertices.clear();
+    if (!m_keepsIndices) {
         m_indices.clear();
     }
 }
 
 void MeshWriter::finish(QSGGeometryNode& node) {
-    if (!m_joined) {
-        node.setGeometry(joinedGeometry());
+    if (!m_keepsIndices) {
+        node.setGeometry(newGeometry());
     }
-    std::copy(m_corners.begin(), m_corners.end(), node.geometry()->vertexDataAsColoredPoint2D());
+    std::ranges::copy(m_vertices, node.geometry()->vertexDataAsColoredPoint2D());
     node.markDirty(QSGNode::DirtyGeometry);
 }
 
-/// Joints are half as large where the corners are few enough: they are sent to the GPU with every frame.
-QSGGeometry* MeshWriter::joinedGeometry() const {
-    const bool few = m_corners.size() <= 1U << 16U;
-    auto* geometry = new QSGGeometry(QSGGeometry::defaultAttributes_ColoredPoint2D(),
-                                     static_cast<int>(m_corners.size()), static_cast<int>(m_indices.size()),
-                                     few ? QSGGeometry::UnsignedShortType : QSGGeometry::UnsignedIntType);
+/// Qt sends the indices to the GPU with every frame: 16-bit ones are used where the vertices are few enough.
+QSGGeometry* MeshWriter::newGeometry() const {
+    const bool fits16Bits = m_vertices.size() <= 1U << 16U;
+    auto* geometry =
+        new QSGGeometry(QSGGeometry::defaultAttributes_ColoredPoint2D(), static_cast<int>(m_vertices.size()),
+                        static_cast<int>(m_indices.size()),
+                        fits16Bits ? QSGGeometry::UnsignedShortType : QSGGeometry::UnsignedIntType);
     geometry->setDrawingMode(QSGGeometry::DrawTriangles);
-    if (few) {
-        std::transform(m_indices.begin(), m_indices.end(), geometry->indexDataAsUShort(),
-                       [](quint32 index) { return static_cast<quint16>(index); });
+    if (fits16Bits) {
+        std::ranges::transform(m_indices, geometry->indexDataAsUShort(),
+                               [](quint32 index) { return static_cast<quint16>(index); });
     } else {
-        std::copy(m_indices.begin(), m_indices.end(), geometry->indexDataAsUInt());
+        std::ranges::copy(m_indices, geometry->indexDataAsUInt());
     }
     return geometry;
 }
 
 void prepareMesh(QSGGeometryNode& node) {
     auto* material = new QSGVertexColorMaterial;
-    material->setFlag(QSGMaterial::RequiresFullMatrix); // so that meshes are not merged corner by corner
+    material->setFlag(QSGMaterial::RequiresFullMatrix); // else Qt merges meshes and copies each vertex
     node.setMaterial(material);
     node.setFlags(QSGNode::OwnsGeometry | QSGNode::OwnsMaterial);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-// Writes the meshes of the moving scenery: corners with premultiplied colours, joined to triangles.
+// Writes the meshes of the moving scenery: vertices with premultiplied colours, and the indices that join
+// them to triangles.
 
 #include <QSGGeometry>
 
@@ -28,44 +29,45 @@ struct MeshColor {
     }
 };
 
-/// So much of opaque violet and so much of opaque indigo; together 1 at most.
+/// The sum of violet and indigo, each multiplied by its share. The shares together are at most 1.
 MeshColor accentColor(double violet, double indigo);
 
 class MeshWriter {
 public:
-    /// Starts a mesh. Meshes of the same `kind` join their corners alike, so that only the first one's joints
-    /// are written.
-    void start(std::size_t kind);
+    /// Starts a mesh. Meshes of the same `layout` have the same number of vertices and the same indices: the
+    /// indices of the mesh before are kept, and those of this one are ignored.
+    void start(std::size_t layout);
 
-    /// Adds a corner and returns its number.
-    quint32 corner(double x, double y, const MeshColor& color) {
+    /// Adds a vertex and returns its index.
+    quint32 addVertex(double x, double y, const MeshColor& color) {
         const auto byte = [](float channel) { return static_cast<uchar>(255 * channel + 0.5F); };
-        m_corners.push_back({static_cast<float>(x), static_cast<float>(y), byte(color.red), byte(color.green),
-                             byte(color.blue), byte(color.opacity)});
-        return static_cast<quint32>(m_corners.size() - 1);
+        m_vertices.push_back({static_cast<float>(x), static_cast<float>(y), byte(color.red),
+                              byte(color.green), byte(color.blue), byte(color.opacity)});
+        return static_cast<quint32>(m_vertices.size() - 1);
     }
 
-    void triangle(quint32 a, quint32 b, quint32 c) {
-        if (!m_joined) {
+    /// Adds a triangle between three vertices.
+    void addTriangle(quint32 a, quint32 b, quint32 c) {
+        if (!m_keepsIndices) {
             m_indices.insert(m_indices.end(), {a, b, c});
         }
     }
 
-    /// Two triangles over the corners of a convex shape with four, in their order around it.
-    void quad(quint32 a, quint32 b, quint32 c, quint32 d) {
-        triangle(a, b, c);
-        triangle(a, c, d);
+    /// Adds two triangles that cover a convex shape with four vertices, given in their order around it.
+    void addQuad(quint32 a, quint32 b, quint32 c, quint32 d) {
+        addTriangle(a, b, c);
+        addTriangle(a, c, d);
     }
 
     /// Makes what was written the geometry of `node`, always the same node.
     void finish(QSGGeometryNode& node);
 
 private:
-    QSGGeometry* joinedGeometry() const;
+    QSGGeometry* newGeometry() const;
 
-    std::optional<std::size_t> m_kind;
-    bool m_joined = false; // the joints are those of the mesh before
-    std::vector<QSGGeometry::ColoredPoint2D> m_corners;
+    std::optional<std::size_t> m_layout;
+    bool m_keepsIndices = false; // the layout is that of the mesh before
+    std::vector<QSGGeometry::ColoredPoint2D> m_vertices;
     std::vector<quint32> m_indices;
 };
 

@@ -14,7 +14,7 @@ inline constexpr double ribbonGlowRadius = 14;
 /// The strokes' colour runs from violet at the left edge over indigo in the middle back to violet.
 struct Ribbon {
     double amplitude = 0;
-    double frequency = 0; ///< waves across the width
+    double frequency = 0; ///< periods across the width
     double phase = 0;     ///< radians
     double violetOpacity = 0;
     double indigoOpacity = 0;

@@ -44,7 +44,7 @@ void drawBar(QImage& image, const Bar& bar, double scale) {
     }
 }
 
-constexpr int capSteps = 3; ///< corners of a mesh along a quarter circle
+constexpr int capSteps = 3; ///< between the vertices along a quarter of a circle
 
 /// The directions from the middle of a bar's rounded corner to its edge.
 const std::array<QPointF, capSteps + 1>& capDirections() {
@@ -81,7 +81,7 @@ void drawBar(MeshWriter& mesh, const Bar& bar, double bottom, double scale) {
     const double left = bar.x + radius;
     const double right = bar.x + barWidth - radius;
     const double top = bottom - bar.height + radius;
-    const quint32 middle = mesh.corner(bar.x + barWidth / 2, bottom - bar.height / 2, color);
+    const quint32 middle = mesh.addVertex(bar.x + barWidth / 2, bottom - bar.height / 2, color);
     for (int quarter = 0; quarter < 4; ++quarter) {
         const double x = quarter == 0 || quarter == 3 ? right : left;
         const double y = quarter < 2 ? bottom - radius : top;
@@ -89,19 +89,19 @@ void drawBar(MeshWriter& mesh, const Bar& bar, double bottom, double scale) {
             const QPointF direction = turned(step, quarter);
             const QPointF in = QPointF(x, y) + (radius - soft) * direction;
             const QPointF out = QPointF(x, y) + (radius + soft) * direction;
-            const quint32 inner = mesh.corner(in.x(), in.y(), color);
-            const quint32 outer = mesh.corner(out.x(), out.y(), {});
+            const quint32 inner = mesh.addVertex(in.x(), in.y(), color);
+            const quint32 outer = mesh.addVertex(out.x(), out.y(), {});
             if (inner == middle + 1) {
                 continue;
             }
-            mesh.triangle(middle, inner - 2, inner);
-            mesh.quad(inner - 2, inner, outer, outer - 2);
+            mesh.addTriangle(middle, inner - 2, inner);
+            mesh.addQuad(inner - 2, inner, outer, outer - 2);
         }
     }
     const quint32 first = middle + 1;
     const quint32 last = middle + 2 * 4 * (capSteps + 1) - 1;
-    mesh.triangle(middle, last, first);
-    mesh.quad(last, first, first + 1, last + 1);
+    mesh.addTriangle(middle, last, first);
+    mesh.addQuad(last, first, first + 1, last + 1);
 }
 
 } // namespace

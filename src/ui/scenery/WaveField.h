@@ -3,7 +3,7 @@
 // Five ribbons of light that move behind the window's content.
 
 #include "ui/scenery/AnimatedItem.h"
-#include "ui/scenery/WaveImage.h"
+#include "ui/scenery/RibbonImage.h"
 
 #include <QtQml/qqmlregistration.h>
 
@@ -23,10 +23,10 @@ protected:
     QSGGeometryNode* mesh(QSGGeometryNode* mesh, double scale) override;
 
 private:
-    const WaveShape& shape(); ///< of the present moment
+    const RibbonSet& ribbons(); ///< of the present moment
 
-    WaveShape m_shape;
-    std::array<WaveImage, 2> m_images; ///< in turns: the last one is still shown while the next is drawn
+    RibbonSet m_ribbons;
+    std::array<RibbonImage, 2> m_images; ///< in turns: the last one is still shown while the next is drawn
     std::size_t m_turn = 0;
 };
 

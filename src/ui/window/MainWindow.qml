@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// The window: a strip of its own on top, the content below. It is moved by dragging any background.
+// The window: a title bar of its own on top, the content below. Dragging any part of the background moves it.
 Window {
     id: window
 
@@ -11,14 +11,14 @@ Window {
     property bool animated: true
 
     // A Wayland compositor ends a program whose maximised window is larger than it was told: where the screen
-    // has no room for the least size beside a panel, that gives way.
-    readonly property bool givesWay: Qt.platform.pluginName.startsWith("wayland")
-    readonly property int panel: 64
+    // has no room for the minimum size beside a taskbar, the minimum is lowered.
+    readonly property bool lowersMinimum: Qt.platform.pluginName.startsWith("wayland")
+    readonly property int taskbar: 64 ///< points, an estimate
 
     width: 940
     height: 728
-    minimumWidth: givesWay ? Math.min(880, Screen.width - panel) : 880
-    minimumHeight: givesWay ? Math.min(688, Screen.height - panel) : 688
+    minimumWidth: lowersMinimum ? Math.min(880, Screen.width - taskbar) : 880
+    minimumHeight: lowersMinimum ? Math.min(688, Screen.height - taskbar) : 688
     color: "black"
     flags: Qt.Window | Qt.FramelessWindowHint
     title: "Velmora"
@@ -37,17 +37,17 @@ Window {
 
     ContentView {
         anchors.fill: parent
-        anchors.topMargin: strip.height
+        anchors.topMargin: titleBar.height
         scan: window.scan
         actions: window.actions
         time: clock.time
         animated: window.animated
     }
 
-    TitleStrip {
-        id: strip
+    TitleBar {
+        id: titleBar
 
-        objectName: "titleStrip"
+        objectName: "titleBar"
         width: parent.width
         window: window
         onMenuPressed: menu.open()
@@ -59,12 +59,12 @@ Window {
         onPressed: menu.close()
     }
 
-    StripMenu {
+    MainMenu {
         id: menu
 
         objectName: "menu"
         x: 6
-        y: strip.height + 2
+        y: titleBar.height + 2
         actions: window.actions
     }
 

@@ -1,4 +1,4 @@
-#include "app/panels/OpenPanel.h"
+#include "app/dialogs/OpenDialog.h"
 
 #include <QAbstractItemView>
 #include <QDialogButtonBox>
@@ -14,12 +14,12 @@ namespace velmora {
 
 namespace {
 
-/// The panel's two views of a folder; one of them is shown.
+/// The dialog's two views of a folder; one of them is shown.
 constexpr std::array viewNames = {"listView", "treeView"};
 
 } // namespace
 
-OpenPanel::OpenPanel() {
+OpenDialog::OpenDialog() {
     setOption(DontUseNativeDialog);
     setFileMode(ExistingFiles);
     setWindowTitle(QStringLiteral("Choose a folder, archive, or audio files"));
@@ -27,22 +27,22 @@ OpenPanel::OpenPanel() {
     for (const char* name : viewNames) {
         auto* view = findChild<QAbstractItemView*>(QLatin1String(name));
         view->setSelectionMode(QAbstractItemView::ExtendedSelection);
-        connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &OpenPanel::keepUsable,
+        connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this, &OpenDialog::keepUsable,
                 Qt::QueuedConnection);
     }
-    connect(this, &QFileDialog::directoryEntered, this, &OpenPanel::keepUsable, Qt::QueuedConnection);
-    QTimer::singleShot(0, this, &OpenPanel::keepUsable);
+    connect(this, &QFileDialog::directoryEntered, this, &OpenDialog::keepUsable, Qt::QueuedConnection);
+    QTimer::singleShot(0, this, &OpenDialog::keepUsable);
 }
 
-/// The panel for files would switch its button off, or rename it, while folders are selected.
-void OpenPanel::keepUsable() {
+/// The dialog for files would switch its button off, or rename it, while folders are selected.
+void OpenDialog::keepUsable() {
     setLabelText(Accept, QStringLiteral("Measure"));
     if (auto* buttons = findChild<QDialogButtonBox*>()) {
         buttons->button(QDialogButtonBox::Open)->setEnabled(true);
     }
 }
 
-QStringList OpenPanel::selected() const {
+QStringList OpenDialog::selected() const {
     QStringList paths;
     for (const char* name : viewNames) {
         const auto* view = findChild<QAbstractItemView*>(QLatin1String(name));
@@ -58,7 +58,7 @@ QStringList OpenPanel::selected() const {
     return paths;
 }
 
-QStringList OpenPanel::typed() const {
+QStringList OpenDialog::typed() const {
     const auto* edit = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
     const QString text = edit == nullptr ? QString() : edit->text().trimmed();
     if (text.isEmpty()) {
@@ -68,7 +68,7 @@ QStringList OpenPanel::typed() const {
     return QFileInfo::exists(path) ? QStringList(path) : QStringList();
 }
 
-void OpenPanel::accept() {
+void OpenDialog::accept() {
     m_chosen = selected();
     if (m_chosen.isEmpty()) {
         m_chosen = typed();
@@ -76,7 +76,7 @@ void OpenPanel::accept() {
     if (m_chosen.isEmpty()) {
         m_chosen = QStringList(directory().absolutePath());
     }
-    QDialog::accept(); // NOLINT(bugprone-parent-virtual-call): the file panel's own would insist on files
+    QDialog::accept(); // NOLINT(bugprone-parent-virtual-call): the file dialog's own would insist on files
 }
 
 } // namespace velmora

@@ -1,4 +1,4 @@
-#include "ui/scenery/WaveImage.h"
+#include "ui/scenery/RibbonImage.h"
 
 #include "ui/kit/Neon.h"
 #include "ui/scenery/Dither.h"
@@ -117,19 +117,19 @@ void drawOver(QRgb& pixel, const Channels& color, float coverage) {
 
 } // namespace
 
-void WaveImage::draw(const WaveShape& shape, double scale) {
-    placeRows(shape, scale);
-    gatherGlow(shape);
+void RibbonImage::draw(const RibbonSet& ribbons, double scale) {
+    placeRows(ribbons, scale);
+    gatherGlow(ribbons);
     drawGlow(scale);
-    for (const RibbonCurve& curve : shape.curves) {
-        drawRibbon(shape, curve, scale);
+    for (const RibbonCurve& curve : ribbons.curves) {
+        drawRibbon(ribbons, curve, scale);
     }
 }
 
-void WaveImage::placeRows(const WaveShape& shape, double scale) {
-    double top = shape.size.height();
+void RibbonImage::placeRows(const RibbonSet& ribbons, double scale) {
+    double top = ribbons.size.height();
     double bottom = 0;
-    for (const RibbonCurve& curve : shape.curves) {
+    for (const RibbonCurve& curve : ribbons.curves) {
         const auto [least, most] = std::minmax_element(curve.path.begin(), curve.path.end());
         top = std::min(top, *least);
         bottom = std::max(bottom, *most);
@@ -137,8 +137,8 @@ void WaveImage::placeRows(const WaveShape& shape, double scale) {
     // On multiples of the grid's cell, which fall on pixels at every usual scale.
     const double reach = 2 * glowReach * ribbonGlowRadius;
     top = std::max(0.0, std::floor((top - reach) / cell) * cell);
-    bottom = std::min(shape.size.height(), std::ceil((bottom + reach) / cell) * cell);
-    const QSize pixels(static_cast<int>(std::ceil(shape.size.width() * scale)),
+    bottom = std::min(ribbons.size.height(), std::ceil((bottom + reach) / cell) * cell);
+    const QSize pixels(static_cast<int>(std::ceil(ribbons.size.width() * scale)),
                        static_cast<int>(std::ceil((bottom - top) * scale)));
     m_area = QRectF(QPointF(0, top), QSizeF(pixels) / scale);
     if (m_image.size() != pixels || !m_image.isDetached()) {
@@ -146,16 +146,16 @@ void WaveImage::placeRows(const WaveShape& shape, double scale) {
     }
 }
 
-void WaveImage::gatherGlow(const WaveShape& shape) {
+void RibbonImage::gatherGlow(const RibbonSet& ribbons) {
     m_columns = static_cast<int>(std::ceil(m_area.width() / cell)) + 2;
     m_rows = static_cast<int>(std::ceil(m_area.height() / cell)) + 2;
     m_glow.assign(static_cast<std::size_t>(m_columns) * static_cast<std::size_t>(m_rows), {});
     for (int column = 0; column < m_columns; ++column) {
-        const double x = std::min(column * cell, shape.size.width());
-        const double peak = shape.glowPeak(x);
-        for (const RibbonCurve& curve : shape.curves) {
+        const double x = std::min(column * cell, ribbons.size.width());
+        const double peak = ribbons.glowPeak(x);
+        for (const RibbonCurve& curve : ribbons.curves) {
             const RibbonPoint point = curve.at(x);
-            const AccentMix color = shape.color(curve, x);
+            const AccentMix color = ribbons.color(curve, x);
             // Across a leaning line the glow is as wide as ever, so straight down it is wider.
             const double spread = ribbonGlowRadius * std::sqrt(1 + point.slope * point.slope);
             const double middle = (point.y - m_area.top()) / cell;
@@ -172,7 +172,7 @@ void WaveImage::gatherGlow(const WaveShape& shape) {
     }
 }
 
-void WaveImage::drawGlow(double scale) {
+void RibbonImage::drawGlow(double scale) {
     const double cellPixels = cell * scale;
     std::vector<std::uint16_t> upper;
     std::vector<std::uint16_t> lower;
@@ -196,13 +196,13 @@ void WaveImage::drawGlow(double scale) {
     }
 }
 
-void WaveImage::drawRibbon(const WaveShape& shape, const RibbonCurve& curve, double scale) {
+void RibbonImage::drawRibbon(const RibbonSet& ribbons, const RibbonCurve& curve, double scale) {
     const int columns =
         std::min(m_image.width(), static_cast<int>((curve.end() + ribbonWidth / 2) * scale) + 1);
     for (int column = 0; column < columns; ++column) {
         const double x = (column + 0.5) / scale;
         const RibbonPoint point = curve.at(x);
-        const Channels color = channels(shape.color(curve, x));
+        const Channels color = channels(ribbons.color(curve, x));
         const double middle = (point.y - m_area.top()) * scale;
         const double half = ribbonWidth / 2 * scale * std::sqrt(1 + point.slope * point.slope);
         const double lean = std::max(std::abs(point.slope) / 2, 1e-3);

@@ -1,4 +1,4 @@
-#include "ui/window/StripGlyph.h"
+#include "ui/window/TitleBarGlyph.h"
 
 #include "ui/kit/Neon.h"
 
@@ -11,31 +11,31 @@ namespace {
 
 /// The sign in a box from (-4.5, -4.5) to (4.5, 4.5). Level and upright lines run through the middles of
 /// pixels.
-QPainterPath outline(StripGlyph::Sign sign) {
+QPainterPath outline(TitleBarGlyph::Sign sign) {
     QPainterPath path;
     const auto line = [&path](double x1, double y1, double x2, double y2) {
         path.moveTo(x1, y1);
         path.lineTo(x2, y2);
     };
     switch (sign) {
-    case StripGlyph::Menu:
+    case TitleBarGlyph::Menu:
         line(-4.5, -3.5, 4.5, -3.5);
         line(-4.5, 0.5, 4.5, 0.5);
         line(-4.5, 4.5, 4.5, 4.5);
         break;
-    case StripGlyph::Minimize:
+    case TitleBarGlyph::Minimize:
         line(-4.5, 0.5, 4.5, 0.5);
         break;
-    case StripGlyph::Maximize:
+    case TitleBarGlyph::Maximize:
         path.addRoundedRect(QRectF(-4.5, -4.5, 9, 9), 1.5, 1.5);
         break;
-    case StripGlyph::Restore:
+    case TitleBarGlyph::Restore:
         path.addRoundedRect(QRectF(-4.5, -2.5, 7, 7), 1.5, 1.5);
         line(-1.5, -4.5, 3, -4.5);
         path.quadTo(4.5, -4.5, 4.5, -3);
         path.lineTo(4.5, 1.5);
         break;
-    case StripGlyph::Close:
+    case TitleBarGlyph::Close:
         line(-4, -4, 4, 4);
         line(-4, 4, 4, -4);
         break;
@@ -45,13 +45,13 @@ QPainterPath outline(StripGlyph::Sign sign) {
 
 } // namespace
 
-StripGlyph::StripGlyph(QQuickItem* parent)
+TitleBarGlyph::TitleBarGlyph(QQuickItem* parent)
     : PaintedItem(parent)
     , m_color(Neon::inkDim) {
-    connect(this, &StripGlyph::changed, this, &StripGlyph::repaint);
+    connect(this, &TitleBarGlyph::changed, this, &TitleBarGlyph::repaint);
 }
 
-void StripGlyph::paint(QPainter& painter) const {
+void TitleBarGlyph::paint(QPainter& painter) const {
     painter.translate(width() / 2, height() / 2);
     painter.strokePath(outline(m_sign), QPen(m_color, 1, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
 }

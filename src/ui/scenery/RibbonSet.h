@@ -35,13 +35,13 @@ struct RibbonCurve {
     double end() const { return static_cast<double>(path.size() - 1) * ribbonStep; }
 };
 
-struct WaveShape {
+struct RibbonSet {
     QSizeF size; ///< points
     std::array<RibbonCurve, ribbonCount> curves;
 
-    static WaveShape at(const QSizeF& size, double intensity, double time);
+    static RibbonSet at(const QSizeF& size, double intensity, double time);
 
-    /// Moves the ribbons to where they are `at` that time. Cheaper than a new shape while the width stays.
+    /// Moves the ribbons to where they are `at` that time. Cheaper than a new ribbons while the width stays.
     void move(const QSizeF& newSize, double intensity, double time);
 
     /// The colour of the stroke of `curve` at `x`.

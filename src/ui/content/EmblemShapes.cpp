@@ -1,4 +1,4 @@
-#include "ui/content/WaveSymbol.h"
+#include "ui/content/EmblemShapes.h"
 
 #include <QLineF>
 #include <QPainterPathStroker>

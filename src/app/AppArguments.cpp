@@ -1,4 +1,4 @@
-#include "app/Launch.h"
+#include "app/AppArguments.h"
 
 #include <QByteArray>
 
@@ -10,9 +10,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// What stands behind the first "--render".
+/// The argument after the first "--render"; absent without one.
 std::optional<fs::path> renderDirectory(const std::vector<std::string>& arguments) {
-    const auto option = std::find(arguments.begin(), arguments.end(), "--render");
+    const auto option = std::ranges::find(arguments, "--render");
     if (option == arguments.end() || option + 1 == arguments.end()) {
         return std::nullopt;
     }
@@ -26,24 +26,24 @@ fs::path absolutePath(const std::string& argument) {
 
 } // namespace
 
-Launch readLaunch(const std::vector<std::string>& arguments) {
-    Launch launch;
-    launch.renderInto = renderDirectory(arguments);
+AppArguments readArguments(const std::vector<std::string>& arguments) {
+    AppArguments result;
+    result.renderInto = renderDirectory(arguments);
     bool optionsEnded = false;
     for (const std::string& argument : arguments) {
         if (optionsEnded || argument.size() < 2 || argument.front() != '-') {
-            launch.paths.push_back(absolutePath(argument));
+            result.paths.push_back(absolutePath(argument));
         } else if (argument == "--") {
             optionsEnded = true;
         } else if (argument == "--help" || argument == "-h") {
-            launch.help = true;
+            result.help = true;
         } else if (argument == "--version" || argument == "-V") {
-            launch.version = true;
-        } else if (argument != "--render" && launch.unknownOption.empty()) {
-            launch.unknownOption = argument;
+            result.version = true;
+        } else if (argument != "--render" && result.unknownOption.empty()) {
+            result.unknownOption = argument;
         }
     }
-    return launch;
+    return result;
 }
 
 } // namespace velmora

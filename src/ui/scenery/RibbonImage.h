@@ -2,7 +2,7 @@
 
 // The ribbons drawn without a GPU: by hand, column by column, several times faster than a general stroker.
 
-#include "ui/scenery/WaveShape.h"
+#include "ui/scenery/RibbonSet.h"
 
 #include <QImage>
 #include <QRectF>
@@ -11,10 +11,10 @@
 
 namespace velmora {
 
-class WaveImage {
+class RibbonImage {
 public:
-    /// Draws `shape` at `scale` pixels a point. Only the rows that hold something are drawn.
-    void draw(const WaveShape& shape, double scale);
+    /// Draws `ribbons` at `scale` pixels a point. Only the rows that hold something are drawn.
+    void draw(const RibbonSet& ribbons, double scale);
 
     const QImage& image() const { return m_image; }
 
@@ -22,10 +22,10 @@ public:
     QRectF area() const { return m_area; }
 
 private:
-    void placeRows(const WaveShape& shape, double scale);
-    void gatherGlow(const WaveShape& shape);
+    void placeRows(const RibbonSet& ribbons, double scale);
+    void gatherGlow(const RibbonSet& ribbons);
     void drawGlow(double scale);
-    void drawRibbon(const WaveShape& shape, const RibbonCurve& curve, double scale);
+    void drawRibbon(const RibbonSet& ribbons, const RibbonCurve& curve, double scale);
 
     QImage m_image;
     QRectF m_area;

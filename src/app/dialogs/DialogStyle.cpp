@@ -1,4 +1,4 @@
-#include "app/panels/PanelStyle.h"
+#include "app/dialogs/DialogStyle.h"
 
 #include "ui/kit/Neon.h"
 
@@ -35,18 +35,18 @@ QPalette neonPalette() {
 
 } // namespace
 
-void stylePanel(QDialog& panel) {
+void styleDialog(QDialog& dialog) {
     QStyle* style = QStyleFactory::create(QStringLiteral("Fusion"));
-    style->setParent(&panel);
+    style->setParent(&dialog);
     const QPalette palette = neonPalette();
-    panel.setStyle(style);
-    panel.setPalette(palette);
-    panel.setFont(QFont(QStringLiteral("Inter"), 10));
-    for (QWidget* part : panel.findChildren<QWidget*>()) {
+    dialog.setStyle(style);
+    dialog.setPalette(palette);
+    dialog.setFont(QFont(QStringLiteral("Inter"), 10));
+    for (QWidget* part : dialog.findChildren<QWidget*>()) {
         part->setStyle(style);
         part->setPalette(palette);
     }
-    panel.resize(820, 520);
+    dialog.resize(820, 520);
 }
 
 } // namespace velmora

@@ -1,19 +1,19 @@
 #pragma once
 
-// A panel in which folders and files can be chosen together. Desktops' own panels offer one or the other.
+// A dialog in which folders and files can be chosen together. Desktops' own dialogs offer one or the other.
 
 #include <QFileDialog>
 #include <QStringList>
 
 namespace velmora {
 
-class OpenPanel : public QFileDialog {
+class OpenDialog : public QFileDialog {
     Q_OBJECT
 
 public:
-    OpenPanel();
+    OpenDialog();
 
-    /// What was chosen when the panel was confirmed: what was selected, or typed, or else the folder it
+    /// What was chosen when the dialog was confirmed: what was selected, or typed, or else the folder it
     /// showed.
     QStringList chosen() const { return m_chosen; }
 

@@ -10,7 +10,7 @@
 
 namespace velmora {
 
-struct Launch {
+struct AppArguments {
     bool help = false;
     bool version = false;
     std::optional<std::filesystem::path> renderInto; ///< render pictures there and quit
@@ -20,6 +20,6 @@ struct Launch {
 
 /// Reads the arguments, without the program's name. "--render" as the last one is ignored; "--" ends the
 /// options; a file URL stands for its path.
-Launch readLaunch(const std::vector<std::string>& arguments);
+AppArguments readArguments(const std::vector<std::string>& arguments);
 
 } // namespace velmora

@@ -1,5 +1,6 @@
-#include "app/AppDelegate.h"
 #include "app/desktop/DropTarget.h"
+
+#include "app/AppDelegate.h"
 
 #include <QCoreApplication>
 #include <QDragEnterEvent>
@@ -15,7 +16,7 @@
 namespace velmora::test {
 namespace {
 
-class DropTest : public testing::Test {
+class DropTargetTest : public testing::Test {
 protected:
     void SetUp() override {
         window = std::make_unique<QWindow>();
@@ -50,12 +51,12 @@ protected:
     std::vector<Paths> drops;
 };
 
-TEST_F(DropTest, IsOneScanOfEverythingDropped) {
+TEST_F(DropTargetTest, IsOneScanOfEverythingDropped) {
     EXPECT_TRUE(drop(*uriList("file:///m/a.wav\r\nfile:///m/b%20c.wav\r\nfile:///m/d\r\nfile:///m/%E9\r\n")));
     EXPECT_EQ(drops, std::vector<Paths>({{"/m/a.wav", "/m/b c.wav", "/m/d", "/m/\xE9"}}));
 }
 
-TEST_F(DropTest, StartsNothingWithoutAFileUrl) {
+TEST_F(DropTargetTest, StartsNothingWithoutAFileUrl) {
     QMimeData text;
     text.setText("hello");
     EXPECT_TRUE(drop(text)) << "a drop is always accepted";
@@ -63,7 +64,7 @@ TEST_F(DropTest, StartsNothingWithoutAFileUrl) {
     EXPECT_EQ(drops, std::vector<Paths>());
 }
 
-TEST_F(DropTest, HoversWhileFilesAreOverTheWindow) {
+TEST_F(DropTargetTest, HoversWhileFilesAreOverTheWindow) {
     const auto files = uriList("file:///m/a.wav\r\n");
     EXPECT_TRUE(enter(*files));
     QDragLeaveEvent leave;
@@ -74,7 +75,7 @@ TEST_F(DropTest, HoversWhileFilesAreOverTheWindow) {
     EXPECT_FALSE(hovers.back());
 }
 
-TEST_F(DropTest, DoesNotHoverForOtherDrags) {
+TEST_F(DropTargetTest, DoesNotHoverForOtherDrags) {
     QMimeData text;
     text.setText("hello");
     EXPECT_FALSE(enter(text));

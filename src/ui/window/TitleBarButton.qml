@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// A button of the window's strip.
+// A button of the title bar.
 Pressable {
     id: button
 
@@ -14,7 +14,7 @@ Pressable {
     toolTip: label
     toolTipBelow: true
 
-    StripGlyph {
+    TitleBarGlyph {
         anchors.fill: parent
         sign: button.sign
         color: button.hovered ? Neon.ink : Neon.inkDim

@@ -1,6 +1,6 @@
 #pragma once
 
-// The open and the save panel, in the colours of the window.
+// The open and the save dialog, in the colours of the window.
 
 #include "app/desktop/FileUrls.h"
 

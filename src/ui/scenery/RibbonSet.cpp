@@ -1,4 +1,4 @@
-#include "ui/scenery/WaveShape.h"
+#include "ui/scenery/RibbonSet.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,13 +16,13 @@ RibbonPoint RibbonCurve::at(double x) const {
     return {path[index] + rise * (step - static_cast<double>(index)), rise / ribbonStep};
 }
 
-WaveShape WaveShape::at(const QSizeF& size, double intensity, double time) {
-    WaveShape shape;
-    shape.move(size, intensity, time);
-    return shape;
+RibbonSet RibbonSet::at(const QSizeF& size, double intensity, double time) {
+    RibbonSet ribbons;
+    ribbons.move(size, intensity, time);
+    return ribbons;
 }
 
-void WaveShape::move(const QSizeF& newSize, double intensity, double time) {
+void RibbonSet::move(const QSizeF& newSize, double intensity, double time) {
     if (m_envelopes.empty() || newSize.width() != size.width()) {
         m_envelopes = ribbonEnvelopes(newSize.width());
     }
@@ -34,7 +34,7 @@ void WaveShape::move(const QSizeF& newSize, double intensity, double time) {
     }
 }
 
-AccentMix WaveShape::color(const RibbonCurve& curve, double x) const {
+AccentMix RibbonSet::color(const RibbonCurve& curve, double x) const {
     const double indigo = 1 - std::abs(2 * x / std::max(size.width(), 1.0) - 1);
     return {
         .violet = static_cast<float>(curve.ribbon.violetOpacity * (1 - indigo)),
@@ -42,7 +42,7 @@ AccentMix WaveShape::color(const RibbonCurve& curve, double x) const {
     };
 }
 
-double WaveShape::glowPeak(double x) const {
+double RibbonSet::glowPeak(double x) const {
     const double peak = ribbonWidth / (ribbonGlowRadius * std::sqrt(2 * std::numbers::pi));
     const auto covered = [](double distance) {
         return 0.5 * std::erf(distance / (ribbonGlowRadius * std::numbers::sqrt2));

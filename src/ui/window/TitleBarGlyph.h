@@ -1,6 +1,6 @@
 #pragma once
 
-// The four signs on the window's strip, drawn as thin lines.
+// The signs on the buttons of the title bar, drawn as thin lines.
 
 #include "ui/kit/PaintedItem.h"
 
@@ -9,7 +9,7 @@
 
 namespace velmora {
 
-class StripGlyph : public velmora::PaintedItem {
+class TitleBarGlyph : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(Sign sign MEMBER m_sign NOTIFY changed)
@@ -19,7 +19,7 @@ public:
     enum Sign : int { Menu, Minimize, Maximize, Restore, Close };
     Q_ENUM(Sign)
 
-    explicit StripGlyph(QQuickItem* parent = nullptr);
+    explicit TitleBarGlyph(QQuickItem* parent = nullptr);
 
 signals:
     void changed();

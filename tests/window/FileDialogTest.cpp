@@ -1,4 +1,4 @@
-// The open and the save panel, worked with the keyboard and the pointer.
+// The open and the save dialog, worked with the keyboard and the pointer.
 
 #include "system/RegularFile.h"
 #include "tests/support/Archives.h"
@@ -16,9 +16,9 @@
 namespace velmora::test {
 namespace {
 
-class OpenPanelTest : public WindowTest {
+class OpenDialogTest : public WindowTest {
 protected:
-    void openPanel() {
+    void openDialog() {
         open();
         desktop.press("ctrl+o");
         awaitActive("Choose a folder, archive, or audio files");
@@ -26,9 +26,9 @@ protected:
     }
 };
 
-TEST_F(OpenPanelTest, TakesAFileThatIsTyped) {
+TEST_F(OpenDialogTest, TakesAFileThatIsTyped) {
     const QString file = tone("a.wav", 3);
-    openPanel();
+    openDialog();
     desktop.type(file);
     desktop.press("Return");
     awaitShown("00:00:03");
@@ -36,9 +36,9 @@ TEST_F(OpenPanelTest, TakesAFileThatIsTyped) {
     awaitClipboard("TOTAL RUNTIME  00:00:03   (3 sec)\n1 audio file — A.WAV");
 }
 
-TEST_F(OpenPanelTest, TakesAFolderThatIsTyped) {
+TEST_F(OpenDialogTest, TakesAFolderThatIsTyped) {
     tone("set/a.wav", 3);
-    openPanel();
+    openDialog();
     desktop.type(text(folder / "set"));
     desktop.press("Return");
     awaitShown("00:00:03");
@@ -46,13 +46,13 @@ TEST_F(OpenPanelTest, TakesAFolderThatIsTyped) {
     awaitClipboard("TOTAL RUNTIME  00:00:03   (3 sec)\n1 audio file — SET");
 }
 
-TEST_F(OpenPanelTest, BeginsWithTheMusicAndTakesFilesAndFoldersTogether) {
+TEST_F(OpenDialogTest, BeginsWithTheMusicAndTakesFilesAndFoldersTogether) {
     const fs::path music = desktop.home() / "Music";
     fs::create_directories(music / "set");
     tone("a.wav", 3);
     fs::copy(folder / "a.wav", music / "a.wav");
     fs::copy(folder / "a.wav", music / "set" / "b.wav");
-    openPanel();
+    openDialog();
     click("a.wav");
     desktop.press("ctrl+a");
     click("Measure");
@@ -61,13 +61,13 @@ TEST_F(OpenPanelTest, BeginsWithTheMusicAndTakesFilesAndFoldersTogether) {
     awaitClipboard("TOTAL RUNTIME  00:00:06   (6 sec)\n2 audio files — 2 ITEMS");
 }
 
-TEST_F(OpenPanelTest, LooksIntoNoFileThatItLists) {
+TEST_F(OpenDialogTest, LooksIntoNoFileThatItLists) {
     const fs::path music = desktop.home() / "Music";
     fs::create_directory(music);
     const fs::path file = write(music / "unknown", "content");
     const FileDescriptor watch(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
     ASSERT_GE(::inotify_add_watch(watch.get(), file.c_str(), IN_OPEN), 0);
-    openPanel();
+    openDialog();
     awaitShown("unknown");
     desktop.press("Escape");
     awaitActive("Velmora");
@@ -76,14 +76,14 @@ TEST_F(OpenPanelTest, LooksIntoNoFileThatItLists) {
     EXPECT_EQ(errno, EAGAIN);
 }
 
-TEST_F(OpenPanelTest, ChangesNothingWhenItIsCancelled) {
-    openPanel();
+TEST_F(OpenDialogTest, ChangesNothingWhenItIsCancelled) {
+    openDialog();
     desktop.press("Escape");
     awaitActive("Velmora");
     awaitShown("STANDBY");
 }
 
-class SavePanelTest : public WindowTest {
+class SaveDialogTest : public WindowTest {
 protected:
     void SetUp() override {
         tone("set/a.wav", 3);
@@ -92,7 +92,7 @@ protected:
         awaitShown("READY");
     }
 
-    void openPanel() {
+    void openDialog() {
         desktop.press("ctrl+s");
         awaitActive("Save a zip of the 2 audio files");
         awaitShown("Zip");
@@ -109,16 +109,16 @@ protected:
     fs::path zip = folder / "set.zip"; ///< the proposal
 };
 
-TEST_F(SavePanelTest, SavesAsProposed) {
-    openPanel();
+TEST_F(SaveDialogTest, SavesAsProposed) {
+    openDialog();
     desktop.press("Return");
     awaitShown("ZIP SAVED · set.zip");
     expectArchive(zip);
 }
 
-TEST_F(SavePanelTest, SavesWhereOneTypesAndAddsTheExtension) {
+TEST_F(SaveDialogTest, SavesWhereOneTypesAndAddsTheExtension) {
     const fs::path elsewhere = freshFolder();
-    openPanel();
+    openDialog();
     desktop.press("ctrl+a");
     desktop.type(text(elsewhere / "my mix"));
     desktop.press("Return");
@@ -126,9 +126,9 @@ TEST_F(SavePanelTest, SavesWhereOneTypesAndAddsTheExtension) {
     expectArchive(elsewhere / "my mix.zip");
 }
 
-TEST_F(SavePanelTest, AsksBeforeItReplaces) {
+TEST_F(SaveDialogTest, AsksBeforeItReplaces) {
     write(zip, "old");
-    openPanel();
+    openDialog();
     desktop.press("Return");
     awaitShown("set.zip already exists.\nDo you want to replace it?");
     desktop.press("Escape");
@@ -141,16 +141,16 @@ TEST_F(SavePanelTest, AsksBeforeItReplaces) {
     expectArchive(zip);
 }
 
-TEST_F(SavePanelTest, ChangesNothingWhenItIsCancelled) {
-    openPanel();
+TEST_F(SaveDialogTest, ChangesNothingWhenItIsCancelled) {
+    openDialog();
     desktop.press("Escape");
     awaitActive("Velmora");
     awaitShown("READY");
     EXPECT_FALSE(fs::exists(zip));
 }
 
-TEST_F(SavePanelTest, SaysWhatFailed) {
-    openPanel();
+TEST_F(SaveDialogTest, SaysWhatFailed) {
+    openDialog();
     desktop.press("ctrl+a");
     desktop.type(text(folder / "gone" / "no.zip"));
     desktop.press("Return");
@@ -160,18 +160,18 @@ TEST_F(SavePanelTest, SaysWhatFailed) {
     }));
 }
 
-TEST_F(SavePanelTest, ShowsWhatItSavedInTheFileManager) {
+TEST_F(SaveDialogTest, ShowsWhatItSavedInTheFileManager) {
     FileManager fileManager(desktop.bus());
-    openPanel();
+    openDialog();
     desktop.press("Return");
     click("ZIP SAVED · set.zip");
     EXPECT_TRUE(comesTrue([&] { return !fileManager.shown.isEmpty(); }));
     EXPECT_EQ(fileManager.shown, QStringList(url(zip)));
 }
 
-TEST_F(SavePanelTest, OpensTheFolderWhereThereIsNoFileManagerToAsk) {
+TEST_F(SaveDialogTest, OpensTheFolderWhereThereIsNoFileManagerToAsk) {
     const fs::path opened = recordOpening();
-    openPanel();
+    openDialog();
     desktop.press("Return");
     click("ZIP SAVED · set.zip");
     EXPECT_TRUE(comesTrue([&] { return fs::exists(opened); }));

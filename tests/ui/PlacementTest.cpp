@@ -17,14 +17,14 @@ using Phase = ScanModel::Phase;
 
 constexpr std::array panels = {"dropPrompt", "scanningPanel", "resultPanel", "emptyPanel"}; // by phase
 
-class LayoutTest : public UiTest {};
+class PlacementTest : public UiTest {};
 
-TEST_F(LayoutTest, KeepsALongSourceOnOneLineInTheCard) {
+TEST_F(PlacementTest, KeepsALongSourceOnOneLineInTheCard) {
     showState({.phase = Phase::scanning, .source = std::string(400, 'W')}, {880, 660});
     EXPECT_LE(find("scanningDetail")->width(), 880 - 2 * 26 - 2 * 30);
 }
 
-TEST_F(LayoutTest, CentresThePanelInTheCard) {
+TEST_F(PlacementTest, CentresThePanelInTheCard) {
     for (const Phase phase : {Phase::idle, Phase::scanning, Phase::done, Phase::empty}) {
         showState({.phase = phase, .status = "READING SOURCE", .source = "SOURCE"});
         const QRect card = place(find("card"));
@@ -34,7 +34,7 @@ TEST_F(LayoutTest, CentresThePanelInTheCard) {
     }
 }
 
-TEST_F(LayoutTest, LaysItselfOutAtEverySize) {
+TEST_F(PlacementTest, LaysItselfOutAtEverySize) {
     for (const QSize& points : {QSize(880, 660), QSize(940, 700), QSize(1440, 900), QSize(2560, 1440)}) {
         showState(done, points);
         EXPECT_EQ(place(find("brandLogo")), QRect(26, 26, 54, 54));
@@ -51,7 +51,7 @@ TEST_F(LayoutTest, LaysItselfOutAtEverySize) {
     }
 }
 
-TEST_F(LayoutTest, BrightensTheCardWhileADragHovers) {
+TEST_F(PlacementTest, BrightensTheCardWhileADragHovers) {
     showContent();
     const QRect card = place(find("card"));
     const QPoint edge(card.left(), card.top() + 40);
@@ -64,7 +64,7 @@ TEST_F(LayoutTest, BrightensTheCardWhileADragHovers) {
     EXPECT_LT(resting, 130);
 }
 
-TEST_F(LayoutTest, EasesTheCardOut) {
+TEST_F(PlacementTest, EasesTheCardOut) {
     showContent()->setProperty("animated", true);
     scan.setTargeted(true); // the animation is made when it is needed
     const auto* animation =
@@ -79,7 +79,7 @@ TEST_F(LayoutTest, EasesTheCardOut) {
     }
 }
 
-TEST_F(LayoutTest, LeavesTheRoomsAsDesigned) {
+TEST_F(PlacementTest, LeavesTheRoomsAsDesigned) {
     showContent();
     EXPECT_EQ(place(find("dropEmblem")).size(), QSize(96, 96));
     EXPECT_EQ(place(find("dropCaption")).top(), place(find("dropEmblem")).bottom() + 1 + 18);
@@ -94,7 +94,7 @@ TEST_F(LayoutTest, LeavesTheRoomsAsDesigned) {
     EXPECT_EQ(find("countLine")->parentItem()->size(), find("countLine")->size() + QSizeF(12, 12));
 }
 
-TEST_F(LayoutTest, KeepsTheButtonsInTheirPlacesWhileOneSaysCopied) {
+TEST_F(PlacementTest, KeepsTheButtonsInTheirPlacesWhileOneSaysCopied) {
     showState(done);
     const QRect before = place(find("copyFileListButton"));
     scan.flash(ScanView::Copied::total);
@@ -102,7 +102,7 @@ TEST_F(LayoutTest, KeepsTheButtonsInTheirPlacesWhileOneSaysCopied) {
     EXPECT_EQ(place(find("copyFileListButton")), before);
 }
 
-TEST_F(LayoutTest, KeepsAClockOfAnyLengthInTheCard) {
+TEST_F(PlacementTest, KeepsAClockOfAnyLengthInTheCard) {
     for (const double seconds : {3e9, 1e12, 1e15, 1e300}) {
         ScanState state = done;
         state.seconds = seconds;
@@ -113,7 +113,7 @@ TEST_F(LayoutTest, KeepsAClockOfAnyLengthInTheCard) {
     EXPECT_EQ(find("totalClock")->property("size"), 76);
 }
 
-TEST_F(LayoutTest, KeepsALongZipLineInTheWindow) {
+TEST_F(PlacementTest, KeepsALongZipLineInTheWindow) {
     ScanState state = done;
     state.zip = ZipFailed{std::string(300, 'x')};
     showState(state, {880, 660});

@@ -1,9 +1,9 @@
 import QtQuick
 import Velmora
 
-// The strip on top of the window: menu at the left, the window's own buttons at the right.
+// The title bar of the window: menu at the left, the window's own buttons at the right.
 Item {
-    id: strip
+    id: bar
 
     required property Window window
 
@@ -25,42 +25,42 @@ Item {
 
     WindowMover {
         anchors.fill: parent
-        window: strip.window
-        onDoubleClicked: strip.toggleMaximized()
+        window: bar.window
+        onDoubleClicked: bar.toggleMaximized()
     }
 
-    StripButton {
+    TitleBarButton {
         objectName: "menuButton"
         x: 4
-        sign: StripGlyph.Menu
+        sign: TitleBarGlyph.Menu
         label: "Menu"
         toolTip: "Menu  \u00b7  F10"
-        onPressed: strip.menuPressed()
+        onPressed: bar.menuPressed()
     }
 
     Row {
         anchors.right: parent.right
         anchors.rightMargin: 4
 
-        StripButton {
+        TitleBarButton {
             objectName: "minimizeButton"
-            sign: StripGlyph.Minimize
+            sign: TitleBarGlyph.Minimize
             label: "Minimise"
-            onPressed: strip.window.showMinimized()
+            onPressed: bar.window.showMinimized()
         }
 
-        StripButton {
+        TitleBarButton {
             objectName: "maximizeButton"
-            sign: strip.window.visibility === Window.Maximized ? StripGlyph.Restore : StripGlyph.Maximize
-            label: strip.window.visibility === Window.Maximized ? "Restore" : "Maximise"
-            onPressed: strip.toggleMaximized()
+            sign: bar.window.visibility === Window.Maximized ? TitleBarGlyph.Restore : TitleBarGlyph.Maximize
+            label: bar.window.visibility === Window.Maximized ? "Restore" : "Maximise"
+            onPressed: bar.toggleMaximized()
         }
 
-        StripButton {
+        TitleBarButton {
             objectName: "closeButton"
-            sign: StripGlyph.Close
+            sign: TitleBarGlyph.Close
             label: "Close"
-            onPressed: strip.window.close()
+            onPressed: bar.window.close()
         }
     }
 }

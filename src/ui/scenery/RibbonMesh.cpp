@@ -1,4 +1,4 @@
-#include "ui/scenery/WaveGeometry.h"
+#include "ui/scenery/RibbonMesh.h"
 
 #include <array>
 #include <cmath>
@@ -8,27 +8,27 @@ namespace velmora {
 
 namespace {
 
-/// A cross-section of a strip: at which distance from its middle, with which share of its colour.
+/// A cross-section of a band: at which distance from its middle, with which share of its colour.
 struct Rib {
     double distance = 0;
     double share = 0;
 };
 
-/// Draws a strip along `curve` with a corner on every rib every `step` points.
-void drawStrip(MeshWriter& mesh, const WaveShape& shape, const RibbonCurve& curve, double step,
-               std::span<const Rib> ribs, bool glows) {
+/// Draws a band along `curve` with a vertex on every rib every `step` points.
+void drawBand(MeshWriter& mesh, const RibbonSet& ribbons, const RibbonCurve& curve, double step,
+              std::span<const Rib> ribs, bool glows) {
     const auto ribCount = static_cast<quint32>(ribs.size());
     for (double x = 0; x <= curve.end(); x += step) {
         const RibbonPoint point = curve.at(x);
         const double length = std::sqrt(1 + point.slope * point.slope);
-        const AccentMix mix = shape.color(curve, x);
-        const MeshColor color = accentColor(mix.violet, mix.indigo).faded(glows ? shape.glowPeak(x) : 1);
+        const AccentMix mix = ribbons.color(curve, x);
+        const MeshColor color = accentColor(mix.violet, mix.indigo).faded(glows ? ribbons.glowPeak(x) : 1);
         quint32 here = 0;
         for (const Rib& rib : ribs) {
-            here = mesh.corner(x - rib.distance * point.slope / length, point.y + rib.distance / length,
-                               color.faded(rib.share));
+            here = mesh.addVertex(x - rib.distance * point.slope / length, point.y + rib.distance / length,
+                                  color.faded(rib.share));
             if (x > 0 && rib.distance > ribs.front().distance) {
-                mesh.quad(here - 1 - ribCount, here - 1, here, here - ribCount);
+                mesh.addQuad(here - 1 - ribCount, here - 1, here, here - ribCount);
             }
         }
     }
@@ -52,19 +52,19 @@ std::array<Rib, 9> glowRibs() {
 
 } // namespace
 
-WaveGeometry::WaveGeometry() {
+RibbonMesh::RibbonMesh() {
     prepareMesh(*this);
 }
 
-void WaveGeometry::draw(const WaveShape& shape, double scale) {
+void RibbonMesh::draw(const RibbonSet& ribbons, double scale) {
     constexpr int glowSteps = 4;
     static const std::array<Rib, 9> glow = glowRibs();
-    m_mesh.start(shape.curves.front().path.size());
-    for (const RibbonCurve& curve : shape.curves) {
-        drawStrip(m_mesh, shape, curve, glowSteps * ribbonStep, glow, true);
+    m_mesh.start(ribbons.curves.front().path.size());
+    for (const RibbonCurve& curve : ribbons.curves) {
+        drawBand(m_mesh, ribbons, curve, glowSteps * ribbonStep, glow, true);
     }
-    for (const RibbonCurve& curve : shape.curves) {
-        drawStrip(m_mesh, shape, curve, ribbonStep, strokeRibs(scale), false);
+    for (const RibbonCurve& curve : ribbons.curves) {
+        drawBand(m_mesh, ribbons, curve, ribbonStep, strokeRibs(scale), false);
     }
     m_mesh.finish(*this);
 }

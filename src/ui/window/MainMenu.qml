@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// The menu below the strip's first button. It closes when a command is chosen or the focus goes elsewhere.
+// The menu below the first button of the title bar. It closes when a command is chosen or the focus goes elsewhere.
 FocusScope {
     id: menu
 
