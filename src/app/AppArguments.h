@@ -19,7 +19,7 @@ struct AppArguments {
 };
 
 /// Reads the arguments, without the program's name. "--render" as the last one is ignored; "--" ends the
-/// options; a file URL stands for its path.
+/// options; a file URL is replaced by its path.
 AppArguments readArguments(const std::vector<std::string>& arguments);
 
 } // namespace velmora

@@ -17,17 +17,17 @@ class AppDelegate : public QObject {
 public:
     using QObject::QObject;
 
-    /// Keeps `urls` for the window in place of what waited there, and announces them.
-    void open(const Paths& urls) {
-        m_pending = urls;
-        emit openURLs(urls);
+    /// Keeps `paths` for the window, in place of those kept before, and announces them.
+    void open(const Paths& paths) {
+        m_pending = paths;
+        emit openURLs(paths);
     }
 
-    /// What waits for the window; nothing waits afterwards.
+    /// Returns the paths kept for the window, which are no longer kept.
     Paths takePending() { return std::exchange(m_pending, {}); }
 
 signals:
-    void openURLs(const velmora::Paths& urls);
+    void openURLs(const velmora::Paths& paths);
 
 private:
     Paths m_pending;

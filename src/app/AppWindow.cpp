@@ -24,9 +24,9 @@ AppWindow::AppWindow(AppDelegate& delegate) {
     }
     take(qobject_cast<QQuickWindow*>(m_engine.rootObjects().constFirst()));
 
-    connect(&delegate, &AppDelegate::openURLs, this, [this, &delegate](const Paths& urls) {
+    connect(&delegate, &AppDelegate::openURLs, this, [this, &delegate](const Paths& paths) {
         delegate.takePending();
-        m_actions.start(urls);
+        m_actions.start(paths);
     });
     m_updates.checkQuietly();
     m_actions.start(delegate.takePending());

@@ -1,7 +1,7 @@
 #pragma once
 
-// The one window with all that lives as long as it: the scan it shows, what its controls do, what is dropped
-// on it.
+// The only window, and everything that lives as long as it: the scan it shows, the actions of its controls,
+// the drops on it.
 
 #include "app/UpdateAlerts.h"
 #include "app/WindowActions.h"
@@ -19,19 +19,19 @@ namespace velmora {
 
 class AppDelegate;
 
-/// Created after the application object. When it goes, running tools are ended and temporary files removed.
+/// Created after the application object. Its destructor ends running tools and removes temporary files.
 class AppWindow : public QObject {
     Q_OBJECT
 
 public:
-    /// Takes over what waits at `delegate`, and all it is handed later.
+    /// Scans the paths that `delegate` keeps, and all that it is given later.
     explicit AppWindow(AppDelegate& delegate);
 
     /// Whether the window could be made.
     bool isShown() const { return m_window != nullptr; }
 
-    /// Brings the window to the front. `activationToken` is the desktop's leave to take the focus; it may be
-    /// empty.
+    /// Brings the window to the front. `activationToken` is the desktop's permission to take the focus; it
+    /// may be empty.
     void raise(const QByteArray& activationToken);
 
 private:

@@ -34,8 +34,8 @@ WindowActions::WindowActions(ScanModel& model, ScanView& view, Alerts& alerts)
     , m_view(view)
     , m_alerts(alerts) {}
 
-void WindowActions::start(const Paths& urls) {
-    m_model.ingest(urls);
+void WindowActions::start(const Paths& paths) {
+    m_model.ingest(paths);
 }
 
 void WindowActions::choose() {

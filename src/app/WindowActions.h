@@ -15,7 +15,7 @@ namespace velmora {
 class ScanModel;
 class ScanView;
 
-/// What "About Velmora" tells.
+/// The alert of "About Velmora".
 AlertText aboutText();
 
 class WindowActions : public Actions {
@@ -31,8 +31,8 @@ public:
     /// What "Check for Updates…" does.
     void setUpdateCheck(std::function<void()> check) { m_checkForUpdates = std::move(check); }
 
-    /// Scans `urls`: the end of every way into a scan.
-    void start(const velmora::Paths& urls);
+    /// Scans `paths`. Every scan starts here.
+    void start(const velmora::Paths& paths);
 
     void choose() override;
     void copyRuntime() override;

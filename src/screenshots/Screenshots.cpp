@@ -34,7 +34,7 @@ namespace {
 constexpr QSize shotSize(1440, 900);
 constexpr double shotScale = 2;
 
-/// From 0 to 100: how much of the size is given for speed. The pictures are lossless in any case.
+/// From 0 to 100: a higher value compresses faster and less. The pictures are lossless at any value.
 constexpr int pngQuality = 75;
 
 /// A picture's controls do nothing.
@@ -92,8 +92,8 @@ void write(const QImage& image, const std::filesystem::path& path) {
     }
 }
 
-/// Lets fontconfig read a configuration without fonts and rules: the typefaces are embedded, and how they are
-/// drawn is no matter of the desktop's.
+/// Makes fontconfig read a configuration without fonts and rules: the typefaces are embedded, and the
+/// desktop's settings for drawing them must not change the pictures.
 void keepFontSettingsOut() {
     static QTemporaryFile nothing(QDir::tempPath() + QStringLiteral("/velmora-XXXXXX.conf")); // until the end
     if (nothing.open() &&

@@ -12,7 +12,8 @@
 
 namespace velmora::Screenshots {
 
-/// When the moving scenery is photographed, in seconds since its epoch: any moment would do, always the same.
+/// The time that the moving scenery shows in the pictures, in seconds since 2001-01-01 00:00 UTC. Always the
+/// same, so that the pictures are.
 inline constexpr double shotTime = 812'000'000;
 
 /// Makes rendering independent of the desktop: no display, no GPU, no theme, no scale, no fonts but our own.
@@ -20,8 +21,8 @@ inline constexpr double shotTime = 812'000'000;
 void prepareEnvironment();
 
 /// Writes "1-result.png", "2-drop.png" and "3-scanning.png" into the directory, which is made if it is
-/// missing; 2880 × 1800 pixels each, the same bytes on every run. What fails is left out without a word.
-/// Needs the prepared environment and an application object; main thread.
+/// missing; 2880 × 1800 pixels each, the same bytes on every run. A picture that cannot be written is left
+/// out; there is no message. Needs the prepared environment and an application object; main thread.
 void render(const std::filesystem::path& into);
 
 /// The window's content, `points` large, showing `scan`, at `scale` pixels a point. Null if it cannot be

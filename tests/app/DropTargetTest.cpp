@@ -86,7 +86,7 @@ TEST(AppDelegate, KeepsFilesUntilTheWindowTakesThem) {
     AppDelegate delegate;
     std::vector<Paths> announced;
     QObject::connect(&delegate, &AppDelegate::openURLs,
-                     [&](const Paths& urls) { announced.push_back(urls); });
+                     [&](const Paths& paths) { announced.push_back(paths); });
     delegate.open({"/m/old.wav"});
     delegate.open({"/m/new.wav"});
     EXPECT_EQ(announced, (std::vector<Paths>{{"/m/old.wav"}, {"/m/new.wav"}}));

@@ -44,7 +44,7 @@ TEST_F(KitTest, GivesQmlTheSamePalette) {
 
 TEST_F(KitTest, BlursAndTracksGlowingTextByItsSize) {
     PaintedGlowText text;
-    text.setSize(76);
+    text.setProperty("size", 76);
     EXPECT_DOUBLE_EQ(text.blurRadius(), 12.16);
     EXPECT_DOUBLE_EQ(text.style().tracking, 2.28);
     EXPECT_EQ(text.style().weight, QFont::Bold);

@@ -117,7 +117,7 @@ TEST_F(ScanViewTest, AnnouncesOnlyWhatDiffers) {
 
 TEST_F(ScanViewTest, FollowsAModel) {
     ScanModel model({.gather = [](const auto&, const auto&) { return GatherResult(); },
-                     .measure = [](const auto& url, const auto&) { return Measured{.url = url}; }});
+                     .measure = [](const auto& path, const auto&) { return Measured{.url = path}; }});
     const ScanView follower(model);
     EXPECT_TRUE(follower.idle());
     model.ingest({"/music/Live Set"});

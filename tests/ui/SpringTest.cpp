@@ -42,12 +42,12 @@ TEST_F(SpringTest, SwingsToItsTargetAndBack) {
     Spring spring;
     spring.setTarget(1);
     EXPECT_EQ(spring.value(), 1) << "the first target is taken over";
-    double most = 0;
-    QObject::connect(&spring, &Spring::valueChanged, [&] { most = std::max(most, spring.value()); });
+    double highest = 0;
+    QObject::connect(&spring, &Spring::valueChanged, [&] { highest = std::max(highest, spring.value()); });
     spring.setTarget(1.08);
     EXPECT_NEAR(spring.value(), 1, 1e-6) << "it starts from where it is";
     ASSERT_TRUE(QTest::qWaitFor([&] { return spring.value() == 1.08; }));
-    EXPECT_GT(most, 1.08) << "it overshoots";
+    EXPECT_GT(highest, 1.08) << "it overshoots";
     spring.setTarget(1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return spring.value() == 1; }));
 }

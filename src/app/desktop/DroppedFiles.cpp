@@ -13,16 +13,16 @@ namespace {
 const QString uriList = QStringLiteral("text/uri-list");
 const QString fileTransfer = QStringLiteral("application/vnd.portal.filetransfer");
 
-constexpr int portalPatience = 5000; // milliseconds
+constexpr int portalTimeout = 5000; // milliseconds
 
-/// The files behind the portal's `key`; none when the portal does not answer.
+/// The files that the portal has for `key`; none when it does not answer.
 Paths filesFromPortal(const QByteArray& key) {
     QDBusMessage call = QDBusMessage::createMethodCall(QStringLiteral("org.freedesktop.portal.Documents"),
                                                        QStringLiteral("/org/freedesktop/portal/documents"),
                                                        QStringLiteral("org.freedesktop.portal.FileTransfer"),
                                                        QStringLiteral("RetrieveFiles"));
     call << QString::fromUtf8(key) << QVariantMap();
-    const QDBusMessage answer = QDBusConnection::sessionBus().call(call, QDBus::Block, portalPatience);
+    const QDBusMessage answer = QDBusConnection::sessionBus().call(call, QDBus::Block, portalTimeout);
     Paths paths;
     if (answer.type() == QDBusMessage::ReplyMessage && !answer.arguments().isEmpty()) {
         for (const QString& file : answer.arguments().constFirst().toStringList()) {

@@ -21,7 +21,7 @@ namespace velmora {
 
 namespace {
 
-constexpr int patience = 5000; // milliseconds until a service counts as absent
+constexpr int answerTimeout = 5000; // milliseconds until a service counts as absent
 
 /// Makes the call without waiting; `otherwise` runs when it failed.
 void ask(const QDBusMessage& call, std::function<void()> otherwise) {
@@ -30,7 +30,7 @@ void ask(const QDBusMessage& call, std::function<void()> otherwise) {
         otherwise();
         return;
     }
-    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, patience));
+    auto* watcher = new QDBusPendingCallWatcher(bus.asyncCall(call, answerTimeout));
     QObject::connect(watcher, &QDBusPendingCallWatcher::finished, watcher,
                      [watcher, otherwise = std::move(otherwise)] {
                          watcher->deleteLater();

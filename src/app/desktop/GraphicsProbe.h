@@ -5,9 +5,9 @@
 
 namespace velmora {
 
-/// Whether the window is better drawn in software. Before the application object is created. A machine with a
-/// render device is probed by a child process, which survives what a missing driver does to it and takes some
-/// 50 ms.
+/// Whether the window is better drawn in software. Before the application object is created. Where
+/// there is a render device, a child process tries it, because a broken driver may end the process that loads
+/// it; that takes about 50 ms.
 bool isBetterInSoftware();
 
 /// The child's part: creates an OpenGL context and writes the renderer's name to standard output. Returns the

@@ -13,7 +13,6 @@ namespace velmora {
 /// animation speed. Without a portal nothing is reduced. Main thread.
 class ReducedMotion : public QObject {
     Q_OBJECT
-    Q_PROPERTY(bool animated READ animated NOTIFY changed)
 
 public:
     /// Asks the portal; the answer comes later, as `changed`.

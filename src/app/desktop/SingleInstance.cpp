@@ -16,7 +16,7 @@ namespace {
 
 const QString objectPath = QStringLiteral("/com/orventa/Velmora");
 
-constexpr int patience = 5000;           // milliseconds the running instance gets to answer
+constexpr int answerTimeout = 5000;      // milliseconds
 constexpr unsigned long retryPause = 10; // milliseconds
 
 QString inRuntimeDirectory(const QString& name) {
@@ -72,10 +72,10 @@ Paths split(const QByteArray& text) {
 
 /// Tries again for a while: an instance that has only just started may not listen yet.
 bool connectTo(const QString& server, QLocalSocket& socket) {
-    const QDeadlineTimer deadline(patience);
+    const QDeadlineTimer deadline(answerTimeout);
     do {
         socket.connectToServer(server);
-        if (socket.waitForConnected(patience)) {
+        if (socket.waitForConnected(answerTimeout)) {
             return true;
         }
         QThread::msleep(retryPause);
@@ -94,14 +94,14 @@ bool SingleInstance::claimOnBus(const Paths& paths) {
     new ApplicationAdaptor(this, [this](const Paths& requested, const QByteArray& activationToken) {
         emit this->requested(requested, activationToken);
     });
-    bus.registerObject(objectPath, this); // before the name: whoever finds the name finds the object
+    bus.registerObject(objectPath, this); // before the name, so that the object exists when the name does
     const auto answer =
         bus.interface()->registerService(applicationId, QDBusConnectionInterface::DontQueueService);
     if (answer.value() == QDBusConnectionInterface::ServiceRegistered) {
         return true;
     }
     bus.unregisterObject(objectPath);
-    return bus.call(requestFor(paths), QDBus::Block, patience).type() != QDBusMessage::ReplyMessage;
+    return bus.call(requestFor(paths), QDBus::Block, answerTimeout).type() != QDBusMessage::ReplyMessage;
 }
 
 bool SingleInstance::claimSocket(const Paths& paths) {
@@ -113,7 +113,8 @@ bool SingleInstance::claimSocket(const Paths& paths) {
         if (connectTo(name, socket)) {
             socket.write(joined(paths));
             socket.disconnectFromServer(); // after all is written
-            return socket.state() != QLocalSocket::UnconnectedState && !socket.waitForDisconnected(patience);
+            return socket.state() != QLocalSocket::UnconnectedState &&
+                   !socket.waitForDisconnected(answerTimeout);
         }
         return true;
     }

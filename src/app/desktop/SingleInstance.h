@@ -1,6 +1,6 @@
 #pragma once
 
-// Keeps it to one window a user: a second start hands its files to the running one. Two would sweep each
+// Allows one running instance a user: a second start gives its files to the first. Two would delete each
 // other's temporary files.
 
 #include "app/desktop/FileUrls.h"
@@ -25,8 +25,8 @@ class SingleInstance : public QObject {
 public:
     using QObject::QObject;
 
-    /// Whether this process is the one. If not, the running one has been given `paths`, or, without any, been
-    /// asked to come to the front; so this process has nothing left to do.
+    /// Whether this process is the only instance. If not, the running instance has been given `paths`, or has
+    /// been asked to come to the front where there are none; this process can end.
     bool claim(const Paths& paths);
 
 signals:

@@ -23,8 +23,8 @@ QString textOf(const fs::path& path) {
     return QFile::decodeName(QByteArray::fromStdString(path.native()));
 }
 
-/// Knows files by their names alone. Qt's own icons look into every file that is listed, on the main thread:
-/// slow for a folder of thousands, for ever where a read waits.
+/// Chooses icons by the names of files. Qt's own provider reads the content of every file that is listed, on
+/// the main thread: slow for a folder of thousands, endless where a read blocks.
 class IconsByName : public QFileIconProvider {
 public:
     using QFileIconProvider::icon;

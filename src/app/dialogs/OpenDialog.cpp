@@ -34,7 +34,7 @@ OpenDialog::OpenDialog() {
     QTimer::singleShot(0, this, &OpenDialog::keepUsable);
 }
 
-/// The dialog for files would switch its button off, or rename it, while folders are selected.
+/// Qt's dialog for files disables its button, or renames it, while folders are selected.
 void OpenDialog::keepUsable() {
     setLabelText(Accept, QStringLiteral("Measure"));
     if (auto* buttons = findChild<QDialogButtonBox*>()) {
@@ -76,7 +76,7 @@ void OpenDialog::accept() {
     if (m_chosen.isEmpty()) {
         m_chosen = QStringList(directory().absolutePath());
     }
-    QDialog::accept(); // NOLINT(bugprone-parent-virtual-call): the file dialog's own would insist on files
+    QDialog::accept(); // NOLINT(bugprone-parent-virtual-call): QFileDialog's own accepts files only
 }
 
 } // namespace velmora

@@ -22,11 +22,6 @@ QPainterPath rounded(const QRectF& box, double radius) {
 
 } // namespace
 
-Card::Card(QQuickItem* parent)
-    : PaintedItem(parent) {
-    connect(this, &Card::changed, this, &Card::repaint);
-}
-
 double Card::between(double resting, double lit) const {
     return resting + m_highlight * (lit - resting);
 }
@@ -40,7 +35,7 @@ void Card::paint(QPainter& painter) const {
     const QRectF box(0, 0, width(), height());
     const QPainterPath shape = rounded(box, cornerRadius);
 
-    // The shadow is a light around the card; the card itself stays as dark as its fill.
+    // The shadow is a light around the card, not below it: the fill is translucent.
     QPainterPath outside;
     outside.addRect(box.marginsAdded(overflow()));
     painter.save();

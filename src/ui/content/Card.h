@@ -15,12 +15,9 @@ class Card : public velmora::PaintedItem {
     Q_PROPERTY(double highlight MEMBER m_highlight NOTIFY changed)
 
 public:
-    explicit Card(QQuickItem* parent = nullptr);
+    using PaintedItem::PaintedItem;
 
     QMarginsF overflow() const override;
-
-signals:
-    void changed();
 
 protected:
     void paint(QPainter& painter) const override;

@@ -19,7 +19,7 @@ constexpr double dashShare = 0.55; ///< of a dash and its gap
 constexpr double innerRadius = 37;
 constexpr double symbolSize = 30;
 
-/// Room for the line, and for a spring that overshoots.
+/// How far the emblem reaches beyond its item, in points, while the spring that magnifies it overshoots.
 constexpr double room = 10;
 
 QPen dashedPen() {
@@ -34,7 +34,6 @@ QPen dashedPen() {
 DropEmblem::DropEmblem(QQuickItem* parent)
     : PaintedItem(parent) {
     setImplicitSize(2 * outerRadius, 2 * outerRadius);
-    connect(this, &DropEmblem::changed, this, &DropEmblem::repaint);
 }
 
 QMarginsF DropEmblem::overflow() const {

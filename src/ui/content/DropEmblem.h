@@ -1,7 +1,7 @@
 #pragma once
 
-// The emblem of the drop prompt: a waveform with a plus in two circles. It is painted at its magnification
-// rather than stretched, so that it stays sharp.
+// The emblem of the drop prompt: a waveform with a plus in two circles. It is painted at its magnification,
+// not scaled as an image, so that it stays sharp.
 
 #include "ui/kit/PaintedItem.h"
 
@@ -18,9 +18,6 @@ public:
     explicit DropEmblem(QQuickItem* parent = nullptr);
 
     QMarginsF overflow() const override;
-
-signals:
-    void changed();
 
 protected:
     void paint(QPainter& painter) const override;

@@ -12,11 +12,11 @@ namespace {
 
 constexpr double strokeWidth = 0.066; ///< of the symbol's size: a light weight
 
-/// The heights of the strokes from left to right. The crossed-out waveform has others, of which the cross
-/// leaves no crumbs.
+/// The heights of the strokes from left to right. Those under the slash are chosen so that it leaves no tiny
+/// pieces of them.
 using Heights = std::array<double, 7>;
 constexpr Heights heightsBesidePlus = {0.22, 0.54, 0.96, 0.4, 0.76, 0.5, 0.2};
-constexpr Heights heightsBehindSlash = {0.22, 0.56, 0.96, 0.74, 0.66, 0.42, 0.2};
+constexpr Heights heightsUnderSlash = {0.22, 0.56, 0.96, 0.74, 0.66, 0.42, 0.2};
 constexpr double pitch = 0.185; ///< from stroke to stroke
 
 QPainterPath stroked(const QLineF& line, double width) {
@@ -57,7 +57,7 @@ QPainterPath waveformWithPlus(double size) {
 QPainterPath waveformWithSlash(double size) {
     const QLineF slash(-0.46 * size, -0.46 * size, 0.46 * size, 0.46 * size);
     const QPainterPath room = stroked(slash, 3.4 * strokeWidth * size);
-    return waveform(size, heightsBehindSlash).subtracted(room).united(stroked(slash, strokeWidth * size));
+    return waveform(size, heightsUnderSlash).subtracted(room).united(stroked(slash, strokeWidth * size));
 }
 
 } // namespace velmora

@@ -6,11 +6,10 @@
 
 namespace velmora {
 
-/// A waveform with a plus at its lower right. `size` is that of a letter it would stand beside, in points;
-/// the shape is centred on the origin and about `size` high.
+/// A waveform with a plus at its lower right, centred on the origin and about `size` points high.
 QPainterPath waveformWithPlus(double size);
 
-/// A waveform crossed out by a stroke from the upper left to the lower right.
+/// A waveform crossed out by a stroke from the upper left to the lower right; `size` as above.
 QPainterPath waveformWithSlash(double size);
 
 } // namespace velmora

@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// The bottom row: what can be done in the present phase, and how the packing stands.
+// The bottom row: the buttons of the present phase, and the state of the packing.
 Item {
     id: footer
 

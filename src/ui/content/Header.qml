@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// The top row: mark, names, and the phase of the scan.
+// The top row: logo, names, and the phase of the scan.
 Item {
     id: header
 

@@ -12,7 +12,7 @@ namespace velmora {
 
 namespace {
 
-constexpr double leastWidth = 6;
+constexpr double minFilledWidth = 6; // points
 constexpr double trackOpacity = 0.06;
 constexpr double shadowRadius = 8;
 constexpr double capsuleShadowOpacity = 0.7;
@@ -25,18 +25,13 @@ void fillCapsule(QPainter& painter, const QRectF& box, const QBrush& brush) {
 
 } // namespace
 
-ProgressCapsule::ProgressCapsule(QQuickItem* parent)
-    : PaintedItem(parent) {
-    connect(this, &ProgressCapsule::changed, this, &ProgressCapsule::repaint);
-}
-
 QMarginsF ProgressCapsule::overflow() const {
     const double reach = blurReach(shadowRadius);
     return {reach, reach, reach, reach};
 }
 
 double ProgressCapsule::filledWidth() const {
-    return std::max(leastWidth, width() * std::clamp(m_progress, 0.0, 1.0));
+    return std::max(minFilledWidth, width() * std::clamp(m_progress, 0.0, 1.0));
 }
 
 void ProgressCapsule::paint(QPainter& painter) const {

@@ -14,15 +14,12 @@ class ProgressCapsule : public velmora::PaintedItem {
     Q_PROPERTY(double progress MEMBER m_progress NOTIFY changed)
 
 public:
-    explicit ProgressCapsule(QQuickItem* parent = nullptr);
+    using PaintedItem::PaintedItem;
 
     QMarginsF overflow() const override;
 
-    /// How wide the filled part is, in points: 6 at least.
+    /// The width of the filled part, in points; 6 or more.
     double filledWidth() const;
-
-signals:
-    void changed();
 
 protected:
     void paint(QPainter& painter) const override;

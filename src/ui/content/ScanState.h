@@ -1,7 +1,7 @@
 #pragma once
 
-// What the window shows of a scan at one moment: a plain value, so that a window can stand on a running scan
-// as well as on prepared data.
+// What the window shows of a scan at one moment. A plain value, so that a window can show a running scan as
+// well as prepared data.
 
 #include "scan/ScanModel.h"
 #include "scan/ZipState.h"

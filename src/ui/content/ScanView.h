@@ -1,7 +1,7 @@
 #pragma once
 
-// The state of the window in the words and colours its views show. Every text is built here, so that the
-// views only lay out and bind.
+// The state of the window as the texts and colours that its views show. Every text is made here; the views
+// only place them and bind to them.
 
 #include "ui/content/ScanState.h"
 
@@ -45,10 +45,10 @@ class ScanView : public QObject {
 
     Q_PROPERTY(QString copyRuntimeTitle READ copyRuntimeTitle NOTIFY flashChanged)
     Q_PROPERTY(QString copyFileListTitle READ copyFileListTitle NOTIFY flashChanged)
-    Q_PROPERTY(bool targeted READ targeted WRITE setTargeted NOTIFY targetedChanged)
+    Q_PROPERTY(bool targeted READ targeted NOTIFY targetedChanged)
 
 public:
-    /// The two copy buttons; the one whose text was just copied says so.
+    /// The copy button that says "COPIED" at present.
     enum class Copied : std::uint8_t { nothing, total, list };
 
     /// How long a copy button says "COPIED", in milliseconds.
@@ -62,7 +62,7 @@ public:
     /// Shows `state`; announces only what differs from what was shown.
     void show(ScanState state);
 
-    /// Lets `button` say "COPIED" for `flashMilliseconds`, unless another copy takes the flash over.
+    /// Makes `button` say "COPIED" for `flashMilliseconds`, or until another copy button says it.
     void flash(Copied button);
 
     Copied flashing() const { return m_flashing; }
@@ -78,7 +78,7 @@ public:
     QString pillText() const;
     QColor pillTint() const;
 
-    /// How strongly the backdrop moves, from 0 to 1.
+    /// The strength of the scenery's motion, from 0 to 1.
     double intensity() const;
 
     QString status() const;

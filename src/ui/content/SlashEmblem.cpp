@@ -19,7 +19,6 @@ SlashEmblem::SlashEmblem(QQuickItem* parent)
 void SlashEmblem::resize() {
     const QRectF box = waveformWithSlash(m_size).boundingRect();
     setImplicitSize(std::ceil(box.width()), std::ceil(box.height()));
-    repaint();
 }
 
 void SlashEmblem::paint(QPainter& painter) const {

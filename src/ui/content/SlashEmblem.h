@@ -18,16 +18,13 @@ class SlashEmblem : public velmora::PaintedItem {
 public:
     explicit SlashEmblem(QQuickItem* parent = nullptr);
 
-signals:
-    void changed();
-
 protected:
     void paint(QPainter& painter) const override;
 
 private:
     void resize();
 
-    int m_size = 34; ///< of a letter the emblem would stand beside, in points
+    int m_size = 34; ///< points, as of a letter beside it
     QColor m_tint;
 };
 

@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// The line that tells how the packing stands; once the archive is saved, a button that shows it.
+// The line with the state of the packing. Once the archive is saved, it is a button that shows the archive.
 Item {
     id: line
 

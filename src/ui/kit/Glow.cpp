@@ -12,15 +12,19 @@ namespace velmora {
 
 namespace {
 
-/// Blurring happens at the resolution at which the Gaussian is about this many pixels wide: a finer one would
-/// not show.
+/// The standard deviation of the Gaussian in pixels while blurring, at most. A finer resolution would look
+/// the same.
 constexpr double workingSigma = 5;
 
-/// The right half of a Gaussian of standard deviation `sigma`, its centre first; the whole sums up to 1.
+/// The kernel ends at this many standard deviations; the rest of a Gaussian is below half a step of a pixel.
+constexpr double kernelReach = 3.5;
+
+/// The right half of a Gaussian of standard deviation `sigma`, the centre first. The sum of the whole
+/// Gaussian is 1.
 std::vector<float> halfKernel(double sigma) {
     std::vector<float> kernel;
     double sum = 0;
-    const int reach = static_cast<int>(std::ceil(3.5 * sigma));
+    const int reach = static_cast<int>(std::ceil(kernelReach * sigma));
     for (int offset = 0; offset <= reach; ++offset) {
         const double weight = std::exp(-offset * offset / (2 * sigma * sigma));
         kernel.push_back(static_cast<float>(weight));
@@ -38,7 +42,7 @@ CoverageMap blurredTransposed(const CoverageMap& map, const std::vector<float>& 
     const int reach = static_cast<int>(kernel.size()) - 1;
     std::vector<float> row(static_cast<std::size_t>(map.width));
     for (int y = 0; y < map.height; ++y) {
-        std::fill(row.begin(), row.end(), 0.0F);
+        std::ranges::fill(row, 0.0F);
         for (int from = std::max(0, y - reach); from <= std::min(map.height - 1, y + reach); ++from) {
             const float weight = kernel[static_cast<std::size_t>(std::abs(from - y))];
             const float* source = &map.values[static_cast<std::size_t>(from) * row.size()];
@@ -58,8 +62,8 @@ CoverageMap coverageOf(const QImage& image) {
     map.values.reserve(static_cast<std::size_t>(map.width) * static_cast<std::size_t>(map.height));
     for (int y = 0; y < map.height; ++y) {
         const auto* pixel = reinterpret_cast<const QRgb*>(image.constScanLine(y));
-        std::transform(pixel, pixel + map.width, std::back_inserter(map.values),
-                       [](QRgb argb) { return static_cast<float>(qAlpha(argb)) / 255; });
+        std::ranges::transform(pixel, pixel + map.width, std::back_inserter(map.values),
+                               [](QRgb argb) { return static_cast<float>(qAlpha(argb)) / 255; });
     }
     return map;
 }

@@ -23,11 +23,11 @@ struct CoverageMap {
 /// Blurs `map` with a Gaussian of standard deviation `sigma` pixels. Outside the map there is nothing.
 void blur(CoverageMap& map, double sigma);
 
-/// How far a blur of radius `radius` is visible beyond its shape, in the same unit.
+/// The distance from a shape at which a blur of `radius` is still visible, in the same unit.
 double blurReach(double radius);
 
-/// Paints what `shape` paints within `bounds`, its colour replaced by `tint`, blurred with `radius`, as many
-/// times above itself as `copies` says. All in the points of `painter`.
+/// Paints what `shape` paints within `bounds`, with `tint` as its colour, blurred with `radius`; `copies`
+/// times, one over the other. Lengths are points of `painter`.
 void drawBlurred(QPainter& painter, const QRectF& bounds, double radius, const QColor& tint, int copies,
                  const std::function<void(QPainter& painter)>& shape);
 

@@ -6,7 +6,7 @@ Pressable {
 
     required property string title
     required property color tint
-    property string restingTitle: title ///< keeps its room while the title says something shorter for a moment
+    property string restingTitle: title ///< the button stays wide enough for it
     readonly property bool lit: hovered && enabled
 
     component Words: Caption {

@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// A few words beside a control that the pointer rests on.
+// A short explanation beside a control on which the pointer rests.
 Item {
     id: toolTip
 
@@ -18,7 +18,7 @@ Item {
         interval: 700
         running: toolTip.wanted && toolTip.text !== ""
         onTriggered: {
-            // It begins where its control does, unless it would leave the window.
+            // Its left edge is that of the control, unless it would not fit into the window.
             const start = toolTip.parent.mapToItem(null, 0, 0).x;
             toolTip.x = Math.min(0, toolTip.Window.width - 6 - toolTip.width - start);
             toolTip.visible = true;

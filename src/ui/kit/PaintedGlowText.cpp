@@ -22,27 +22,9 @@ constexpr int glowCopies = 2;
 
 PaintedGlowText::PaintedGlowText(QQuickItem* parent)
     : PaintedItem(parent)
-    , m_tint(Neon::violet) {}
-
-void PaintedGlowText::setText(const QString& text) {
-    if (m_text != text) {
-        m_text = text;
-        announce();
-    }
-}
-
-void PaintedGlowText::setSize(int points) {
-    if (m_size != points) {
-        m_size = points;
-        announce();
-    }
-}
-
-void PaintedGlowText::setTint(const QColor& tint) {
-    if (m_tint != tint) {
-        m_tint = tint;
-        announce();
-    }
+    , m_tint(Neon::violet) {
+    connect(this, &PaintedGlowText::changed, this,
+            [this] { setImplicitSize(std::ceil(style().width(m_text)), std::ceil(style().lineHeight())); });
 }
 
 double PaintedGlowText::blurRadius() const {
@@ -58,18 +40,11 @@ QMarginsF PaintedGlowText::overflow() const {
     return {reach, reach, reach, reach};
 }
 
-void PaintedGlowText::announce() {
-    setImplicitSize(std::ceil(style().width(m_text)), std::ceil(style().lineHeight()));
-    repaint();
-    emit changed();
-}
-
 void PaintedGlowText::paint(QPainter& painter) const {
     const TextStyle style = this->style();
     const QRectF box(0, 0, style.width(m_text), style.lineHeight());
     const QPointF start(0, style.baseline());
-    // As outlines: blurring may happen at a coarse resolution, on whose pixels letters would be moved to
-    // fall.
+    // The glow is made from outlines: at its coarse resolution, a painter would move letters to whole pixels.
     QPainterPath letters;
     letters.addText(start, style.font(), m_text);
     drawBlurred(painter, box, blurRadius(), Neon::faded(m_tint, glowOpacity), glowCopies,

@@ -14,9 +14,9 @@ namespace velmora {
 class PaintedGlowText : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QString text READ text WRITE setText NOTIFY changed)
-    Q_PROPERTY(int size READ size WRITE setSize NOTIFY changed)
-    Q_PROPERTY(QColor tint READ tint WRITE setTint NOTIFY changed)
+    Q_PROPERTY(QString text MEMBER m_text NOTIFY changed)
+    Q_PROPERTY(int size MEMBER m_size NOTIFY changed)
+    Q_PROPERTY(QColor tint MEMBER m_tint NOTIFY changed)
 
 public:
     explicit PaintedGlowText(QQuickItem* parent = nullptr);
@@ -27,10 +27,6 @@ public:
 
     QColor tint() const { return m_tint; }
 
-    void setText(const QString& text);
-    void setSize(int points);
-    void setTint(const QColor& tint);
-
     /// The radius of the copies' blur, in points.
     double blurRadius() const;
 
@@ -38,17 +34,12 @@ public:
 
     QMarginsF overflow() const override;
 
-signals:
-    void changed();
-
 protected:
     void paint(QPainter& painter) const override;
 
 private:
-    void announce();
-
     QString m_text;
-    int m_size = 44;
+    int m_size = 44; ///< points
     QColor m_tint;
 };
 

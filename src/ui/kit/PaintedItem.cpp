@@ -11,19 +11,18 @@ namespace velmora {
 
 namespace {
 
-/// An image larger than this in a direction is refused by graphics drivers.
-constexpr int mostPixels = 16384;
+/// The largest width and height of an image, in pixels: graphics drivers refuse larger ones.
+constexpr int maxPixels = 16384;
 
 } // namespace
 
 PaintedItem::PaintedItem(QQuickItem* parent)
     : QQuickItem(parent) {
     setFlag(ItemHasContents);
-}
-
-void PaintedItem::repaint() {
-    m_stale = true;
-    update();
+    connect(this, &PaintedItem::changed, this, [this] {
+        m_stale = true;
+        update();
+    });
 }
 
 /// The painted area in points, widened so that its edges fall on pixels wherever the item stands.
@@ -38,7 +37,7 @@ QRectF PaintedItem::alignedArea(double scale) const {
 }
 
 QImage PaintedItem::render(const QRectF& area, double scale) const {
-    const QSize pixels = (area.size() * scale).toSize().boundedTo({mostPixels, mostPixels});
+    const QSize pixels = (area.size() * scale).toSize().boundedTo({maxPixels, maxPixels});
     QImage image(pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);

@@ -1,8 +1,7 @@
 #pragma once
 
 // An item that is painted once and shown as an image: the same pixels with and without a GPU. It is painted
-// again only when its content, its size or the scale of the display changes, at the display's own
-// resolution.
+// at the display's resolution, and again only when its content, its size or the scale of the display changes.
 
 #include <QImage>
 #include <QMarginsF>
@@ -13,7 +12,8 @@ class QPainter;
 
 namespace velmora {
 
-/// A derived class names this base with its namespace: only so do QML's tools find it.
+/// A derived class announces a change of its content with `changed`, by `set` or as the NOTIFY signal of its
+/// properties. It names this base with its namespace: QML's tools do not find it otherwise.
 class PaintedItem : public QQuickItem {
     Q_OBJECT
     QML_ANONYMOUS
@@ -24,16 +24,26 @@ public:
     /// How far the painting reaches beyond the item on each side, in points: room for glows and shadows.
     virtual QMarginsF overflow() const { return {}; }
 
+signals:
+    /// The content has changed. The item is painted again.
+    void changed();
+
 protected:
-    /// Paints the content in points, with the origin in the item's top-left corner. May run on the render
-    /// thread while the main thread waits.
+    /// Gives `member`, a part of the content, the value `value`. Emits `changed` where that differs.
+    template <typename T>
+    void set(T& member, const T& value) {
+        if (member != value) {
+            member = value;
+            emit changed();
+        }
+    }
+
+    /// Paints the content in points; the origin is the item's top-left corner. May run on the render thread,
+    /// while the main thread waits.
     virtual void paint(QPainter& painter) const = 0;
 
-    /// The image that is shown: what `paint` paints on a transparent ground. `scale` is pixels a point.
+    /// The image that is shown: what `paint` paints on a transparent background. `scale` is pixels a point.
     virtual QImage render(const QRectF& area, double scale) const;
-
-    /// The content has changed.
-    void repaint();
 
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;
     void itemChange(ItemChange change, const ItemChangeData& value) override;

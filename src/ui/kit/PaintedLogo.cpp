@@ -14,13 +14,9 @@ constexpr double shadowOpacity = 0.35;
 
 } // namespace
 
-void PaintedLogo::setSource(const QString& source) {
-    if (m_source != source) {
-        m_source = source;
-        m_image = QImage(source);
-        repaint();
-        emit sourceChanged();
-    }
+PaintedLogo::PaintedLogo(QQuickItem* parent)
+    : PaintedItem(parent) {
+    connect(this, &PaintedLogo::changed, this, [this] { m_image = QImage(m_source); });
 }
 
 double PaintedLogo::shadowRadius() const {

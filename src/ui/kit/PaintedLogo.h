@@ -1,6 +1,6 @@
 #pragma once
 
-// The maker's mark with a soft shadow of light. Where its image is missing the space stays empty.
+// The maker's logo with a soft, light shadow. Without its image the space stays empty.
 
 #include "ui/kit/PaintedItem.h"
 
@@ -13,20 +13,12 @@ namespace velmora {
 class PaintedLogo : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QString source READ source WRITE setSource NOTIFY sourceChanged)
+    Q_PROPERTY(QString source MEMBER m_source NOTIFY changed)
 
 public:
-    using PaintedItem::PaintedItem;
-
-    /// The name of the image's file or resource.
-    QString source() const { return m_source; }
-
-    void setSource(const QString& source);
+    explicit PaintedLogo(QQuickItem* parent = nullptr);
 
     QMarginsF overflow() const override;
-
-signals:
-    void sourceChanged();
 
 protected:
     void paint(QPainter& painter) const override;
@@ -34,7 +26,7 @@ protected:
 private:
     double shadowRadius() const;
 
-    QString m_source;
+    QString m_source; ///< the name of the image's file or resource
     QImage m_image;
 };
 

@@ -1,6 +1,6 @@
 #pragma once
 
-// A line of text. Wider than the item it ends in an ellipsis.
+// A line of text. Where the text is wider than the item, it is cut and ends in an ellipsis.
 
 #include "ui/kit/PaintedItem.h"
 #include "ui/kit/TextStyle.h"
@@ -14,8 +14,8 @@ namespace velmora {
 class PaintedText : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(QString text READ text WRITE setText NOTIFY changed)
-    Q_PROPERTY(QColor color READ color WRITE setColor NOTIFY changed)
+    Q_PROPERTY(QString text MEMBER m_text NOTIFY changed)
+    Q_PROPERTY(QColor color MEMBER m_color NOTIFY changed)
     Q_PROPERTY(int size READ size WRITE setSize NOTIFY changed)
     Q_PROPERTY(int weight READ weight WRITE setWeight NOTIFY changed)
     Q_PROPERTY(double tracking READ tracking WRITE setTracking NOTIFY changed)
@@ -38,26 +38,21 @@ public:
 
     bool monospaced() const { return m_style.monospaced; }
 
-    /// Letters of other scripts may stand higher and lower than a line of the window's typefaces.
+    /// Letters of other scripts may reach above and below a line of the window's typefaces.
     QMarginsF overflow() const override;
 
-    void setText(const QString& text);
-    void setColor(const QColor& color);
-    void setSize(int points);
-    void setWeight(int weight);
-    void setTracking(double points);
-    void setMonospaced(bool monospaced);
+    void setSize(int points) { set(m_style.size, points); }
 
-signals:
-    void changed();
+    void setWeight(int weight) { set(m_style.weight, static_cast<QFont::Weight>(weight)); }
+
+    void setTracking(double points) { set(m_style.tracking, points); }
+
+    void setMonospaced(bool monospaced) { set(m_style.monospaced, monospaced); }
 
 protected:
     void paint(QPainter& painter) const override;
 
 private:
-    void setStyle(const TextStyle& style);
-    void announce();
-
     QString m_text;
     QColor m_color;
     TextStyle m_style;

@@ -8,14 +8,9 @@
 
 namespace velmora {
 
-Plate::Plate(QQuickItem* parent)
-    : PaintedItem(parent) {
-    connect(this, &Plate::changed, this, &Plate::repaint);
-}
-
 void Plate::paint(QPainter& painter) const {
-    const double most = std::min(width(), height()) / 2;
-    const double radius = m_capsule ? most : std::min(m_radius, most);
+    const double maxRadius = std::min(width(), height()) / 2;
+    const double radius = m_capsule ? maxRadius : std::min(m_radius, maxRadius);
     const QRectF box(0, 0, width(), height());
     painter.setPen(Qt::NoPen);
     painter.setBrush(Neon::faded(m_fill, m_fillOpacity));

@@ -1,7 +1,7 @@
 #pragma once
 
-// The ground of buttons, pills and chips, and the ring around what has the focus: a rounded rectangle with a
-// fill and a border of one point, which lies inside the edge.
+// The background of buttons, pills and chips, and the ring around what has the focus: a rounded rectangle
+// with a fill, and a border of one point inside its edge.
 
 #include "ui/kit/PaintedItem.h"
 
@@ -21,10 +21,7 @@ class Plate : public velmora::PaintedItem {
     Q_PROPERTY(bool capsule MEMBER m_capsule NOTIFY changed)
 
 public:
-    explicit Plate(QQuickItem* parent = nullptr);
-
-signals:
-    void changed();
+    using PaintedItem::PaintedItem;
 
 protected:
     void paint(QPainter& painter) const override;
@@ -35,7 +32,7 @@ private:
     QColor m_border = Qt::transparent;
     double m_borderOpacity = 1;
     double m_radius = 9;    ///< of the corners, in points
-    bool m_capsule = false; ///< the ends are half circles, whatever `radius` says
+    bool m_capsule = false; ///< the ends are half circles; `radius` does not count
 };
 
 } // namespace velmora

@@ -1,8 +1,8 @@
 import QtQuick
 import Velmora
 
-// What every control does alike: it is pressed with the pointer, Space, Enter or by a reader of the screen,
-// shows where the focus is, and explains itself.
+// What all controls have in common: they are pressed with the pointer, Space, Enter or by a screen reader,
+// show a ring while they have the focus, and have a tool tip.
 FocusScope {
     id: pressable
 

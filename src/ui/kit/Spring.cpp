@@ -9,9 +9,9 @@ namespace velmora {
 
 namespace {
 
-/// Below these a spring is at rest.
-constexpr double stillStretch = 1e-4;
-constexpr double stillSpeed = 1e-3;
+/// A spring below both is at rest.
+constexpr double restStretch = 1e-4;
+constexpr double restSpeed = 1e-3;
 
 } // namespace
 
@@ -76,7 +76,7 @@ void Spring::advance() {
     const double seconds = static_cast<double>(m_sinceFrame.nsecsElapsed()) / 1e9;
     m_sinceFrame.start();
     m_motion = springAfter(seconds, m_motion, m_response, m_dampingFraction);
-    if (std::abs(m_motion.stretch) < stillStretch && std::abs(m_motion.speed) < stillSpeed) {
+    if (std::abs(m_motion.stretch) < restStretch && std::abs(m_motion.speed) < restSpeed) {
         m_motion = {};
         m_frames->stop();
     }

@@ -1,7 +1,7 @@
 #pragma once
 
-// A value that follows its target like a mass on a damped spring: it may overshoot, and when the target
-// changes on the way it goes on with the speed it has.
+// A value that follows its target like a mass on a damped spring. It may overshoot. When the target changes
+// while it moves, it keeps its speed.
 
 #include <QElapsedTimer>
 #include <QObject>
@@ -15,8 +15,8 @@ struct SpringMotion {
     double speed = 0;
 };
 
-/// `start` after `seconds` on a spring whose undamped period is `response` seconds. `dampingFraction` is
-/// above 0 and below 1.
+/// The motion `seconds` after `start`, on a spring whose undamped period is `response` seconds.
+/// `dampingFraction` is above 0 and below 1.
 SpringMotion springAfter(double seconds, const SpringMotion& start, double response, double dampingFraction);
 
 class Spring : public QObject {
@@ -36,7 +36,8 @@ public:
 
     double value() const { return m_target + m_motion.stretch; }
 
-    /// The first target is taken over at once, every later one is swung to, unless `animated` is off.
+    /// The value jumps to the first target and swings to every later one; it always jumps while `animated` is
+    /// false.
     void setTarget(double target);
 
 signals:

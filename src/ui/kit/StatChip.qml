@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// A small figure with its name above it.
+// A value with its name above it.
 Item {
     id: chip
 

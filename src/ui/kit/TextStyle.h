@@ -8,18 +8,17 @@
 namespace velmora {
 
 struct TextStyle {
-    int size = 11; ///< in points of the window; not a printer's
+    int size = 11; ///< points of the window, not typographic points
     QFont::Weight weight = QFont::Normal;
     double tracking = 0; ///< points added between letters
     bool monospaced = false;
 
     QFont font() const;
 
-    /// From the left edge of the first letter's box to the right edge of the last one's, in points: tracking
-    /// parts letters, it does not follow the last.
+    /// The width of `text` in points. Tracking is added between letters, not after the last one.
     double width(const QString& text) const;
 
-    /// The height of a line and how far below its top the letters stand, in points.
+    /// The height of a line, and the distance of the letters' baseline from its top, in points.
     double lineHeight() const;
     double baseline() const;
 

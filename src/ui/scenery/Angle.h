@@ -9,8 +9,8 @@ namespace velmora {
 
 inline constexpr double fullTurn = 2 * std::numbers::pi;
 
-/// The same angle, at most half a turn from zero: its sine costs a tenth of that of an angle that years of
-/// seconds make.
+/// The equivalent angle from -pi to pi. Its sine is computed ten times as fast as that of an angle as large
+/// as a time in seconds makes it.
 inline double smallAngle(double angle) {
     return std::remainder(angle, fullTurn);
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// The base of the moving scenery. It is drawn anew for every time it is given: with a GPU as a mesh, without
-// one as an image.
+// The base of the moving scenery. It is drawn again whenever its time changes: as a mesh with a GPU, as an
+// image without one.
 
 #include <QImage>
 #include <QQuickItem>
@@ -11,7 +11,7 @@ class QSGGeometryNode;
 
 namespace velmora {
 
-/// A derived class names this base with its namespace: only so do QML's tools find it.
+/// A derived class names this base with its namespace: QML's tools do not find it otherwise.
 class AnimatedItem : public QQuickItem {
     Q_OBJECT
     QML_ANONYMOUS
@@ -21,7 +21,7 @@ class AnimatedItem : public QQuickItem {
 public:
     explicit AnimatedItem(QQuickItem* parent = nullptr);
 
-    /// How strongly it moves, from 0 to 1.
+    /// The strength of the motion, from 0 to 1.
     double intensity() const { return m_intensity; }
 
     /// Seconds since 2001-01-01 00:00 UTC.
@@ -39,7 +39,7 @@ protected:
     /// Draws the present state at `scale` pixels a point. An empty image shows nothing.
     virtual Picture picture(double scale) = 0;
 
-    /// Draws the present state with `mesh`, or a new mesh in its place.
+    /// Draws the present state into `mesh`; makes a new mesh where that is null.
     virtual QSGGeometryNode* mesh(QSGGeometryNode* mesh, double scale) = 0;
 
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;

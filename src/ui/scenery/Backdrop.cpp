@@ -34,7 +34,7 @@ const std::array<Light, 3>& lights() {
     return all;
 }
 
-/// A row of pixels, one array a channel: the form in which compilers make the loops fast.
+/// A row of pixels, one array a channel, so that compilers can vectorise the loops over them.
 struct Row {
     explicit Row(std::size_t pixels)
         : red(pixels)
@@ -46,7 +46,8 @@ struct Row {
     std::vector<float> blue;
 };
 
-/// What is constant on one row of one channel of the linear gradient.
+/// One channel of one row of the linear gradient: `first` is the position of the first pixel on the diagonal,
+/// from 0 to 1, and `step` that from pixel to pixel.
 void fillLinear(std::vector<float>& channel, float top, float middle, float bottom, float first, float step) {
     for (std::size_t x = 0; x < channel.size(); ++x) {
         const float t = 2 * (first + static_cast<float>(x) * step); // 1 in the middle, 2 at the bottom

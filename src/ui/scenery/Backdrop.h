@@ -1,6 +1,6 @@
 #pragma once
 
-// The ground of the window: a dark gradient, a light in two of its corners, a vignette and a faint grid.
+// The background of the window: a dark gradient, a light in each of two corners, a vignette and a faint grid.
 
 #include "ui/kit/PaintedItem.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// Thresholds that turn a channel's fraction into a pattern of two neighbouring steps: soft gradients in dark
-// colours would show bands without it. The pattern does not move and is the same on every run.
+// Thresholds for dithering: the fraction of a channel becomes a pattern of two neighbouring steps. Without
+// it, soft gradients in dark colours show bands. The pattern is the same in every frame and on every run.
 
 #include <array>
 

@@ -4,7 +4,7 @@
 
 namespace velmora {
 
-/// Runs for ever; Qt Quick advances it once a frame.
+/// Has no end; Qt Quick advances it once a frame.
 class FrameClock::Frames : public QAbstractAnimation {
 public:
     explicit Frames(FrameClock& clock)
@@ -54,9 +54,9 @@ void FrameClock::setAnimated(bool animated) {
 }
 
 void FrameClock::startOrStop() {
-    const bool seen = m_window != nullptr && m_window->visibility() != QWindow::Hidden &&
-                      m_window->visibility() != QWindow::Minimized;
-    if (seen && m_animated) {
+    const bool visible = m_window != nullptr && m_window->visibility() != QWindow::Hidden &&
+                         m_window->visibility() != QWindow::Minimized;
+    if (visible && m_animated) {
         m_frames->start();
     } else {
         m_frames->stop();

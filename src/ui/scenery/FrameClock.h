@@ -1,7 +1,7 @@
 #pragma once
 
-// The time that the moving scenery shows. It advances with the frames of its window, and stands still while
-// that is hidden or minimised: no frame, no work.
+// The time that the moving scenery shows. It advances once a frame of its window, and stops while the window
+// is hidden or minimised.
 
 #include <QAbstractAnimation>
 #include <QPointer>
@@ -30,7 +30,7 @@ public:
 
     void setWindow(QWindow* window);
 
-    /// Off where less motion is wanted: the time stands still.
+    /// False where the user wants less motion: the time stops.
     bool animated() const { return m_animated; }
 
     void setAnimated(bool animated);

@@ -11,8 +11,8 @@ inline constexpr double gridPitch = 34; ///< points from line to line, the first
 inline constexpr double gridLineWidth = 0.5;
 inline constexpr double gridOpacity = 0.045;
 
-/// Paints the grid over `size` points for a display of `scale` pixels a point. Each line fills whole pixels:
-/// where a pixel is wider than the line, it is fainter by as much.
+/// Paints the grid over `size` points for a display of `scale` pixels a point. Each line fills whole pixels.
+/// Where a pixel is wider than the line, its opacity is reduced in proportion.
 void paintGrid(QPainter& painter, const QSizeF& size, double scale);
 
 } // namespace velmora

@@ -20,20 +20,16 @@ struct Ribbon {
     double indigoOpacity = 0;
 };
 
-/// Ribbon `k`, from 0 to 4, in a field `height` points high at `time`. `intensity` counts as 0.18 at least.
+/// Ribbon `k`, from 0 to 4, in a field `height` points high at `time`. An `intensity` below 0.18 counts as
+/// 0.18.
 Ribbon ribbon(int k, double height, double intensity, double time);
 
-/// How far a ribbon may swing at the share `u`, from 0 to 1, of the width: nothing at both ends.
-double ribbonEnvelope(double u);
-
-/// The height above 0 of `ribbon` at the share `u` of the width, in a field `height` points high.
-double ribbonY(const Ribbon& ribbon, double u, double height);
-
-/// The envelope at x = 0, 2.5, 5, ... while x is at most `width`; a width below 1 counts as 1 in the shares.
-/// All ribbons of a field have the same.
+/// By how much the amplitude of every ribbon is multiplied, from 0 at both ends to 1 in the middle, at x = 0,
+/// 2.5, 5, ... up to `width`. A width below 1 counts as 1.
 std::vector<double> ribbonEnvelopes(double width);
 
-/// `ribbonY` at the places of `envelopes`, which are those of `width`.
+/// The y of `ribbon` in a field of `width` and `height`, at the same x as `envelopes`, which are those of
+/// `width`. y grows downwards.
 std::vector<double> ribbonPath(const Ribbon& ribbon, const std::vector<double>& envelopes, double width,
                                double height);
 

@@ -12,10 +12,11 @@ namespace velmora {
 
 namespace {
 
-/// Points between the knots of the glow's grid: a glow that soft needs no finer one.
+/// The distance between the points of the grid on which the glow is computed. The glow is so soft that a
+/// finer grid would look the same.
 constexpr double cell = 4;
 
-/// The glow ends where it is this many radii away.
+/// The glow ends at this distance from the ribbon, in radii.
 constexpr double glowReach = 3;
 
 using Channels = std::array<float, 4>; // blue, green, red, alpha: the order of the bytes in a pixel
@@ -50,8 +51,14 @@ float bell(double x) {
     return table[std::min(static_cast<std::size_t>(std::abs(x) * entries / glowReach), entries)];
 }
 
-/// Fixed-point steps of a channel in an expanded row of the glow.
+/// Channels of an expanded row are fixed-point numbers: this many steps for each of the 255 steps of a pixel.
 constexpr int subSteps = 64;
+
+/// Two rows are blended in this many steps, which are those of the dither pattern, too.
+constexpr int blendSteps = 16;
+
+/// Divides the weighted sum of two fixed-point channels by `subSteps * blendSteps`.
+constexpr unsigned sumShift = 10;
 
 /// One row of the glow's grid at full width: four channels a pixel.
 void expandRow(const AccentMix* knots, int knotCount, int pixels, double cellPixels,
@@ -73,34 +80,38 @@ void expandRow(const AccentMix* knots, int knotCount, int pixels, double cellPix
     }
 }
 
-/// Blends two expanded rows, `weight` sixteenths of the lower one, into the pixels of an image row.
+/// Blends two expanded rows into the pixels of an image row, with `weight` sixteenths of the lower one. The
+/// loop over 16 values at a time is one that compilers vectorise.
 void blendRows(const std::vector<std::uint16_t>& upper, const std::vector<std::uint16_t>& lower, int weight,
                const std::array<int, 4>& sixteenths, uchar* pixels) {
-    std::array<std::uint16_t, 16> offsets{};
+    std::array<std::uint16_t, blendSteps> offsets{};
     for (std::size_t i = 0; i < offsets.size(); ++i) {
         offsets[i] = static_cast<std::uint16_t>(sixteenths[i / 4] * subSteps + subSteps / 2);
     }
     const auto below = static_cast<std::uint16_t>(weight);
-    const auto above = static_cast<std::uint16_t>(16 - weight);
-    const std::size_t whole = upper.size() / 16 * 16;
-    for (std::size_t i = 0; i < whole; i += 16) {
-        for (std::size_t j = 0; j < 16; ++j) {
+    const auto above = static_cast<std::uint16_t>(blendSteps - weight);
+    const std::size_t whole = upper.size() / blendSteps * blendSteps;
+    for (std::size_t i = 0; i < whole; i += blendSteps) {
+        for (std::size_t j = 0; j < blendSteps; ++j) {
             const auto sum =
                 static_cast<std::uint16_t>(upper[i + j] * above + lower[i + j] * below + offsets[j]);
-            pixels[i + j] = static_cast<uchar>(sum >> 10U);
+            pixels[i + j] = static_cast<uchar>(sum >> sumShift);
         }
     }
     for (std::size_t i = whole; i < upper.size(); ++i) {
-        pixels[i] = static_cast<uchar>((upper[i] * above + lower[i] * below + offsets[i % 16]) >> 10U);
+        pixels[i] =
+            static_cast<uchar>((upper[i] * above + lower[i] * below + offsets[i % blendSteps]) >> sumShift);
     }
 }
 
+/// The integral of max(x, 0).
 double ramp(double x) {
     return x > 0 ? x * x / 2 : 0;
 }
 
-/// How much of a band lies above `y`, as an area in one column of pixels: the band is `half` high on each
-/// side of its middle, which rises or falls by `lean` on each side of the column's middle.
+/// The area of a sloping band above `y`, within one column of pixels. The middle of the band is at y = 0 in
+/// the middle of the column, and `lean` higher or lower at the edges of the column. The band reaches `half`
+/// above and below its middle.
 double areaAbove(double y, double half, double lean) {
     return (ramp(y + half + lean) - ramp(y + half - lean) - ramp(y - half + lean) + ramp(y - half - lean)) /
            (2 * lean);
@@ -130,11 +141,11 @@ void RibbonImage::placeRows(const RibbonSet& ribbons, double scale) {
     double top = ribbons.size.height();
     double bottom = 0;
     for (const RibbonCurve& curve : ribbons.curves) {
-        const auto [least, most] = std::minmax_element(curve.path.begin(), curve.path.end());
-        top = std::min(top, *least);
-        bottom = std::max(bottom, *most);
+        const auto [highest, lowest] = std::ranges::minmax(curve.path);
+        top = std::min(top, highest);
+        bottom = std::max(bottom, lowest);
     }
-    // On multiples of the grid's cell, which fall on pixels at every usual scale.
+    // Multiples of the grid's cell are whole pixels at every usual scale.
     const double reach = 2 * glowReach * ribbonGlowRadius;
     top = std::max(0.0, std::floor((top - reach) / cell) * cell);
     bottom = std::min(ribbons.size.height(), std::ceil((bottom + reach) / cell) * cell);
@@ -156,7 +167,7 @@ void RibbonImage::gatherGlow(const RibbonSet& ribbons) {
         for (const RibbonCurve& curve : ribbons.curves) {
             const RibbonPoint point = curve.at(x);
             const AccentMix color = ribbons.color(curve, x);
-            // Across a leaning line the glow is as wide as ever, so straight down it is wider.
+            // The width of the glow is that across the line; along a column it grows with the slope.
             const double spread = ribbonGlowRadius * std::sqrt(1 + point.slope * point.slope);
             const double middle = (point.y - m_area.top()) / cell;
             const double reach = glowReach * spread / cell;
@@ -191,7 +202,7 @@ void RibbonImage::drawGlow(double scale) {
             expandRow(knots + m_columns, m_columns, m_image.width(), cellPixels, lower);
             expanded = row;
         }
-        blendRows(upper, lower, static_cast<int>(std::lround((at - row) * 16)),
+        blendRows(upper, lower, static_cast<int>(std::lround((at - row) * blendSteps)),
                   ditherSixteenths[static_cast<std::size_t>(y) % 4], m_image.scanLine(y));
     }
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-// The ribbons drawn without a GPU: by hand, column by column, several times faster than a general stroker.
+// The ribbons drawn without a GPU: column by column, several times faster than QPainter strokes
+// and blurs them.
 
 #include "ui/scenery/RibbonSet.h"
 
@@ -13,12 +14,13 @@ namespace velmora {
 
 class RibbonImage {
 public:
-    /// Draws `ribbons` at `scale` pixels a point. Only the rows that hold something are drawn.
+    /// Draws `ribbons` at `scale` pixels a point. The image covers only the rows that the ribbons and their
+    /// glow reach.
     void draw(const RibbonSet& ribbons, double scale);
 
     const QImage& image() const { return m_image; }
 
-    /// Where the image stands in the field, in points.
+    /// The place of the image in the field, in points.
     QRectF area() const { return m_area; }
 
 private:
@@ -29,8 +31,8 @@ private:
 
     QImage m_image;
     QRectF m_area;
-    int m_columns = 0; ///< of the glow's coarse grid
-    int m_rows = 0;
+    int m_columns = 0; ///< points of the glow's grid in a row
+    int m_rows = 0;    ///< rows of the glow's grid
     std::vector<AccentMix> m_glow;
 };
 

@@ -8,10 +8,10 @@ namespace velmora {
 
 namespace {
 
-/// A cross-section of a band: at which distance from its middle, with which share of its colour.
+/// One vertex of a band's cross-section.
 struct Rib {
-    double distance = 0;
-    double share = 0;
+    double distance = 0; ///< from the middle of the band, in points
+    double share = 0;    ///< of the band's colour
 };
 
 /// Draws a band along `curve` with a vertex on every rib every `step` points.
@@ -41,10 +41,14 @@ std::array<Rib, 4> strokeRibs(double scale) {
     return {{{-outer, 0}, {-inner, 1}, {inner, 1}, {outer, 0}}};
 }
 
-std::array<Rib, 9> glowRibs() {
-    std::array<Rib, 9> ribs;
+constexpr int glowRibsASide = 4;
+constexpr double glowRibDistance = 0.75; ///< in radii: the ribs reach from -3 to 3
+using GlowRibs = std::array<Rib, 2 * glowRibsASide + 1>;
+
+GlowRibs glowRibs() {
+    GlowRibs ribs;
     for (std::size_t i = 0; i < ribs.size(); ++i) {
-        const double at = (static_cast<double>(i) - 4) * 0.75; // in radii, from -3 to 3
+        const double at = (static_cast<double>(i) - glowRibsASide) * glowRibDistance;
         ribs[i] = {at * ribbonGlowRadius, std::exp(-at * at / 2)};
     }
     return ribs;
@@ -57,8 +61,8 @@ RibbonMesh::RibbonMesh() {
 }
 
 void RibbonMesh::draw(const RibbonSet& ribbons, double scale) {
-    constexpr int glowSteps = 4;
-    static const std::array<Rib, 9> glow = glowRibs();
+    constexpr int glowSteps = 4; // the glow needs fewer vertices along the path than the stroke
+    static const GlowRibs glow = glowRibs();
     m_mesh.start(ribbons.curves.front().path.size());
     for (const RibbonCurve& curve : ribbons.curves) {
         drawBand(m_mesh, ribbons, curve, glowSteps * ribbonStep, glow, true);

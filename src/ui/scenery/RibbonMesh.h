@@ -17,7 +17,7 @@ public:
     void draw(const RibbonSet& ribbons, double scale);
 
 private:
-    MeshWriter m_mesh; // kept for its memory
+    MeshWriter m_mesh; // a member so that its memory is used again
 };
 
 } // namespace velmora

@@ -1,6 +1,6 @@
 #pragma once
 
-// The five ribbons of one frame, as both back ends draw them.
+// The five ribbons of one frame, as they are drawn with a GPU and without one.
 
 #include "ui/scenery/RibbonFormula.h"
 
@@ -12,7 +12,7 @@
 
 namespace velmora {
 
-/// A colour of two parts, premultiplied: so much of opaque violet plus so much of opaque indigo.
+/// A premultiplied colour: the sum of violet and indigo, each multiplied by its share here.
 struct AccentMix {
     float violet = 0;
     float indigo = 0;
@@ -21,17 +21,17 @@ struct AccentMix {
 /// A ribbon where it crosses one x.
 struct RibbonPoint {
     double y = 0;
-    double slope = 0; ///< points down a point to the right
+    double slope = 0; ///< dy / dx
 };
 
 struct RibbonCurve {
     Ribbon ribbon;
     std::vector<double> path; ///< the y of every step from the left edge; not empty
 
-    /// The path between its steps; beyond its end it goes on level.
+    /// Interpolates the path between its steps. Beyond its end it is level.
     RibbonPoint at(double x) const;
 
-    /// Where the path ends.
+    /// The x at which the path ends.
     double end() const { return static_cast<double>(path.size() - 1) * ribbonStep; }
 };
 
@@ -41,14 +41,14 @@ struct RibbonSet {
 
     static RibbonSet at(const QSizeF& size, double intensity, double time);
 
-    /// Moves the ribbons to where they are `at` that time. Cheaper than a new ribbons while the width stays.
+    /// Moves the ribbons to where they are at `time`. Cheaper than a new set while the width stays the same.
     void move(const QSizeF& newSize, double intensity, double time);
 
     /// The colour of the stroke of `curve` at `x`.
     AccentMix color(const RibbonCurve& curve, double x) const;
 
-    /// How bright the glow of a ribbon is on the ribbon itself at `x`, as a share of the stroke's colour:
-    /// that of a straight line that ends at the field's edges.
+    /// The brightness of a ribbon's glow on the ribbon itself at `x`, as a share of the stroke's colour.
+    /// Computed for a straight line that ends at the field's edges.
     double glowPeak(double x) const;
 
 private:

@@ -9,15 +9,15 @@ namespace velmora {
 
 namespace {
 
-constexpr double leastStrength = 0.16;
-constexpr double leastHeight = 2;
+constexpr double minStrength = 0.16;
+constexpr double minHeight = 2; // points
 
 } // namespace
 
 std::vector<Bar> spectrumBars(double width, double height, double intensity, double time) {
     const int count = static_cast<int>(width / barPitch);
     const double shares = std::max(count, 2) - 1;
-    const double strength = std::max(intensity, leastStrength);
+    const double strength = std::max(intensity, minStrength);
     const double a = smallAngle(1.1 * time);
     const double b = smallAngle(1.9 * time);
     const double c = smallAngle(3.2 * time);
@@ -29,7 +29,7 @@ std::vector<Bar> spectrumBars(double width, double height, double intensity, dou
         const double e = m * s;
         bars.push_back({
             .x = barPitch * i,
-            .height = std::max(leastHeight, height * (strength * 0.82 * e + 0.18)),
+            .height = std::max(minHeight, height * (strength * 0.82 * e + 0.18)),
             .blend = u,
             .opacity = 0.3 + 0.55 * e,
         });

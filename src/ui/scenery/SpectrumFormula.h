@@ -11,14 +11,14 @@ inline constexpr double barWidth = 3;
 inline constexpr double barRadius = 1.5;
 
 struct Bar {
-    double x = 0;       ///< its left edge; it stands on the bottom
-    double height = 0;  ///< at least 2
+    double x = 0;       ///< of its left edge; its lower edge is that of the strip
+    double height = 0;  ///< 2 or more
     double blend = 0;   ///< its colour: 0 is violet, 1 is indigo
     double opacity = 0; ///< from 0.3 to 0.85
 };
 
-/// The bars of a strip at `time`, from left to right; none in a strip narrower than 7 points. `intensity`
-/// counts as 0.16 at least.
+/// The bars of a strip at `time`, from left to right; none in a strip narrower than 7 points. An
+/// `intensity` below 0.16 counts as 0.16.
 std::vector<Bar> spectrumBars(double width, double height, double intensity, double time);
 
 } // namespace velmora

@@ -15,8 +15,8 @@ MeshColor colorOf(const Bar& bar) {
     return accentColor(1 - bar.blend, bar.blend).faded(bar.opacity);
 }
 
-/// The distance of a point from the edge of a rounded box, negative inside; the point is given from the box's
-/// middle.
+/// The distance of a point from the edge of a rounded box, negative inside. The coordinates of the point are
+/// relative to the middle of the box.
 double distanceFromEdge(double x, double y, double halfWidth, double halfHeight, double radius) {
     const double outX = std::abs(x) - (halfWidth - radius);
     const double outY = std::abs(y) - (halfHeight - radius);
@@ -73,7 +73,7 @@ QPointF turned(const QPointF& direction, int quarters) {
     }
 }
 
-/// Draws a bar with its bottom at `bottom`: a fan, and around it a soft edge one pixel wide.
+/// Draws a bar whose lower edge is at `bottom`: a triangle fan, and around it a soft edge one pixel wide.
 void drawBar(MeshWriter& mesh, const Bar& bar, double bottom, double scale) {
     const MeshColor color = colorOf(bar);
     const double radius = std::min(barRadius, bar.height / 2);

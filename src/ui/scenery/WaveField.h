@@ -1,6 +1,6 @@
 #pragma once
 
-// Five ribbons of light that move behind the window's content.
+// Five ribbons of light that move under the window's content.
 
 #include "ui/scenery/AnimatedItem.h"
 #include "ui/scenery/RibbonImage.h"
@@ -23,10 +23,10 @@ protected:
     QSGGeometryNode* mesh(QSGGeometryNode* mesh, double scale) override;
 
 private:
-    const RibbonSet& ribbons(); ///< of the present moment
+    const RibbonSet& ribbons(); ///< at the present time
 
     RibbonSet m_ribbons;
-    std::array<RibbonImage, 2> m_images; ///< in turns: the last one is still shown while the next is drawn
+    std::array<RibbonImage, 2> m_images; ///< used in turns: one is shown while the other is drawn
     std::size_t m_turn = 0;
 };
 

@@ -59,8 +59,8 @@ FocusScope {
             width: parent.width - 56
             spacing: 14
 
-            // The alignment is stated: else Qt asks the keyboard how an empty text is aligned, and crashes on Wayland
-            // where there is no keyboard.
+            // The alignment is set explicitly: otherwise Qt asks the keyboard how an empty text is aligned,
+            // and crashes on Wayland without a keyboard.
             Text {
                 objectName: "alertTitle"
                 width: parent.width

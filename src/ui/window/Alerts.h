@@ -1,7 +1,7 @@
 #pragma once
 
-// What the user is told before anything else goes on, one after the other: the view shows the first and tells
-// which button ended it.
+// Messages that the user must close before anything else, shown one after the other. The view shows the
+// first, and calls `accept` or `dismiss` when one of its buttons is pressed.
 
 #include <QObject>
 #include <QString>

@@ -1,6 +1,6 @@
 import QtQuick
 
-// Words that a reader of the screen speaks when they have changed; there is nothing of them to see.
+// A text that a screen reader speaks when it has changed. It is invisible.
 Item {
     id: announcement
 
@@ -15,14 +15,15 @@ Item {
         rest.restart();
     }
 
-    // A reader asks for the words after it heard of the change: of changes in a flow only the last is told.
+    // A screen reader asks for the text some time after it was told of a change: of changes that follow each
+    // other quickly, only the last is spoken.
     Timer {
         id: rest
 
         interval: 200
         onTriggered: {
             announcement.Accessible.name = announcement.text;
-            announcement.visible = announcement.text !== ""; // what comes up is spoken
+            announcement.visible = announcement.text !== ""; // a notification is spoken when it appears
         }
     }
 }

@@ -10,8 +10,8 @@ Window {
     required property Alerts alerts
     property bool animated: true
 
-    // A Wayland compositor ends a program whose maximised window is larger than it was told: where the screen
-    // has no room for the minimum size beside a taskbar, the minimum is lowered.
+    // A Wayland compositor ends a program whose maximised window is larger than the compositor asked for.
+    // Where the screen has no room for the minimum size beside a taskbar, the minimum is lowered.
     readonly property bool lowersMinimum: Qt.platform.pluginName.startsWith("wayland")
     readonly property int taskbar: 64 ///< points, an estimate
 

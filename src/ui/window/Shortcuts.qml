@@ -1,7 +1,7 @@
 import QtQuick
 import Velmora
 
-// The window's keys. Each does what the control that names it does, and only while that control is there.
+// The window's keys. Each does what a control does, and only while that control is shown and enabled.
 Item {
     id: shortcuts
 

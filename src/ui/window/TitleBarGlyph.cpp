@@ -9,8 +9,8 @@ namespace velmora {
 
 namespace {
 
-/// The sign in a box from (-4.5, -4.5) to (4.5, 4.5). Level and upright lines run through the middles of
-/// pixels.
+/// The sign in a box from (-4.5, -4.5) to (4.5, 4.5). Horizontal and vertical lines run through the middles
+/// of pixels, so that they are sharp.
 QPainterPath outline(TitleBarGlyph::Sign sign) {
     QPainterPath path;
     const auto line = [&path](double x1, double y1, double x2, double y2) {
@@ -47,9 +47,7 @@ QPainterPath outline(TitleBarGlyph::Sign sign) {
 
 TitleBarGlyph::TitleBarGlyph(QQuickItem* parent)
     : PaintedItem(parent)
-    , m_color(Neon::inkDim) {
-    connect(this, &TitleBarGlyph::changed, this, &TitleBarGlyph::repaint);
-}
+    , m_color(Neon::inkDim) {}
 
 void TitleBarGlyph::paint(QPainter& painter) const {
     painter.translate(width() / 2, height() / 2);

@@ -21,9 +21,6 @@ public:
 
     explicit TitleBarGlyph(QQuickItem* parent = nullptr);
 
-signals:
-    void changed();
-
 protected:
     void paint(QPainter& painter) const override;
 
