@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <ostream>
+
 namespace velmora::test {
 namespace {
 
@@ -10,6 +12,10 @@ struct UrlRow {
     const char* url;
     const char* path; ///< null: no path of this machine
 };
+
+std::ostream& operator<<(std::ostream& out, const UrlRow& row) {
+    return out << row.name;
+}
 
 class FileUrl : public testing::TestWithParam<UrlRow> {};
 

@@ -8,6 +8,7 @@
 
 #include <cmath>
 #include <numbers>
+#include <ostream>
 #include <string>
 
 namespace velmora {
@@ -38,6 +39,10 @@ struct RibbonCase {
     double u;
     double y;
 };
+
+std::ostream& operator<<(std::ostream& out, const RibbonCase& row) {
+    return out << row.name;
+}
 
 class RibbonValues : public testing::TestWithParam<RibbonCase> {};
 
@@ -114,6 +119,10 @@ struct BarCase {
     std::size_t i;
     Bar expected;
 };
+
+std::ostream& operator<<(std::ostream& out, const BarCase& row) {
+    return out << row.name;
+}
 
 class BarValues : public testing::TestWithParam<BarCase> {};
 

@@ -117,21 +117,43 @@ protected:
     /// Whether the tool tip of `control` begins with `words` and lies in the window.
     bool isReadable(const char* control, const char* words) {
         hover(find(control));
-        const QQuickItem* shown = nullptr;
-        return QTest::qWaitFor([&] { return (shown = visibleToolTip()) != nullptr; }) &&
-               shown->property("text").toString().startsWith(QLatin1String(words)) &&
+        if (!showsToolTips(1)) {
+            return false;
+        }
+        const QQuickItem* shown = visibleToolTips().constFirst();
+        return shown->property("text").toString().startsWith(QLatin1String(words)) &&
                QRect({}, window->size()).contains(place(shown));
     }
 
-    QQuickItem* visibleToolTip() {
-        for (QQuickItem* item : window->findChildren<QQuickItem*>()) {
-            if (item->property("wanted").toBool() && item->isVisible()) {
-                return item;
-            }
-        }
-        return nullptr;
+    /// Whether it comes to be that so many tool tips are shown.
+    bool showsToolTips(qsizetype count) {
+        constexpr int patience = 60'000; // milliseconds; only ends a test that hangs
+        return QTest::qWaitFor([&] { return visibleToolTips().size() == count; }, patience);
+    }
+
+    QList<QQuickItem*> visibleToolTips() {
+        QList<QQuickItem*> toolTips = window->findChildren<QQuickItem*>();
+        toolTips.removeIf(
+            [](const QQuickItem* item) { return !item->property("wanted").isValid() || !item->isVisible(); });
+        return toolTips;
     }
 };
+
+TEST_F(ToolTipTest, GoesAwayWithThePointer) {
+    openWindow();
+    for (const char* control : {"chooseButton", "menuButton"}) {
+        hover(find(control));
+        EXPECT_TRUE(showsToolTips(1)) << control;
+        hoverNothing();
+        EXPECT_TRUE(showsToolTips(0)) << control;
+    }
+}
+
+TEST_F(ToolTipTest, GivesWayToThatOfTheNextControl) {
+    openWindow();
+    EXPECT_TRUE(isReadable("minimizeButton", "Minimise"));
+    EXPECT_TRUE(isReadable("maximizeButton", "Maximise"));
+}
 
 TEST_F(ToolTipTest, StandsBesideItsControlInTheWindow) {
     ScanState failed = savedState;

@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <ostream>
 
 namespace velmora::test {
 namespace {
@@ -84,6 +85,10 @@ struct SignalCase {
     std::string name;
     int number;
 };
+
+std::ostream& operator<<(std::ostream& out, const SignalCase& row) {
+    return out << row.name;
+}
 
 class SignalTest : public EndTest, public testing::WithParamInterface<SignalCase> {};
 

@@ -7,12 +7,15 @@ Item {
 
     required property string text
     required property bool wanted
-    property bool below: false
 
     implicitWidth: words.width + 20
     implicitHeight: words.implicitHeight + 10
     visible: false
     z: 1
+    onWantedChanged: if (!wanted)
+        visible = false
+    onTextChanged: if (text === "")
+        visible = false
 
     Timer {
         interval: 700
@@ -23,8 +26,6 @@ Item {
             toolTip.x = Math.min(0, toolTip.Window.width - 6 - toolTip.width - start);
             toolTip.visible = true;
         }
-        onRunningChanged: if (!toolTip.wanted)
-            toolTip.visible = false
     }
 
     Plate {
