@@ -59,11 +59,22 @@ bool mayBeNoTar(const fs::path& archive) {
     return extension == "gz" || extension == "bz2" || extension == "xz";
 }
 
+/// The tools read `input`, write to `directory`, and no file larger than what the disk has room for.
+Rules rulesFor(const fs::path& input, const fs::path& directory) {
+    Rules rules{.readable = input, .writable = directory};
+    std::error_code error;
+    if (const fs::space_info room = fs::space(directory, error); !error) {
+        rules.fileBytes = room.available / 10 * 9; // the rest is left to the user
+    }
+    return rules;
+}
+
 /// Makes the attempts of a plan, one after the other in the same directory.
 class Attempts {
 public:
-    Attempts(const fs::path& directory, const std::stop_token& stop)
+    Attempts(const fs::path& input, const fs::path& directory, const std::stop_token& stop)
         : m_directory(directory)
+        , m_rules(rulesFor(input, directory))
         , m_stop(stop) {}
 
     /// Whether one of them succeeded. An attempt that leaves nothing is a success as well, but the last word
@@ -93,11 +104,12 @@ private:
     }
 
     bool attempt(const ExtractionStep& step) const {
-        return step.out ? runCapturing(step.tool, step.args, *step.out, m_stop)
-                        : run(step.tool, step.args, m_stop);
+        return step.out ? runCapturing(step.tool, step.args, *step.out, m_rules, m_stop)
+                        : run(step.tool, step.args, m_rules, m_stop);
     }
 
     const fs::path& m_directory;
+    const Rules m_rules;
     const std::stop_token& m_stop;
     bool m_foundNothing = false;
 };
@@ -106,7 +118,7 @@ bool unpack(const fs::path& archive, const fs::path& directory, const std::stop_
     const WorkingCopy copy(archive, stop);
     const fs::path& input = copy.path().empty() ? archive : copy.path();
     const UnzipTurn unzip = unzipGarblesNames(input) ? UnzipTurn::last : UnzipTurn::asUsual;
-    return Attempts(directory, stop)
+    return Attempts(input, directory, stop)
         .succeed(extractionPlan(archive, input, directory, unzip), !mayBeNoTar(archive));
 }
 

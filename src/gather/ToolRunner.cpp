@@ -1,6 +1,6 @@
 #include "gather/ToolRunner.h"
 
-#include "system/ChildProcess.h"
+#include "confine/ConfinedChild.h"
 #include "system/RegularFile.h"
 
 #include <fcntl.h>
@@ -19,13 +19,13 @@ bool holdsBytes(const FileDescriptor& file) {
 
 } // namespace
 
-bool run(const std::filesystem::path& tool, const std::vector<std::string>& args,
+bool run(const std::filesystem::path& tool, const std::vector<std::string>& args, const Rules& rules,
          const std::stop_token& stop) {
-    return runChild(tool, args, -1, {.stop = stop, .deadline = {}}) == 0;
+    return runConfined(tool, args, -1, rules, {.stop = stop, .deadline = {}}) == 0;
 }
 
 bool runCapturing(const std::filesystem::path& tool, const std::vector<std::string>& args,
-                  const std::filesystem::path& out, const std::stop_token& stop) {
+                  const std::filesystem::path& out, const Rules& rules, const std::stop_token& stop) {
     if (!isExecutableFile(tool)) {
         return false;
     }
@@ -35,7 +35,7 @@ bool runCapturing(const std::filesystem::path& tool, const std::vector<std::stri
     if (!file) {
         return false;
     }
-    if (runChild(tool, args, file.get(), {.stop = stop, .deadline = {}}) == 0 && holdsBytes(file)) {
+    if (runConfined(tool, args, file.get(), rules, {.stop = stop, .deadline = {}}) == 0 && holdsBytes(file)) {
         return true;
     }
     ::unlink(out.c_str());

@@ -1,5 +1,6 @@
 #include "measure/FfprobeDuration.h"
 
+#include "confine/ConfinedChild.h"
 #include "records/Records.h"
 #include "system/RegularFile.h"
 #include "system/Utf8.h"
@@ -20,6 +21,8 @@ namespace velmora::Collector {
 namespace {
 
 constexpr std::chrono::seconds deadline{30};
+constexpr std::size_t maxAnswer = 4096; // bytes: a number, and no more of anything else
+constexpr std::uint64_t maxMemory = std::uint64_t{1} << 30;
 
 /// `text` without white space at both ends; empty if it is not valid UTF-8.
 std::string_view trimmed(std::string_view text) {
@@ -39,17 +42,13 @@ std::string_view trimmed(std::string_view text) {
     return first < end ? text.substr(first, end - first) : std::string_view();
 }
 
-std::string contentOf(const FileDescriptor& descriptor) {
-    std::string content;
-    std::array<char, 256> buffer{};
-    for (;;) {
-        const ssize_t got =
-            ::pread(descriptor.get(), buffer.data(), buffer.size(), static_cast<off_t>(content.size()));
-        if (got <= 0) {
-            return content;
-        }
-        content.append(buffer.data(), static_cast<std::size_t>(got));
-    }
+/// The whole answer in `file`; empty for one that fills it, which is no number.
+std::string contentOf(const FileDescriptor& file) {
+    std::string content(maxAnswer, '\0');
+    const ssize_t size = ::pread(file.get(), content.data(), content.size(), 0);
+    content.resize(size > 0 && static_cast<std::size_t>(size) < maxAnswer ? static_cast<std::size_t>(size)
+                                                                          : 0);
+    return content;
 }
 
 } // namespace
@@ -74,7 +73,7 @@ double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const st
     if (!tool) {
         return unmeasured;
     }
-    // A file in memory takes the answer whatever its length, so nobody has to read while the tool writes.
+    // A file in memory takes the answer, so nobody has to read while the tool writes.
     const FileDescriptor answer(::memfd_create("ffprobe", MFD_CLOEXEC));
     if (!answer) {
         return unmeasured;
@@ -86,7 +85,12 @@ double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const st
                                            "-of",
                                            "default=noprint_wrappers=1:nokey=1",
                                            path.native()};
-    runChild(*tool, args, answer.get(), limits); // the answer counts, not the exit status
+    const Rules rules{.reach = Reach::programs,
+                      .readable = path, // and no second file, whatever this one asks for
+                      .memoryBytes = maxMemory,
+                      .processorSeconds = deadline.count(),
+                      .fileBytes = maxAnswer};
+    runConfined(*tool, args, answer.get(), rules, limits); // the answer counts, not the exit status
     return secondsInAnswer(contentOf(answer));
 }
 

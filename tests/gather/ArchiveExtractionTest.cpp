@@ -21,7 +21,6 @@ using Collector::extract;
 using test::compress;
 using test::filesBelow;
 using test::freshFolder;
-using test::Member;
 using test::pack;
 using test::read;
 using test::sound;
@@ -127,58 +126,6 @@ TEST(ArchiveExtraction, NeedsANameForASingleFile) {
 
 TEST(ArchiveExtraction, UnpacksAnEmptyArchiveFromAGzipOfNothing) {
     expectContent(compress(freshFolder() / "nothing.gz", ""), {});
-}
-
-TEST(ArchiveExtraction, DecompressesAFileThatBeginsLikeAnEmptyTar) {
-    const std::string quietStart = std::string(1024, '\0') + sound;
-    const fs::path folder = freshFolder();
-    expectContent(compress(folder / "take.wav.gz", quietStart), {"take.wav"});
-    expectContent(compress(folder / "take.wav.bz2", quietStart), {"take.wav"});
-}
-
-TEST(ArchiveExtraction, UnpacksAnEmptyTar) {
-    const fs::path folder = freshFolder();
-    test::shell("for kind in gzip bzip2 xz; do tar -c --$kind -f $kind -T /dev/null; done", folder);
-    expectContent(write(folder / "a.tar", test::tarArchive({})), {});
-    fs::rename(folder / "gzip", folder / "a.tgz");
-    fs::rename(folder / "xz", folder / "a.tar.xz");
-    fs::rename(folder / "bzip2", folder / "a.tar.bz2");
-    expectContent(folder / "a.tgz", {});
-    expectContent(folder / "a.tar.xz", {});
-    expectContent(folder / "a.tar.bz2", {"a.tar"});
-}
-
-/// A zip archive of two members, whose names tools read in different ways.
-void expectEachMemberOnce(const fs::path& archive, std::size_t members) {
-    const std::optional<fs::path> directory = extract(archive);
-    ASSERT_TRUE(directory) << archive;
-    EXPECT_THAT(filesBelow(*directory), testing::SizeIs(members)) << archive;
-}
-
-TEST(ArchiveExtraction, UnpacksEachMemberOnceWhateverItsNameTurnsInto) {
-    const std::vector<Member> members = {{.name = "Disc\\F\x81\xDF"
-                                                  "e.wav",
-                                          .content = sound},
-                                         {.name = "Disc\\Füße.wav", .content = sound}};
-    const fs::path folder = freshFolder();
-    expectEachMemberOnce(write(folder / "dos.zip", test::zipArchive(members, {.flags = 0})), 2);
-    test::Bytes shifted(80, 'x');
-    const test::Bytes zip = test::zipArchive({{.name = "Füße.wav", .content = sound}});
-    shifted.insert(shifted.end(), zip.begin(), zip.end());
-    expectEachMemberOnce(write(folder / "shifted.zip", shifted), 1);
-}
-
-TEST(ArchiveExtraction, MixesNothingWithWhatAFailedToolMade) {
-    // bsdtar cannot unpack the method of the first member but the others, and unzip all of them, under other
-    // names.
-    const fs::path folder = freshFolder();
-    const fs::path archive =
-        write(folder / "a.zip", test::zipArchive({{.name = "Füße 1.wav", .content = sound},
-                                                  {.name = "Füße 2.wav", .content = sound}}));
-    test::shell(
-        "head -c 300000 /dev/zero | tr '\\\\0' 'a' > large.wav; 7z a -bso0 -bd -mm=Deflate64 a.zip large.wav",
-        folder);
-    expectEachMemberOnce(archive, 3);
 }
 
 TEST(ArchiveExtraction, LeavesNothingOfWhatNoToolCanOpen) {

@@ -31,7 +31,7 @@ TEST(ToolRunner, SucceedsWhenTheToolDoes) {
     EXPECT_FALSE(run("/bin/sh", {"-c", "exit 1"}));
     EXPECT_FALSE(run("/bin/sh", {"-c", "kill -KILL $$"}));
     EXPECT_FALSE(run("/usr/bin/ditto-is-not-here", {}));
-    EXPECT_FALSE(run("/usr/bin/true", {}, stopped()));
+    EXPECT_FALSE(run("/usr/bin/true", {}, {}, stopped()));
 }
 
 TEST(ToolRunner, CapturesWhatTheToolWrites) {
@@ -52,7 +52,7 @@ TEST(ToolRunner, LeavesNoOutputOfAFailedTool) {
     EXPECT_FALSE(fs::exists(out));
     EXPECT_FALSE(captureShell("echo part; kill -KILL $$", out));
     EXPECT_FALSE(fs::exists(out));
-    EXPECT_FALSE(runCapturing("/bin/echo", {"x"}, out, stopped()));
+    EXPECT_FALSE(runCapturing("/bin/echo", {"x"}, out, {}, stopped()));
     EXPECT_FALSE(fs::exists(out));
 }
 

@@ -166,11 +166,12 @@ TEST(Ffprobe, GivesMinusOneForWhatItCannotTime) {
 }
 
 TEST(Ffprobe, IsGivenExactlySevenArguments) {
-    const fs::path seen = test::freshFolder() / "arguments";
-    const fs::path recorder = tool("printf '%s|' \"$@\" > " + test::shellWord(seen.native()) + "; echo 12.5");
-    EXPECT_EQ(ffprobeSeconds(recorder, "/music/a file.wav", {}), 12.5);
-    EXPECT_EQ(test::read(seen), "-v|quiet|-show_entries|format=duration|-of|"
-                                "default=noprint_wrappers=1:nokey=1|/music/a file.wav|");
+    const std::string arguments = "-v|quiet|-show_entries|format=duration|-of|"
+                                  "default=noprint_wrappers=1:nokey=1|/music/a file.wav|";
+    EXPECT_EQ(ffprobeSeconds(
+                  tool("[ \"$(printf '%s|' \"$@\")\" = " + test::shellWord(arguments) + " ] && echo 12.5"),
+                  "/music/a file.wav", {}),
+              12.5);
 }
 
 TEST(Ffprobe, IsBelievedForItsOutputAlone) {
@@ -184,9 +185,29 @@ TEST(Ffprobe, IsBelievedForItsOutputAlone) {
     EXPECT_EQ(answerOf("exit 0"), -1.0);
 }
 
-TEST(Ffprobe, MayAnswerAtAnyLength) {
-    EXPECT_EQ(answerOf("yes '' | head -c 1000000; echo 12.5"), 12.5);
-    EXPECT_EQ(answerOf("yes 7 | head -c 1000000"), -1.0);
+TEST(Ffprobe, AnswersInLessThan4KiB) {
+    EXPECT_EQ(answerOf("yes '' | head -c 4000; echo 12.5"), 12.5);
+    EXPECT_EQ(answerOf("echo 12.5; yes '' | head -c 4091"), -1.0);
+    EXPECT_EQ(answerOf("echo 12.5; yes ''"), -1.0); // ends, because it can write no more
+}
+
+TEST(Ffprobe, OpensNoSecondFile) {
+    const fs::path folder = test::freshFolder();
+    const fs::path second = test::writeWav(folder / "second.wav", {.frames = 44'100});
+    const fs::path list =
+        test::write(folder / "list.wav", "ffconcat version 1.0\nfile " + second.native() + "\n");
+    const fs::path playlist =
+        test::write(folder / "playlist.wav", "#EXTM3U\n#EXT-X-TARGETDURATION:999\n#EXTINF:999,\nsecond.wav\n"
+                                             "#EXT-X-ENDLIST\n");
+    EXPECT_EQ(ffprobeSeconds(list), -1.0);
+    EXPECT_EQ(ffprobeSeconds(playlist), -1.0);
+    EXPECT_EQ(ffprobeSeconds(second), 1.0);
+    EXPECT_EQ(ffprobeSeconds(tool("cat " + test::shellWord(second.native()) + " > /dev/null && echo 12.5"),
+                             list, {}),
+              -1.0);
+    EXPECT_EQ(ffprobeSeconds(tool("cat " + test::shellWord(second.native()) + " > /dev/null && echo 12.5"),
+                             second, {}),
+              12.5);
 }
 
 TEST(Ffprobe, GivesMinusOneWhenItCannotBeStarted) {
@@ -208,15 +229,15 @@ TEST(Ffprobe, IsKilledAtTheDeadline) {
 }
 
 TEST(Ffprobe, IsKilledWhenAStopIsRequested) {
-    const fs::path started = test::freshFolder() / "started";
-    ASSERT_EQ(::mkfifo(started.c_str(), 0600), 0);
+    const fs::path file = test::freshFolder() / "a.wav"; // all that the tool may open
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
     std::stop_source stop;
     std::jthread stopper([&] {
-        std::ifstream(started).get(); // until the tool has begun
+        std::ofstream(file).put('x'); // when the tool has begun to read
         stop.request_stop();
     });
-    const fs::path sleeper = tool("echo 1 > " + test::shellWord(started.native()) + "; exec sleep 600");
-    EXPECT_EQ(ffprobeSeconds(sleeper, "/music/a.wav", {stop.get_token(), {}}), -1.0);
+    const fs::path sleeper = tool("for last; do :; done; read x < \"$last\"; exec sleep 600");
+    EXPECT_EQ(ffprobeSeconds(sleeper, file, {stop.get_token(), {}}), -1.0);
 }
 
 TEST(Ffprobe, IsNotStartedAfterAStopWasRequested) {

@@ -28,8 +28,9 @@ fs::path slowArchive(const fs::path& folder);
 struct Member {
     std::string name = {};
     std::string content = {};
-    char type = '0';      ///< '0' file, '2' link; of a tar member also '1' hard link, '5' folder, '6' FIFO
-    unsigned mode = 0644; ///< permissions; a zip archive's hold where its maker is Unix
+    char type = '0';             ///< '0' file, '2' link; of a tar member also '1' hard link, '3', '4' device,
+                                 ///< '5' folder, '6' FIFO
+    unsigned mode = 0644;        ///< permissions; a zip archive's hold where its maker is Unix
     std::string linkTarget = {}; ///< of a tar member of type '1' or '2'; a zip member's is its content
     std::optional<std::uint64_t> declaredSize =
         {}; ///< of a tar member: what its header says, if not the truth
