@@ -21,6 +21,7 @@ public:
         : m_reader(reader)
         , m_end(std::min(end, reader.size())) {}
 
+    /// The end given, or the file's where a read found that it comes first.
     std::int64_t end() const { return m_end; }
 
     /// All that is at hand from `offset` on: at least `wanted` bytes (up to `windowBytes`) unless the end
@@ -44,7 +45,11 @@ private:
         }
         m_bytes.resize(static_cast<std::size_t>(std::min<std::int64_t>(windowBytes, m_end - offset)));
         m_start = offset;
-        m_filledTo = offset + static_cast<std::int64_t>(m_reader.audio(offset, m_bytes));
+        const std::size_t got = m_reader.audio(offset, m_bytes);
+        m_filledTo = offset + static_cast<std::int64_t>(got);
+        if (got < m_bytes.size()) {
+            m_end = m_filledTo; // the file is shorter than it was: asking again would read the same again
+        }
     }
 
     GuardedReader& m_reader;
