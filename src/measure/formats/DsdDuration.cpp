@@ -58,6 +58,7 @@ constexpr std::int64_t dsdiffHeaderBytes = 16;
 constexpr ChunkLayout dsdiffChunks{.sizeBytes = 8, .order = SizeOrder::highestByteFirst, .alignment = 2};
 constexpr std::int64_t propertyTypeBytes = 4;
 constexpr std::size_t frameInformationBytes = 6; // the longest of the contents that are read
+constexpr std::int64_t shortestDstFrame = 12;    // a chunk without content
 
 /// How long `bytes` of samples of one bit play, at `rate` samples a second in each channel. Absent without
 /// channels or rate.
@@ -120,7 +121,10 @@ std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) 
         } else if (chunk->name == "CHNL") {
             channels = be16(value, 0);
         } else if (chunk->name == "FRTE") {
-            return statedTiming(static_cast<double>(be32(value, 0)) / std::max<int>(1, be16(value, 4)));
+            const double frameRate = std::max<int>(1, be16(value, 4));
+            const auto mostFrames = static_cast<double>((reader.size() - chunk->content) / shortestDstFrame);
+            return withinFile(be32(value, 0) / frameRate,
+                              {.seconds = mostFrames / frameRate, .basis = Basis::sized});
         }
     }
     return std::nullopt;
