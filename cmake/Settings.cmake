@@ -14,7 +14,7 @@ set_target_properties(standard_settings PROPERTIES INTERFACE_POSITION_INDEPENDEN
 if(VELMORA_SANITIZE)
   target_compile_options(standard_settings INTERFACE
     -fsanitize=${VELMORA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer
-    -Wno-maybe-uninitialized) # GCC sees ghosts in instrumented library code
+    $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>) # it sees ghosts in instrumented library code
   target_link_options(standard_settings INTERFACE -fsanitize=${VELMORA_SANITIZE})
 endif()
 

@@ -68,7 +68,7 @@ TEST(Layout, EveryArrowBetweenViewsIsDrawn) {
 }
 
 TEST(Layout, NoSourceFileIsLongerThanCanBeReadAtOnce) {
-    for (const std::string folder : {"src", "tests", "tools", "bench"}) {
+    for (const std::string folder : {"src", "tests", "tools", "bench", "fuzz"}) {
         forEachSource(folder, [&folder](const fs::path& relative, const std::string& text) {
             EXPECT_LE(lineCount(text), maxLines) << folder / relative;
         });

@@ -1,0 +1,16 @@
+// The look into a zip archive for names that unzip would garble.
+
+#include "gather/ZipNames.h"
+
+#include "fuzz/Targets.h"
+
+namespace velmora::fuzz {
+
+void fuzzZipNames(Bytes bytes) {
+    const MemoryFile archive(bytes);
+    const bool garbled = Collector::unzipGarblesNames(archive.path());
+    require(Collector::unzipGarblesNames(archive.path()) == garbled,
+            "the answer is the same the second time");
+}
+
+} // namespace velmora::fuzz
