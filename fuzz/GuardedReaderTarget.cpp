@@ -39,7 +39,8 @@ public:
         , m_window(m_reader, m_claimed) {}
 
     void run() {
-        while (!m_input.isUsedUp()) {
+        constexpr int mostSteps = 64; // a step may read a mebibyte
+        for (int steps = 0; steps < mostSteps && !m_input.isUsedUp(); ++steps) {
             step();
         }
     }
