@@ -43,7 +43,7 @@ inline ByteSource sourceOf(std::span<const std::uint8_t> bytes) {
         }
         const auto rest = bytes.subspan(std::min(static_cast<std::size_t>(offset), bytes.size()));
         const auto taken = rest.first(std::min(rest.size(), buffer.size()));
-        std::copy(taken.begin(), taken.end(), buffer.begin());
+        std::ranges::copy(taken, buffer.begin());
         return taken.size();
     };
     return {static_cast<std::int64_t>(bytes.size()), read};

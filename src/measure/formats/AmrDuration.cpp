@@ -10,15 +10,28 @@ namespace velmora {
 
 namespace {
 
+// The magic tells which of the two codecs it is and whether there are several channels. Then the frames are
+// counted one by one: the type in a frame's first byte tells its size.
+//
+// File (RFC 4867, section 5): magic; for several channels, whose frames take turns, four bytes with the
+// number of channels in the lowest four bits; then the frames. First byte of a frame (section 5.3): 1 bit
+// padding, 4 bits frame type, 1 bit quality, 2 bits padding.
+
 constexpr double frameSeconds = 0.02;
 
-/// Bytes of a frame with its first byte, by the frame type in that byte's bits 3 to 6; 0 for reserved types.
+constexpr std::int64_t channelDescriptionBytes = 4;
+constexpr std::uint8_t channelMask = 0x0F; // of the last of them
+constexpr int typeShift = 3;
+constexpr std::uint8_t typeMask = 0x0F;
+
+/// Bytes of a frame, its first byte included, by frame type; 0 for reserved types (3GPP TS 26.101 table 3,
+/// 26.201 table 3, each rounded up to bytes).
 using FrameSizes = std::array<std::uint8_t, 16>;
 
 struct Kind {
     std::string_view magic;
     FrameSizes frameBytes;
-    bool hasChannelCount; ///< four bytes behind the magic, channels in the last
+    bool hasChannelCount;
 };
 
 constexpr auto kinds = std::to_array<Kind>({
@@ -37,7 +50,7 @@ std::int64_t countFrames(GuardedReader& reader, std::int64_t at, const FrameSize
         while (used < bytes.size()) {
             // A first byte of zero would be the smallest frame, marked as damaged: what follows the audio is
             // empty.
-            const std::size_t length = bytes[used] == 0 ? 0 : frameBytes[bytes[used] >> 3 & 0x0F];
+            const std::size_t length = bytes[used] == 0 ? 0 : frameBytes[bytes[used] >> typeShift & typeMask];
             const bool isCutOff = at + static_cast<std::int64_t>(used + length) > window.end();
             if (length == 0 || isCutOff) {
                 return frames;
@@ -62,9 +75,9 @@ std::optional<Timing> amrDuration(GuardedReader& reader, std::int64_t start) {
         auto at = start + static_cast<std::int64_t>(kind.magic.size());
         int channels = 1;
         if (kind.hasChannelCount) {
-            const auto description = reader.header(at, 4);
-            channels = description.empty() ? 0 : description[3] & 0x0F;
-            at += 4;
+            const auto description = reader.header(at, channelDescriptionBytes);
+            channels = description.empty() ? 0 : description.back() & channelMask;
+            at += channelDescriptionBytes;
         }
         const std::int64_t frames = channels == 0 ? 0 : countFrames(reader, at, kind.frameBytes) / channels;
         return Timing{

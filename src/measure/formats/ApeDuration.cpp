@@ -12,60 +12,120 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
+// Every frame but the last has the same number of blocks, so the number of frames and the blocks of the last
+// make the length. Where the file ends before its last frame does, the seek table tells how many frames begin
+// in it. The layouts follow the files that the encoder of each version writes; numbers have the lowest byte
+// first.
+//
+// From version 3980 on, the descriptor:
+//
+//   offset  size  field
+//        0     4  "MAC "
+//        4     2  version, times 1,000
+//        8     4  size of the descriptor
+//       12     4  size of the header after it
+//       16     4  size of the seek table after that
+//       20     4  size of the kept WAV header
+//       24     8  size of the frames
+//       32    20  size of what follows the frames, checksum
+//
+// and the header:
+//
+//   offset  size  field
+//        0     4  compression, flags
+//        4     4  blocks of a frame
+//        8     4  blocks of the last frame
+//       12     4  frames
+//       16     4  bits of a sample, channels
+//       20     4  blocks a second
+//
+// Before version 3980; the blocks of a frame follow from version and compression:
+//
+//   offset  size  field
+//        0     4  "MAC "
+//        4     2  version, times 1,000
+//        6     2  compression
+//        8     4  flags, channels
+//       12     4  blocks a second
+//       16     8  sizes of the kept WAV header and of what follows the frames
+//       24     4  frames
+//       28     4  blocks of the last frame
+
 constexpr std::size_t versionAt = 4;
-constexpr int describedVersion = 3980; // from here on a descriptor stands before the header
+constexpr int describedVersion = 3980;
+
+constexpr std::size_t descriptorBytes = 52;
+constexpr std::size_t descriptorSizeAt = 8;
+constexpr std::size_t headerSizeAt = 12;
+constexpr std::size_t seekTableSizeAt = 16;
+constexpr std::size_t keptHeaderSizeAt = 20;
+constexpr std::size_t framesSizeAt = 24;
+
+constexpr std::size_t headerBytes = 24;
+constexpr std::size_t frameBlocksAt = 4;
+constexpr std::size_t lastBlocksAt = 8;
+constexpr std::size_t framesAt = 12;
+constexpr std::size_t rateAt = 20;
+
+constexpr std::size_t oldHeaderBytes = 32;
+constexpr std::size_t oldCompressionAt = 6;
+constexpr std::size_t oldRateAt = 12;
+constexpr std::size_t oldFramesAt = 24;
+constexpr std::size_t oldLastBlocksAt = 28;
+
+constexpr std::int64_t seekEntryBytes = 4; // where a frame begins, seen from the start
 
 struct ApeHeader {
     std::int64_t frameBlocks = 0; ///< in every frame but the last
     std::int64_t lastBlocks = 0;
     std::int64_t frames = 0;
     std::int64_t rate = 0;
-    std::int64_t seekTableAt = 0; ///< where each frame begins, 4 bytes each
-    double end = 0;               ///< where the last frame ends; 0 if not stated
+    std::int64_t seekTableAt = 0;
+    double end = 0; ///< where the last frame ends; 0 if not stated
 };
 
-/// Descriptor: sizes of 8 itself, 12 the header, 16 the seek table, 20 the WAV header kept, 24 the frames (8
-/// bytes). Header: 4 blocks a frame, 8 of the last frame, 12 frames, 20 rate.
 std::optional<ApeHeader> parseDescribed(GuardedReader& reader, std::int64_t start) {
-    constexpr std::size_t descriptorBytes = 52;
-    constexpr std::size_t headerBytes = 24;
     const Bytes descriptor = reader.header(start, descriptorBytes);
     if (descriptor.empty()) {
         return std::nullopt;
     }
-    const std::int64_t headerAt = start + le32(descriptor, 8);
-    const std::int64_t seekTableAt = headerAt + le32(descriptor, 12);
-    const double end = static_cast<double>(seekTableAt) + le32(descriptor, 16) + le32(descriptor, 20) +
-                       static_cast<double>(le64(descriptor, 24));
+    const std::int64_t headerAt = start + le32(descriptor, descriptorSizeAt);
+    const std::int64_t seekTableAt = headerAt + le32(descriptor, headerSizeAt);
+    const double end = static_cast<double>(seekTableAt) + le32(descriptor, seekTableSizeAt) +
+                       le32(descriptor, keptHeaderSizeAt) +
+                       static_cast<double>(le64(descriptor, framesSizeAt));
     const Bytes header = reader.header(headerAt, headerBytes);
     if (header.empty()) {
         return std::nullopt;
     }
-    return ApeHeader{le32(header, 4), le32(header, 8), le32(header, 12), le32(header, 20), seekTableAt, end};
+    return ApeHeader{le32(header, frameBlocksAt),
+                     le32(header, lastBlocksAt),
+                     le32(header, framesAt),
+                     le32(header, rateAt),
+                     seekTableAt,
+                     end};
 }
 
-/// 6 compression, 8 flags, 12 rate, 24 frames, 28 blocks of the last frame; the blocks of a frame follow from
-/// the version.
 std::optional<ApeHeader> parseOld(GuardedReader& reader, std::int64_t start, int version) {
-    constexpr std::size_t headerBytes = 32;
     constexpr int extraHigh = 4000;
-    const Bytes header = reader.header(start, headerBytes);
+    const Bytes header = reader.header(start, oldHeaderBytes);
     if (header.empty()) {
         return std::nullopt;
     }
-    const bool isLong = version >= 3900 || (version >= 3800 && le16(header, 6) == extraHigh);
+    const bool isLong = version >= 3900 || (version >= 3800 && le16(header, oldCompressionAt) == extraHigh);
     const std::int64_t frameBlocks = version >= 3950 ? 294'912 : isLong ? 73'728 : 9'216;
-    return ApeHeader{frameBlocks, le32(header, 28), le32(header, 24), le32(header, 12)};
+    return ApeHeader{frameBlocks, le32(header, oldLastBlocksAt), le32(header, oldFramesAt),
+                     le32(header, oldRateAt)};
 }
 
 /// How many frames are whole: all of them, or of a file that was cut off those whose successor begins in it
-/// or just behind it.
+/// or at its end.
 std::int64_t framesThere(GuardedReader& reader, std::int64_t start, const ApeHeader& header) {
     if (header.end <= static_cast<double>(reader.size())) {
         return header.frames;
     }
     const auto isReached = [&](std::int64_t frame) {
-        const Bytes entry = reader.header(header.seekTableAt + frame * 4, 4);
+        const Bytes entry = reader.header(header.seekTableAt + frame * seekEntryBytes, seekEntryBytes);
         return !entry.empty() && start + le32(entry, 0) <= reader.size();
     };
     return std::max<std::int64_t>(0, partitionPoint(header.frames, isReached) - 1);

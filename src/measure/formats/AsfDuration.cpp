@@ -13,8 +13,8 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 using Guid = std::array<std::uint8_t, 16>;
 
-constexpr std::uint64_t longestHead = 1'048'576;
-constexpr std::uint64_t shortestHead = 31;
+constexpr std::uint64_t maxHeadBytes = 1'048'576;
+constexpr std::uint64_t minHeadBytes = 31;
 
 constexpr Guid headerObject = {0x30, 0x26, 0xB2, 0x75, 0x8E, 0x66, 0xCF, 0x11,
                                0xA6, 0xD9, 0x00, 0xAA, 0x00, 0x62, 0xCE, 0x6C};
@@ -32,7 +32,7 @@ constexpr double unitsPerSecond = 10'000'000;
 constexpr double unitsPerMillisecond = 10'000;
 
 bool hasGuid(Bytes object, const Guid& guid) {
-    return std::equal(guid.begin(), guid.end(), object.begin());
+    return std::ranges::equal(object.first(guid.size()), guid);
 }
 
 /// The first `size` bytes of a source, seen through a window that moves towards their end only. No byte is
@@ -102,8 +102,8 @@ std::optional<double> walkObjects(ForwardWindow& head, std::uint64_t limit) {
 } // namespace
 
 std::optional<double> asfSeconds(const ByteSource& source) {
-    ForwardWindow head(source, std::min(static_cast<std::uint64_t>(source.size), longestHead));
-    if (head.size() < shortestHead) {
+    ForwardWindow head(source, std::min(static_cast<std::uint64_t>(source.size), maxHeadBytes));
+    if (head.size() < minHeadBytes) {
         return std::nullopt;
     }
     const std::optional<Bytes> header = head.view(0, firstObject);

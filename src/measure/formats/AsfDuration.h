@@ -11,7 +11,7 @@
 //       16     8  object size: the whole header, its objects included
 //       24     4  number of header objects
 //       28     2  reserved
-//       30        the objects, one behind the other
+//       30        the objects, one after the other
 //
 // Each object begins with its GUID (16 bytes) and its size (8 bytes), which counts the whole object.
 //
@@ -37,7 +37,7 @@ namespace velmora::HeaderDuration {
 
 /// Play duration less preroll of the first File Properties Object in `source`, in seconds; positive. Absent
 /// when there is none within the header and the first mebibyte, when the objects before it do not lie one
-/// behind the other, when nothing positive remains (a live stream states 0), or when it cannot be read.
+/// after the other, when nothing positive remains (a live stream states 0), or when it cannot be read.
 /// Reads 4 KiB, and further pieces of the first mebibyte where longer objects come first; none twice.
 std::optional<double> asfSeconds(const ByteSource& source);
 

@@ -8,8 +8,19 @@ namespace velmora {
 
 namespace {
 
-// Offset 0 magic (".snd", DEC's ".sd" and a NUL; backwards where the numbers are little-endian), 4 where the
-// data begin, 8 their size (all ones: unknown), 12 encoding, 16 rate, 20 channels.
+// The encoding tells the bits of a sample; the bytes of the data, as far as they are in the file, make the
+// length.
+//
+// Header (NeXT and Sun, <audio/au_filehdr.h>):
+//
+//   offset  size  field
+//        0     4  ".snd" or ".sd" and a NUL (DEC); backwards where the lowest byte of a number comes first
+//        4     4  where the data begin
+//        8     4  size of the data; all ones: not known
+//       12     4  encoding
+//       16     4  frames a second
+//       20     4  channels
+
 constexpr std::size_t headerBytes = 24;
 constexpr std::size_t dataOffsetAt = 4;
 constexpr std::size_t dataSizeAt = 8;

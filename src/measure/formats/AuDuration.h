@@ -1,6 +1,6 @@
 #pragma once
 
-// The playing time of Sun, NeXT and DEC audio (.au, .snd): a header of six numbers, big-endian behind ".snd",
+// The playing time of Sun, NeXT and DEC audio (.au, .snd): a header of six numbers, big-endian after ".snd",
 // little-endian where the magic stands backwards.
 
 #include "measure/bytes/GuardedReader.h"

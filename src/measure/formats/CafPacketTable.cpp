@@ -10,10 +10,30 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// The entries are numbers in groups of 7 bits, the highest first; every byte of one but its last has the
-// highest bit set.
+// The entries are read from first to last to count the packets that are left of a cut-off file, or backwards
+// from the end to find the size of the last packet.
+//
+// "pakt" (Apple, "Core Audio Format Specification 1.0", section "Packet Table Chunk"), the highest byte of a
+// number first:
+//
+//   offset  size  field
+//        0     8  packets
+//        8     8  frames that play
+//       16     4  frames to be left out before them
+//       20     4  frames to be left out after them
+//       24        for each packet its bytes, if they vary, then its frames, if they vary
+//
+// The numbers of the packets stand in groups of 7 bits, the highest first; every byte of one but its last has
+// the highest bit set.
+
+constexpr std::size_t packetsAt = 0;
+constexpr std::size_t validFramesAt = 8;
+constexpr std::size_t primingFramesAt = 16;
+constexpr std::size_t remainderFramesAt = 20;
+constexpr std::int64_t headBytes = 24;
+
 constexpr std::uint8_t continues = 0x80;
-constexpr std::int64_t longestNumber = 4; // 256 MB, more than any packet has
+constexpr std::int64_t maxNumberBytes = 4; // 256 MB, more than any packet has
 
 /// Reads the numbers from first to last.
 class EntryCursor {
@@ -25,7 +45,7 @@ public:
 
     std::optional<std::int64_t> next() {
         std::int64_t value = 0;
-        for (std::int64_t i = 0; i < longestNumber && m_at < m_end; ++i) {
+        for (std::int64_t i = 0; i < maxNumberBytes && m_at < m_end; ++i) {
             const Bytes byte = m_reader.header(m_at++, 1);
             if (byte.empty()) {
                 return std::nullopt;
@@ -46,17 +66,15 @@ private:
 
 } // namespace
 
-// 0 packets, 8 frames that play, 16 frames before them, 20 frames behind them, 24 entries.
 std::optional<CafPacketTable> readCafPacketTable(GuardedReader& reader, std::int64_t at, std::int64_t end) {
-    constexpr std::int64_t headBytes = 24;
     const Bytes head = reader.header(at, headBytes);
     if (head.empty() || end - at < headBytes) {
         return std::nullopt;
     }
-    const auto packets = static_cast<std::int64_t>(be64(head, 0));
-    const auto frames = static_cast<std::int64_t>(be64(head, 8));
-    const auto priming = static_cast<std::int32_t>(be32(head, 16));
-    const auto remainder = static_cast<std::int32_t>(be32(head, 20));
+    const auto packets = static_cast<std::int64_t>(be64(head, packetsAt));
+    const auto frames = static_cast<std::int64_t>(be64(head, validFramesAt));
+    const auto priming = static_cast<std::int32_t>(be32(head, primingFramesAt));
+    const auto remainder = static_cast<std::int32_t>(be32(head, remainderFramesAt));
     if (packets < 0 || frames < 0 || priming < 0) {
         return std::nullopt;
     }
@@ -96,7 +114,7 @@ std::optional<std::int64_t> lastPacketBytes(GuardedReader& reader, const CafPack
             return value;
         }
         shift = isEndOfNumber ? 0 : shift + 7;
-        if (shift >= 7 * longestNumber) {
+        if (shift >= 7 * maxNumberBytes) {
             return std::nullopt;
         }
         value |= static_cast<std::int64_t>(entries[at] & ~continues) << shift;

@@ -24,7 +24,7 @@ struct CafPacketTable {
     std::int64_t packets = 0;
     std::int64_t validFrames = 0;     ///< that play
     std::int64_t primingFrames = 0;   ///< to be left out before them
-    std::int64_t remainderFrames = 0; ///< and behind them
+    std::int64_t remainderFrames = 0; ///< and after them
 };
 
 /// The table that fills the chunk from `at` to `end`. Absent if it is too short or states what cannot be.

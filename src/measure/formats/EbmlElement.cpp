@@ -8,8 +8,8 @@ namespace velmora {
 
 namespace {
 
-constexpr std::size_t longestId = 4;
-constexpr std::size_t longestInteger = 8;
+constexpr std::size_t maxIdBytes = 4;
+constexpr std::size_t maxIntegerBytes = 8;
 
 /// A number that tells its own length.
 struct SizedNumber {
@@ -42,7 +42,7 @@ std::optional<SizedNumber> sizedNumberAt(GuardedReader& reader, std::int64_t at)
 
 std::optional<EbmlElement> ebmlElementAt(GuardedReader& reader, std::int64_t at) {
     const std::optional<SizedNumber> id = sizedNumberAt(reader, at);
-    if (!id || id->length > longestId) {
+    if (!id || id->length > maxIdBytes) {
         return std::nullopt;
     }
     at += static_cast<std::int64_t>(id->length);
@@ -61,8 +61,8 @@ std::optional<EbmlElement> ebmlElementAt(GuardedReader& reader, std::int64_t at)
 
 std::optional<std::uint64_t> ebmlInteger(GuardedReader& reader, const EbmlElement& element) {
     const auto size = static_cast<std::uint64_t>(element.size.value_or(0));
-    const auto bytes = reader.header(element.content, std::min<std::size_t>(size, longestInteger));
-    return bytes.empty() || size > longestInteger ? std::nullopt : std::optional(numberOf(bytes));
+    const auto bytes = reader.header(element.content, std::min<std::size_t>(size, maxIntegerBytes));
+    return bytes.empty() || size > maxIntegerBytes ? std::nullopt : std::optional(numberOf(bytes));
 }
 
 std::optional<double> ebmlNumber(GuardedReader& reader, const EbmlElement& element) {

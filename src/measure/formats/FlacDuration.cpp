@@ -11,17 +11,31 @@ namespace velmora {
 
 namespace {
 
-constexpr std::int64_t streamInfoAt = 8; // behind "fLaC" and the block's type and size
+// STREAMINFO states the samples, but encoders that write into a pipe leave it empty, and the file may be cut
+// off. So the end of the file is searched backwards for the header of a frame: it tells the number of its
+// first sample and how many it holds. If all that is stated has not been reached there, the frame counts only
+// when its checksum shows that it is whole.
+//
+// File (RFC 9639, section 8):
+//
+//   offset  size  field
+//        0     4  "fLaC"
+//        4     1  type of the first block: STREAMINFO
+//        5     3  its size
+//        8    34  STREAMINFO (FlacFrame.cpp)
+//                 further blocks, then the frames
+
+constexpr std::int64_t streamInfoAt = 8;
 constexpr std::size_t streamInfoBytes = 34;
 
-/// The sample behind the last whole frame; absent if none was found where one can be expected.
+/// The sample after the last whole frame; absent if none was found where one can be expected.
 std::optional<std::int64_t> endOfLastFrame(GuardedReader& reader, std::int64_t start,
                                            const FlacStreamInfo& stream) {
-    constexpr std::int64_t leastTail = 16 << 10;
-    constexpr std::int64_t mostTail = 64 << 10;
+    constexpr std::int64_t minTail = 16 << 10;
+    constexpr std::int64_t maxTail = 64 << 10;
     constexpr std::int64_t tagsBytes = 256;
     const std::int64_t audio = start + streamInfoAt;
-    const std::int64_t tail = std::clamp(stream.frameBytes + tagsBytes, leastTail, mostTail);
+    const std::int64_t tail = std::clamp(stream.frameBytes + tagsBytes, minTail, maxTail);
     const auto find = [&](std::span<const std::uint8_t> bytes,
                           std::int64_t offset) -> std::optional<std::int64_t> {
         const auto frame = lastFlacFrame(bytes, stream);

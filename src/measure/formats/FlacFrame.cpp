@@ -11,15 +11,74 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
+// A frame is recognised by its sync word, the sample rate of the stream, and the checksum of its header.
+//
+// STREAMINFO (RFC 9639, section 8.2), the highest byte of a number first:
+//
+//   offset  size  field
+//        0     2  samples of the smallest block
+//        2     2  samples of the largest block
+//        4     3  bytes of the smallest frame
+//        7     3  bytes of the largest frame
+//       10     8  samples a second (20 bits), channels and bits (8), samples of the stream (36)
+//       18    16  checksum of the sound
+//
+// Frame header (section 9.1):
+//
+//   bits  field                                                              section
+//     15  sync word                                                          9.1
+//      1  1: blocks of variable size, numbered by sample; 0: by frame        9.1
+//      4  block size code                                                    9.1.1
+//      4  sample rate code                                                   9.1.2
+//      4  channels code                                                      9.1.3
+//      3  bits of a sample code                                              9.1.4
+//      1  zero                                                               9.1.4
+//   8-56  number of the first sample or of the frame                         9.1.5
+//   0-16  block size less one, for the codes 6 and 7                         9.1.6
+//   0-16  sample rate, for the codes 12 to 14                                9.1.7
+//      8  checksum of the header                                             9.1.8
+//
+// Frame footer (section 9.3): 16 bits of checksum of the whole frame.
+
+constexpr std::size_t maxBlockAt = 2;
+constexpr std::size_t maxFrameAt = 6; // of the four bytes whose lower three are the field
+constexpr std::size_t packedAt = 10;
+constexpr int rateShift = 44;
+constexpr std::uint64_t samplesMask = 0xF'FFFF'FFFF;
+constexpr std::size_t readStreamInfoBytes = 18; // as much of STREAMINFO as is looked at
+
+constexpr std::size_t minHeaderBytes = 6;
+constexpr std::uint8_t firstSync = 0xFF;
+constexpr std::uint8_t fixedSync = 0xF8;
+constexpr std::uint8_t variableSync = 0xF9;
+constexpr std::size_t codedNumberAt = 4;
+constexpr int maxChannelsCode = 10;
+
+// Block size codes (section 9.1.1, table 14).
+constexpr int reservedBlockCode = 0;
+constexpr int block192Code = 1;
+constexpr int firstBlock576Code = 2; // 576 times a power of two, up to code 5
+constexpr int uncommonBlock8Code = 6;
+constexpr int uncommonBlock16Code = 7;
+constexpr int firstBlock256Code = 8; // 256 times a power of two
+
+// Sample rate codes (section 9.1.2, table 15).
+constexpr int streamRateCode = 0;
+constexpr int kilohertzCode = 12;
+constexpr int hertzCode = 13;
+constexpr int tenHertzCode = 14;
+
 constexpr std::array<std::int32_t, 12> ratesByCode = {0,      88'200, 176'400, 192'000, 8'000,  16'000,
                                                       22'050, 24'000, 32'000,  44'100,  48'000, 96'000};
 
+/// The checksum of a header: polynomial x^8 + x^2 + x + 1 (section 9.1.8).
 std::uint8_t checksum8(Bytes bytes) {
+    constexpr std::uint8_t polynomial = 0x07;
     std::uint8_t sum = 0;
     for (const std::uint8_t byte : bytes) {
         sum ^= byte;
         for (int bit = 0; bit < 8; ++bit) {
-            sum = static_cast<std::uint8_t>((sum << 1) ^ ((sum & 0x80) != 0 ? 0x07 : 0));
+            sum = static_cast<std::uint8_t>((sum << 1) ^ ((sum & 0x80) != 0 ? polynomial : 0));
         }
     }
     return sum;
@@ -44,7 +103,8 @@ public:
         return value;
     }
 
-    /// A number of up to 36 bits in the manner of UTF-8.
+    /// A number of up to 36 bits, coded like UTF-8 (section 9.1.5): the leading ones of the first byte count
+    /// the bytes, the others carry six bits each.
     std::optional<std::int64_t> codedNumber() {
         const auto first = integer(1);
         if (!first) {
@@ -70,34 +130,36 @@ public:
 
 private:
     Bytes m_bytes;
-    std::size_t m_at = 4; // behind the sync word and the four codes
+    std::size_t m_at = codedNumberAt;
 };
 
 std::optional<std::int64_t> blockSamples(int code, HeaderCursor& cursor) {
     switch (code) {
-    case 0:
+    case reservedBlockCode:
         return std::nullopt;
-    case 1:
+    case block192Code:
         return 192;
-    case 6:
-    case 7: {
-        const auto less = cursor.integer(static_cast<std::size_t>(code - 5));
-        return less ? std::optional(*less + 1) : std::nullopt;
+    case uncommonBlock8Code:
+    case uncommonBlock16Code: {
+        const auto lessOne = cursor.integer(code == uncommonBlock8Code ? 1 : 2);
+        return lessOne ? std::optional(*lessOne + 1) : std::nullopt;
     }
     default:
-        return code < 6 ? 576 << (code - 2) : 256 << (code - 8);
+        return code < uncommonBlock8Code ? 576 << (code - firstBlock576Code)
+                                         : 256 << (code - firstBlock256Code);
     }
 }
 
+/// Whether the sample rate that `code` stands for is `rate`.
 bool hasRate(int code, HeaderCursor& cursor, std::int32_t rate) {
     switch (code) {
-    case 0:
+    case streamRateCode:
         return true;
-    case 12:
+    case kilohertzCode:
         return cursor.integer(1) == rate / 1000;
-    case 13:
+    case hertzCode:
         return cursor.integer(2) == rate;
-    case 14:
+    case tenHertzCode:
         return cursor.integer(2) == rate / 10;
     default:
         return code < static_cast<int>(ratesByCode.size()) &&
@@ -108,22 +170,20 @@ bool hasRate(int code, HeaderCursor& cursor, std::int32_t rate) {
 } // namespace
 
 std::optional<FlacStreamInfo> parseStreamInfo(Bytes block) {
-    constexpr std::size_t size = 18;
-    if (block.size() < size) {
+    if (block.size() < readStreamInfoBytes) {
         return std::nullopt;
     }
-    const std::uint64_t packed = be64(block, 10); // rate 20 bits, 8 bits, samples 36 bits
-    const FlacStreamInfo info{be16(block, 2), static_cast<std::int32_t>(be32(block, 6) & 0xFF'FFFF),
-                              static_cast<std::int32_t>(packed >> 44),
-                              static_cast<std::int64_t>(packed & 0xF'FFFF'FFFF)};
+    const std::uint64_t packed = be64(block, packedAt);
+    const FlacStreamInfo info{
+        be16(block, maxBlockAt), static_cast<std::int32_t>(be32(block, maxFrameAt) & 0xFF'FFFF),
+        static_cast<std::int32_t>(packed >> rateShift), static_cast<std::int64_t>(packed & samplesMask)};
     return info.rate > 0 ? std::optional(info) : std::nullopt;
 }
 
 std::optional<FlacFrame> parseFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {
-    constexpr std::uint8_t fixedSync = 0xF8;
-    constexpr std::uint8_t variableSync = 0xF9;
-    if (bytes.size() < 6 || bytes[0] != 0xFF || (bytes[1] != fixedSync && bytes[1] != variableSync) ||
-        (bytes[3] & 0x01) != 0 || bytes[3] >> 4 > 10) {
+    if (bytes.size() < minHeaderBytes || bytes[0] != firstSync ||
+        (bytes[1] != fixedSync && bytes[1] != variableSync) || (bytes[3] & 0x01) != 0 ||
+        bytes[3] >> 4 > maxChannelsCode) {
         return std::nullopt;
     }
     HeaderCursor cursor(bytes);
@@ -142,7 +202,7 @@ std::optional<FlacFrame> parseFlacFrame(Bytes bytes, const FlacStreamInfo& strea
 
 std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {
     for (std::size_t at = bytes.size(); at-- > 0;) {
-        if (bytes[at] != 0xFF) {
+        if (bytes[at] != firstSync) {
             continue;
         }
         const Bytes rest = bytes.subspan(at);
@@ -155,11 +215,12 @@ std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream
 }
 
 bool isWholeFlacFrame(Bytes frame) {
+    constexpr std::uint16_t polynomial = 0x8005; // x^16 + x^15 + x^2 + 1 (section 9.3)
     std::uint16_t sum = 0;
     for (const std::uint8_t byte : frame) {
         sum = static_cast<std::uint16_t>(sum ^ byte << 8);
         for (int bit = 0; bit < 8; ++bit) {
-            sum = static_cast<std::uint16_t>((sum << 1) ^ ((sum & 0x8000) != 0 ? 0x8005 : 0));
+            sum = static_cast<std::uint16_t>((sum << 1) ^ ((sum & 0x8000) != 0 ? polynomial : 0));
         }
     }
     return sum == 0 && !frame.empty();

@@ -7,6 +7,19 @@ namespace velmora {
 
 namespace {
 
+// The head of the file, up to the first cluster of media, is walked for the stated length and the kinds of
+// the tracks. The length is that of the longest track, so it is taken only where all tracks are audio.
+//
+//   element          id           content                                           RFC 9559
+//   Segment          18538067     everything but the EBML header                    section 5.1
+//   Info             1549A966     elements                                          section 5.1.2
+//   TimestampScale   2AD7B1       nanoseconds of a unit of time                     section 5.1.2.9
+//   Duration         4489         units of time, floating point                     section 5.1.2.10
+//   Tracks           1654AE6B     elements                                          section 5.1.4
+//   TrackEntry       AE           elements                                          section 5.1.4.1
+//   TrackType        83           2: audio                                          section 5.1.4.1.3
+//   Cluster          1F43B675     media                                             section 5.1.3
+
 constexpr std::uint32_t segmentId = 0x1853'8067;
 constexpr std::uint32_t infoId = 0x1549'A966;
 constexpr std::uint32_t timestampScaleId = 0x2A'D7B1;
@@ -17,7 +30,7 @@ constexpr std::uint32_t trackTypeId = 0x83;
 constexpr std::uint32_t clusterId = 0x1F43'B675;
 constexpr std::uint64_t audioTrack = 2;
 
-/// The one element that holds everything, behind the one that says what the file is.
+/// The one element that holds everything, after the one that says what the file is.
 std::optional<EbmlElement> segmentOf(GuardedReader& reader, std::int64_t start) {
     const std::optional<EbmlElement> head = ebmlElementAt(reader, start);
     if (!head || !head->size || *head->size > reader.size()) {

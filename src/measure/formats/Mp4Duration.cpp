@@ -10,10 +10,14 @@ namespace velmora {
 
 namespace {
 
+// Each audio track states the length of its media and the edits that play them; the longest track counts.
+// Where media data are missing, the tables of the track tell which of its samples are in the file; where the
+// track is empty, its samples are in fragments after the movie (Mp4Fragments.h).
+
 /// The file's outermost boxes.
 struct Movie {
     std::optional<Mp4Box> box; ///< "moov"
-    bool isCutOff = false;     ///< media data are missing, or end behind the end of the file
+    bool isCutOff = false;     ///< media data are missing, or end after the end of the file
 };
 
 Movie readMovie(GuardedReader& reader, std::int64_t start) {
@@ -37,11 +41,14 @@ Movie readMovie(GuardedReader& reader, std::int64_t start) {
     return movie;
 }
 
-/// "mvhd": made, changed (4 or 8 bytes each), time scale.
+/// "mvhd" (ISO/IEC 14496-12 section 8.2.2): version (1), flags (3), creation and modification time (4 or 8
+/// bytes each), time scale (4).
 std::int64_t timeScaleOf(GuardedReader& reader, const Mp4Box& header) {
+    constexpr std::int64_t scaleAt = 12;
+    constexpr std::int64_t longScaleAt = 20;
     const auto version = reader.header(header.content, 1);
     const bool isLong = !version.empty() && version[0] == 1;
-    const auto scale = reader.header(header.content + (isLong ? 20 : 12), 4);
+    const auto scale = reader.header(header.content + (isLong ? longScaleAt : scaleAt), 4);
     return scale.empty() ? 0 : be32(scale, 0);
 }
 

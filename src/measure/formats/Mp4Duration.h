@@ -1,7 +1,7 @@
 #pragma once
 
-// The playing time of MP4 and its kin (.m4a, .m4b, .3ga, .aax, QuickTime): the audio track's media as its
-// edits play them.
+// The playing time of MP4 and its relatives (.m4a, .m4b, .3ga, .aax, QuickTime): the audio track's media as
+// its edits play them.
 
 #include "measure/bytes/GuardedReader.h"
 #include "measure/bytes/Timing.h"

@@ -8,7 +8,20 @@ namespace velmora {
 
 namespace {
 
-constexpr std::int64_t mostDuration = 1LL << 50;
+// The "moof" boxes are walked in the order of the file. Each lists, for the track, its samples in runs; a
+// sample's duration stands in the run, else in the fragment's header, else in the movie. What a "moof" adds
+// up to counts as far as the "mdat" after it is in the file.
+//
+// The boxes begin with version (1) and flags (3); a field that depends on a flag stands only if it is set.
+//
+//   box     fields after version and flags                                          ISO/IEC 14496-12
+//   "trex"  4 track, 8 description, 12 duration of a sample                         section 8.8.3
+//   "tfhd"  4 track, data offset (8, flag 0x01), description (4, 0x02), duration of section 8.8.7
+//           a sample (4, 0x08)
+//   "trun"  4 samples, data offset (4, flag 0x01), first flags (4, 0x04), then for  section 8.8.8
+//           each sample duration (0x100), size (0x200), flags (0x400), shift (0x800)
+
+constexpr std::int64_t maxDuration = 1LL << 50;
 
 std::uint32_t word(GuardedReader& reader, const Mp4Box& box, std::int64_t at) {
     const auto bytes = reader.header(box.content + at, 4);
@@ -19,7 +32,7 @@ std::uint32_t flagsOf(GuardedReader& reader, const Mp4Box& box) {
     return word(reader, box, 0) & 0xFF'FFFF;
 }
 
-/// "trex": 4 track, 8 description, 12 duration of a sample.
+/// What the movie states for samples of which no fragment states it.
 std::uint32_t defaultDuration(GuardedReader& reader, const Mp4Box& movie, std::uint32_t trackId) {
     std::uint32_t duration = 0;
     if (const auto extends = findMp4Box(reader, movie, mp4Type("mvex"))) {
@@ -32,7 +45,7 @@ std::uint32_t defaultDuration(GuardedReader& reader, const Mp4Box& movie, std::u
     return duration;
 }
 
-/// "tfhd": 4 track, then each if its flag is set: data offset (8), description (4), duration of a sample (4).
+/// What the fragment's header, "tfhd", states, or else the movie.
 std::uint32_t fragmentDefault(GuardedReader& reader, const Mp4Box& header, std::uint32_t movieDefault) {
     constexpr std::uint32_t hasOffset = 0x01;
     constexpr std::uint32_t hasDescription = 0x02;
@@ -42,8 +55,7 @@ std::uint32_t fragmentDefault(GuardedReader& reader, const Mp4Box& header, std::
     return (flags & hasDuration) != 0 ? word(reader, header, at) : movieDefault;
 }
 
-/// "trun": 4 samples, data offset (4) and first flags (4) if flagged, then for each sample duration, size,
-/// flags and shift, 4 bytes each if flagged.
+/// The samples of one "trun".
 std::int64_t runDuration(GuardedReader& reader, const Mp4Box& run, std::uint32_t sampleDuration) {
     constexpr std::uint32_t hasOffset = 0x001;
     constexpr std::uint32_t hasFirstFlags = 0x004;
@@ -52,7 +64,7 @@ std::int64_t runDuration(GuardedReader& reader, const Mp4Box& run, std::uint32_t
     const std::uint32_t flags = flagsOf(reader, run);
     const std::int64_t samples = word(reader, run, 4);
     if ((flags & hasDuration) == 0) {
-        return std::min<std::int64_t>(samples * (sampleDuration & 0x7FFF'FFFF), mostDuration);
+        return std::min<std::int64_t>(samples * (sampleDuration & 0x7FFF'FFFF), maxDuration);
     }
     std::int64_t sampleBytes = 0;
     for (std::uint32_t field = flags & sampleFields; field != 0; field &= field - 1) {
@@ -78,7 +90,7 @@ std::int64_t fragmentDuration(GuardedReader& reader, const Mp4Box& fragment, std
         const std::uint32_t sampleDuration = fragmentDefault(reader, *header, movieDefault);
         forEachMp4Box(reader, track.content, track.end, [&](const Mp4Box& run) {
             if (run.type == mp4Type("trun")) {
-                duration = std::min(duration + runDuration(reader, run, sampleDuration), mostDuration);
+                duration = std::min(duration + runDuration(reader, run, sampleDuration), maxDuration);
             }
         });
     });
@@ -105,7 +117,7 @@ std::int64_t fragmentsDuration(GuardedReader& reader, const Mp4Box& movie, std::
         } else if (box.type == mp4Type("mdat")) {
             const double there = partThere(reader, box);
             whole =
-                std::min(whole + static_cast<std::int64_t>(static_cast<double>(last) * there), mostDuration);
+                std::min(whole + static_cast<std::int64_t>(static_cast<double>(last) * there), maxDuration);
             last = 0;
         }
     });

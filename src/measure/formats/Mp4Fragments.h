@@ -1,7 +1,7 @@
 #pragma once
 
 // Fragmented MP4 (ISO/IEC 14496-12 section 8.8): the movie itself is empty, and samples come in pieces, each
-// a "moof" that describes the "mdat" behind it.
+// a "moof" that describes the "mdat" after it.
 
 #include "measure/formats/Mp4Boxes.h"
 

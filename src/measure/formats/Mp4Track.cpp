@@ -11,10 +11,27 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::int64_t fullBoxBytes = 4; // version and flags, at the start of all these boxes
-constexpr std::int64_t mostEdits = 4096;
-constexpr std::int64_t mostSamples = 1LL << 31; // of a track: a year of the shortest frames
-constexpr std::int64_t mostDuration = 1LL << 50;
+// Header boxes state time scale, length and edits. For a file that was cut off, the sample table tells what
+// is left: "stco" how many chunks begin before the end, "stsc" the samples in them, "stsz" the samples of the
+// last of these chunks that are whole, "stts" how long all these samples last.
+//
+// All boxes begin with version (1) and flags (3). In version 1 the fields marked * have 8 bytes, else 4.
+//
+//   box     fields after version and flags                                          ISO/IEC 14496-12
+//   "tkhd"  created*, modified*, track (4)                                          section 8.3.2
+//   "mdhd"  created*, modified*, time scale (4), duration* (all ones: not known)    section 8.4.2
+//   "hdlr"  predefined (4), handler, four letters                                   section 8.4.3
+//   "elst"  entries (4), each length*, media time*, speed (4)                       section 8.6.6
+//   "stts"  entries (4), each samples (4), duration of one (4)                      section 8.6.1.2
+//   "stsz"  size of all samples (4), or 0, samples (4), size of each (4)            section 8.7.3.2
+//   "stsc"  entries (4), each first chunk (4, from 1), samples of a chunk from      section 8.7.4
+//           there on (4), description (4)
+//   "stco"  entries (4), each where a chunk stands (4); "co64" the same (8)         section 8.7.5
+
+constexpr std::int64_t fullBoxBytes = 4; // version and flags
+constexpr std::int64_t maxEdits = 4096;
+constexpr std::int64_t maxSamples = 1LL << 31; // of a track: a year of the shortest frames
+constexpr std::int64_t maxDuration = 1LL << 50;
 
 /// A version 1 box has its times in 8 bytes instead of 4.
 bool isLong(GuardedReader& reader, const Mp4Box& box) {
@@ -32,7 +49,7 @@ std::optional<std::int64_t> longWord(GuardedReader& reader, const Mp4Box& box, s
     return bytes.empty() ? std::nullopt : std::optional(static_cast<std::int64_t>(be64(bytes, 0)));
 }
 
-/// "mdhd": made, changed (4 or 8 bytes each), time scale (4), duration (4 or 8; all ones if not known).
+/// Reads "mdhd".
 void readMediaHeader(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) {
     constexpr std::uint32_t unknown = 0xFFFF'FFFF;
     if (isLong(reader, box)) {
@@ -45,11 +62,11 @@ void readMediaHeader(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) 
     }
 }
 
-/// "elst": entries (4), each length, media time (4 or 8 bytes each), speed (4).
+/// Reads "elst".
 void readEdits(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) {
     const bool hasLongTimes = isLong(reader, box);
     const std::int64_t entryBytes = hasLongTimes ? 20 : 12;
-    const std::int64_t count = std::min<std::int64_t>(word(reader, box, fullBoxBytes).value_or(0), mostEdits);
+    const std::int64_t count = std::min<std::int64_t>(word(reader, box, fullBoxBytes).value_or(0), maxEdits);
     for (std::int64_t i = 0; i < count; ++i) {
         const std::int64_t at = fullBoxBytes + 4 + i * entryBytes;
         if (hasLongTimes) {
@@ -81,7 +98,7 @@ void readMedia(GuardedReader& reader, const Mp4Box& media, Mp4Track& track) {
     });
 }
 
-/// A table of the sample table: its entries begin behind a count.
+/// A table of the sample table: its entries begin after a count.
 struct Table {
     Mp4Box box;
     std::int64_t count = 0;
@@ -95,7 +112,7 @@ std::optional<Table> findTable(GuardedReader& reader, const Mp4Box& sampleTable,
     return count ? std::optional(Table{*box, *count}) : std::nullopt;
 }
 
-/// A run of samples that stand one behind the other.
+/// A run of samples that stand one after the other.
 struct Chunk {
     std::int64_t at = 0;
     std::int64_t firstSample = 0;
@@ -123,7 +140,7 @@ std::pair<std::int64_t, std::int64_t> chunksBefore(GuardedReader& reader, const 
     return {chunks, chunks > 0 ? offsetOf(chunks - 1) : 0};
 }
 
-/// The last of `chunks` chunks, by "stsc": first chunk (from 1), samples a chunk from there on, description.
+/// The last of `chunks` chunks, by "stsc".
 Chunk lastChunk(GuardedReader& reader, const Table& runs, std::int64_t chunks, std::int64_t at) {
     Chunk chunk{at};
     for (std::int64_t i = 0; i < runs.count; ++i) {
@@ -137,12 +154,12 @@ Chunk lastChunk(GuardedReader& reader, const Table& runs, std::int64_t chunks, s
         }
         chunk.samples = *samples;
         const std::int64_t before = std::clamp<std::int64_t>(std::min(next, chunks) - *first, 0, 1LL << 29);
-        chunk.firstSample = std::min(chunk.firstSample + before * *samples, mostSamples);
+        chunk.firstSample = std::min(chunk.firstSample + before * *samples, maxSamples);
     }
     return chunk;
 }
 
-/// How many samples stand before `end`, by "stsz": size of all samples, or 0 and a table of them.
+/// How many samples stand before `end`, by "stsz" for those of the last chunk.
 std::int64_t samplesBefore(GuardedReader& reader, const Mp4Box& sampleTable, std::int64_t end) {
     const auto sizes = findMp4Box(reader, sampleTable, mp4Type("stsz"));
     const auto runs = findTable(reader, sampleTable, "stsc");
@@ -173,7 +190,7 @@ std::int64_t samplesBefore(GuardedReader& reader, const Mp4Box& sampleTable, std
 Mp4Track readMp4Track(GuardedReader& reader, const Mp4Box& box) {
     Mp4Track track;
     forEachMp4Box(reader, box.content, box.end, [&](const Mp4Box& part) {
-        if (part.type == mp4Type("tkhd")) { // made, changed (4 or 8 bytes each), id
+        if (part.type == mp4Type("tkhd")) {
             track.id = word(reader, part, isLong(reader, part) ? 20 : 12).value_or(0);
         } else if (part.type == mp4Type("edts")) {
             if (const auto edits = findMp4Box(reader, part, mp4Type("elst"))) {
@@ -190,8 +207,8 @@ std::int64_t mediaDurationBefore(GuardedReader& reader, const Mp4Track& track, s
     if (!track.sampleTable) {
         return 0;
     }
-    std::int64_t samples = std::min(samplesBefore(reader, *track.sampleTable, end), mostSamples);
-    const auto times = findTable(reader, *track.sampleTable, "stts"); // samples, units each
+    std::int64_t samples = std::min(samplesBefore(reader, *track.sampleTable, end), maxSamples);
+    const auto times = findTable(reader, *track.sampleTable, "stts");
     std::int64_t duration = 0;
     for (std::int64_t i = 0; times && i < times->count && samples > 0; ++i) {
         const auto count = word(reader, times->box, Table::entriesAt + i * 8);
@@ -200,7 +217,7 @@ std::int64_t mediaDurationBefore(GuardedReader& reader, const Mp4Track& track, s
             break;
         }
         const std::int64_t taken = std::min<std::int64_t>(*count, samples);
-        duration = std::min(duration + taken * (*units & 0x7FFF'FFFF), mostDuration);
+        duration = std::min(duration + taken * (*units & 0x7FFF'FFFF), maxDuration);
         samples -= taken;
     }
     return std::min(duration, track.mediaDuration > 0 ? track.mediaDuration : duration);

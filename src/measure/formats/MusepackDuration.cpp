@@ -15,12 +15,30 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
+// Version 7 counts its frames in the header, which is taken as it is. Version 8 states its samples in a
+// packet "SH" and ends with a packet "SE"; without that end, which may have been cut off, its audio packets
+// are counted, and the one that is cut off is decoded to count the frames in it.
+//
+// Version 7 (trac.musepack.net, "SV7 specification"), words of 4 bytes, the lowest byte first:
+//
+//   offset  size  field
+//        0     4  "MP+", version in the lowest four bits
+//        4     4  frames
+//        8     4  bits 16 and 17: sample rate
+//       20     4  bit 31: whether the last frame's length is exact; bits 20 to 30: that length
+//
+// Version 8 ("SV8 specification"): "MPCK", then packets: key (2), size of the whole packet (number), content.
+// A number stands in groups of 7 bits, the highest first; every byte but the last has the highest bit set.
+//
+// "SH": checksum (4), version (1), samples (number; 0: not known), of these to be left out at the start
+// (number), the sample rate in the 3 highest bits of the next byte, the frames of a packet as a power of 4 in
+// the 3 lowest of the byte after it.
+
 constexpr std::array<int, 4> rates = {44'100, 48'000, 37'800, 32'000};
 constexpr std::int64_t frameSamples = 1152;
 constexpr std::int64_t decoderDelay = 481;
 
-/// Six words: 1 frames, 2 rate in bits 16 and 17, 5 whether the last frame's length is exact (bit 31) and
-/// that length (bits 20 to 30).
+/// What the header of a file of version 7 states.
 Timing version7Timing(Bytes header) {
     constexpr std::size_t framesAt = 4;
     constexpr std::size_t rateAt = 8;
@@ -35,7 +53,7 @@ Timing version7Timing(Bytes header) {
                         rates[le32(header, rateAt) >> 16 & 0x03]);
 }
 
-/// A number in groups of 7 bits, the highest first; the bytes it takes are cut from `bytes`.
+/// The number that `bytes` begin with; the bytes it takes are cut from them.
 std::optional<std::int64_t> takeNumber(Bytes& bytes) {
     std::int64_t value = 0;
     while (!bytes.empty() && value < 1LL << 48) {
@@ -49,31 +67,29 @@ std::optional<std::int64_t> takeNumber(Bytes& bytes) {
     return std::nullopt;
 }
 
-/// A packet of version 8: key (2), size of the whole (number), content.
+/// A packet of version 8.
 struct Packet {
     std::int64_t bytes = 0; ///< of the whole
     Bytes content;          ///< as much of it as there was to parse
 };
 
-constexpr std::int64_t leastPacketBytes = 3;
+constexpr std::int64_t minPacketBytes = 3;
 
 /// Absent if `bytes` begin with no packet.
 std::optional<Packet> parsePacket(Bytes bytes) {
     const auto isCapital = [](std::uint8_t byte) { return byte >= 'A' && byte <= 'Z'; };
-    if (bytes.size() < leastPacketBytes || !isCapital(bytes[0]) || !isCapital(bytes[1])) {
+    if (bytes.size() < minPacketBytes || !isCapital(bytes[0]) || !isCapital(bytes[1])) {
         return std::nullopt;
     }
     Bytes content = bytes.subspan(2);
     const auto size = takeNumber(content);
-    return size && *size >= leastPacketBytes ? std::optional(Packet{*size, content}) : std::nullopt;
+    return size && *size >= minPacketBytes ? std::optional(Packet{*size, content}) : std::nullopt;
 }
 
-/// "SH": checksum (4), version (1), samples (number; 0 if not known), of these to be left out at the start
-/// (number), the rate in the 3 highest bits of the next byte, the frames of a packet as a power of 4 in the 3
-/// lowest of the one behind it.
+/// What "SH" states.
 struct StreamHeader {
-    std::int64_t samples = 0;
-    std::int64_t silence = 0;
+    std::int64_t samples = 0; ///< 0: not known
+    std::int64_t silence = 0; ///< samples to be left out at the start
     int rate = 0;
     std::int64_t packetSamples = 0;
     std::array<std::uint8_t, 2> description{}; ///< the last two bytes, all that a decoder has to know
@@ -99,14 +115,13 @@ std::optional<StreamHeader> parseStreamHeader(Bytes content) {
 
 /// Whether the packet that ends every stream, "SE", stands in front of the tags.
 bool hasItsEnd(GuardedReader& reader, std::int64_t start) {
-    return matches(reader.header(findTrailingTags(reader, start) - leastPacketBytes, leastPacketBytes),
-                   "SE\x03");
+    return matches(reader.header(findTrailingTags(reader, start) - minPacketBytes, minPacketBytes), "SE\x03");
 }
 
 /// Samples of the frames that are whole in the audio packet at `at`, whose end is missing.
 std::int64_t samplesOfPart(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
-    constexpr std::int64_t mostBytes = 1 << 20; // no packet of music comes near that
-    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min(reader.size() - at, mostBytes)));
+    constexpr std::int64_t maxBytes = 1 << 20; // much more than a packet of music takes
+    std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min(reader.size() - at, maxBytes)));
     bytes.resize(reader.search(at, bytes));
     const auto packet = parsePacket(bytes);
     const std::int64_t decoded =
@@ -143,7 +158,7 @@ std::optional<PacketSum> packetsThere(GuardedReader& reader, std::int64_t at, co
     }
 }
 
-/// Takes `at` from the first packet to behind the stream header. Others may come before it, but no audio.
+/// Takes `at` from the first packet to the end of the stream header. Others may come before it, but no audio.
 std::optional<StreamHeader> takeStreamHeader(GuardedReader& reader, std::int64_t& at) {
     constexpr std::size_t maxHeaderBytes = 40;
     for (;;) {

@@ -1,6 +1,7 @@
 #include "measure/formats/OggDuration.h"
 
 #include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Magic.h"
 
 #include <algorithm>
 #include <array>
@@ -14,35 +15,31 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::int64_t smallestFile = 65;
-constexpr std::int64_t longestTail = 262'144;
+constexpr std::int64_t minFileBytes = 65;
+constexpr std::int64_t maxTailBytes = 262'144;
 
 constexpr std::string_view capturePattern = "OggS";
 constexpr std::size_t structureVersion = 4;
 constexpr std::size_t granulePosition = 6;
 constexpr std::size_t segmentCount = 26;
 constexpr std::size_t segmentTable = 27; // also the size of a page header without it
-constexpr std::size_t mostSegments = 255;
+constexpr std::size_t maxSegments = 255;
 
 constexpr std::uint64_t noGranule = 0xFFFF'FFFF'FFFF'FFFF;
 
 /// How much of the first packet is looked at, and how much must follow the first page's header.
-constexpr std::size_t longestIdentification = 80;
-constexpr std::size_t shortestIdentification = 41;
+constexpr std::size_t maxIdentification = 80;
+constexpr std::size_t minIdentification = 41;
 
-constexpr std::size_t vorbisShortest = 16;
+constexpr std::size_t minVorbis = 16;
 constexpr std::size_t vorbisRate = 12;
-constexpr std::size_t opusShortest = 19;
+constexpr std::size_t minOpus = 19;
 constexpr std::size_t opusPreSkip = 10;
 constexpr std::uint32_t opusRate = 48'000;
-constexpr std::size_t speexShortest = 40;
+constexpr std::size_t minSpeex = 40;
 constexpr std::size_t speexRate = 36;
-constexpr std::size_t flacShortest = 31;
+constexpr std::size_t minFlac = 31;
 constexpr std::size_t flacRate = 27;
-
-bool startsWith(Bytes bytes, std::string_view signature) {
-    return bytes.size() >= signature.size() && std::equal(signature.begin(), signature.end(), bytes.begin());
-}
 
 std::optional<OggCodec> withRate(std::uint32_t sampleRate) {
     return sampleRate == 0 ? std::nullopt : std::optional(OggCodec{sampleRate, 0});
@@ -50,23 +47,23 @@ std::optional<OggCodec> withRate(std::uint32_t sampleRate) {
 
 /// The codec named on the first page.
 std::optional<OggCodec> firstPageCodec(const ByteSource& source) {
-    std::array<std::uint8_t, segmentTable + mostSegments + longestIdentification> buffer{};
+    std::array<std::uint8_t, segmentTable + maxSegments + maxIdentification> buffer{};
     const auto length = std::min(static_cast<std::size_t>(source.size), buffer.size());
     const std::span<std::uint8_t> head = std::span(buffer).first(length);
-    if (!source.fill(0, head) || !startsWith(head, capturePattern)) {
+    if (!source.fill(0, head) || !matches(head, capturePattern)) {
         return std::nullopt;
     }
     const std::size_t packet = segmentTable + head[segmentCount];
-    if (head.size() < packet + shortestIdentification) {
+    if (head.size() < packet + minIdentification) {
         return std::nullopt;
     }
-    return identifyOggCodec(head.subspan(packet, std::min(longestIdentification, head.size() - packet)));
+    return identifyOggCodec(head.subspan(packet, std::min(maxIdentification, head.size() - packet)));
 }
 
 /// The granule position of the page whose header `bytes` begins with; absent when it is no page header, or
 /// one without a granule position that could end a stream.
 std::optional<std::uint64_t> pageGranule(Bytes bytes) {
-    if (!startsWith(bytes, capturePattern) || bytes[structureVersion] != 0) {
+    if (!matches(bytes, capturePattern) || bytes[structureVersion] != 0) {
         return std::nullopt;
     }
     const std::uint64_t granule = le64(bytes, granulePosition);
@@ -90,8 +87,8 @@ std::optional<std::uint64_t> lastGranule(const ByteSource& source) {
     constexpr std::int64_t firstStep = 8192;
     constexpr std::size_t overlap = granulePosition + sizeof(std::uint64_t) - 1;
 
-    const std::int64_t tailStart = source.size - std::min(source.size, longestTail);
-    std::int64_t end = source.size - static_cast<std::int64_t>(segmentTable) + 1; // no header at or behind it
+    const std::int64_t tailStart = source.size - std::min(source.size, maxTailBytes);
+    std::int64_t end = source.size - static_cast<std::int64_t>(segmentTable) + 1; // no header at or after it
     std::vector<std::uint8_t> window; // from the first byte searched to the last that a header there needs
     for (std::int64_t step = firstStep; end > tailStart; step *= 2) {
         const std::int64_t start = std::max(tailStart, end - step);
@@ -113,16 +110,16 @@ std::optional<std::uint64_t> lastGranule(const ByteSource& source) {
 } // namespace
 
 std::optional<OggCodec> identifyOggCodec(Bytes packet) {
-    if (packet.size() >= vorbisShortest && startsWith(packet, "\x01vorbis")) {
+    if (packet.size() >= minVorbis && matches(packet, "\x01vorbis")) {
         return withRate(le32(packet, vorbisRate));
     }
-    if (packet.size() >= opusShortest && startsWith(packet, "OpusHead")) {
+    if (packet.size() >= minOpus && matches(packet, "OpusHead")) {
         return OggCodec{opusRate, le16(packet, opusPreSkip)};
     }
-    if (packet.size() >= speexShortest && startsWith(packet, "Speex   ")) {
+    if (packet.size() >= minSpeex && matches(packet, "Speex   ")) {
         return withRate(le32(packet, speexRate));
     }
-    if (packet.size() >= flacShortest && startsWith(packet, "\177FLAC")) {
+    if (packet.size() >= minFlac && matches(packet, "\177FLAC")) {
         const unsigned bits = packet[flacRate] << 16 | packet[flacRate + 1] << 8 | packet[flacRate + 2];
         return withRate(bits >> 4);
     }
@@ -130,7 +127,7 @@ std::optional<OggCodec> identifyOggCodec(Bytes packet) {
 }
 
 std::optional<double> oggSeconds(const ByteSource& source) {
-    if (source.size < smallestFile) {
+    if (source.size < minFileBytes) {
         return std::nullopt;
     }
     const std::optional<OggCodec> codec = firstPageCodec(source);

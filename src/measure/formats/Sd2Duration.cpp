@@ -13,7 +13,7 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-constexpr std::int64_t mostForkBytes = 1 << 20;
+constexpr std::int64_t maxForkBytes = 1 << 20;
 
 /// AppleDouble: 0 magic, 24 entries (2 bytes), 26 the entries, 12 bytes each: id, offset, length. A file
 /// without the magic is the fork itself.
@@ -120,7 +120,7 @@ Description describe(GuardedReader& fork, std::int64_t resourcesAt) {
 std::optional<Timing> sd2Duration(const std::filesystem::path& name, std::int64_t dataBytes,
                                   const std::stop_token& stop) {
     const auto fork = RegularFile::open(name.parent_path() / ("._" + name.filename().native()));
-    if (!fork || fork->size() > mostForkBytes) {
+    if (!fork || fork->size() > maxForkBytes) {
         return std::nullopt;
     }
     GuardedReader reader(sourceOf(*fork), stop);

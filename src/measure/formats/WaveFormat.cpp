@@ -7,6 +7,29 @@ namespace velmora {
 
 namespace {
 
+// PCM divides its bytes by those of a frame; ADPCM and GSM have blocks of a fixed number of frames, the last
+// of which may be cut short; MPEG audio inside is counted frame by frame.
+//
+// "fmt " (Microsoft, "Multiple Channel Audio Data and WAVE Files"):
+//
+//   offset  size  field
+//        0     2  format tag
+//        2     2  channels
+//        4     4  frames a second
+//        8     4  bytes a second
+//       12     2  bytes of a block
+//       14     2  bits of a sample
+//       16     2  size of what follows
+//       18     2  frames of a block (compressed formats) or valid bits (extensible)
+//       20     4  speakers (extensible)
+//       24    16  real format (extensible); its first two bytes are the tag
+
+constexpr std::size_t tagAt = 0;
+constexpr std::size_t channelsAt = 2;
+constexpr std::size_t rateAt = 4;
+constexpr std::size_t byteRateAt = 8;
+constexpr std::size_t blockBytesAt = 12;
+constexpr std::size_t bitsAt = 14;
 constexpr std::size_t baseBytes = 16;
 constexpr std::size_t extensionAt = 18;
 constexpr std::size_t subformatAt = 24;
@@ -78,7 +101,8 @@ std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, b
     }
     const auto u16 = [&](std::size_t at) { return isBigEndian ? be16(chunk, at) : le16(chunk, at); };
     const auto u32 = [&](std::size_t at) { return isBigEndian ? be32(chunk, at) : le32(chunk, at); };
-    WaveFormat format{u16(0), u16(2), u32(4), u32(8), u16(12), u16(14), 0};
+    WaveFormat format{
+        u16(tagAt), u16(channelsAt), u32(rateAt), u32(byteRateAt), u16(blockBytesAt), u16(bitsAt), 0};
     if (format.tag == extensible && chunk.size() >= subformatAt + 2) {
         format.tag = u16(subformatAt);
     } else if (chunk.size() >= extensionAt + 2) {

@@ -1,9 +1,7 @@
 #pragma once
 
 // The "fmt " chunk that WAV, its 64-bit relatives and Wave64 share, and how much time a number of bytes of
-// such audio is. Layout (Microsoft, "Multiple Channel Audio Data and WAVE Files"): 0 format tag, 2 channels,
-// 4 frames a second, 8 bytes a second, 12 bytes a block, 14 bits a sample, 16 size of what follows, 18
-// samples a block (compressed formats) or valid bits (extensible), 24 the real format tag (extensible).
+// such audio is.
 
 #include "measure/bytes/GuardedReader.h"
 #include "measure/bytes/Timing.h"

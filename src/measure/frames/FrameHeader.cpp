@@ -6,8 +6,39 @@ namespace velmora {
 
 namespace {
 
-// Byte 1 of MPEG audio, below the sync word: version (2 bits), layer (2 bits), no checksum (1 bit). ADTS has
-// the layer that MPEG audio reserves.
+// The length of a frame follows from its header alone: MPEG audio by bit rate and sample rate, ADTS by a
+// field. Both begin with a sync word; ADTS has the layer that MPEG audio reserves.
+//
+// MPEG audio (ISO/IEC 11172-3 section 2.4.1.3, 13818-3 section 2.4.1.3), bits from the highest on:
+//
+//   bits  field
+//     11  sync word, all ones
+//      2  version: 0 "2.5", 2 MPEG 2, 3 MPEG 1
+//      2  layer: 1 layer 3, 2 layer 2, 3 layer 1; 0 is ADTS
+//      1  no checksum
+//      4  bit rate index; 0 free format
+//      2  sample rate index
+//      1  padding: one slot more
+//      1  private
+//      8  channel mode and others
+//
+// ADTS (ISO/IEC 14496-3 section 1.A.2.2):
+//
+//   bits  field
+//     12  sync word, all ones
+//      1  MPEG version
+//      2  layer, 0
+//      1  no checksum
+//      2  profile
+//      4  sample rate index
+//      1  private
+//      3  channels
+//      4  others
+//     13  bytes of the frame, header included
+//     11  buffer fullness
+//      2  blocks of 1024 samples less one
+
+// Byte 1, bits 3 and 4.
 enum class Version : std::uint8_t { v25 = 0, reserved = 1, v2 = 2, v1 = 3 };
 
 constexpr std::uint8_t syncByte = 0xFF;
@@ -85,17 +116,18 @@ std::optional<AudioFrame> parseFrame(std::span<const std::uint8_t> bytes, std::i
 }
 
 std::optional<std::int32_t> freeFormatBytes(std::span<const std::uint8_t> bytes) {
-    constexpr std::int32_t shortest = 24;
-    constexpr std::int32_t longest = 8'000;
-    const auto frame = parseFrame(bytes, longest);
+    constexpr std::int32_t minBytes = 24;
+    constexpr std::int32_t maxBytes = 8'000;
+    constexpr int neededFollowers = 3;
+    const auto frame = parseFrame(bytes, maxBytes);
     if (!frame || parseFrame(bytes)) {
         return std::nullopt;
     }
-    const std::int32_t padding = frame->bytes - longest;
-    for (std::int32_t length = shortest; length <= longest; ++length) {
+    const std::int32_t padding = frame->bytes - maxBytes;
+    for (std::int32_t length = minBytes; length <= maxBytes; ++length) {
         auto at = static_cast<std::size_t>(length) + static_cast<std::size_t>(padding);
         int followers = 0;
-        while (followers < 3 && at < bytes.size()) {
+        while (followers < neededFollowers && at < bytes.size()) {
             const auto next = parseFrame(bytes.subspan(at), length);
             if (!next || next->kind != frame->kind || parseFrame(bytes.subspan(at))) {
                 break;
@@ -103,7 +135,7 @@ std::optional<std::int32_t> freeFormatBytes(std::span<const std::uint8_t> bytes)
             at += static_cast<std::size_t>(next->bytes);
             ++followers;
         }
-        if (followers == 3 || (followers > 0 && at == bytes.size())) {
+        if (followers == neededFollowers || (followers > 0 && at == bytes.size())) {
             return length;
         }
     }

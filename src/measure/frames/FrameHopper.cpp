@@ -12,11 +12,18 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
+// A header of four bytes is found by chance in any data, so one header proves nothing: it must be the first
+// of a chain, each header standing where the one before says that its frame ends. Once such a chain is found,
+// the walk hops from header to header and adds up the samples. Where no header of the same kind follows, tags
+// are stepped over and other bytes are searched for the next chain, both paid from the reader's budget.
+
 constexpr std::size_t lookAhead = 64 << 10; // more than a chain of the longest frames
-constexpr std::int64_t dearestTag =
-    SlidingWindow::windowBytes;   // a tag is stepped over, at the price of one read
-constexpr int chainFrames = 3;    // headers in a row where one is expected
-constexpr int surpriseFrames = 6; // headers in a row anywhere; tables of numbers make shorter chains
+
+// A tag is stepped over, at the price of one read at most.
+constexpr std::int64_t maxTagPrice = SlidingWindow::windowBytes;
+
+constexpr int expectedChain = 3; // frames in a row where one is expected
+constexpr int searchedChain = 6; // frames in a row anywhere; tables of numbers make shorter chains
 
 /// True if `bytes` begin with `count` frames of one kind, or with at least one and end exactly with a frame.
 bool beginsChain(Bytes bytes, int count, std::int32_t freeBytes) {
@@ -66,7 +73,7 @@ public:
             const std::int64_t tag = tagBytesAt(bytes);
             const std::int64_t skipped = tag > 0 ? tag : junkBytes(bytes);
             m_position += skipped;
-            if (!m_reader.spend(std::min<std::int64_t>(skipped, dearestTag))) {
+            if (!m_reader.spend(std::min<std::int64_t>(skipped, maxTagPrice))) {
                 return false;
             }
         }
@@ -94,13 +101,13 @@ public:
     }
 
 private:
-    /// The whole frame at the position, or at the next one where frames go on; the position is then behind
+    /// The whole frame at the position, or at the next one where frames go on; the position is then after
     /// it.
     std::optional<AudioFrame> next(std::uint32_t kind) {
         Bytes bytes = m_window.from(m_position, frameHeaderBytes);
         std::optional<AudioFrame> frame = parseFrame(bytes, m_freeBytes);
         if (!frame || frame->kind != kind) {
-            if (!synchronise(chainFrames)) {
+            if (!synchronise(expectedChain)) {
                 return std::nullopt;
             }
             bytes = m_window.from(m_position, frameHeaderBytes);
@@ -132,12 +139,12 @@ private:
 } // namespace
 
 bool isFrameAt(GuardedReader& reader, std::int64_t start, std::int64_t end) {
-    return Hopper(reader, start, end).isAtChain(chainFrames);
+    return Hopper(reader, start, end).isAtChain(expectedChain);
 }
 
 std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start, std::int64_t end) {
     Hopper hopper(reader, start, end);
-    return hopper.synchronise(surpriseFrames) ? std::optional(hopper.position()) : std::nullopt;
+    return hopper.synchronise(searchedChain) ? std::optional(hopper.position()) : std::nullopt;
 }
 
 FrameSum sumFrames(GuardedReader& reader, std::int64_t start, std::int64_t end) {

@@ -20,7 +20,7 @@ struct FrameSum {
 /// True if at `start` a frame stands that others follow, or that ends exactly at `end`.
 bool isFrameAt(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
-/// Where the first frame at or behind `start` stands, one with more followers than chance makes. What is not
+/// Where the first frame at or after `start` stands that more frames follow than chance makes. What is not
 /// audio is paid from the reader's budget. Absent if there is none before `end`.
 std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start, std::int64_t end);
 

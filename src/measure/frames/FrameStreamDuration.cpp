@@ -10,6 +10,10 @@ namespace velmora {
 
 namespace {
 
+// A first frame of layer 3 may state the frames that follow (XingHeader.h). Its statement is taken if the
+// size that it states is about that of the stream; then no other frame is read. Otherwise all frames are
+// counted, and the encoder's own samples at both ends are taken off.
+
 constexpr std::int64_t agreementPart = 50; // a stated size may differ from the real one by one part in 50
 
 bool agrees(std::int64_t stated, std::int64_t real) {

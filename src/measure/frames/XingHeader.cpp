@@ -12,13 +12,41 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// VBRI: offset 0 "VBRI", 4 version, 6 delay, 8 quality, 10 bytes, 14 frames.
-constexpr std::size_t vbriAt = 4 + 32;
+// None of the three is part of a standard; the layouts follow what their encoders write (LAME's in "Mp3 Info
+// Tag revision 1"). The highest byte of a number comes first.
+//
+// VBRI, 32 bytes after the frame header:
+//
+//   offset  size  field
+//        0     4  "VBRI"
+//        4     2  version
+//        6     2  delay
+//        8     2  quality
+//       10     4  bytes
+//       14     4  frames
+//
+// Xing, after the frame header and the side information:
+//
+//   offset  size  field
+//        0     4  "Xing" or "Info"
+//        4     4  flags
+//        8     4  frames              if flag 1 is set
+//              4  bytes               if flag 2 is set
+//            100  table of contents   if flag 4 is set
+//              4  quality             if flag 8 is set
+//
+// LAME, after that:
+//
+//   offset  size  field
+//        0     9  name and version of the encoder
+//       21     3  samples that the encoder added at the start (12 bits) and at the end (12 bits)
+
+constexpr std::size_t frameHeaderBytes = 4;
+constexpr std::size_t vbriAt = frameHeaderBytes + 32;
 constexpr std::size_t vbriBytesAt = 10;
 constexpr std::size_t vbriFramesAt = 14;
 constexpr std::size_t vbriSize = 18;
 
-// Xing: offset 0 "Xing", 4 flags; then, each if its flag is set: frames, bytes, table of contents, quality.
 constexpr std::size_t xingFlagsAt = 4;
 constexpr std::size_t xingFieldsAt = 8;
 constexpr std::uint32_t hasFrames = 1;
@@ -27,14 +55,17 @@ constexpr std::uint32_t hasContents = 4;
 constexpr std::uint32_t hasQuality = 8;
 constexpr std::size_t contentsBytes = 100;
 
-// LAME: offset 0 encoder's name and version, 21 delay (12 bits) and padding (12 bits).
 constexpr std::size_t lameTrimAt = 21;
 constexpr std::size_t lameSize = 24;
-constexpr std::int64_t decoderDelay = 529; // every layer 3 decoder's own, not counted by the encoder
+constexpr std::int64_t decoderDelay =
+    529; // samples that every layer 3 decoder adds, not counted by the encoder
 
+/// Bytes between the frame header and the audio (ISO/IEC 11172-3 section 2.4.1.7, 13818-3 section 2.4.1.7).
 std::size_t sideInformationBytes(Bytes frame) {
-    const bool isVersion1 = (frame[1] & 0x18) == 0x18;
-    const bool isMono = (frame[3] & 0xC0) == 0xC0;
+    constexpr std::uint8_t version1 = 0x18;      // of byte 1
+    constexpr std::uint8_t singleChannel = 0xC0; // of byte 3
+    const bool isVersion1 = (frame[1] & version1) == version1;
+    const bool isMono = (frame[3] & singleChannel) == singleChannel;
     return isVersion1 ? (isMono ? 17 : 32) : (isMono ? 9 : 17);
 }
 
@@ -57,7 +88,7 @@ std::optional<XingHeader> parseXing(Bytes frame) {
     if (const Bytes vbri = frame.subspan(vbriAt); matches(vbri, "VBRI")) {
         return XingHeader{be32(vbri, vbriFramesAt), be32(vbri, vbriBytesAt), 0, 0};
     }
-    Bytes xing = frame.subspan(4 + sideInformationBytes(frame));
+    Bytes xing = frame.subspan(frameHeaderBytes + sideInformationBytes(frame));
     if ((!matches(xing, "Xing") && !matches(xing, "Info")) || xing.size() < xingFieldsAt) {
         return std::nullopt;
     }

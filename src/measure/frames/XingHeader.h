@@ -2,7 +2,7 @@
 
 // The statement that encoders of MPEG layer 3 put into the first frame, in place of sound: how many frames
 // and bytes follow, and how many samples at both ends are the encoder's own. "Xing" (or "Info", for a
-// constant bit rate) stands behind the frame's side information, LAME's additions behind that; "VBRI",
+// constant bit rate) stands after the frame's side information, LAME's additions after that; "VBRI",
 // Fraunhofer's, stands at a fixed place.
 
 #include <cstdint>
