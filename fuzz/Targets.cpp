@@ -17,6 +17,7 @@ std::vector<Target> allTargets() {
                                       {"entry-names", &fuzzEntryNames},
                                       {"natural-order", &fuzzNaturalOrder},
                                       {"drop-urls", &fuzzDropUrls},
+                                      {"confine-rules", &fuzzConfineRules},
                                       {"command-line", &fuzzCommandLine},
                                       {"json", &fuzzJson},
                                       {"shown-names", &fuzzShownNames},

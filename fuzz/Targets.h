@@ -34,6 +34,7 @@ void fuzzVersion(Bytes bytes);
 void fuzzEntryNames(Bytes bytes);
 void fuzzNaturalOrder(Bytes bytes);
 void fuzzDropUrls(Bytes bytes);
+void fuzzConfineRules(Bytes bytes);
 void fuzzCommandLine(Bytes bytes);
 void fuzzJson(Bytes bytes);
 void fuzzShownNames(Bytes bytes);
