@@ -17,13 +17,15 @@ namespace {
 constexpr double summer2026 = 812'000'000; // seconds since 2001
 
 /// The formula of a ribbon, written out: its y at the share `u` of the width, in a field `height` points
-/// high.
+/// high. Phases are reduced first: those of today are so large that a sum with them would be rounded too far.
 double ribbonY(const Ribbon& line, double u, double height) {
     const double q = 2 * std::numbers::pi * u * line.frequency;
     const double envelope = std::pow(std::sin(std::numbers::pi * u), 0.85);
-    return height / 2 + line.amplitude * envelope *
-                            (std::sin(q + line.phase) + 0.34 * std::sin(2.31 * q - 0.63 * line.phase) +
-                             0.22 * std::sin(0.47 * q + 0.21 * line.phase));
+    const auto sine = [&](double frequency, double phase) {
+        return std::sin(frequency * q + std::remainder(phase * line.phase, 2 * std::numbers::pi));
+    };
+    const double swing = sine(1, 1) + 0.34 * sine(2.31, -0.63) + 0.22 * sine(0.47, 0.21);
+    return height / 2 + line.amplitude * envelope * swing;
 }
 
 std::vector<double> pathOf(const Ribbon& line, double width, double height) {
