@@ -2,8 +2,8 @@
 
 #include "gather/ExtractionCleanup.h"
 #include "gather/ExtractionPlan.h"
+#include "gather/GarbledZipNames.h"
 #include "gather/ToolRunner.h"
-#include "gather/ZipNames.h"
 #include "system/FileCopy.h"
 #include "system/FileName.h"
 #include "system/RegularFile.h"
@@ -124,13 +124,13 @@ bool unpack(const fs::path& archive, const fs::path& directory, const std::stop_
 
 } // namespace
 
-std::optional<fs::path> extract(const fs::path& url, const std::stop_token& stop) {
-    const std::optional<RegularFile> archive = RegularFile::open(url);
-    if (!archive || archive->size() == 0) { // bsdtar would unpack nothing from nothing, and call it success
+std::optional<fs::path> extract(const fs::path& archive, const std::stop_token& stop) {
+    const std::optional<RegularFile> file = RegularFile::open(archive);
+    if (!file || file->size() == 0) { // bsdtar would unpack nothing from nothing, and call it success
         return std::nullopt;
     }
     std::optional<TemporaryDirectory> directory = TemporaryDirectory::make(TempRegistry::freshPath(""));
-    if (!directory || !unpack(url, directory->path(), stop) || stop.stop_requested() ||
+    if (!directory || !unpack(archive, directory->path(), stop) || stop.stop_requested() ||
         !keepOwnContent(directory->path())) {
         return std::nullopt;
     }

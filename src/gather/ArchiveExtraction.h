@@ -9,11 +9,11 @@
 
 namespace velmora::Collector {
 
-/// Unpacks the archive `url` and returns the directory that holds its content (mode 0700, in the temporary
+/// Unpacks the file `archive` and returns the directory that holds its content (mode 0700, in the temporary
 /// directory, "velmora-" and a UUID), from here on the caller's to remove. Its owner can read all of it.
-/// Absent when no tool could unpack it, when it is not a regular file, or when `stop` was requested: nothing
-/// is left behind then. Blocks until the tools have ended.
-std::optional<std::filesystem::path> extract(const std::filesystem::path& url,
+/// Absent when no tool could unpack it, when it is no regular file or empty, or when `stop` was requested:
+/// nothing is left then. Blocks until the tools have ended.
+std::optional<std::filesystem::path> extract(const std::filesystem::path& archive,
                                              const std::stop_token& stop = {});
 
 } // namespace velmora::Collector

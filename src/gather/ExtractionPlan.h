@@ -27,7 +27,7 @@ struct ExtractionStep {
     bool operator==(const ExtractionStep&) const = default;
 };
 
-/// When unzip is tried: before the tools for single files and bsdtar, or after them. See ZipNames.h.
+/// When unzip is tried: before the tools for single files and bsdtar, or after them. See GarbledZipNames.h.
 enum class UnzipTurn : bool { asUsual, last };
 
 /// The attempts to unpack `archive` into `directory`, to be made until one succeeds. The tools read `input`:

@@ -6,10 +6,10 @@
 
 namespace velmora::Collector {
 
-GatherResult gather(const Paths& urls, const std::stop_token& stop) {
+GatherResult gather(const Paths& paths, const std::stop_token& stop) {
     GatherResult found;
-    for (const std::filesystem::path& url : urls) {
-        walk(url, 0, found, stop);
+    for (const std::filesystem::path& path : paths) {
+        walk(path, 0, found, stop);
     }
     sortScanOrder(found.files, found.temps);
     return found;

@@ -55,13 +55,13 @@ public:
         : m_found(found)
         , m_stop(stop) {}
 
-    void item(const fs::path& url, int depth) {
+    void item(const fs::path& path, int depth) {
         std::error_code error;
-        const fs::file_status status = fs::status(url, error);
+        const fs::file_status status = fs::status(path, error);
         if (fs::is_directory(status)) {
-            folder(url.native(), depth);
+            folder(path.native(), depth);
         } else if (fs::exists(status)) {
-            file(url, kindOf(lastComponent(url)), depth);
+            file(path, kindOf(lastComponent(path)), depth);
         }
     }
 
@@ -105,7 +105,7 @@ private:
 
     void archive(fs::path path, int depth) {
         const std::optional<fs::path> content =
-            depth <= deepestArchive ? extract(path, m_stop) : std::nullopt;
+            depth <= maxArchiveDepth ? extract(path, m_stop) : std::nullopt;
         if (!content) {
             m_found.skippedArchives.push_back(std::move(path));
             return;
@@ -121,9 +121,9 @@ private:
 
 } // namespace
 
-void walk(const fs::path& url, int depth, GatherResult& found, const std::stop_token& stop) {
+void walk(const fs::path& path, int depth, GatherResult& found, const std::stop_token& stop) {
     if (!stop.stop_requested()) {
-        Walk(found, stop).item(url, depth);
+        Walk(found, stop).item(path, depth);
     }
 }
 

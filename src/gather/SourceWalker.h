@@ -12,14 +12,15 @@
 namespace velmora::Collector {
 
 /// The deepest level at which archives are still unpacked: a dropped one is at level 0.
-inline constexpr int deepestArchive = 2;
+inline constexpr int maxArchiveDepth = 2;
 
-/// Appends what is found at `url` to `found`: audio files in discovery order, the extraction directory of
+/// Appends what is found at `path` to `found`: audio files in discovery order, the extraction directory of
 /// every archive unpacked, every archive that was not. `depth` is the number of archives already entered on
-/// the way to `url`. Hidden names are skipped in folders, and so are the program's own temporary items; links
-/// to folders are not entered, but classified by their names as every other link; what cannot be read is left
-/// out; a path that does not exist changes nothing. Never throws for what it finds. Ends early when `stop` is
-/// requested. Called on the gathering thread.
-void walk(const std::filesystem::path& url, int depth, GatherResult& found, const std::stop_token& stop = {});
+/// the way to `path`. Hidden names are skipped in folders, and so are the program's own temporary items;
+/// links to folders are not entered, but classified by their names as every other link; what cannot be read
+/// is left out; a path that does not exist changes nothing. Never throws for what it finds. Ends early when
+/// `stop` is requested. Called on the gathering thread.
+void walk(const std::filesystem::path& path, int depth, GatherResult& found,
+          const std::stop_token& stop = {});
 
 } // namespace velmora::Collector

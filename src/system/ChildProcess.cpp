@@ -166,6 +166,7 @@ std::optional<int> runChild(const std::filesystem::path& tool, const std::vector
         return std::nullopt;
     }
     awaitEnd(child, limits);
+    ::kill(-child, SIGKILL); // whatever it started and did not wait for
     return reap(child);
 }
 

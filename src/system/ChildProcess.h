@@ -25,9 +25,9 @@ struct ChildLimits {
 bool isExecutableFile(const std::filesystem::path& path);
 
 /// Runs `tool` with `args` (without the program's name) and waits for its end; blocks the calling thread.
-/// Standard output goes to the descriptor `output`, or to the null device when that is negative.
-/// Returns the exit status, 128 + n after signal n; absent when there is no executable at `tool`, when it
-/// cannot be started, or when `stop` was requested before.
+/// What it started and did not wait for is killed. Standard output goes to the descriptor `output`, or to the
+/// null device when that is negative. Returns the exit status, 128 + n after signal n; absent when there is
+/// no executable at `tool`, when it cannot be started, or when `stop` was requested before.
 std::optional<int> runChild(const std::filesystem::path& tool, const std::vector<std::string>& args,
                             int output, const ChildLimits& limits = {});
 

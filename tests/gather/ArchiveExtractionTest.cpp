@@ -38,7 +38,7 @@ fs::path album() {
     return folder;
 }
 
-/// Expects that `archive` unpacks to files with these names, and leaves nothing else behind.
+/// Expects that `archive` unpacks to files with these names, and leaves nothing else.
 void expectContent(const fs::path& archive, const std::vector<std::string>& names) {
     const std::optional<fs::path> directory = extract(archive);
     ASSERT_TRUE(directory) << archive;
@@ -47,7 +47,7 @@ void expectContent(const fs::path& archive, const std::vector<std::string>& name
     fs::remove_all(*directory);
 }
 
-/// Expects that `archive` cannot be unpacked, and leaves nothing behind.
+/// Expects that `archive` cannot be unpacked, and leaves nothing.
 void expectFailure(const fs::path& archive) {
     EXPECT_EQ(extract(archive), std::nullopt) << archive;
     EXPECT_THAT(temporaryItems(), IsEmpty());

@@ -6,9 +6,9 @@
 
 namespace velmora::test {
 
-GatherResult walked(const fs::path& url, int depth) {
+GatherResult walked(const fs::path& path, int depth) {
     GatherResult found;
-    Collector::walk(url, depth, found);
+    Collector::walk(path, depth, found);
     return found;
 }
 

@@ -13,8 +13,8 @@ namespace velmora::test {
 /// What stands in an audio file where no one listens: more than one block of a tar archive.
 inline const std::string sound(2000, 's');
 
-/// Walks `url` as an item found inside `depth` archives.
-GatherResult walked(const fs::path& url, int depth = 0);
+/// Walks `path` as an item found inside `depth` archives.
+GatherResult walked(const fs::path& path, int depth = 0);
 
 /// The files found, sorted: relative to `folder`, or "[n]/..." for what lies in the extraction directory n.
 std::vector<std::string> namesIn(const GatherResult& found, const fs::path& folder);

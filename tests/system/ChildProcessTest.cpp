@@ -203,6 +203,13 @@ TEST(ChildProcess, IsKilledWithAllItStartedAtARequestToStop) {
     EXPECT_FALSE(pipe.awaitByte()) << "the pipe ends when its last writer is gone";
 }
 
+TEST(ChildProcess, LeavesNothingRunning) {
+    Pipe pipe;
+    EXPECT_EQ(runChild("/bin/sh", {"-c", "sleep 100000 & exit 0"}, pipe.writing.get()), 0);
+    pipe.writing = {};
+    EXPECT_FALSE(pipe.awaitByte()) << "the pipe ends when its last writer is gone";
+}
+
 TEST(ChildProcess, IsNotStartedAfterARequestToStop) {
     std::stop_source stop;
     stop.request_stop();

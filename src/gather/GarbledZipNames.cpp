@@ -1,4 +1,4 @@
-#include "gather/ZipNames.h"
+#include "gather/GarbledZipNames.h"
 
 #include "system/RegularFile.h"
 
@@ -30,9 +30,9 @@ using Bytes = std::vector<std::uint8_t>;
 constexpr std::string_view endSignature = "PK\x05\x06";
 constexpr std::string_view entrySignature = "PK\x01\x02";
 constexpr std::size_t endRecordSize = 22;
-constexpr std::size_t longestComment = 0xFFFF;
+constexpr std::size_t maxCommentSize = 0xFFFF;
 constexpr std::size_t entryHeaderSize = 46;
-constexpr std::size_t longestDirectory = std::size_t{1} << 20; // what lies beyond is not looked at
+constexpr std::size_t maxDirectorySize = std::size_t{1} << 20; // the rest is not read
 constexpr unsigned utf8Names = 1U << 11;
 
 std::uint32_t number(std::span<const std::uint8_t> bytes, std::size_t at, int width) {
@@ -59,7 +59,7 @@ bool beginsWithEntry(const Bytes& bytes) {
 /// other bytes before it, immediately before the end record.
 Bytes directoryOf(const RegularFile& file) {
     const std::int64_t tailSize =
-        std::min(file.size(), static_cast<std::int64_t>(endRecordSize + longestComment));
+        std::min(file.size(), static_cast<std::int64_t>(endRecordSize + maxCommentSize));
     const Bytes tail = bytesAt(file, file.size() - tailSize, static_cast<std::size_t>(tailSize));
     const auto end = std::find_end(tail.begin(), tail.end(), endSignature.begin(), endSignature.end());
     const std::span<const std::uint8_t> record(end, tail.end());
@@ -67,7 +67,7 @@ Bytes directoryOf(const RegularFile& file) {
         return {};
     }
     const std::size_t size = number(record, 12, 4);
-    const std::size_t shownSize = std::min(size, longestDirectory);
+    const std::size_t shownSize = std::min(size, maxDirectorySize);
     Bytes directory = bytesAt(file, number(record, 16, 4), shownSize);
     if (!beginsWithEntry(directory)) {
         const auto recordStart = file.size() - static_cast<std::int64_t>(record.size());

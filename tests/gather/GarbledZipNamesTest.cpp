@@ -1,4 +1,4 @@
-#include "gather/ZipNames.h"
+#include "gather/GarbledZipNames.h"
 
 #include "tests/support/Archives.h"
 #include "tests/support/Shell.h"
@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
 
 const std::vector<Member> members = {{.name = "01.wav", .content = "x"}, {.name = "Füße.wav"}};
 
-TEST(ZipNames, AgreesWithUnzip) {
+TEST(GarbledZipNames, AgreesWithUnzip) {
     struct Row {
         test::ZipMaker maker;
         bool garbled;
@@ -40,12 +40,12 @@ TEST(ZipNames, AgreesWithUnzip) {
     }
 }
 
-TEST(ZipNames, AsciiIsNeverGarbled) {
+TEST(GarbledZipNames, AsciiIsNeverGarbled) {
     EXPECT_FALSE(unzipGarblesNames(write(freshFolder() / "a.zip", test::zipArchive({{.name = "01.wav"}}))));
     EXPECT_FALSE(unzipGarblesNames(write(freshFolder() / "a.zip", test::zipArchive({}))));
 }
 
-TEST(ZipNames, FindsTheDirectoryBeforeAComment) {
+TEST(GarbledZipNames, FindsTheDirectoryBeforeAComment) {
     test::Bytes bytes = test::zipArchive(members);
     bytes[bytes.size() - 1] = 0xFF; // length of the comment
     bytes[bytes.size() - 2] = 0xFF;
@@ -53,7 +53,7 @@ TEST(ZipNames, FindsTheDirectoryBeforeAComment) {
     EXPECT_TRUE(unzipGarblesNames(write(freshFolder() / "a.zip", bytes)));
 }
 
-TEST(ZipNames, FindsTheDirectoryAfterOtherBytes) {
+TEST(GarbledZipNames, FindsTheDirectoryAfterOtherBytes) {
     for (const std::size_t start : {1U, 80U, 100000U}) {
         test::Bytes bytes(start, 'x');
         const test::Bytes zip = test::zipArchive(members);
@@ -62,7 +62,7 @@ TEST(ZipNames, FindsTheDirectoryAfterOtherBytes) {
     }
 }
 
-TEST(ZipNames, SaysNothingOfOtherFiles) {
+TEST(GarbledZipNames, SaysNothingOfOtherFiles) {
     const fs::path folder = freshFolder();
     EXPECT_FALSE(unzipGarblesNames(folder / "missing.zip"));
     EXPECT_FALSE(unzipGarblesNames(folder));
@@ -70,7 +70,7 @@ TEST(ZipNames, SaysNothingOfOtherFiles) {
     EXPECT_FALSE(unzipGarblesNames(write(folder / "a.tar", test::tarArchive(members))));
 }
 
-TEST(ZipNames, SurvivesEveryCutAndEveryFlippedByte) {
+TEST(GarbledZipNames, SurvivesEveryCutAndEveryFlippedByte) {
     const test::Bytes whole = test::zipArchive(members);
     const fs::path path = freshFolder() / "a.zip";
     ASSERT_TRUE(unzipGarblesNames(write(path, whole)));
