@@ -5,6 +5,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
+
 namespace velmora {
 
 namespace {
@@ -24,8 +26,18 @@ FileDescriptor lockRun(const std::filesystem::path& path) {
 
     struct stat status {};
 
-    const bool ours = directory && ::fstat(directory.get(), &status) == 0 && status.st_uid == ::geteuid();
-    if (!ours || ::flock(directory.get(), LOCK_EX | LOCK_NB) != 0 || !isStillAt(path, status)) {
+    if (!directory || ::fstat(directory.get(), &status) != 0) {
+        return {};
+    }
+    if (status.st_uid != ::geteuid()) {
+        errno = EPERM;
+        return {};
+    }
+    if (::flock(directory.get(), LOCK_EX | LOCK_NB) != 0) {
+        return {};
+    }
+    if (!isStillAt(path, status)) {
+        errno = ENOENT;
         return {};
     }
     return directory;

@@ -14,7 +14,8 @@ namespace velmora {
 inline constexpr std::string_view runPrefix = "scan-velmora-";
 
 /// Locks the private directory at `path` for as long as the result lives. No descriptor when a run holds it,
-/// when it is not a directory of this user, or when it was removed before it was locked.
+/// when it is not a directory of this user, or when it was removed before it was locked; `errno` is then
+/// EWOULDBLOCK, EPERM or ENOENT, else that of the call that failed.
 FileDescriptor lockRun(const std::filesystem::path& path);
 
 } // namespace velmora

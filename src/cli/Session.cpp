@@ -1,5 +1,6 @@
 #include "cli/Session.h"
 
+#include "cli/ForcedEnd.h"
 #include "cli/Names.h"
 #include "cli/PrivateDirectory.h"
 #include "cli/Progress.h"
@@ -62,6 +63,9 @@ public:
 
     const ScanModel& model() const { return m_model; }
 
+    /// Why nothing temporary can be made: no archive is unpacked then and no zip written. "" where it can.
+    const std::string& problem() const { return m_directory.problem(); }
+
 private:
     bool awaitEnd() {
         QCoreApplication::exec();
@@ -70,7 +74,11 @@ private:
         return !m_interrupted;
     }
 
-    void takeSignals() { m_interrupted = m_signals.take() || m_interrupted; }
+    void takeSignals() {
+        if (m_signals.take() && !std::exchange(m_interrupted, true)) {
+            endSoon(m_signals.descriptor(), problem().empty() ? m_directory.path() : fs::path());
+        }
+    }
 
     void scanMoved() {
         switch (m_model.phase()) {
@@ -123,7 +131,10 @@ void makeZip(Session& session, const fs::path& destination, Outcome& outcome) {
         outcome.problems.push_back(failure + "nothing was measured");
         return;
     }
-    if (!session.zip(destination)) {
+    if (!session.problem().empty()) {
+        outcome.problems.push_back(failure + session.problem());
+        outcome.status = ExitStatus::zipFailed;
+    } else if (!session.zip(destination)) {
         outcome.status = ExitStatus::interrupted;
     } else if (const auto* failed = std::get_if<ZipFailed>(&session.model().zipState())) {
         outcome.problems.push_back(failure + terminalText(failed->text));
@@ -143,6 +154,9 @@ Outcome runScan(const Options& options, const Paths& paths) {
     Outcome outcome{.status = statusOf(model.summary()),
                     .report = report(options.output, model),
                     .problems = problems(model.details())};
+    if (!session.problem().empty() && !model.details().skippedArchives.empty()) {
+        outcome.problems.insert(outcome.problems.begin(), session.problem());
+    }
     if (options.zip) {
         makeZip(session, zip, outcome);
     }

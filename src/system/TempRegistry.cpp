@@ -2,6 +2,7 @@
 
 #include "system/Paths.h"
 #include "system/RemoveTree.h"
+#include "system/TemporaryDirectory.h"
 #include "system/Uuid.h"
 
 #include <iterator>
@@ -18,25 +19,15 @@ namespace fs = std::filesystem;
 std::mutex lock;
 Paths registered; // guarded by `lock`
 
-/// The temporary directory, absolute; /tmp when the one the environment names is not there.
-fs::path temporaryDirectory() {
-    std::error_code error;
-    fs::path directory = fs::temp_directory_path(error);
-    if (!error) {
-        directory = fs::absolute(directory, error);
-    }
-    return error ? fs::path("/tmp") : directory;
-}
-
 } // namespace
 
 fs::path freshPath(std::string_view kind) {
-    return temporaryDirectory() / (std::string(prefix) + std::string(kind) + randomUuid());
+    return systemTemporaryDirectory() / (std::string(prefix) + std::string(kind) + randomUuid());
 }
 
 bool isTemporaryDirectory(const fs::path& folder) {
     std::error_code error;
-    return fs::equivalent(folder, temporaryDirectory(), error);
+    return fs::equivalent(folder, systemTemporaryDirectory(), error);
 }
 
 void add(const Paths& directories) {
@@ -58,7 +49,7 @@ void releaseAll() {
 void sweepStale() {
     Paths stale;
     std::error_code error;
-    for (fs::directory_iterator entry(temporaryDirectory(), error), end; !error && entry != end;
+    for (fs::directory_iterator entry(systemTemporaryDirectory(), error), end; !error && entry != end;
          entry.increment(error)) {
         if (entry->path().filename().native().starts_with(prefix)) {
             stale.push_back(entry->path());

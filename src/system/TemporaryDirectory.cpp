@@ -6,11 +6,20 @@
 
 #include <cstdlib>
 #include <string>
+#include <system_error>
 #include <utility>
 
 namespace velmora {
 
 namespace fs = std::filesystem;
+
+fs::path systemTemporaryDirectory() {
+    const char* named = std::getenv("TMPDIR");
+    const fs::path directory = named == nullptr || *named == '\0' ? "/tmp" : named;
+    std::error_code error;
+    fs::path absolute = fs::absolute(directory, error);
+    return error ? directory : absolute;
+}
 
 std::optional<TemporaryDirectory> TemporaryDirectory::make(fs::path path) {
     if (::mkdir(path.c_str(), S_IRWXU) != 0) {

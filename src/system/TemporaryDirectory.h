@@ -8,6 +8,10 @@
 
 namespace velmora {
 
+/// The directory for temporary files: the one that TMPDIR names, /tmp where it is empty or not set. Absolute.
+/// Whether it is there is not looked at.
+std::filesystem::path systemTemporaryDirectory();
+
 /// A new directory (mode 0700), removed at the end with everything in it.
 class TemporaryDirectory {
 public:

@@ -72,10 +72,17 @@ TEST(PrivateDirectory, LeavesTmpdirUnsetIfItWas) {
     EXPECT_EQ(std::getenv("TMPDIR"), nullptr);
 }
 
-TEST(PrivateDirectory, NeedsATemporaryDirectory) {
+TEST(PrivateDirectory, SaysWhyThereIsNone) {
     const EmptyTmpdir outer;
-    ::setenv("TMPDIR", (outer.path() / "missing").c_str(), 1);
-    EXPECT_THROW(PrivateDirectory(), std::system_error);
+    const fs::path missing = outer.path() / "missing";
+    ::setenv("TMPDIR", missing.c_str(), 1);
+    {
+        const PrivateDirectory directory;
+        EXPECT_EQ(directory.problem(),
+                  "cannot make a directory in '" + missing.native() + "': No such file or directory");
+        EXPECT_STREQ(std::getenv("TMPDIR"), "/dev/null") << "where nothing can be made";
+    }
+    EXPECT_EQ(std::getenv("TMPDIR"), missing.native());
 }
 
 TEST(PrivateDirectory, RemovesWhatADeadRunLeft) {

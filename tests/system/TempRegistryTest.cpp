@@ -52,6 +52,11 @@ TEST(TempRegistry, MakesAbsolutePathsWhateverTheEnvironmentSays) {
     ::setenv("TMPDIR", "temporary", 1);
     EXPECT_EQ(TempRegistry::freshPath("").parent_path(), folder / "temporary");
     ::setenv("TMPDIR", (folder / "missing").c_str(), 1);
+    EXPECT_EQ(TempRegistry::freshPath("").parent_path(), folder / "missing")
+        << "and then nothing can be made";
+    ::setenv("TMPDIR", "", 1);
+    EXPECT_EQ(TempRegistry::freshPath("").parent_path(), "/tmp");
+    ::unsetenv("TMPDIR");
     EXPECT_EQ(TempRegistry::freshPath("").parent_path(), "/tmp");
 }
 
