@@ -1,5 +1,6 @@
 #include "tests/faults/Scene.h"
 
+#include "tests/faults/Surroundings.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 
@@ -10,20 +11,20 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <zip.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <memory>
+#include <csignal>
 #include <optional>
 #include <regex>
+#include <set>
 #include <sstream>
 
 namespace velmora::test {
 
 namespace {
 
+constexpr int interrupted = 130;
 constexpr unsigned patience = 120; ///< seconds after which a scan of this little counts as hung
 constexpr std::string_view oldZip = "an archive that was there before";
 
@@ -36,8 +37,7 @@ std::vector<std::string> linesOf(const std::string& text) {
     return lines;
 }
 
-/// The calls in a log of the fault injector that can fail in the ways it knows. What stands for no file on a
-/// disk (events, signals) cannot.
+/// The calls in a log of the fault injector.
 std::vector<Call> readLog(const fs::path& log) {
     std::vector<Call> calls;
     for (const std::string& line : linesOf(read(log))) {
@@ -45,40 +45,13 @@ std::vector<Call> readLog(const fs::path& log) {
         Call call;
         words >> call.kind >> call.number >> std::ws;
         std::getline(words, call.path);
-        if (!call.path.starts_with("anon_inode:")) {
-            calls.push_back(std::move(call));
-        }
+        calls.push_back(std::move(call));
     }
     return calls;
 }
 
-/// Absent when `archive` is no whole archive.
-std::optional<ZipContent> contentOfZip(const fs::path& archive) {
-    const std::unique_ptr<zip_t, decltype(&zip_discard)> zip(
-        zip_open(archive.c_str(), ZIP_RDONLY | ZIP_CHECKCONS, nullptr), &zip_discard);
-    if (!zip) {
-        return std::nullopt;
-    }
-    ZipContent content;
-    for (zip_uint64_t i = 0; i < static_cast<zip_uint64_t>(zip_get_num_entries(zip.get(), 0)); ++i) {
-        zip_stat_t status;
-        const std::unique_ptr<zip_file_t, decltype(&zip_fclose)> file(zip_fopen_index(zip.get(), i, 0),
-                                                                      &zip_fclose);
-        if (!file || zip_stat_index(zip.get(), i, 0, &status) != 0) {
-            return std::nullopt;
-        }
-        std::array<char, 1 << 16> buffer{};
-        zip_int64_t got = 0;
-        while ((got = zip_fread(file.get(), buffer.data(), buffer.size())) > 0) {
-        }
-        if (got < 0) { // among others: its bytes do not give its CRC
-            return std::nullopt;
-        }
-        if (!std::string_view(status.name).ends_with('/')) {
-            content.emplace(status.size, status.crc);
-        }
-    }
-    return content;
+fs::path freshZip() {
+    return write(freshFolder() / "Mix.zip", oldZip);
 }
 
 /// `path` as the first tool unpacks. Where tar cannot be started, gunzip makes a.tar of a.tar.gz, which is
@@ -134,6 +107,9 @@ private:
     bool reportFailed() const { return says("cannot write the report"); }
 
     void judgeEnd() {
+        if (status() == interrupted && !m_run.finished.signalled) {
+            return;
+        }
         const bool knowsWhat = !says("cannot read the list"); // else: a command line it cannot carry out
         const std::set<int> valid = knowsWhat ? std::set{0, 1, 3, 4} : std::set{2};
         expect(!m_run.finished.signalled, "died of signal " + std::to_string(status() - 128));
@@ -220,7 +196,9 @@ Scene::Scene() {
     m_before = sourcesNow();
 
     const fs::path log = freshFolder() / "log";
-    const Run run = this->run("", log);
+    const fs::path temporary = freshFolder();
+    const Run run =
+        this->run({{"LD_PRELOAD", VELMORA_FAULT_INJECTOR}, {"VELMORA_FAULT_LOG", log}}, temporary);
     EXPECT_EQ(run.finished.status, 0) << run.finished.errors;
     EXPECT_EQ(run.finished.errors, "");
     const QJsonObject report =
@@ -242,29 +220,38 @@ std::string Scene::complaintsAbout(const std::string& fault) const {
 std::string Scene::complaintsAfterDeathAt(const std::string& fault) const {
     const Run dead = run(fault);
     const Run next = run(Launch::Variables(), dead.temporary);
-    return Judge(*this, next).complaints();
+    const bool isWhole = read(dead.zip) == oldZip || contentOfZip(dead.zip);
+    return (isWhole ? "" : "the dead one left a broken zip\n") + Judge(*this, next).complaints();
 }
 
-Scene::Run Scene::run(const std::string& fault, const fs::path& log) const {
-    Launch::Variables faults = {{"LD_PRELOAD", VELMORA_FAULT_INJECTOR}};
-    if (!fault.empty()) {
-        faults.emplace_back("VELMORA_FAULT", fault);
+std::string Scene::complaintsAboutSignal(const std::string& fault, int signal) const {
+    Run run{.finished = {}, .temporary = freshFolder(), .zip = freshZip()};
+    ScanProcess process(launch(meeting(fault, run.temporary), run.temporary, run.zip));
+    if (stops(process)) {
+        process.send(signal);
+        process.send(SIGCONT);
     }
-    if (!log.empty()) {
-        faults.emplace_back("VELMORA_FAULT_LOG", log);
-    }
-    return run(faults, freshFolder());
+    run.finished = process.wait();
+    return Judge(*this, run).complaints();
+}
+
+Scene::Run Scene::run(const std::string& fault) const {
+    const fs::path temporary = freshFolder();
+    return run(meeting(fault, temporary), temporary);
 }
 
 Scene::Run Scene::run(const Launch::Variables& faults, const fs::path& temporary) const {
-    Launch::Variables environment = faults;
-    environment.emplace_back("TMPDIR", temporary);
-    const fs::path zip = write(freshFolder() / "Mix.zip", oldZip);
+    const fs::path zip = freshZip();
+    return {runToEnd(launch(faults, temporary, zip)), temporary, zip};
+}
+
+Launch Scene::launch(const Launch::Variables& faults, const fs::path& temporary, const fs::path& zip) const {
     const fs::path list = write(freshFolder() / "list", m_folder.native()); // a further file to read
-    return {runToEnd({.arguments = {"--json", "--zip", zip, "--files0-from", list},
-                      .environment = environment,
-                      .beforeStart = [] { ::alarm(patience); }}),
-            temporary, zip};
+    Launch launch{.arguments = {"--json", "--zip", zip, "--files0-from", list},
+                  .environment = faults,
+                  .beforeStart = [] { ::alarm(patience); }};
+    launch.environment.emplace_back("TMPDIR", temporary);
+    return launch;
 }
 
 /// A line an entry: what every change of its content, name, permissions or links would change.

@@ -4,13 +4,12 @@
 // when one of its calls to the system fails.
 
 #include "tests/cli/ScanProcess.h"
+#include "tests/faults/ZipContent.h"
 #include "tests/support/Files.h"
 
 #include <cstdint>
 #include <map>
-#include <set>
 #include <string>
-#include <utility>
 #include <vector>
 
 namespace velmora::test {
@@ -21,9 +20,6 @@ struct Call {
     int number = 0;   ///< from 1, among those of its kind
     std::string path; ///< what it was about; "" where no file was
 };
-
-/// The content of a zip archive's files: size and CRC-32, so that names do not count.
-using ZipContent = std::multiset<std::pair<std::uint64_t, std::uint32_t>>;
 
 class Scene {
 public:
@@ -38,6 +34,10 @@ public:
 
     /// Scans and lets the process die at `fault`, scans again, and returns what should not be so then.
     std::string complaintsAfterDeathAt(const std::string& fault) const;
+
+    /// Scans, sends `signal` to the process while it stops at `fault`, lets it go on, and returns what should
+    /// not be so.
+    std::string complaintsAboutSignal(const std::string& fault, int signal) const;
 
 private:
     struct TimedFile {
@@ -54,8 +54,9 @@ private:
 
     class Judge;
 
-    Run run(const std::string& fault, const fs::path& log = {}) const;
+    Run run(const std::string& fault) const;
     Run run(const Launch::Variables& faults, const fs::path& temporary) const;
+    Launch launch(const Launch::Variables& faults, const fs::path& temporary, const fs::path& zip) const;
     std::string sourcesNow() const;
 
     const fs::path m_folder = freshFolder() / "Set";

@@ -22,6 +22,7 @@ const std::vector<std::pair<std::string, std::vector<std::string>>> ways = {
     {"copy_file_range", {"ENOSPC", "EIO", "EINTR", "EXDEV", "short"}},
     {"mkdir", {"ENOSPC", "EROFS"}},
     {"rename", {"EXDEV", "EIO"}},
+    {"flock", {"ENOLCK"}},
     {"descriptor", {"EMFILE"}},
     {"posix_spawn", {"EAGAIN", "ENOMEM"}},
     {"wait", {"EINTR"}},

@@ -10,8 +10,10 @@ namespace velmora::test {
 
 fs::path freshFolder() {
     static int number = 0;
-    const fs::path folder = fs::temp_directory_path() / "folders" / std::to_string(++number);
-    fs::create_directories(folder);
+    fs::path folder;
+    do { // a forked process may have taken the next numbers
+        folder = fs::temp_directory_path() / "folders" / std::to_string(++number);
+    } while (!fs::create_directories(folder));
     return folder;
 }
 

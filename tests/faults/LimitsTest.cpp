@@ -1,0 +1,102 @@
+// Too little of what a process needs: descriptors, threads, memory. Tools that hang, die or never stop
+// writing.
+
+#include "tests/faults/Surroundings.h"
+#include "tests/support/OtherPrograms.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+
+#include <csignal>
+
+namespace velmora::test {
+namespace {
+
+using testing::AnyOf;
+using testing::IsEmpty;
+
+void limit(__rlimit_resource resource, rlim_t most) {
+    const rlimit both{most, most};
+    ::setrlimit(resource, &both);
+}
+
+class Limits : public testing::Test {
+protected:
+    Finished scan(const std::function<void()>& beforeStart) const {
+        return runToEnd({.arguments = {"-f", "Set"},
+                         .folder = folder,
+                         .environment = {{"TMPDIR", temporary}},
+                         .beforeStart = beforeStart});
+    }
+
+    const fs::path folder = freshFolder();
+    const fs::path set = folder / "Set";
+    const fs::path track = writeWav(set / "1.wav", oneSecond);
+    const fs::path temporary = freshFolder();
+    const std::string trackLine = "1.000\t" + track.native() + "\n";
+};
+
+TEST_F(Limits, SixteenDescriptorsAreEnough) {
+    shell("zip -q more.zip 1.wav", set);
+    const Finished run = scan([] { limit(RLIMIT_NOFILE, 16); });
+    EXPECT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.output, trackLine + "1.000\t" + (set / "more.zip/1.wav").native() + "\n");
+    EXPECT_THAT(namesIn(temporary), IsEmpty());
+}
+
+TEST_F(Limits, FewerDescriptorsThanAScanNeedsLeaveNothing) {
+    for (rlim_t descriptors = 3; descriptors < 16; ++descriptors) {
+        const Finished run = scan([=] { limit(RLIMIT_NOFILE, descriptors); });
+        EXPECT_FALSE(run.signalled) << descriptors << "\n" << run.errors;
+        EXPECT_THAT(run.status, AnyOf(0, 1, 3, 127)) << descriptors;
+        EXPECT_TRUE(run.status != 0 || run.output == trackLine) << descriptors;
+        EXPECT_THAT(namesIn(temporary), IsEmpty()) << descriptors;
+    }
+}
+
+TEST_F(Limits, AToolThatDiesLeavesItsTurnToTheNext) {
+    shell("zip -q more.zip 1.wav", set);
+    inOwnMounts([&] {
+        replaceTool("/usr/bin/tar", "kill -SEGV $$");
+        const Finished run = scan([] {});
+        EXPECT_EQ(run.status, 0) << run.errors;
+        EXPECT_EQ(run.output, trackLine + "1.000\t" + (set / "more.zip/1.wav").native() + "\n");
+        EXPECT_THAT(namesIn(temporary), IsEmpty());
+    });
+}
+
+TEST_F(Limits, AToolThatHangsEndsWithTheScan) {
+    shell("tar -cf more.tar 1.wav", set);
+    inOwnMounts([&] {
+        replaceTool("/usr/bin/tar", "exec sleep 1000000");
+        ScanProcess process({.arguments = {"Set"}, .folder = folder, .environment = {{"TMPDIR", temporary}}});
+        const auto tools = [this] { return programsWorkingIn((temporary / "scan-velmora-").native()); };
+        waitUntil([&] { return !tools().empty(); });
+        process.send(SIGTERM);
+        EXPECT_EQ(process.wait().status, 130);
+        EXPECT_THAT(tools(), IsEmpty());
+        EXPECT_THAT(namesIn(temporary), IsEmpty());
+    });
+}
+
+TEST_F(Limits, AToolThatWritesForEverFillsTheDiskAndIsCleanedUpAfter) {
+    shell("zip -q more.zip 1.wav", set);
+    inOwnMounts([&] {
+        mountSmallDisk(temporary, std::size_t{8} << 20);
+        replaceTool("/usr/bin/tar", "exec cat /dev/zero >\"$5/endless.wav\"");
+        const Finished run = scan([] {});
+        EXPECT_THAT(run.status, AnyOf(0, 1)) << "unpacked by the next tool, or named";
+        EXPECT_EQ(run.output.substr(0, trackLine.size()), trackLine);
+        const auto endless =
+            run.output.find("more.zip/endless.wav"); // zeros, which the next tool leaves there
+        EXPECT_TRUE(endless == std::string::npos || run.output[run.output.rfind('\n', endless) + 1] == '-')
+            << run.output;
+        EXPECT_THAT(namesIn(temporary), IsEmpty());
+    });
+}
+
+} // namespace
+} // namespace velmora::test

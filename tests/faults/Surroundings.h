@@ -1,0 +1,33 @@
+#pragma once
+
+// Surroundings that a scan does not expect: small disks, other tools, an injected fault. Mounts are made in a
+// user namespace, so they need no special rights and nobody else sees them.
+
+#include "tests/cli/ScanProcess.h"
+#include "tests/support/Files.h"
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace velmora::test {
+
+/// The variables that let `fault` (FaultPlan.h) befall a scan, whose temporary directory is `temporary`.
+Launch::Variables meeting(const std::string& fault, const fs::path& temporary = fs::temp_directory_path());
+
+/// Waits until `process` stops (SIGSTOP); false when it ends instead.
+bool stops(const ScanProcess& process);
+
+/// Runs `body` in a forked process that may mount.
+void inOwnMounts(const std::function<void()>& body);
+
+/// For `inOwnMounts`: makes `folder` a file system of its own that holds so many bytes.
+void mountSmallDisk(const fs::path& folder, std::size_t bytes);
+
+/// For `inOwnMounts`: makes `folder` one that cannot be written.
+void mountReadOnly(const fs::path& folder);
+
+/// For `inOwnMounts`: puts a shell script in the place of the program `tool`.
+void replaceTool(const fs::path& tool, std::string_view script);
+
+} // namespace velmora::test
