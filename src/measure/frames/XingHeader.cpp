@@ -41,8 +41,8 @@ using Bytes = std::span<const std::uint8_t>;
 //        0     9  name and version of the encoder
 //       21     3  samples that the encoder added at the start (12 bits) and at the end (12 bits)
 
-constexpr std::size_t mpegHeaderBytes = 4;
-constexpr std::size_t vbriAt = mpegHeaderBytes + 32;
+constexpr std::size_t layer3HeaderBytes = 4;
+constexpr std::size_t vbriAt = layer3HeaderBytes + 32;
 constexpr std::size_t vbriBytesAt = 10;
 constexpr std::size_t vbriFramesAt = 14;
 constexpr std::size_t vbriSize = 18;
@@ -88,7 +88,7 @@ std::optional<XingHeader> parseXing(Bytes frame) {
     if (const Bytes vbri = frame.subspan(vbriAt); matches(vbri, "VBRI")) {
         return XingHeader{be32(vbri, vbriFramesAt), be32(vbri, vbriBytesAt), 0, 0};
     }
-    Bytes xing = frame.subspan(mpegHeaderBytes + sideInformationBytes(frame));
+    Bytes xing = frame.subspan(layer3HeaderBytes + sideInformationBytes(frame));
     if ((!matches(xing, "Xing") && !matches(xing, "Info")) || xing.size() < xingFieldsAt) {
         return std::nullopt;
     }
