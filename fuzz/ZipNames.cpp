@@ -1,8 +1,7 @@
 // The look into a zip archive for names that unzip would garble.
 
-#include "gather/ZipNames.h"
-
 #include "fuzz/Targets.h"
+#include "gather/GarbledZipNames.h"
 
 namespace velmora::fuzz {
 
