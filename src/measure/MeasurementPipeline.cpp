@@ -23,11 +23,13 @@ std::int64_t sizeAt(const std::filesystem::path& path) {
     return ::stat(path.c_str(), &status) == 0 ? status.st_size : 0;
 }
 
-/// The bytes of `file`; those that are read are added to `bytesRead`. Both must outlive the source.
-ByteSource countedSource(const RegularFile& file, std::int64_t& bytesRead) {
-    return {file.size(), [&file, &bytesRead](std::int64_t offset, std::span<std::uint8_t> buffer) {
+/// The bytes of `file`; `story` is told how many are read, and of a read that fails. Both must outlive the
+/// source.
+ByteSource countedSource(const RegularFile& file, Explanation& story) {
+    return {file.size(), [&file, &story](std::int64_t offset, std::span<std::uint8_t> buffer) {
                 const std::optional<std::size_t> got = file.readAt(offset, buffer);
-                bytesRead += static_cast<std::int64_t>(got.value_or(0));
+                story.bytesRead += static_cast<std::int64_t>(got.value_or(0));
+                story.hasReadFailed = story.hasReadFailed || (!got && offset >= 0);
                 return got;
             }};
 }
@@ -52,7 +54,7 @@ std::optional<double> settledSeconds(const MediaAnswer& answer) {
 /// Goes the ways one after the other, and notes in `story` what each comes to.
 void take(Explanation& story, const std::filesystem::path& path, const RegularFile& file,
           const std::stop_token& stop) {
-    const ByteSource source = countedSource(file, story.bytesRead);
+    const ByteSource source = countedSource(file, story);
     if (std::optional<Timed> timed = HeaderDuration::timed(path, source)) {
         story.measured.seconds = timed->timing.seconds;
         story.answer = *std::move(timed);
@@ -77,6 +79,9 @@ Explanation explain(const std::filesystem::path& path, const std::stop_token& st
     Explanation story{.measured = {path, unmeasured, file ? file->size() : sizeAt(path)}};
     if (file && !stop.stop_requested()) {
         take(story, path, *file, stop);
+        if (story.hasReadFailed && !story.wasFfprobeAsked) {
+            story.measured.seconds = unmeasured;
+        }
     }
     return story;
 }

@@ -28,6 +28,7 @@ struct Explanation {
     std::optional<MediaAnswer> answer = {};
 
     bool wasFfprobeAsked = false; ///< then `measured.seconds` is what it said
+    bool hasReadFailed = false;   ///< the disk failed: what was learnt in process is not believed
     std::int64_t bytesRead = 0;   ///< of the file, in process
     std::int64_t budgetLeft = 0;  ///< see MediaFinding; 0 where content was not searched
 };
