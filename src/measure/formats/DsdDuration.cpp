@@ -58,7 +58,7 @@ constexpr std::int64_t dsdiffHeaderBytes = 16;
 constexpr ChunkLayout dsdiffChunks{.sizeBytes = 8, .order = SizeOrder::highestByteFirst, .alignment = 2};
 constexpr std::int64_t propertyTypeBytes = 4;
 constexpr std::size_t frameInformationBytes = 6; // the longest of the contents that are read
-constexpr std::int64_t shortestDstFrame = 12;    // a chunk without content
+constexpr std::int64_t minDstFrameBytes = 12;    // a chunk without content
 
 /// How long `bytes` of samples of one bit play, at `rate` samples a second in each channel. Absent without
 /// channels or rate.
@@ -122,9 +122,9 @@ std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) 
             channels = be16(value, 0);
         } else if (chunk->name == "FRTE") {
             const double frameRate = std::max<int>(1, be16(value, 4));
-            const auto mostFrames = static_cast<double>((reader.size() - chunk->content) / shortestDstFrame);
+            const auto maxFrames = static_cast<double>((reader.size() - chunk->content) / minDstFrameBytes);
             return withinFile(be32(value, 0) / frameRate,
-                              {.seconds = mostFrames / frameRate, .basis = Basis::sized});
+                              {.seconds = maxFrames / frameRate, .basis = Basis::sized});
         }
     }
     return std::nullopt;

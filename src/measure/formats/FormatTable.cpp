@@ -87,8 +87,7 @@ std::span<const Format> formats() {
 }
 
 const Format* formatAt(GuardedReader& reader, std::int64_t start) {
-    const auto count = std::clamp<std::int64_t>(reader.size() - start, 0, maxPatternBytes);
-    const auto head = reader.header(start, static_cast<std::size_t>(count));
+    const auto head = reader.headerUpTo(start, maxPatternBytes);
     const auto* const row = std::ranges::find_if(
         formatTable, [head](const Format& format) { return matches(head, format.pattern); });
     return row == formatTable.end() ? nullptr : row;
