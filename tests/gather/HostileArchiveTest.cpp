@@ -114,8 +114,18 @@ TEST_F(HostileArchive, CannotHaveTheUsersFilesRead) {
     fs::remove(outside / "backup.zip");
 }
 
-TEST_F(HostileArchive, CannotMakeNodes) {
-    for (const char type : {'3', '4', '6'}) { // devices, FIFO
+TEST_F(HostileArchive, LeavesNoFifoBesideItsSongs) {
+    const GatherResult found = walked(tar({{.name = "a.wav", .content = "x"},
+                                           {.name = "fifo.zip", .type = '6'},
+                                           {.name = "fifo.wav", .type = '6'}}));
+    EXPECT_THAT(test::namesIn(found, {}), ElementsAre("[0]/a.wav"));
+    EXPECT_THAT(found.skippedArchives, IsEmpty());
+    EXPECT_EQ(test::filesBelow(found.temps.at(0)), std::vector<std::string>{"a.wav"});
+    removeTree(found.temps.at(0));
+}
+
+TEST_F(HostileArchive, CannotMakeDevices) {
+    for (const char type : {'3', '4'}) {
         const fs::path archive = tar({{.name = "a.wav", .content = "x"}, {.name = "node.wav", .type = type}});
         const GatherResult found = walked(archive);
         EXPECT_THAT(found.skippedArchives, ElementsAre(archive)) << type;
