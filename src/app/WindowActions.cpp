@@ -55,9 +55,19 @@ void WindowActions::copyFileList() {
 void WindowActions::zip() {
     const ZipProposal proposal{m_model.suggestedZipName(), m_model.suggestedZipDirectory(),
                                static_cast<int>(m_model.summary().files.size())};
-    if (const auto destination = chooseZip(m_window, proposal)) {
-        m_model.makeZip(*destination);
+    const auto destination = chooseZip(m_window, proposal);
+    if (!destination) {
+        return;
     }
+    if (const std::optional<std::string> objection = m_model.objectionToZip(*destination)) {
+        m_alerts.show({.title = QStringLiteral("Choose another name"),
+                       .body = QString::fromStdString(*objection) + QStringLiteral("."),
+                       .acceptTitle = QStringLiteral("Choose"),
+                       .dismissTitle = QStringLiteral("Cancel"),
+                       .accepted = [this] { zip(); }});
+        return;
+    }
+    m_model.makeZip(*destination);
 }
 
 void WindowActions::reset() {

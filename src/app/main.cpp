@@ -14,6 +14,7 @@
 #include <QSocketNotifier>
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <string_view>
@@ -103,5 +104,6 @@ int main(int argc, char** argv) {
     if (argc == 2 && std::string_view(argv[1]) == velmora::probeArgument) {
         return velmora::probeGraphics(argc, argv);
     }
+    std::signal(SIGXFSZ, SIG_IGN); // a file that would grow beyond the limit is an error of the write
     return velmora::run(argc, argv);
 }

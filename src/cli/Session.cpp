@@ -134,6 +134,11 @@ void makeZip(Session& session, const fs::path& destination, Outcome& outcome) {
     if (!session.problem().empty()) {
         outcome.problems.push_back(failure + session.problem());
         outcome.status = ExitStatus::zipFailed;
+    } else if (const std::optional<std::string> objection = session.model().objectionToZip(destination)) {
+        outcome.problems.push_back(failure + terminalText(*objection));
+        outcome.status = ExitStatus::zipFailed;
+    } else if (!session.zip(destination)) {
+        outcome.status = ExitStatus::zipFailed;
     } else if (!session.zip(destination)) {
         outcome.status = ExitStatus::interrupted;
     } else if (const auto* failed = std::get_if<ZipFailed>(&session.model().zipState())) {

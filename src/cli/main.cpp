@@ -64,6 +64,7 @@ int main(int argc, char** argv) {
     using namespace velmora;
     reserveStandardDescriptors();
     std::signal(SIGPIPE, SIG_IGN); // a reader that went away is an error of the write
+    std::signal(SIGXFSZ, SIG_IGN); // so is a file that would grow beyond the limit
     handleEndingSignals(&endProgram);
     try {
         const CommandLine line = parseCommandLine({argv + std::min(argc, 1), argv + argc});

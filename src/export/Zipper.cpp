@@ -3,16 +3,15 @@
 #include "export/EntryNames.h"
 #include "export/ZipWriter.h"
 #include "system/FileCopy.h"
+#include "system/FileMove.h"
 #include "system/FileName.h"
 #include "system/Paths.h"
 #include "system/TempRegistry.h"
 #include "system/TemporaryDirectory.h"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <cerrno>
-#include <cstdio>
 #include <optional>
 #include <utility>
 
@@ -27,7 +26,14 @@ public:
     const char* name() const noexcept override { return "Velmora"; }
 
     std::string message(int code) const override {
-        return code == archiveNotWritten ? "The archive could not be written." : "Unknown error.";
+        switch (code) {
+        case archiveNotWritten:
+            return "The archive could not be written.";
+        case notARegularFile:
+            return "It is not a regular file.";
+        default:
+            return "Unknown error.";
+        }
     }
 };
 
@@ -57,6 +63,19 @@ std::string folderName(const fs::path& destination) {
     return std::string(stem.empty() || stem == "." || stem == ".." ? "Audio" : stem);
 }
 
+/// A device, a FIFO or a socket is no archive's place, although its name could be given to one.
+void refuseWhatIsNoFile(const fs::path& destination) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(destination, ignored);
+    if (fs::is_directory(status)) {
+        fail("cannot replace", destination, EISDIR);
+    }
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        throw fs::filesystem_error("cannot replace", destination,
+                                   std::error_code(notARegularFile, errorDomain()));
+    }
+}
+
 void stage(const fs::path& file, const fs::path& staged, const std::stop_token& stop) {
     endIfStopped(stop);
     std::error_code error;
@@ -65,24 +84,6 @@ void stage(const fs::path& file, const fs::path& staged, const std::stop_token& 
         throw fs::filesystem_error("cannot make the folder of", file, error);
     }
     copyFile(file, staged, stop);
-}
-
-/// Moves `archive` to `destination`. A rename replaces the old archive in one step; to another file system
-/// the archive is copied, and then the old one has to go first.
-void place(const fs::path& archive, const fs::path& destination, const std::stop_token& stop) {
-    if (std::rename(archive.c_str(), destination.c_str()) == 0) {
-        return;
-    }
-    if (::unlink(destination.c_str()) != 0 && errno != ENOENT) {
-        fail("cannot replace", destination, errno);
-    }
-    try {
-        copyFile(archive, destination, stop);
-    } catch (const fs::filesystem_error& error) {
-        throw fs::filesystem_error("cannot write", destination, error.code());
-    }
-    std::error_code ignored; // there are file systems without permissions
-    fs::permissions(destination, fs::status(archive, ignored).permissions(), ignored);
 }
 
 } // namespace
@@ -94,10 +95,7 @@ const std::error_category& errorDomain() {
 
 void zip(const Paths& files, const Paths& roots, const fs::path& destination, const Progress& progress,
          const std::stop_token& stop) {
-    std::error_code ignored;
-    if (fs::is_directory(destination, ignored)) {
-        fail("cannot replace", destination, EISDIR);
-    }
+    refuseWhatIsNoFile(destination);
     const TemporaryDirectory staging = makeStagingDirectory();
     const std::string name = folderName(destination);
     const fs::path content = staging.path() / name;
@@ -112,7 +110,7 @@ void zip(const Paths& files, const Paths& roots, const fs::path& destination, co
     const fs::path archive = staging.path() / withEnding(name, ".zip");
     writeZip(archive, content, names, stop);
     endIfStopped(stop);
-    place(archive, destination, stop);
+    moveReplacing(archive, destination, stop);
 }
 
 std::string description(const std::exception& error) {

@@ -18,15 +18,17 @@ namespace velmora::Zipper {
 /// Called after each staged file, on the thread that packs. Must not throw.
 using Progress = std::function<void(int done, int total)>;
 
-/// The program's own errors: domain "Velmora". Code 1 reads "The archive could not be written.".
+/// The program's own errors: domain "Velmora". Code 1 reads "The archive could not be written.", code 2 "It
+/// is not a regular file.".
 const std::error_category& errorDomain();
 inline constexpr int archiveNotWritten = 1;
+inline constexpr int notARegularFile = 2;
 
-/// Packs `files` into a zip archive at `destination`, replacing what is there. The archive holds one folder
-/// named as the destination without its extension; in it the files stand under `relativePath`, duplicates
-/// numbered from 2. Blocks until done. Throws std::system_error (a file system's error, or one of
-/// `errorDomain`); nothing temporary is left then, and an old archive at `destination` is still there unless
-/// it had been removed just before the move. `stop` ends it with ECANCELED.
+/// Packs `files` into a zip archive at `destination`, replacing a regular file that is there, and nothing
+/// else. The archive holds one folder named as the destination without its extension; in it the files stand
+/// under `relativePath`, duplicates numbered from 2. Blocks until done. Throws std::system_error (a file
+/// system's error, or one of `errorDomain`); nothing temporary is left then, and an old archive at
+/// `destination` is whole. `stop` ends it with ECANCELED.
 void zip(const Paths& files, const Paths& roots, const std::filesystem::path& destination,
          const Progress& progress, const std::stop_token& stop = {});
 

@@ -63,6 +63,10 @@ public:
     /// measured: nothing changes.
     void makeZip(const std::filesystem::path& destination);
 
+    /// Why `destination` must not become a zip archive; absent when it may. A source of the scan, under this
+    /// or another name, would be lost, and what is named as audio would count in the next scan.
+    std::optional<std::string> objectionToZip(const std::filesystem::path& destination) const;
+
     Phase phase() const { return m_phase; }
 
     const ScanSummary& summary() const { return m_summary; }

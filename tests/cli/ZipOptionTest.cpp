@@ -6,10 +6,15 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace velmora::test {
 namespace {
 
+using namespace std::string_literals;
+
+using testing::ElementsAre;
+using testing::EndsWith;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
@@ -58,6 +63,56 @@ TEST_F(ZipOption, DoesNotReplaceAFolder) {
     EXPECT_EQ(run.errors, "velmora-scan: cannot write the zip archive: Mix.zip: Is a directory\n");
     EXPECT_EQ(run.status, 4);
     EXPECT_TRUE(fs::is_directory(folder / "Mix.zip"));
+}
+
+/// A link stands for the device: a test that fails would replace the link and not the device of the machine.
+TEST_F(ZipOption, ReplacesNeitherADeviceNorAFifo) {
+    shell("ln -s /dev/null device.zip && mkfifo fifo.zip", folder);
+    for (const char* destination : {"device.zip", "fifo.zip"}) {
+        const Finished run = scan({"-z", destination, "Set"});
+        EXPECT_EQ(run.errors, "velmora-scan: cannot write the zip archive: "s + destination +
+                                  ": It is not a regular file.\n");
+        EXPECT_EQ(run.status, 4);
+    }
+    EXPECT_TRUE(fs::is_symlink(folder / "device.zip"));
+    EXPECT_TRUE(fs::is_fifo(folder / "fifo.zip"));
+}
+
+/// What was scanned, under the same and other names.
+TEST_F(ZipOption, ReplacesNoSource) {
+    shell("cp -r Set Packed && tar -cf packed.tar Packed && echo text > text.zip && echo text > notes &&"
+          "ln -s Set/*/1.wav link && ln Set/*/1.wav hard",
+          folder);
+    const auto sums = [&] { return shell("find . -type f -print0 | sort -z | xargs -0 sha256sum", folder); };
+    const std::string before = sums();
+    for (const char* destination : {"packed.tar", "text.zip", "notes", "link", "hard"}) {
+        const Finished run = scan({"-z", destination, "Set", "packed.tar", "text.zip", "notes"});
+        EXPECT_THAT(run.errors, EndsWith("cannot write the zip archive: "s + destination +
+                                         " would replace a source of this scan\n"));
+        EXPECT_EQ(run.status, 4);
+    }
+    EXPECT_EQ(sums(), before);
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+}
+
+TEST_F(ZipOption, IsNotNamedAsAudio) {
+    for (const char* destination : {"new.wav", "Set/Disc 1/1.wav", "NEW.Mp3"}) {
+        const Finished run = scan({"-z", destination, "Set"});
+        EXPECT_THAT(run.errors, EndsWith(" has the name of an audio file\n"));
+        EXPECT_EQ(run.output, total);
+        EXPECT_EQ(run.status, 4);
+    }
+    EXPECT_THAT(namesIn(folder), ElementsAre("Set"));
+}
+
+TEST_F(ZipOption, SaysThatTheArchiveIsLargerThanAllowed) {
+    const Finished run =
+        runToEnd({.arguments = {"-z", "Mix.zip", "Set"}, .folder = folder, .beforeStart = [] {
+                      const rlimit limits = {1000, 1000};
+                      ::setrlimit(RLIMIT_FSIZE, &limits);
+                  }});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot write the zip archive: 1.wav: File too large\n");
+    EXPECT_EQ(run.status, 4);
 }
 
 TEST_F(ZipOption, EndsWith4RatherThan1) {

@@ -78,6 +78,18 @@ TEST_F(ZipperFailureTest, LeavesAFolderAtTheDestinationAlone) {
     EXPECT_TRUE(fs::is_symlink(folder / "link.zip"));
 }
 
+TEST_F(ZipperFailureTest, LeavesWhatIsNoFileAtTheDestinationAlone) {
+    const fs::path pipe = folder / "pipe.zip";
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_EQ(failureOfZip({song}, pipe), "pipe.zip: It is not a regular file.");
+    EXPECT_TRUE(fs::is_fifo(pipe));
+
+    const fs::path link = folder / "device.zip";
+    fs::create_symlink("/dev/null", link);
+    EXPECT_EQ(failureOfZip({song}, link), "device.zip: It is not a regular file.");
+    EXPECT_TRUE(fs::is_symlink(link));
+}
+
 TEST_F(ZipperFailureTest, ReportsADestinationWithoutItsFolder) {
     EXPECT_EQ(failureOfZip({song}, folder / "missing/Mix.zip"),
               "Mix.zip: " + reason(std::errc::no_such_file_or_directory));

@@ -141,6 +141,21 @@ TEST_F(SaveDialogTest, AsksBeforeItReplaces) {
     expectArchive(zip);
 }
 
+TEST_F(SaveDialogTest, TakesNoNameOfAnAudioFile) {
+    openDialog();
+    desktop.press("ctrl+a");
+    desktop.type(text(folder / "new.wav"));
+    desktop.press("Return");
+    awaitShown("Choose another name");
+    awaitShown("new.wav has the name of an audio file.");
+    desktop.press("Return");
+    awaitActive("Save a zip of the 2 audio files");
+    desktop.press("Return");
+    awaitShown("ZIP SAVED · set.zip");
+    awaitGone("Choose another name");
+    EXPECT_FALSE(fs::exists(folder / "new.wav"));
+}
+
 TEST_F(SaveDialogTest, ChangesNothingWhenItIsCancelled) {
     openDialog();
     desktop.press("Escape");

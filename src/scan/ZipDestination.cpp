@@ -1,0 +1,53 @@
+// Which destinations of the zip export would cost the user a file.
+
+#include "records/AudioExtensions.h"
+#include "scan/ScanModel.h"
+#include "system/FileName.h"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <ranges>
+
+namespace velmora {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// What tells one file from all others, whatever names it has.
+struct Identity {
+    dev_t device = 0;
+    ino_t number = 0;
+
+    bool operator==(const Identity&) const = default;
+};
+
+/// Absent when nothing is there.
+std::optional<Identity> identityOf(const fs::path& path) {
+    struct stat status {};
+
+    if (::stat(path.c_str(), &status) != 0) {
+        return std::nullopt;
+    }
+    return Identity{status.st_dev, status.st_ino};
+}
+
+} // namespace
+
+std::optional<std::string> ScanModel::objectionToZip(const fs::path& destination) const {
+    const std::string name = lastComponent(destination);
+    if (Collector::isAudio(classifyingExtension(name))) {
+        return name + " has the name of an audio file";
+    }
+    const std::optional<Identity> present = identityOf(destination);
+    const auto isPresent = [&](const fs::path& source) { return identityOf(source) == present; };
+    const bool isSource =
+        present && (std::ranges::any_of(m_summary.dropped, isPresent) ||
+                    std::ranges::any_of(m_details.files, isPresent, &Measured::url) ||
+                    std::ranges::any_of(m_details.skippedArchives, isPresent) ||
+                    std::ranges::any_of(m_details.archiveOf | std::views::values, isPresent));
+    return isSource ? std::optional(name + " would replace a source of this scan") : std::nullopt;
+}
+
+} // namespace velmora
