@@ -7,6 +7,7 @@
 #include "app/desktop/SingleInstance.h"
 #include "screenshots/Screenshots.h"
 #include "system/EndingSignals.h"
+#include "system/PrivateDirectory.h"
 #include "ui/Views.h"
 #include "update/UpdateChecker.h"
 
@@ -42,6 +43,11 @@ int render(int argc, char** argv, const std::filesystem::path& into) {
 }
 
 int openWindow(int argc, char** argv, const Paths& paths) {
+    const PrivateDirectory directory; // before the application, which starts threads
+    if (directory.failure()) {
+        std::fprintf(stderr, "velmora: cannot make a directory in '%s': %s\n", directory.parent().c_str(),
+                     directory.failure().message().c_str());
+    }
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && isBetterInSoftware()) {
         qputenv("QT_QUICK_BACKEND", "software");
     }

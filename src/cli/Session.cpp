@@ -2,13 +2,13 @@
 
 #include "cli/ForcedEnd.h"
 #include "cli/Names.h"
-#include "cli/PrivateDirectory.h"
 #include "cli/Progress.h"
 #include "cli/Report.h"
 #include "cli/Sources.h"
 #include "scan/ScanModel.h"
 #include "system/EndingSignals.h"
 #include "system/Paths.h"
+#include "system/PrivateDirectory.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -64,7 +64,13 @@ public:
     const ScanModel& model() const { return m_model; }
 
     /// Why nothing temporary can be made: no archive is unpacked then and no zip written. "" where it can.
-    const std::string& problem() const { return m_directory.problem(); }
+    std::string problem() const {
+        if (!m_directory.failure()) {
+            return "";
+        }
+        return "cannot make a directory in " + quotedName(m_directory.parent().native()) + ": " +
+               m_directory.failure().message();
+    }
 
 private:
     bool awaitEnd() {
@@ -76,7 +82,7 @@ private:
 
     void takeSignals() {
         if (m_signals.take() && !std::exchange(m_interrupted, true)) {
-            endSoon(m_signals.descriptor(), problem().empty() ? m_directory.path() : fs::path());
+            endSoon(m_signals.descriptor(), m_directory.failure() ? fs::path() : temporaryDirectory());
         }
     }
 
@@ -136,8 +142,6 @@ void makeZip(Session& session, const fs::path& destination, Outcome& outcome) {
         outcome.status = ExitStatus::zipFailed;
     } else if (const std::optional<std::string> objection = session.model().objectionToZip(destination)) {
         outcome.problems.push_back(failure + terminalText(*objection));
-        outcome.status = ExitStatus::zipFailed;
-    } else if (!session.zip(destination)) {
         outcome.status = ExitStatus::zipFailed;
     } else if (!session.zip(destination)) {
         outcome.status = ExitStatus::interrupted;

@@ -21,9 +21,8 @@ struct Outcome {
 };
 
 /// Scans `paths` (absolute) as `options` ask and writes the zip export when they ask for it. Blocks until all
-/// background work has ended and the private directory is gone. Where there is no temporary directory to
-/// work in, archives are not unpacked and the zip is not written, which `problems` explains. Throws
-/// std::system_error when the process lacks a descriptor. Main thread; makes the QCoreApplication.
+/// background work has ended and the private directory is gone. Where there is no directory to work in,
+/// archives and the zip export fail. Main thread; makes the QCoreApplication.
 Outcome runScan(const Options& options, const Paths& paths);
 
 } // namespace velmora

@@ -1,5 +1,6 @@
 #include "scan/BackgroundTasks.h"
 
+#include <system_error>
 #include <utility>
 
 namespace velmora {
@@ -8,13 +9,25 @@ BackgroundTasks::~BackgroundTasks() {
     finish();
 }
 
-void BackgroundTasks::start(Task task) {
+bool BackgroundTasks::start(Task task) {
     joinEnded();
     Running& running = m_running.emplace_back();
-    running.thread = std::thread([task = std::move(task), token = m_programEnds.get_token(), &running] {
-        task(token);
-        running.ended = true;
-    });
+    try {
+        running.thread = std::thread([task = std::move(task), token = m_programEnds.get_token(), &running] {
+            task(token);
+            running.ended = true;
+        });
+    } catch (const std::system_error&) { // too many threads, or no room for a stack
+        m_running.pop_back();
+        return false;
+    }
+    return true;
+}
+
+void BackgroundTasks::run(const Task& task) {
+    if (!start(task)) {
+        task(m_programEnds.get_token());
+    }
 }
 
 void BackgroundTasks::finish() {

@@ -20,8 +20,12 @@ public:
     BackgroundTasks& operator=(const BackgroundTasks&) = delete;
     ~BackgroundTasks();
 
-    /// Runs `task` on a thread of its own. The token it gets is requested only by `finish`.
-    void start(Task task);
+    /// Runs `task` on a thread of its own and returns true; false when the system has no further thread. The
+    /// token it gets is requested only by `finish`.
+    [[nodiscard]] bool start(Task task);
+
+    /// As `start`; where there is no further thread, runs `task` before it returns.
+    void run(const Task& task);
 
     /// Asks every task to end and waits until it has. No task may be started afterwards.
     void finish();

@@ -13,11 +13,16 @@ MeasuringStage::MeasuringStage(Paths files, Measure measure, Deliver deliver)
     , m_deliver(std::move(deliver)) {}
 
 void MeasuringStage::start(BackgroundTasks& background, QObject& receiver, const std::stop_token& stop) {
+    const BackgroundTasks::Task task = [self = shared_from_this(), &receiver, stop](const std::stop_token&) {
+        self->work(receiver, stop);
+    };
     const std::size_t workers = std::min(m_files.size(), width);
     for (std::size_t i = 0; i < workers; ++i) {
-        background.start([self = shared_from_this(), &receiver, stop](const std::stop_token&) {
-            self->work(receiver, stop);
-        });
+        if (i == 0) {
+            background.run(task);
+        } else if (!background.start(task)) {
+            return; // those that were started measure all files
+        }
     }
 }
 

@@ -40,7 +40,8 @@ public:
     /// their completion.
     MeasuringStage(Paths files, Measure measure, Deliver deliver);
 
-    /// Starts the workers. They hold the stage until the last file is measured or `stop` is requested: then
+    /// Starts the workers, fewer where the system has no further thread; where it has none, measures before it
+    /// returns. They hold the stage until the last file is measured or `stop` is requested: then
     /// no further file is started, and measurements under way are told to end. Results are handed over to the
     /// event loop of `receiver`, which outlives the workers; what it has not taken goes with it.
     void start(BackgroundTasks& background, QObject& receiver, const std::stop_token& stop);

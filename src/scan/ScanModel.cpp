@@ -98,7 +98,7 @@ void ScanModel::ingest(const Paths& dropped) {
 
     m_job = std::make_shared<Job>();
     m_job->dropped = dropped;
-    m_background->start([this, job = m_job, dropped](const std::stop_token& programEnds) {
+    m_background->run([this, job = m_job, dropped](const std::stop_token& programEnds) {
         GatherResult gathered = m_stages.gather(dropped, programEnds);
         runOnMainThread([this, job, gathered = std::move(gathered)]() mutable {
             takeGathered(job, std::move(gathered));
@@ -203,7 +203,7 @@ void ScanModel::makeZip(const std::filesystem::path& destination) {
     const auto publishLater = [this](ZipState state) {
         runOnMainThread([this, state = std::move(state)] { publishZipState(state); });
     };
-    m_background->start(
+    m_background->run(
         [=, files = m_summary.files, roots = m_summary.roots](const std::stop_token& programEnds) {
             const auto progress = [&](int done, int of) {
                 if (done == of || done % zipStep(of) == 0) {

@@ -1,6 +1,7 @@
 #include "system/ChildProcess.h"
 
 #include "system/RegularFile.h"
+#include "system/TemporaryDirectory.h"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -23,7 +24,7 @@ namespace {
 /// Variables in which the archive tools look for options, and those that are set for them below.
 constexpr auto toolVariables = std::to_array<std::string_view>(
     {"TAR_OPTIONS=", "TAR_READER_OPTIONS=", "TAPE=", "UNZIP=", "UNZIPOPT=", "GZIP=", "BZIP=", "BZIP2=",
-     "XZ_OPT=", "XZ_DEFAULTS=", "LC_ALL=", "LANGUAGE=", "POSIXLY_CORRECT=", "PATH="});
+     "XZ_OPT=", "XZ_DEFAULTS=", "LC_ALL=", "LANGUAGE=", "POSIXLY_CORRECT=", "PATH=", "TMPDIR="});
 
 std::vector<std::string> childEnvironment() {
     std::vector<std::string> result;
@@ -36,7 +37,8 @@ std::vector<std::string> childEnvironment() {
         }
     }
     result.emplace_back("LC_ALL=C.UTF-8");
-    result.emplace_back("PATH=/usr/bin:/bin"); // tar looks for gzip and its like there
+    result.emplace_back("PATH=/usr/bin:/bin");                      // tar looks for gzip and its like there
+    result.emplace_back("TMPDIR=" + temporaryDirectory().native()); // a tool of a dead run is known by it
     return result;
 }
 

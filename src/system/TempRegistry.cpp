@@ -22,12 +22,12 @@ Paths registered; // guarded by `lock`
 } // namespace
 
 fs::path freshPath(std::string_view kind) {
-    return systemTemporaryDirectory() / (std::string(prefix) + std::string(kind) + randomUuid());
+    return temporaryDirectory() / (std::string(prefix) + std::string(kind) + randomUuid());
 }
 
 bool isTemporaryDirectory(const fs::path& folder) {
     std::error_code error;
-    return fs::equivalent(folder, systemTemporaryDirectory(), error);
+    return fs::equivalent(folder, temporaryDirectory(), error);
 }
 
 void add(const Paths& directories) {
@@ -49,7 +49,7 @@ void releaseAll() {
 void sweepStale() {
     Paths stale;
     std::error_code error;
-    for (fs::directory_iterator entry(systemTemporaryDirectory(), error), end; !error && entry != end;
+    for (fs::directory_iterator entry(temporaryDirectory(), error), end; !error && entry != end;
          entry.increment(error)) {
         if (entry->path().filename().native().starts_with(prefix)) {
             stale.push_back(entry->path());

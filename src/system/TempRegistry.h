@@ -20,7 +20,7 @@ inline constexpr std::string_view prefix = "velmora-";
 /// is "" for an extraction directory, "src-" for a working copy, "zip-" for a staging directory.
 std::filesystem::path freshPath(std::string_view kind);
 
-/// Whether `folder` is the temporary directory, under whatever name.
+/// Whether `folder` is the directory for temporary items, under whatever name.
 bool isTemporaryDirectory(const std::filesystem::path& folder);
 
 /// Registers `directories` for the next release. Any thread.

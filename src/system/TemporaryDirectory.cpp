@@ -13,12 +13,25 @@ namespace velmora {
 
 namespace fs = std::filesystem;
 
-fs::path systemTemporaryDirectory() {
+namespace {
+
+fs::path chosenDirectory; // empty: none was set
+
+} // namespace
+
+fs::path temporaryDirectory() {
+    if (!chosenDirectory.empty()) {
+        return chosenDirectory;
+    }
     const char* named = std::getenv("TMPDIR");
     const fs::path directory = named == nullptr || *named == '\0' ? "/tmp" : named;
-    std::error_code error;
-    fs::path absolute = fs::absolute(directory, error);
+    std::error_code error; // there is no working directory
+    const fs::path absolute = fs::absolute(directory, error);
     return error ? directory : absolute;
+}
+
+void setTemporaryDirectory(const fs::path& directory) {
+    chosenDirectory = directory;
 }
 
 std::optional<TemporaryDirectory> TemporaryDirectory::make(fs::path path) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// A directory that only this user can enter and that goes with its owner.
+// Where temporary items are made, and directories that only this user can enter and that go with their owner.
 
 #include <filesystem>
 #include <optional>
@@ -8,9 +8,14 @@
 
 namespace velmora {
 
-/// The directory for temporary files: the one that TMPDIR names, /tmp where it is empty or not set. Absolute.
-/// Whether it is there is not looked at.
-std::filesystem::path systemTemporaryDirectory();
+/// The directory for all temporary items, absolute: the one that was set, else the one that TMPDIR names,
+/// else /tmp. An empty TMPDIR counts as none. Need not be there: what cannot be made in it tells why. Any
+/// thread.
+std::filesystem::path temporaryDirectory();
+
+/// Makes `directory` the one for all temporary items; an empty path takes that back. The environment stays as
+/// it is: other programs that are started from here live longer. Not while another thread runs.
+void setTemporaryDirectory(const std::filesystem::path& directory);
 
 /// A new directory (mode 0700), removed at the end with everything in it.
 class TemporaryDirectory {

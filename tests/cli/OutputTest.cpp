@@ -99,16 +99,15 @@ TEST_F(VelmoraScan, NamesAFolderItMayNotEnter) {
     });
 }
 
-TEST_F(VelmoraScan, EndsWith3WhereItMayNotMakeADirectory) {
+TEST_F(VelmoraScan, MeasuresPlainFilesWhereItMayNotMakeADirectory) {
     fs::create_directory(folder / "tmp");
     fs::permissions(folder / "tmp", fs::perms(0555));
     asOrdinaryUser([&] {
         const Finished run = runToEnd(
             {.arguments = {"Live Set"}, .folder = folder, .environment = {{"TMPDIR", folder / "tmp"}}});
-        EXPECT_EQ(run.errors,
-                  "velmora-scan: cannot make a directory in '" + pathOf("tmp") + "': Permission denied\n");
-        EXPECT_EQ(run.output, "");
-        EXPECT_EQ(run.status, 3);
+        EXPECT_EQ(run.errors, "");
+        EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
+        EXPECT_EQ(run.status, 0);
     });
 }
 
@@ -190,12 +189,21 @@ TEST_F(VelmoraScan, LeavesNothingInTheTemporaryDirectory) {
     EXPECT_THAT(temporaryItems(), IsEmpty());
 }
 
-TEST_F(VelmoraScan, EndsWith3WhenThereIsNoTemporaryDirectory) {
-    const Finished run = runToEnd(
-        {.arguments = {"Live Set"}, .folder = folder, .environment = {{"TMPDIR", folder / "missing"}}});
-    EXPECT_THAT(run.errors, HasSubstr("cannot use the temporary directory: No such file or directory"));
-    EXPECT_EQ(run.output, "");
-    EXPECT_EQ(run.status, 3);
+TEST_F(VelmoraScan, SaysWhyItCannotUnpackWhereThereIsNoTemporaryDirectory) {
+    shell("tar -cf 'Live Set/more.tar' 'Live Set/1.wav'", folder);
+    const std::string reason =
+        "cannot make a directory in '" + pathOf("missing") + "': No such file or directory\n";
+    const Launch::Variables missing = {{"TMPDIR", folder / "missing"}};
+    const Finished run = runToEnd({.arguments = {"Live Set"}, .folder = folder, .environment = missing});
+    EXPECT_EQ(run.errors, "velmora-scan: cannot unpack '" + pathOf("Live Set/more.tar") + "'\n" +
+                              "velmora-scan: " + reason);
+    EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
+    EXPECT_EQ(run.status, 1);
+
+    const Finished zip = runToEnd(
+        {.arguments = {"-z", "Mix.zip", "Live Set/1.wav"}, .folder = folder, .environment = missing});
+    EXPECT_EQ(zip.errors, "velmora-scan: cannot write the zip archive: " + reason);
+    EXPECT_EQ(zip.status, 4);
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "system/TempRegistry.h"
 
 #include "tests/support/Files.h"
+#include "tests/support/ForkedProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -45,19 +46,21 @@ TEST(TempRegistry, MakesPathsThatNothingHas) {
     EXPECT_TRUE(TempRegistry::freshPath("").filename().native().starts_with("velmora-"));
 }
 
-TEST(TempRegistry, MakesAbsolutePathsWhateverTheEnvironmentSays) {
+/// In processes of their own: what the variable says must not reach a test that sweeps.
+TEST(TempRegistry, MakesAbsolutePathsInTheDirectoryThatTheEnvironmentNames) {
     const fs::path folder = freshFolder();
     fs::create_directory(folder / "temporary");
-    fs::current_path(folder);
-    ::setenv("TMPDIR", "temporary", 1);
-    EXPECT_EQ(TempRegistry::freshPath("").parent_path(), folder / "temporary");
-    ::setenv("TMPDIR", (folder / "missing").c_str(), 1);
-    EXPECT_EQ(TempRegistry::freshPath("").parent_path(), folder / "missing")
-        << "and then nothing can be made";
-    ::setenv("TMPDIR", "", 1);
-    EXPECT_EQ(TempRegistry::freshPath("").parent_path(), "/tmp");
-    ::unsetenv("TMPDIR");
-    EXPECT_EQ(TempRegistry::freshPath("").parent_path(), "/tmp");
+    const auto parentWhen = [&](const char* tmpdir, const fs::path& expected) {
+        test::inProcess([&] {
+            fs::current_path(folder);
+            ASSERT_EQ(tmpdir != nullptr ? ::setenv("TMPDIR", tmpdir, 1) : ::unsetenv("TMPDIR"), 0);
+            EXPECT_EQ(TempRegistry::freshPath("").parent_path(), expected);
+        });
+    };
+    parentWhen("temporary", folder / "temporary");
+    parentWhen((folder / "missing").c_str(), folder / "missing");
+    parentWhen("", "/tmp");
+    parentWhen(nullptr, "/tmp");
 }
 
 TEST(TempRegistry, ReleasesWhatWasAdded) {
@@ -120,9 +123,11 @@ TEST(TempRegistry, SweepsEverythingWithItsPrefix) {
 }
 
 TEST(TempRegistry, SweepsNothingWhereTheTemporaryDirectoryCannotBeRead) {
-    ::setenv("TMPDIR", "/proc/self/task", 1);
-    TempRegistry::sweepStale();
-    EXPECT_TRUE(fs::exists("/proc/self/task"));
+    test::inProcess([] {
+        ::setenv("TMPDIR", "/proc/self/task", 1);
+        TempRegistry::sweepStale();
+        EXPECT_TRUE(fs::exists("/proc/self/task"));
+    });
 }
 
 std::array<int, 2> heldPipe{};    // written to when a thread is held

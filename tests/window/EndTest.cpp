@@ -14,6 +14,7 @@ namespace {
 
 using testing::IsEmpty;
 using testing::Not;
+using testing::SizeIs;
 
 class EndTest : public WindowTest {
 protected:
@@ -34,7 +35,7 @@ protected:
     void expectEndWithoutATrace() {
         EXPECT_EQ(velmora->wait(), 0);
         EXPECT_THAT(programs(), IsEmpty());
-        EXPECT_THAT(leftovers(), IsEmpty());
+        EXPECT_THAT(privateDirectories(), IsEmpty());
     }
 
     /// The window's program and its tools.
@@ -72,13 +73,18 @@ TEST_F(EndTest, ResetLeavesNothingOnceUnpackingHasEnded) {
     EXPECT_TRUE(comesTrue([this] { return leftovers().empty(); }));
 }
 
-TEST_F(EndTest, NextStartSweepsWhatACrashLeft) {
-    openOnResult();
+TEST_F(EndTest, NextStartSweepsWhatACrashLeftAndNothingElse) {
+    write(desktop.temporary() / "velmora-my-recordings" / "a.wav");
+    openWhileUnpacking();
     velmora->send(SIGKILL);
     EXPECT_EQ(velmora->wait(), -1);
+    EXPECT_THAT(programs(), Not(IsEmpty())) << "the tools go on";
     EXPECT_THAT(leftovers(), Not(IsEmpty()));
     open();
-    EXPECT_TRUE(comesTrue([this] { return leftovers().empty(); }));
+    EXPECT_THAT(programs(), SizeIs(1));
+    EXPECT_THAT(leftovers(), IsEmpty());
+    EXPECT_THAT(privateDirectories(), SizeIs(1));
+    EXPECT_TRUE(fs::exists(desktop.temporary() / "velmora-my-recordings" / "a.wav"));
 }
 
 struct SignalCase {

@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <iterator>
 #include <memory>
 #include <string>
 #include <vector>
@@ -59,8 +61,19 @@ protected:
     /// The window's place on the screen; empty while there is no window.
     QRect window() const;
 
-    /// What the program left in its temporary directory: names that begin with "velmora-".
-    std::vector<std::string> leftovers() const { return namesIn(desktop.temporary(), "velmora-"); }
+    /// The private directories of the runs there are and were.
+    std::vector<std::string> privateDirectories() const {
+        return namesIn(desktop.temporary(), "scan-velmora-");
+    }
+
+    /// What they hold.
+    std::vector<std::string> leftovers() const {
+        std::vector<std::string> items;
+        for (const std::string& directory : privateDirectories()) {
+            std::ranges::move(namesIn(desktop.temporary() / directory), std::back_inserter(items));
+        }
+        return items;
+    }
 
     Desktop desktop;
     ScreenReader reader{desktop.bus()};

@@ -1,9 +1,8 @@
-#include "cli/DeadRuns.h"
+#include "system/DeadRuns.h"
 
-#include "cli/RunLock.h"
 #include "system/Paths.h"
-#include "system/RegularFile.h"
 #include "system/RemoveTree.h"
+#include "system/RunLock.h"
 
 #include <poll.h>
 #include <sys/syscall.h>

@@ -1,14 +1,14 @@
 #pragma once
 
-// Clears away what a run of velmora-scan that was killed could not: its private directory, and the tools it
-// had started, which would go on filling it.
+// Clears away what a run that was killed could not: its private directory, and the tools it had started,
+// which would go on filling it.
 
 #include <filesystem>
 
 namespace velmora {
 
 /// Removes every private directory in `parent` that belongs to this user and to no living run. Tools at work
-/// in it are killed first. What cannot be removed is passed over.
+/// in it are killed first. What cannot be locked or removed is passed over.
 void removeDeadRuns(const std::filesystem::path& parent);
 
 } // namespace velmora

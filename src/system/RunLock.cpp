@@ -1,4 +1,4 @@
-#include "cli/RunLock.h"
+#include "system/RunLock.h"
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -26,19 +26,19 @@ FileDescriptor lockRun(const std::filesystem::path& path) {
 
     struct stat status {};
 
+    int error = 0;
     if (!directory || ::fstat(directory.get(), &status) != 0) {
-        return {};
+        error = errno;
+    } else if (status.st_uid != ::geteuid()) {
+        error = EPERM;
+    } else if (::flock(directory.get(), LOCK_EX | LOCK_NB) != 0) {
+        error = errno == EWOULDBLOCK ? EWOULDBLOCK : ENOLCK;
+    } else if (!isStillAt(path, status)) {
+        error = ESTALE;
     }
-    if (status.st_uid != ::geteuid()) {
-        errno = EPERM;
-        return {};
-    }
-    if (::flock(directory.get(), LOCK_EX | LOCK_NB) != 0) {
-        return {};
-    }
-    if (!isStillAt(path, status)) {
-        errno = ENOENT;
-        return {};
+    if (error != 0) {
+        directory = FileDescriptor();
+        errno = error;
     }
     return directory;
 }

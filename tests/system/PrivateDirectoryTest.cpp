@@ -1,16 +1,21 @@
-#include "cli/PrivateDirectory.h"
+#include "system/PrivateDirectory.h"
 
-#include "cli/DeadRuns.h"
-#include "cli/RunLock.h"
-#include "system/RemoveTree.h"
+#include "system/ChildProcess.h"
+#include "system/DeadRuns.h"
+#include "system/RunLock.h"
+#include "system/TempRegistry.h"
 #include "tests/support/Files.h"
+#include "tests/support/ForkedProcess.h"
 #include "tests/support/Shell.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <optional>
 
@@ -42,62 +47,85 @@ TEST(PrivateDirectory, IsTheTemporaryDirectoryWhileItExists) {
     const EmptyTmpdir outer;
     {
         const PrivateDirectory directory;
-        EXPECT_EQ(fs::temp_directory_path(), directory.path());
-        EXPECT_EQ(directory.path().parent_path(), outer.path());
-        EXPECT_THAT(directory.path().filename().native(), MatchesRegex("scan-velmora-[A-Za-z0-9]{6}"));
+        EXPECT_FALSE(directory.failure());
+        EXPECT_TRUE(fs::is_directory(temporaryDirectory()));
+        EXPECT_EQ(temporaryDirectory().parent_path(), outer.path());
+        EXPECT_THAT(temporaryDirectory().filename().native(), MatchesRegex("scan-velmora-[A-Za-z0-9]{6}"));
     }
-    EXPECT_EQ(fs::temp_directory_path(), outer.path());
+    EXPECT_EQ(temporaryDirectory(), outer.path());
 }
 
 TEST(PrivateDirectory, IsTheUsersAlone) {
     const EmptyTmpdir outer;
     const PrivateDirectory directory;
-    EXPECT_EQ(fs::status(directory.path()).permissions(), fs::perms::owner_all);
+    EXPECT_EQ(fs::status(temporaryDirectory()).permissions(), fs::perms::owner_all);
 }
 
 TEST(PrivateDirectory, GoesWithEverythingInIt) {
     const EmptyTmpdir outer;
     {
         const PrivateDirectory directory;
-        write(directory.path() / "a" / "b" / "c.wav");
-        fs::permissions(directory.path() / "a", fs::perms::none);
+        write(temporaryDirectory() / "a" / "b" / "c.wav");
+        fs::permissions(temporaryDirectory() / "a", fs::perms::none);
     }
     EXPECT_THAT(namesIn(outer.path()), IsEmpty());
 }
 
-TEST(PrivateDirectory, LeavesTmpdirUnsetIfItWas) {
+/// What the program starts besides its tools, such as a browser, outlives the directory.
+TEST(PrivateDirectory, IsNotInTheEnvironment) {
     const EmptyTmpdir outer;
-    ::unsetenv("TMPDIR");
-    { const PrivateDirectory directory; }
-    EXPECT_EQ(std::getenv("TMPDIR"), nullptr);
+    const PrivateDirectory directory;
+    EXPECT_EQ(fs::path(std::getenv("TMPDIR")), outer.path());
 }
 
-TEST(PrivateDirectory, SaysWhyThereIsNone) {
+TEST(PrivateDirectory, TellsWhyThereIsNone) {
     const EmptyTmpdir outer;
     const fs::path missing = outer.path() / "missing";
     ::setenv("TMPDIR", missing.c_str(), 1);
-    {
+    const PrivateDirectory directory;
+    EXPECT_EQ(directory.failure(), std::errc::no_such_file_or_directory);
+    EXPECT_EQ(directory.parent(), missing);
+}
+
+/// Whatever the reason: here there is no descriptor left to lock a directory with.
+TEST(PrivateDirectory, LeavesAUsersFilesAloneWhereThereIsNone) {
+    const EmptyTmpdir outer;
+    write(outer.path() / "velmora-my-recordings" / "a.wav");
+    inProcess([] {
+        rlimit enough{};
+        ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &enough), 0);
+        const rlimit none = {.rlim_cur = 3, .rlim_max = enough.rlim_max};
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
         const PrivateDirectory directory;
-        EXPECT_EQ(directory.problem(),
-                  "cannot make a directory in '" + missing.native() + "': No such file or directory");
-        EXPECT_STREQ(std::getenv("TMPDIR"), "/dev/null") << "where nothing can be made";
-    }
-    EXPECT_EQ(std::getenv("TMPDIR"), missing.native());
+        EXPECT_EQ(directory.failure(), std::errc::too_many_files_open);
+        ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &enough), 0);
+        TempRegistry::sweepStale();
+    });
+    EXPECT_THAT(namesIn(outer.path()), ElementsAre("velmora-my-recordings"));
+}
+
+TEST(PrivateDirectory, IsTheToolsTemporaryDirectory) {
+    const EmptyTmpdir outer;
+    const PrivateDirectory directory;
+    const fs::path told = outer.path() / "told";
+    const FileDescriptor file(::open(told.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0600));
+    EXPECT_EQ(runChild("/bin/sh", {"-c", "printf %s \"$TMPDIR\""}, file.get()), 0);
+    EXPECT_EQ(read(told), temporaryDirectory().native());
 }
 
 TEST(PrivateDirectory, RemovesWhatADeadRunLeft) {
     const EmptyTmpdir outer;
     write(outer.path() / "scan-velmora-dead00" / "velmora-1" / "a.wav");
     const PrivateDirectory directory;
-    EXPECT_THAT(namesIn(outer.path()), ElementsAre(directory.path().filename()));
+    EXPECT_THAT(namesIn(outer.path()), ElementsAre(temporaryDirectory().filename()));
 }
 
 TEST(PrivateDirectory, LeavesWhatALivingRunUses) {
     const EmptyTmpdir outer;
     const PrivateDirectory living;
-    write(living.path() / "velmora-1" / "a.wav");
+    const fs::path file = write(temporaryDirectory() / "velmora-1" / "a.wav");
     removeDeadRuns(outer.path());
-    EXPECT_TRUE(fs::exists(living.path() / "velmora-1" / "a.wav"));
+    EXPECT_TRUE(fs::exists(file));
 }
 
 TEST(DeadRuns, AreKnownByTheirNameAndByBeingDirectories) {
@@ -139,8 +167,14 @@ TEST(RunLock, IsHeldOnce) {
     std::optional<FileDescriptor> first = lockRun(directory);
     EXPECT_TRUE(*first);
     EXPECT_FALSE(lockRun(directory));
+    EXPECT_EQ(errno, EWOULDBLOCK);
     first.reset();
     EXPECT_TRUE(lockRun(directory));
+}
+
+TEST(RunLock, SaysWhatIsNotThere) {
+    EXPECT_FALSE(lockRun(freshFolder() / "missing"));
+    EXPECT_EQ(errno, ENOENT);
 }
 
 TEST(RunLock, IsNotLeftToATool) {
