@@ -66,6 +66,17 @@ std::string terminalText(std::string_view text) {
     return result;
 }
 
+std::string terminalLines(std::string_view text) {
+    std::string result;
+    while (!text.empty()) {
+        const Utf8Part part = takeUtf8(text);
+        const bool stays = part.character == U'\n' || part.character == U'\t' ||
+                           (part.character && isHarmless(*part.character));
+        result += stays ? std::string(part.bytes) : hexadecimal(part.bytes);
+    }
+    return result;
+}
+
 std::string quotedName(std::string_view name) {
     return "'" + terminalText(name) + "'";
 }

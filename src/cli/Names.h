@@ -18,6 +18,9 @@ std::string fieldName(std::string_view name);
 /// backslash becomes \\.
 std::string terminalText(std::string_view text);
 
+/// `text` of many lines for a terminal: as `terminalText`, but line feeds, tabs and backslashes stay.
+std::string terminalLines(std::string_view text);
+
 /// `name` for a message, in single quotes; else as `terminalText`.
 std::string quotedName(std::string_view name);
 

@@ -112,6 +112,9 @@ std::string jsonReport(const std::string& status, const ScanSummary& summary, co
 
 std::vector<std::string> problems(const ScanDetails& details) {
     std::vector<std::string> messages;
+    for (const fs::path& folder : details.unreadableFolders) {
+        messages.push_back("cannot read the folder " + quotedName(details.shownPath(folder).native()));
+    }
     for (const fs::path& archive : details.skippedArchives) {
         messages.push_back("cannot unpack " + quotedName(details.shownPath(archive).native()));
     }

@@ -21,7 +21,8 @@ std::string filesReport(const ScanDetails& details);
 /// not UTF-8; `pathBytes` beside it then holds its bytes in base64.
 std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details);
 
-/// A message for each skipped archive, then for each unreadable file, in the order they were met.
+/// A message for each folder that could not be listed, then for each skipped archive, then for each
+/// unreadable file, in the order they were met.
 std::vector<std::string> problems(const ScanDetails& details);
 
 } // namespace velmora

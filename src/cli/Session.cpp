@@ -50,9 +50,11 @@ public:
     }
 
     /// False when it was interrupted.
-    bool scan(const Paths& paths) {
+    bool scan(Paths paths) {
+        const bool isNothing = paths.empty();
         m_model.ingest(paths);
-        return paths.empty() || awaitEnd();
+        paths.clear(); // they may be many, and the model has them now
+        return isNothing || awaitEnd();
     }
 
     /// False when it was interrupted.
@@ -123,11 +125,12 @@ private:
     ScanModel m_model;
 };
 
-ExitStatus statusOf(const ScanSummary& summary) {
-    if (summary.fileCount == 0) {
+ExitStatus statusOf(const ScanModel& model) {
+    if (model.summary().fileCount == 0) {
         return ExitStatus::nothingMeasured;
     }
-    return summary.unreadable > 0 ? ExitStatus::incomplete : ExitStatus::complete;
+    const bool isMissing = model.summary().unreadable > 0 || !model.details().unreadableFolders.empty();
+    return isMissing ? ExitStatus::incomplete : ExitStatus::complete;
 }
 
 /// Writes the zip export of a scan that has ended to `destination`, an absolute path.
@@ -153,14 +156,14 @@ void makeZip(Session& session, const fs::path& destination, Outcome& outcome) {
 
 } // namespace
 
-Outcome runScan(const Options& options, const Paths& paths) {
+Outcome runScan(const Options& options, Paths paths) {
     const fs::path zip = options.zip ? absolutePath(*options.zip) : fs::path();
     Session session(options);
-    if (!session.scan(paths)) {
+    if (!session.scan(std::move(paths))) {
         return {.status = ExitStatus::interrupted, .report = {}, .problems = {}};
     }
     const ScanModel& model = session.model();
-    Outcome outcome{.status = statusOf(model.summary()),
+    Outcome outcome{.status = statusOf(model),
                     .report = report(options.output, model),
                     .problems = problems(model.details())};
     if (!session.problem().empty() && !model.details().skippedArchives.empty()) {

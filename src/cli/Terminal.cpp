@@ -1,5 +1,7 @@
 #include "cli/Terminal.h"
 
+#include "cli/Names.h"
+
 #include <fcntl.h>
 #include <poll.h>
 #include <unistd.h>
@@ -43,7 +45,9 @@ void complain(std::string_view message) noexcept {
 }
 
 bool writeOutput(std::string_view text) {
-    const int error = writeText(STDOUT_FILENO, text);
+    const bool isShown = ::isatty(STDOUT_FILENO) == 1;
+    const int error =
+        isShown ? writeText(STDOUT_FILENO, terminalLines(text)) : writeText(STDOUT_FILENO, text);
     if (error != 0) {
         complain("cannot write the report: " + std::generic_category().message(error));
     }

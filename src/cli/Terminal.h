@@ -16,7 +16,8 @@ int writeText(int descriptor, std::string_view text) noexcept;
 /// Writes "velmora-scan: ", `message` and a line feed to standard error.
 void complain(std::string_view message) noexcept;
 
-/// Writes `text` to standard output; complains and returns false when that fails.
+/// Writes `text` to standard output, to a terminal without what would act on it (names hold any bytes);
+/// complains and returns false when that fails.
 bool writeOutput(std::string_view text);
 
 } // namespace velmora

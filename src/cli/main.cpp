@@ -1,11 +1,11 @@
 // velmora-scan: how long does all this audio play? Answered in the terminal.
 
+#include "cli/Names.h"
 #include "cli/Options.h"
 #include "cli/Session.h"
 #include "cli/Sources.h"
 #include "cli/Terminal.h"
 #include "system/EndingSignals.h"
-#include "system/Paths.h"
 
 #include <unistd.h>
 
@@ -13,6 +13,7 @@
 #include <csignal>
 #include <exception>
 #include <system_error>
+#include <utility>
 
 namespace velmora {
 
@@ -24,17 +25,16 @@ extern "C" void endProgram(int /*signal*/) {
 }
 
 ExitStatus carryOut(const Options& options) {
-    Paths given;
+    Sources sources;
     try {
-        given = givenPaths(options);
+        sources = locate(givenPaths(options));
     } catch (const std::system_error& error) {
         complain(error.what());
         return ExitStatus::usage;
     }
-    const Sources sources = locate(given);
     std::ranges::for_each(sources.problems, &complain);
 
-    const Outcome outcome = runScan(options, sources.paths);
+    const Outcome outcome = runScan(options, std::move(sources.paths));
     if (outcome.status == ExitStatus::interrupted) {
         return outcome.status;
     }
@@ -70,7 +70,7 @@ int main(int argc, char** argv) {
         const CommandLine line = parseCommandLine({argv + std::min(argc, 1), argv + argc});
         return static_cast<int>(std::visit([](const auto& asked) { return carryOut(asked); }, line));
     } catch (const std::exception& error) {
-        complain(error.what());
+        complain(terminalLines(error.what())); // it may hold a path as it is
         return static_cast<int>(ExitStatus::nothingMeasured);
     }
 }

@@ -67,7 +67,7 @@ public:
 
 private:
     /// Goes through the tree below `top` with one folder open at a time. A folder that cannot be opened, be
-    /// it for its permissions or because its path is too long, has nothing in it.
+    /// it for its permissions or because its path is too long, is noted.
     void folder(std::string top, int depth) {
         std::vector<std::string> pending = {std::move(top)};
         while (!pending.empty()) {
@@ -86,6 +86,9 @@ private:
                 } else if (const Kind kind = kindOf(entry->name); kind != Kind::neither) {
                     file(joined(current, entry->name), kind, depth);
                 }
+            }
+            if (reader.error() != 0) {
+                m_found.unreadableFolders.push_back(current);
             }
         }
     }

@@ -15,11 +15,11 @@ namespace velmora::Collector {
 inline constexpr int maxArchiveDepth = 2;
 
 /// Appends what is found at `path` to `found`: audio files in discovery order, the extraction directory of
-/// every archive unpacked, every archive that was not. `depth` is the number of archives already entered on
-/// the way to `path`. Hidden names are skipped in folders, and so are the program's own temporary items;
-/// links to folders are not entered, but classified by their names as every other link; what cannot be read
-/// is left out; a path that does not exist changes nothing. Never throws for what it finds. Ends early when
-/// `stop` is requested. Called on the gathering thread.
+/// every archive unpacked, every archive that was not, every folder that could not be listed. `depth` is the
+/// number of archives already entered on the way to `path`. Hidden names are skipped in folders, and so are
+/// the program's own temporary items; links to folders are not entered, but classified by their names as
+/// every other link; what cannot be read is left out; a path that does not exist changes nothing. Never
+/// throws for what it finds. Ends early when `stop` is requested. Called on the gathering thread.
 void walk(const std::filesystem::path& path, int depth, GatherResult& found,
           const std::stop_token& stop = {});
 

@@ -37,10 +37,11 @@ struct FormatStat {
 
 /// What gathering found.
 struct GatherResult {
-    Paths files;           ///< every audio file, in scan order once sorted
-    Paths temps;           ///< extraction directories, in the order they were made
-    Paths archives;        ///< archives[i] is what was unpacked into temps[i]
-    Paths skippedArchives; ///< archives that could not be unpacked, as they were met
+    Paths files;                  ///< every audio file, in scan order once sorted
+    Paths temps;                  ///< extraction directories, in the order they were made
+    Paths archives;               ///< archives[i] is what was unpacked into temps[i]
+    Paths skippedArchives;        ///< archives that could not be unpacked, as they were met
+    Paths unreadableFolders = {}; ///< folders that could not be opened or not listed to their end, likewise
 
     bool operator==(const GatherResult&) const = default;
 };

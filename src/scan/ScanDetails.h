@@ -16,6 +16,7 @@ namespace velmora {
 struct ScanDetails {
     std::vector<Measured> files; ///< every file found, in scan order, unmeasured ones included
     Paths skippedArchives;       ///< archives that could not be unpacked
+    Paths unreadableFolders;     ///< folders that could not be listed: what they hold is missing
     std::unordered_map<std::string, std::filesystem::path> archiveOf; ///< extraction directory to its archive
 
     /// `path` as the user knows it: what lies in an extraction directory is shown below its archive's own

@@ -44,9 +44,8 @@ int zipStep(int total) {
 /// ended.
 class ScanModel::Job {
 public:
-    std::stop_source cancelled; ///< also tells measurements under way to end
-    bool ended = false;         ///< nothing that still arrives counts
-    Paths dropped;
+    std::stop_source cancelled;    ///< also tells measurements under way to end
+    bool ended = false;            ///< nothing that still arrives counts
     GatherResult gathered;         ///< without its files, which the measuring stage has
     std::vector<Measured> results; ///< by position in scan order
     int done = 0;
@@ -88,16 +87,16 @@ void ScanModel::ingest(const Paths& dropped) {
     publishSummary({});
     ScanSummary summary;
     summary.dropped = dropped;
-    publishSummary(summary);
+    publishSummary(std::move(summary));
     publishProcessed(0);
     publishFound(0);
     publishZipState(ZipIdle{});
     publishStatus("READING SOURCE");
-    summary.source = sourceLabel(dropped);
+    summary = std::move(m_summary); // the paths may be many
+    summary.source = sourceLabel(summary.dropped);
     publishSummary(std::move(summary));
 
     m_job = std::make_shared<Job>();
-    m_job->dropped = dropped;
     m_background->run([this, job = m_job, dropped](const std::stop_token& programEnds) {
         GatherResult gathered = m_stages.gather(dropped, programEnds);
         runOnMainThread([this, job, gathered = std::move(gathered)]() mutable {
@@ -114,6 +113,7 @@ void ScanModel::takeGathered(const std::shared_ptr<Job>& job, GatherResult gathe
     Paths files = std::exchange(gathered.files, {});
     job->gathered = std::move(gathered);
     m_details.skippedArchives = job->gathered.skippedArchives;
+    m_details.unreadableFolders = job->gathered.unreadableFolders;
     for (std::size_t i = 0; i < job->gathered.temps.size(); ++i) {
         m_details.archiveOf.emplace(job->gathered.temps[i], job->gathered.archives[i]);
     }
@@ -162,14 +162,15 @@ void ScanModel::takeMeasured(Job& job, std::vector<MeasuredFile> batch) {
 void ScanModel::finish(Job& job) {
     ScanSummary summary = summarize(job.results);
     summary.unreadable += static_cast<int>(job.gathered.skippedArchives.size());
-    summary.source = m_summary.source;
-    summary.dropped = job.dropped;
-    summary.roots = job.dropped;
-    summary.roots.insert(summary.roots.end(), job.gathered.temps.begin(), job.gathered.temps.end());
     m_details.files = std::move(job.results);
 
     const bool nothing = summary.fileCount <= 0;
     publishProcessed(m_found);
+    summary.source = std::move(m_summary.source);
+    summary.dropped = std::move(m_summary.dropped);
+    summary.roots.reserve(summary.dropped.size() + job.gathered.temps.size());
+    summary.roots = summary.dropped;
+    summary.roots.insert(summary.roots.end(), job.gathered.temps.begin(), job.gathered.temps.end());
     publishSummary(std::move(summary));
     publishPhase(nothing ? Phase::empty : Phase::done);
     publishStatus(nothing ? "NO READABLE AUDIO" : "COMPLETE");

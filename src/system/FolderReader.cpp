@@ -3,6 +3,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cerrno>
+
 namespace velmora {
 
 namespace {
@@ -49,10 +51,17 @@ FolderReader::FolderReader(const std::string& path)
     : FolderReader(FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))) {}
 
 FolderReader::FolderReader(FileDescriptor folder)
-    : m_stream(streamOf(std::move(folder)), &::closedir) {}
+    : m_stream(streamOf(std::move(folder)), &::closedir)
+    , m_error(m_stream ? 0 : errno) {}
 
 std::optional<FolderEntry> FolderReader::next() {
-    while (const dirent* entry = m_stream ? ::readdir(m_stream.get()) : nullptr) {
+    while (m_stream) {
+        errno = 0; // readdir tells an error from the end by it alone
+        const dirent* entry = ::readdir(m_stream.get());
+        if (entry == nullptr) {
+            m_error = errno;
+            return std::nullopt;
+        }
         const std::string_view name = entry->d_name;
         if (name != "." && name != "..") {
             return FolderEntry{name, kindOf(::dirfd(m_stream.get()), *entry)};

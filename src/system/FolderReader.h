@@ -27,7 +27,7 @@ struct FolderEntry {
     EntryKind kind = EntryKind::other;
 };
 
-/// One pass over a folder. A folder that cannot be opened has no entries.
+/// One pass over a folder. A folder that cannot be opened has no entries, and an error.
 class FolderReader {
 public:
     /// Opens the folder at `path`, following links.
@@ -39,8 +39,12 @@ public:
     /// The next entry, never "." or "..". Absent at the end, and after an error.
     std::optional<FolderEntry> next();
 
+    /// Why the folder could not be opened, or why there was no next entry before the end; else 0.
+    int error() const { return m_error; }
+
 private:
     std::unique_ptr<DIR, int (*)(DIR*)> m_stream;
+    int m_error = 0;
 };
 
 } // namespace velmora

@@ -42,6 +42,11 @@ INSTANTIATE_TEST_SUITE_P(
                     NameCase{"LineSeparator", "a\u2028b", "a\u2028b", "'a\\xE2\\x80\\xA8b'"}),
     &test::rowName<NameCase>);
 
+TEST(TerminalLines, KeepLinesFieldsAndBackslashes) {
+    EXPECT_EQ(terminalLines("1.000\ta\\tb\n\x1B[2J\xFF\u2028\u00E9\n"),
+              "1.000\ta\\tb\n\\x1B[2J\\xFF\\xE2\\x80\\xA8\u00E9\n");
+}
+
 TEST(QuotedName, WritesTheMarksThatTurnTextRound) {
     const std::string rightToLeftOverride = {'\xE2', '\x80', '\xAE'};
     EXPECT_EQ(quotedName("a" + rightToLeftOverride + "vaw.exe"), "'a\\xE2\\x80\\xAEvaw.exe'");

@@ -4,10 +4,12 @@
 #include "tests/cli/ScanProcess.h"
 #include "tests/support/ForkedProcess.h"
 #include "tests/support/RealAudio.h"
+#include "tests/support/RefusedCalls.h"
 #include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace velmora::test {
 namespace {
@@ -111,6 +113,58 @@ TEST_F(VelmoraScan, MeasuresPlainFilesWhereItMayNotMakeADirectory) {
     });
 }
 
+TEST_F(VelmoraScan, WorksWhereThereAreNoLocks) {
+    shell("tar -cf set.tar 'Live Set'", folder);
+    const Finished run =
+        runToEnd({.arguments = {"-l", "set.tar"}, .folder = folder, .beforeStart = &refuseLocks});
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(run.output, "1.wav\n2.wav\n");
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(privateDirectories(), IsEmpty());
+}
+
+TEST_F(VelmoraScan, WorksWithoutThreads) {
+    shell("tar -cf set.tar 'Live Set'", folder);
+    const Finished run = runToEnd({.arguments = {"-l", "-z", "Mix.zip", "set.tar", "Live Set"},
+                                   .folder = folder,
+                                   .beforeStart = &refuseThreads});
+    EXPECT_EQ(run.errors, "");
+    EXPECT_EQ(run.output, "1.wav\n2.wav\n1.wav\n2.wav\n");
+    EXPECT_EQ(run.status, 0);
+    shell("unzip -tq Mix.zip >&2", folder);
+    EXPECT_THAT(privateDirectories(), IsEmpty());
+}
+
+TEST_F(VelmoraScan, NamesFoldersThatItCannotListAnywhereInTheTree) {
+    write(folder / "Live Set" / "a" / "shut" / "lost.wav");
+    fs::permissions(folder / "Live Set" / "a" / "shut", fs::perms::none);
+    asOrdinaryUser([&] {
+        const Finished run = scan({"Live Set"});
+        EXPECT_EQ(run.errors, "velmora-scan: cannot read the folder '" + pathOf("Live Set/a/shut") + "'\n");
+        EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
+        EXPECT_EQ(run.status, 1);
+    });
+    fs::permissions(folder / "Live Set" / "a" / "shut", fs::perms::owner_all);
+}
+
+TEST_F(VelmoraScan, NamesTheFolderWhosePathIsTooLong) {
+    shell("python3 -c 'import os\nfor _ in range(30): os.mkdir(\"d\" * 200); os.chdir(\"d\" * 200)'",
+          folder / "Live Set");
+    const Finished run = scan({"Live Set"});
+    EXPECT_THAT(run.errors, StartsWith("velmora-scan: cannot read the folder '" + pathOf("Live Set/ddd")));
+    EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
+    EXPECT_EQ(run.status, 1);
+}
+
+TEST_F(VelmoraScan, SendsNoControlSequenceToATerminal) {
+    const std::string name = "\x1B[2J\xC2\x9B.wav";
+    fs::rename(folder / "Live Set" / "1.wav", folder / name);
+    const std::string shown = onTerminal(
+        [&] { ::execl(VELMORA_SCAN, "velmora-scan", "-q", "--list", (folder / name).c_str(), nullptr); });
+    EXPECT_EQ(shown, "\\x1B[2J\\xC2\\x9B.wav\r\n");
+    EXPECT_EQ(scan({"--list", name}).output, name + "\n") << "a file gets the name as it is";
+}
+
 TEST_F(VelmoraScan, TakesPathsFromStandardInput) {
     using namespace std::string_literals;
     const fs::path list = write(folder / "list", "Live Set/2.wav\0Live Set/1.wav"s);
@@ -195,8 +249,8 @@ TEST_F(VelmoraScan, SaysWhyItCannotUnpackWhereThereIsNoTemporaryDirectory) {
         "cannot make a directory in '" + pathOf("missing") + "': No such file or directory\n";
     const Launch::Variables missing = {{"TMPDIR", folder / "missing"}};
     const Finished run = runToEnd({.arguments = {"Live Set"}, .folder = folder, .environment = missing});
-    EXPECT_EQ(run.errors, "velmora-scan: cannot unpack '" + pathOf("Live Set/more.tar") + "'\n" +
-                              "velmora-scan: " + reason);
+    EXPECT_EQ(run.errors, "velmora-scan: " + reason + "velmora-scan: cannot unpack '" +
+                              pathOf("Live Set/more.tar") + "'\n");
     EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
     EXPECT_EQ(run.status, 1);
 

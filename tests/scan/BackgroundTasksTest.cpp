@@ -1,5 +1,8 @@
 #include "scan/BackgroundTasks.h"
 
+#include "tests/support/ForkedProcess.h"
+#include "tests/support/RefusedCalls.h"
+
 #include <gtest/gtest.h>
 
 #include <condition_variable>
@@ -16,7 +19,7 @@ TEST(BackgroundTasks, AsksEveryTaskToEndAndWaitsForIt) {
     {
         BackgroundTasks tasks;
         for (int i = 0; i < 3; ++i) {
-            tasks.start([&](const std::stop_token& programEnds) {
+            tasks.run([&](const std::stop_token& programEnds) {
                 std::unique_lock held(lock);
                 never.wait(held, programEnds, [] { return false; });
                 ++ended;
@@ -30,10 +33,22 @@ TEST(BackgroundTasks, RunTasksBesideEachOther) {
     BackgroundTasks tasks;
     std::latch together(2);
     for (int i = 0; i < 2; ++i) {
-        tasks.start([&](const std::stop_token&) { together.arrive_and_wait(); });
+        tasks.run([&](const std::stop_token&) { together.arrive_and_wait(); });
     }
     together.wait();
     tasks.finish();
+}
+
+TEST(BackgroundTasks, AreRunAtOnceWhereThereIsNoThread) {
+    inProcess([] {
+        refuseThreads();
+        BackgroundTasks tasks;
+        int runs = 0;
+        EXPECT_FALSE(tasks.start([&](const std::stop_token&) { ++runs; }));
+        EXPECT_EQ(runs, 0);
+        tasks.run([&](const std::stop_token&) { ++runs; });
+        EXPECT_EQ(runs, 1);
+    });
 }
 
 } // namespace

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <map>
 
 namespace velmora {
@@ -60,6 +61,15 @@ TEST(FolderReader, FindsNothingInWhatIsNotAFolder) {
     EXPECT_THAT(entriesOf(FolderReader(folder / "missing")), testing::IsEmpty());
     EXPECT_THAT(entriesOf(FolderReader(write(folder / "file"))), testing::IsEmpty());
     EXPECT_THAT(entriesOf(FolderReader(FileDescriptor())), testing::IsEmpty());
+}
+
+TEST(FolderReader, TellsAnErrorFromTheEnd) {
+    const fs::path folder = freshFolder();
+    FolderReader whole(folder);
+    EXPECT_FALSE(whole.next());
+    EXPECT_EQ(whole.error(), 0);
+    EXPECT_EQ(FolderReader(folder / "missing").error(), ENOENT);
+    EXPECT_EQ(FolderReader(write(folder / "file")).error(), ENOTDIR);
 }
 
 TEST(FolderReader, OpensAFolderThroughALink) {
