@@ -7,6 +7,7 @@
 #include "screenshots/Screenshots.h"
 #include "tests/staged/RecordingActions.h"
 #include "tests/staged/StagedWindow.h"
+#include "tests/support/ComesTrue.h"
 #include "ui/Views.h"
 #include "ui/content/ScanView.h"
 #include "ui/window/Alerts.h"
@@ -28,9 +29,6 @@
 namespace velmora::test {
 namespace {
 
-/// Longer than it takes a tool tip to come up.
-constexpr int toolTipMilliseconds = 800;
-
 /// One state of the window while it is arranged.
 struct Stage {
     ScanView scan;
@@ -38,6 +36,7 @@ struct Stage {
     RecordingActions actions;
     QQmlEngine engine;
     std::unique_ptr<QQuickWindow> window = stageWindow(engine, scan, actions, alerts, false);
+    bool complete = true; ///< whether everything that the page shows has appeared
 
     QQuickItem* item(const char* name) { return window->findChild<QQuickItem*>(name); }
 
@@ -47,11 +46,16 @@ struct Stage {
         }
     }
 
-    void hover(const char* name, int milliseconds) {
+    void hover(const char* name) {
         const QQuickItem* target = item(name);
         QTest::mouseMove(window.get(),
                          target->mapToScene({target->width() / 2, target->height() / 2}).toPoint());
-        QTest::qWait(milliseconds);
+        QTest::qWait(1);
+    }
+
+    void awaitToolTip() {
+        const bool shown = comesTrue([this] { return !visibleToolTips(*window).isEmpty(); });
+        complete = complete && shown;
     }
 };
 
@@ -103,7 +107,10 @@ Page focus(int tabs, const ScanState& state) {
 }
 
 Page toolTip(const char* name, const ScanState& state = {}) {
-    return {state, [name](Stage& stage) { stage.hover(name, toolTipMilliseconds); }};
+    return {state, [name](Stage& stage) {
+                stage.hover(name);
+                stage.awaitToolTip();
+            }};
 }
 
 std::map<std::string, Page> scanPages() {
@@ -150,7 +157,7 @@ std::map<std::string, Page> controlPages() {
         {"failed", {done(ZipFailed{"The archive could not be written."})}},
         {"failed-long", {longError}},
         {"copied", {done(), [](Stage& stage) { stage.scan.flash(ScanView::Copied::total); }}},
-        {"lit", {done(), [](Stage& stage) { stage.hover("zipButton", 1); }}},
+        {"lit", {done(), [](Stage& stage) { stage.hover("zipButton"); }}},
         {"focus-copy", focus(1, saved)},
         {"focus-reset", focus(4, saved)},
         {"focus-saved", focus(5, saved)},
@@ -166,7 +173,7 @@ std::map<std::string, Page> controlPages() {
          {.arrange =
               [](Stage& stage) {
                   stage.press(Qt::Key_F10);
-                  stage.hover("updatesRow", 1);
+                  stage.hover("updatesRow");
               }}},
     };
 }
@@ -194,7 +201,7 @@ bool write(const Page& page, const QSize& points, const std::filesystem::path& p
     stage.window->resize(points + QSize(0, static_cast<int>(stage.item("titleBar")->height())));
     stage.window->show();
     stage.window->requestActivate();
-    if (!QTest::qWaitForWindowActive(stage.window.get())) {
+    if (!QTest::qWaitForWindowActive(stage.window.get(), patience)) {
         return false;
     }
     QEvent leave(QEvent::Leave); // the pointer is nowhere unless a page says so
@@ -205,9 +212,9 @@ bool write(const Page& page, const QSize& points, const std::filesystem::path& p
     for (const char* name : {"waveField", "spectrumStrip"}) {
         stage.item(name)->setProperty("time", Screenshots::shotTime);
     }
-    return stage.window->grabWindow()
-        .convertToFormat(QImage::Format_RGB888)
-        .save(QString::fromStdString(path), "PNG", 0);
+    return stage.complete && stage.window->grabWindow()
+                                 .convertToFormat(QImage::Format_RGB888)
+                                 .save(QString::fromStdString(path), "PNG", 0);
 }
 
 int writeAll(const std::filesystem::path& directory, const QSize& points,

@@ -6,6 +6,7 @@
 #include "ui/window/Alerts.h"
 
 #include <QQmlComponent>
+#include <QQuickItem>
 #include <QQuickWindow>
 #include <QVariant>
 
@@ -24,6 +25,13 @@ std::unique_ptr<QQuickWindow> stageWindow(QQmlEngine& engine, ScanView& scan, Ac
         qFatal("%s", qPrintable(component.errorString()));
     }
     return std::unique_ptr<QQuickWindow>(window);
+}
+
+QList<QQuickItem*> visibleToolTips(const QQuickWindow& window) {
+    QList<QQuickItem*> items = window.findChildren<QQuickItem*>();
+    items.removeIf(
+        [](const QQuickItem* item) { return !item->property("wanted").isValid() || !item->isVisible(); });
+    return items;
 }
 
 } // namespace velmora::test

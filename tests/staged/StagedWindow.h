@@ -2,9 +2,12 @@
 
 // The program's window on prepared data.
 
+#include <QList>
+
 #include <memory>
 
 class QQmlEngine;
+class QQuickItem;
 class QQuickWindow;
 
 namespace velmora {
@@ -19,6 +22,9 @@ namespace test {
 /// `animated` lets the scenery move.
 std::unique_ptr<QQuickWindow> stageWindow(QQmlEngine& engine, ScanView& scan, Actions& actions,
                                           Alerts& alerts, bool animated);
+
+/// The tool tips that `window` shows.
+QList<QQuickItem*> visibleToolTips(const QQuickWindow& window);
 
 } // namespace test
 

@@ -193,7 +193,7 @@ TEST_F(ContentTest, ReachesEveryControlWithTab) {
         const QImage before = grab();
         QTest::keyClick(window.get(), Qt::Key_Tab);
         reached << window->activeFocusItem()->objectName();
-        EXPECT_NE(grab(), before) << "the focus is to be seen";
+        EXPECT_NE(grab(), before) << "the focus is visible";
     }
     EXPECT_EQ(reached, QStringList({"copyRuntimeButton", "copyFileListButton", "zipButton", "resetButton",
                                     "zipStatus"}));

@@ -1,5 +1,6 @@
-// The window by keyboard alone, and what it tells those who hear it.
+// The window used with the keyboard alone, and what it tells screen readers.
 
+#include "tests/staged/StagedWindow.h"
 #include "tests/ui/UiTest.h"
 
 #include <QAccessible>
@@ -29,7 +30,7 @@ class KeyboardTest : public UiTest {
 protected:
     std::string focused() { return window->activeFocusItem()->objectName().toStdString(); }
 
-    /// Where the focus goes with so many presses of Tab. Each is to be seen.
+    /// The controls that get the focus with `count` presses of Tab. Each of them shows that it has it.
     std::vector<std::string> tabs(int count, Qt::KeyboardModifiers modifiers = {}) {
         std::vector<std::string> reached;
         for (int i = 0; i < count; ++i) {
@@ -62,7 +63,7 @@ TEST_F(KeyboardTest, PressesTheButtonsOfTheTitleBarToo) {
     tabs(3);
     ASSERT_EQ(focused(), "closeButton");
     press(Qt::Key_Return);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
+    EXPECT_TRUE(comesTrue([&] { return !window->isVisible(); }));
 }
 
 TEST_F(KeyboardTest, GivesTheFocusBackWhenTheMenuCloses) {
@@ -78,7 +79,7 @@ TEST_F(KeyboardTest, LeadsThePointersRowOfTheMenu) {
     openWindow();
     press(Qt::Key_F10);
     hover(find("quitRow"));
-    EXPECT_EQ(focused(), "quitRow") << "there are not two rows to choose from";
+    EXPECT_EQ(focused(), "quitRow") << "only one row is marked";
 }
 
 TEST_F(KeyboardTest, KeepsTheFocusInAnAlertAndGivesItBackAfterwards) {
@@ -120,22 +121,14 @@ protected:
         if (!showsToolTips(1)) {
             return false;
         }
-        const QQuickItem* shown = visibleToolTips().constFirst();
+        const QQuickItem* shown = visibleToolTips(*window).constFirst();
         return shown->property("text").toString().startsWith(QLatin1String(words)) &&
                QRect({}, window->size()).contains(place(shown));
     }
 
-    /// Whether it comes to be that so many tool tips are shown.
+    /// Whether there comes a time at which exactly `count` tool tips are shown.
     bool showsToolTips(qsizetype count) {
-        constexpr int patience = 60'000; // milliseconds; only ends a test that hangs
-        return QTest::qWaitFor([&] { return visibleToolTips().size() == count; }, patience);
-    }
-
-    QList<QQuickItem*> visibleToolTips() {
-        QList<QQuickItem*> toolTips = window->findChildren<QQuickItem*>();
-        toolTips.removeIf(
-            [](const QQuickItem* item) { return !item->property("wanted").isValid() || !item->isVisible(); });
-        return toolTips;
+        return comesTrue([&] { return visibleToolTips(*window).size() == count; });
     }
 };
 
@@ -168,28 +161,28 @@ TEST_F(ToolTipTest, StandsBesideItsControlInTheWindow) {
 
 class SpeechTest : public UiTest {
 protected:
-    static std::string nameOf(QAccessibleInterface* heard) {
-        return heard->text(QAccessible::Name).toStdString();
+    static std::string nameOf(QAccessibleInterface* item) {
+        return item->text(QAccessible::Name).toStdString();
     }
 
-    QAccessibleInterface* heard(const char* name) {
+    QAccessibleInterface* accessible(const char* name) {
         return QAccessible::queryAccessibleInterface(find(name));
     }
 
-    /// Writes down what a reader of the screen speaks: the name of each notification that comes up.
+    /// Records what a screen reader speaks: the name of each notification that appears.
     void listen(const char* name) {
         const QQuickItem* item = find(name);
-        ASSERT_EQ(heard(name)->role(), QAccessible::Notification);
+        ASSERT_EQ(accessible(name)->role(), QAccessible::Notification);
         QObject::connect(item, &QQuickItem::visibleChanged, item, [this, item, name] {
             if (item->isVisible()) {
-                spoken += nameOf(heard(name));
+                spoken += nameOf(accessible(name));
             }
         });
     }
 
-    /// Waits for words to be spoken and returns all that were since the last time.
+    /// Waits until words are spoken. Returns all that were spoken since the last call.
     std::string nextSpoken() {
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !spoken.empty(); }));
+        EXPECT_TRUE(comesTrue([this] { return !spoken.empty(); }));
         return std::exchange(spoken, {});
     }
 
@@ -209,9 +202,9 @@ TEST_F(SpeechTest, NamesEveryControl) {
                                                           {"minimizeButton", "Minimise"},
                                                           {"maximizeButton", "Maximise"},
                                                           {"closeButton", "Close"}}) {
-        EXPECT_EQ(nameOf(heard(item)), name);
-        EXPECT_EQ(heard(item)->role(), QAccessible::Button) << name;
-        EXPECT_TRUE(heard(item)->state().focusable) << name;
+        EXPECT_EQ(nameOf(accessible(item)), name);
+        EXPECT_EQ(accessible(item)->role(), QAccessible::Button) << name;
+        EXPECT_TRUE(accessible(item)->state().focusable) << name;
     }
     for (const auto& [item, name] :
          std::vector<std::pair<const char*, std::string>>{{"wordmark", "VELMORA"},
@@ -219,30 +212,30 @@ TEST_F(SpeechTest, NamesEveryControl) {
                                                           {"totalWords", "1 hr  2 min  5 sec"},
                                                           {"unreadableLine", "2 files could not be read"},
                                                           {"phasePill", "READY"}}) {
-        EXPECT_EQ(nameOf(heard(item)), name);
-        EXPECT_EQ(heard(item)->role(), QAccessible::StaticText) << name;
+        EXPECT_EQ(nameOf(accessible(item)), name);
+        EXPECT_EQ(accessible(item)->role(), QAccessible::StaticText) << name;
     }
     press(Qt::Key_F10);
-    EXPECT_EQ(nameOf(heard("updatesRow")), "Check for Updates…");
-    EXPECT_EQ(heard("updatesRow")->role(), QAccessible::MenuItem);
+    EXPECT_EQ(nameOf(accessible("updatesRow")), "Check for Updates…");
+    EXPECT_EQ(accessible("updatesRow")->role(), QAccessible::MenuItem);
     alerts.show({"You're up to date", "Velmora 1.0 is the latest version."});
-    EXPECT_EQ(nameOf(heard("alertBox")), "You're up to date");
-    EXPECT_EQ(heard("alertBox")->role(), QAccessible::AlertMessage);
+    EXPECT_EQ(nameOf(accessible("alertBox")), "You're up to date");
+    EXPECT_EQ(accessible("alertBox")->role(), QAccessible::AlertMessage);
 }
 
-TEST_F(SpeechTest, LetsAReaderPressAControl) {
+TEST_F(SpeechTest, LetsAScreenReaderPressAControl) {
     openWindow();
-    heard("chooseButton")->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    accessible("chooseButton")->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
     EXPECT_EQ(actions.asked, QStringList("choose"));
 }
 
 TEST_F(SpeechTest, TellsHowFarAScanIs) {
     scan.show({.phase = Phase::scanning, .found = 8});
     openWindow();
-    EXPECT_EQ(heard("progressBar")->role(), QAccessible::ProgressBar);
-    EXPECT_EQ(nameOf(heard("progressBar")), "0 / 8");
+    EXPECT_EQ(accessible("progressBar")->role(), QAccessible::ProgressBar);
+    EXPECT_EQ(nameOf(accessible("progressBar")), "0 / 8");
     scan.show({.phase = Phase::scanning, .processed = 4, .found = 8, .progress = 0.5});
-    EXPECT_EQ(nameOf(heard("progressBar")), "4 / 8");
+    EXPECT_EQ(nameOf(accessible("progressBar")), "4 / 8");
 }
 
 TEST_F(SpeechTest, SpeaksEachStatusAndTheTotal) {

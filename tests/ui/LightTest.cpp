@@ -1,4 +1,4 @@
-// Glows, shadows and lines, against values computed here from what they are to look like.
+// Glows, shadows and lines, against values that are computed here from the design.
 
 #include "tests/ui/UiTest.h"
 #include "ui/kit/Neon.h"
@@ -114,8 +114,8 @@ TEST_F(LightTest, LetsTextGlowTwice) {
         for (int y = 0; y < letters.height(); ++y) {
             for (int x = 0; x < letters.width(); ++x) {
                 const double square = std::pow(x - at.x(), 2) + std::pow(y - at.y(), 2);
-                light += mask[static_cast<std::size_t>(y * letters.width() + x)] *
-                         std::exp(-square / (2 * 12.16 * 12.16)) / (2 * 3.14159265 * 12.16 * 12.16);
+                light += mask[pixelIndex(x, y, letters.width())] * std::exp(-square / (2 * 12.16 * 12.16)) /
+                         (2 * 3.14159265 * 12.16 * 12.16);
             }
         }
         const QColor once = over(Qt::black, Neon::violet, 0.85 * light);

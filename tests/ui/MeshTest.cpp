@@ -1,6 +1,7 @@
 // The mesh that a GPU is given, drawn here as a GPU would draw it, against the image that is shown without
 // one.
 
+#include "tests/ui/UiTest.h"
 #include "ui/scenery/RibbonImage.h"
 #include "ui/scenery/RibbonMesh.h"
 
@@ -64,7 +65,7 @@ void drawTriangle(Canvas& canvas, const Vertex& a, Vertex b, Vertex c, double sc
                 const auto mix = [&](uchar atA, uchar atB, uchar atC) {
                     return (atA * toA + atB * toB + atC * toC) / area;
                 };
-                blend(canvas.pixels[static_cast<std::size_t>(row * canvas.width + column)],
+                blend(canvas.pixels[pixelIndex(column, row, canvas.width)],
                       {mix(a.r, b.r, c.r), mix(a.g, b.g, c.g), mix(a.b, b.b, c.b), mix(a.a, b.a, c.a)});
             }
         }
@@ -98,7 +99,7 @@ double decibels(RibbonMesh& geometry, const RibbonSet& ribbons, double scale) {
     double squares = 0;
     for (int y = 0; y < canvas.height; ++y) {
         for (int x = 0; x < canvas.width; ++x) {
-            const auto& pixel = canvas.pixels[static_cast<std::size_t>(y * canvas.width + x)];
+            const auto& pixel = canvas.pixels[pixelIndex(x, y, canvas.width)];
             const QRgb shown = image.pixel(x, y);
             squares += std::pow(pixel[0] - qRed(shown), 2) + std::pow(pixel[1] - qGreen(shown), 2) +
                        std::pow(pixel[2] - qBlue(shown), 2);

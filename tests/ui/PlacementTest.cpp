@@ -1,4 +1,4 @@
-// Where things stand in the window's content, and that they stay there.
+// The places of the items in the window's content, and that they stay there.
 
 #include "tests/ui/UiTest.h"
 

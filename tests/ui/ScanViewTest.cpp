@@ -17,8 +17,6 @@ namespace {
 
 using Phase = ScanModel::Phase;
 
-constexpr int patience = 60'000; // milliseconds; only ends a test that hangs
-
 class ScanViewTest : public UiTest {
 protected:
     ScanView view;
@@ -126,7 +124,7 @@ TEST_F(ScanViewTest, FollowsAModel) {
     EXPECT_TRUE(follower.scanning());
     EXPECT_EQ(follower.source(), "LIVE SET");
     EXPECT_EQ(follower.status(), "READING SOURCE");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return follower.empty(); }));
+    ASSERT_TRUE(comesTrue([&] { return follower.empty(); }));
     EXPECT_EQ(follower.status(), "NO AUDIO FOUND");
     model.reset();
     EXPECT_TRUE(follower.idle());
@@ -145,7 +143,7 @@ TEST_F(ScanViewTest, SaysCopiedForOnePointFourSeconds) {
     QElapsedTimer clock;
     clock.start();
     view.flash(ScanView::Copied::total);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view.flashing() == ScanView::Copied::nothing; }, patience));
+    ASSERT_TRUE(comesTrue([&] { return view.flashing() == ScanView::Copied::nothing; }));
     EXPECT_GE(clock.elapsed(), 1390);
     EXPECT_EQ(view.copyRuntimeTitle(), "COPY RUNTIME");
 }
@@ -156,7 +154,7 @@ TEST_F(ScanViewTest, LeavesALaterCopysFlashAlone) {
     QElapsedTimer sinceSecond;
     sinceSecond.start();
     view.flash(ScanView::Copied::list);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view.flashing() == ScanView::Copied::nothing; }, patience));
+    ASSERT_TRUE(comesTrue([&] { return view.flashing() == ScanView::Copied::nothing; }));
     EXPECT_GE(sinceSecond.elapsed(), 1390) << "the end of the first flash is not that of the second";
 }
 

@@ -114,7 +114,7 @@ QImage paintedRibbons(const RibbonSet& ribbons) {
     for (int y = 0; y < sharp.height(); ++y) {
         for (int x = 0; x < sharp.width(); ++x) {
             const QRgb pixel = reinterpret_cast<const QRgb*>(sharp.constScanLine(y))[x];
-            const auto at = static_cast<std::size_t>(y * sharp.width() + x);
+            const std::size_t at = pixelIndex(x, y, sharp.width());
             const auto add = [&](int channel, std::size_t i) {
                 const float kept = 1 - static_cast<float>(qAlpha(pixel)) / 255;
                 return static_cast<int>(
@@ -126,7 +126,7 @@ QImage paintedRibbons(const RibbonSet& ribbons) {
     return result;
 }
 
-TEST_F(SceneryTest, DrawsTheRibbonsByHandAsAGeneralPainterWould) {
+TEST_F(SceneryTest, DrawsTheRibbonsAsAGeneralPainterDoes) {
     const RibbonSet ribbons = RibbonSet::at({600, 400}, 0.74, someTime);
     RibbonImage field;
     field.draw(ribbons, 1);
@@ -179,16 +179,18 @@ TEST_F(SceneryTest, DrawsNoBarInAStripNarrowerThanSevenPoints) {
 }
 
 TEST(Glow, SpreadsAPointToAGaussian) {
-    CoverageMap map{61, 61, std::vector<float>(61 * 61)};
-    map.values[30 * 61 + 30] = 1;
+    constexpr std::size_t side = 61;
+    CoverageMap map{side, side, std::vector<float>(side * side)};
+    const auto at = [&map](int x, int y) -> float& { return map.values[pixelIndex(x, y, side)]; };
+    at(30, 30) = 1;
     blur(map, 5);
     EXPECT_NEAR(std::accumulate(map.values.begin(), map.values.end(), 0.0), 1, 0.002);
     const auto expected = [](double dx, double dy) {
         return std::exp(-(dx * dx + dy * dy) / 50) / (2 * 3.14159265 * 25);
     };
-    EXPECT_NEAR(map.values[30 * 61 + 30], expected(0, 0), 2e-5);
-    EXPECT_NEAR(map.values[30 * 61 + 36], expected(6, 0), 2e-5);
-    EXPECT_NEAR(map.values[23 * 61 + 33], expected(3, 7), 2e-5);
+    EXPECT_NEAR(at(30, 30), expected(0, 0), 2e-5);
+    EXPECT_NEAR(at(36, 30), expected(6, 0), 2e-5);
+    EXPECT_NEAR(at(33, 23), expected(3, 7), 2e-5);
 }
 
 } // namespace

@@ -54,7 +54,7 @@ QQuickItem* UiTest::showItem(const char* name, const QVariantMap& properties, co
     item->setParentItem(window->contentItem());
     window->resize(item->size().toSize());
     window->show();
-    EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get()));
+    EXPECT_TRUE(QTest::qWaitForWindowExposed(window.get(), patience));
     QEvent leave(QEvent::Leave); // where the pointer was left by an earlier test
     QCoreApplication::sendEvent(window.get(), &leave);
     return item;
@@ -77,7 +77,7 @@ void UiTest::showState(const ScanState& state, const QSize& points) {
 void UiTest::openWindow(bool animated) {
     window = stageWindow(*m_engine, scan, actions, alerts, animated);
     window->show();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), patience));
 }
 
 void UiTest::press(Qt::Key key, Qt::KeyboardModifiers modifiers) {
@@ -110,6 +110,10 @@ void UiTest::hoverNothing() {
 
 void UiTest::click(const QQuickItem* item) {
     QTest::mouseClick(window.get(), Qt::LeftButton, {}, place(item).center());
+}
+
+std::size_t pixelIndex(int x, int y, int width) {
+    return static_cast<std::size_t>(y) * static_cast<std::size_t>(width) + static_cast<std::size_t>(x);
 }
 
 int distance(const QColor& a, const QColor& b) {

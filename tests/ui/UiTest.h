@@ -1,8 +1,9 @@
 #pragma once
 
-// What tests of views share: an application without a display, an eye on every warning, views in windows.
+// What tests of views share: an application without a display, views in windows; every warning is a failure.
 
 #include "tests/staged/RecordingActions.h"
+#include "tests/support/ComesTrue.h"
 #include "ui/content/ScanView.h"
 #include "ui/window/Alerts.h"
 
@@ -70,6 +71,9 @@ private:
 
     std::unique_ptr<QQmlEngine> m_engine;
 };
+
+/// The index of the pixel (x, y) among the pixels of an image of that width, row by row.
+std::size_t pixelIndex(int x, int y, int width);
 
 /// How far apart two colours are: the largest difference of a channel, from 0 to 255.
 int distance(const QColor& a, const QColor& b);

@@ -134,6 +134,10 @@ void Desktop::pull(const QPoint& from, const QPoint& to) const {
     xdotool(words);
 }
 
+void Desktop::point(const QPoint& to) const {
+    xdotool(QStringList{"mousemove"} + place(to));
+}
+
 void Desktop::letGo() const {
     xdotool({"mouseup", "1"});
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-// A desktop of one's own, as a user finds it after logging in: a display with a window manager, a session bus
-// with the service for readers of the screen, folders. Nothing of the user who runs the test is touched.
+// A desktop for one test, as a user finds it after logging in: a display with a window manager, a session bus
+// with the service for screen readers, folders. Nothing of the user who runs the test is touched.
 
 #include "tests/support/Files.h"
 #include "tests/window/Process.h"
@@ -18,12 +18,12 @@ namespace velmora::test {
 enum class Display : std::uint8_t {
     x11,
     wayland,
-    small, ///< Wayland on a screen smaller than the window, without pointer and keyboard: hands do nothing
+    small, ///< Wayland on a screen smaller than the window, and without pointer and keyboard
 };
 
 enum class Bus : std::uint8_t { present, absent };
 
-/// Ends, with all its programs, when it goes.
+/// Its destructor ends all its programs.
 class Desktop {
 public:
     explicit Desktop(Bus bus = Bus::present, Display display = Display::x11);
@@ -58,6 +58,10 @@ public:
     /// Presses the pointer's button at `from` and moves to `to` in small steps; the button stays down.
     void pull(const QPoint& from, const QPoint& to) const;
 
+    /// Moves the pointer, with the button as it is.
+    void point(const QPoint& to) const;
+
+    /// Releases the pointer's button.
     void letGo() const;
 
     /// Minimises the window that has the focus.

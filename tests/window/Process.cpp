@@ -1,7 +1,5 @@
 #include "tests/window/Process.h"
 
-#include <QTest>
-
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
 
@@ -11,17 +9,12 @@ namespace velmora::test {
 
 namespace {
 
-constexpr int patience = 60'000;      // milliseconds for what a busy machine does in one second
 constexpr int politePatience = 5'000; // milliseconds a program gets to end by itself
 
 } // namespace
 
 QString text(const std::filesystem::path& path) {
     return QString::fromStdString(path.native());
-}
-
-bool comesTrue(const std::function<bool()>& condition) {
-    return QTest::qWaitFor(condition, patience);
 }
 
 Process::Process(const QString& program, const QStringList& arguments,

@@ -1,6 +1,8 @@
 #pragma once
 
-// Programs beside the test, each ended with the object that stands for it.
+// Programs that run beside the test. Each ends with the object that represents it.
+
+#include "tests/support/ComesTrue.h"
 
 #include <QByteArray>
 #include <QProcess>
@@ -8,18 +10,13 @@
 #include <QStringList>
 
 #include <filesystem>
-#include <functional>
 
 namespace velmora::test {
 
 /// A path that is UTF-8.
 QString text(const std::filesystem::path& path);
 
-/// Whether `condition` came to hold; looked at again and again for a minute, events being processed
-/// meanwhile.
-bool comesTrue(const std::function<bool()>& condition);
-
-/// A running program. Asked to end when this goes, and killed if it does not within some seconds.
+/// A running program. The destructor asks it to end, and kills it if it does not end within some seconds.
 class Process {
 public:
     /// A program that cannot be started is a test failure.
@@ -34,7 +31,8 @@ public:
 
     bool ended() const { return m_process.state() == QProcess::NotRunning; }
 
-    /// Waits for its end. The exit status; -1 after a signal, or, as a test failure, when it does not end.
+    /// Waits for its end. Returns the exit status; -1 after a signal, or, as a test failure, when it does not
+    /// end.
     int wait();
 
     /// All it wrote to standard output so far.
@@ -49,7 +47,7 @@ public:
 private:
     QProcess m_process;
     QByteArray m_output;
-    qsizetype m_read = 0; ///< how far `nextLine` has come
+    qsizetype m_read = 0; ///< how many bytes `nextLine` has returned
 };
 
 /// Runs a program to its end and returns its output; an exit status other than 0 is a test failure.

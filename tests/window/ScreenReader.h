@@ -1,6 +1,6 @@
 #pragma once
 
-// Sees a window as a reader of the screen does: through the accessibility bus, by roles, names and places.
+// Reads windows as a screen reader does: through the accessibility bus, by roles, names and places.
 
 #include <QDBusConnection>
 #include <QList>
@@ -11,14 +11,14 @@
 
 namespace velmora::test {
 
-/// Something to be seen in a window.
+/// Something that a window shows.
 struct Element {
     QString name;
     QString description;
     QString role;  ///< such as "push button", "label", "frame"
-    QRect place;   ///< on the screen; on Wayland, which tells no window where it is, only its size counts
-    QString owner; ///< whose it is on the accessibility bus
-    QString path;
+    QRect place;   ///< on the screen; on Wayland, where no window knows its position, only the size is right
+    QString owner; ///< the program's name on the accessibility bus
+    QString path;  ///< on the accessibility bus
 };
 
 class ScreenReader {
@@ -32,7 +32,7 @@ public:
     /// Everything that is shown at the moment, in all windows.
     QList<Element> shown() const;
 
-    /// The one named so; absent while it is not shown.
+    /// The element of that name; absent while it is not shown.
     std::optional<Element> find(const QString& name) const;
 
     /// Asks `element` to do what a click would do, without waiting for it.

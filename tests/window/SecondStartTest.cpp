@@ -6,8 +6,15 @@
 #include <gmock/gmock.h>
 
 #include <csignal>
+#include <ostream>
 
 namespace velmora::test {
+
+/// How a test's parameter is printed.
+void PrintTo(Bus bus, std::ostream* out) {
+    *out << (bus == Bus::present ? "WithABus" : "WithoutABus");
+}
+
 namespace {
 
 using testing::IsEmpty;
@@ -18,7 +25,7 @@ protected:
     SecondStartTest()
         : WindowTest(GetParam()) {}
 
-    /// Waits until the window reports that, as it can be seen without a bus.
+    /// Waits until the window reports `text`. Asks the clipboard, which needs no bus.
     void awaitReport(const QString& text) const {
         EXPECT_TRUE(comesTrue([&] {
             desktop.press("ctrl+c");
@@ -72,9 +79,7 @@ TEST_P(SecondStartTest, OfTwoAtTheSameTimeOneStays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Rows, SecondStartTest, testing::Values(Bus::present, Bus::absent),
-                         [](const auto& row) {
-                             return row.param == Bus::present ? "WithABus" : "WithoutABus";
-                         });
+                         testing::PrintToStringParamName());
 
 } // namespace
 } // namespace velmora::test

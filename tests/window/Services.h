@@ -11,7 +11,7 @@
 
 namespace velmora::test {
 
-/// The file manager: remembers what it is asked to show. There while this lives.
+/// The file manager: records what it is asked to show. Present while this object lives.
 class FileManager : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.FileManager1")
@@ -30,7 +30,7 @@ private:
     QDBusConnection m_bus;
 };
 
-/// The portal through which confined programs hand over files. There while this lives.
+/// The portal through which confined programs hand over files. Present while this object lives.
 class DocumentPortal : public QObject {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileTransfer")

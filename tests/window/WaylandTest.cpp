@@ -1,5 +1,5 @@
-// The same program on Wayland. Where its windows are nobody but the compositor knows, so what would be
-// clicked is pressed through the reader of the screen.
+// The same program on Wayland. Only the compositor knows where its windows are, so controls are pressed
+// through the screen reader instead of clicked.
 
 #include "tests/support/Archives.h"
 #include "tests/window/WindowTest.h"
@@ -86,7 +86,7 @@ TEST_F(SmallWaylandTest, ShowsTheTotalWithoutPointerAndKeyboard) {
     expectEndWithoutATrace();
 }
 
-TEST_F(SmallWaylandTest, MaximisesToASizeBelowItsLeast) {
+TEST_F(SmallWaylandTest, MaximisesToASizeBelowItsMinimum) {
     act("Maximise");
     EXPECT_TRUE(comesTrue([this] { return window().width() == 840 && window().height() < 640; }));
     act("Close");

@@ -40,8 +40,8 @@ std::string namesOf(const QList<Element>& elements) {
 
 WindowTest::WindowTest(Bus bus, Display display)
     : desktop(bus, display) {
-    environment.insert("VELMORA_MANIFEST_URL", "http://127.0.0.1:9/"); // nobody answers there
-    // Qt complains when a reader of the screen asks about what has just gone.
+    environment.insert("VELMORA_MANIFEST_URL", "http://127.0.0.1:9/"); // no server listens there
+    // Qt warns when a screen reader asks about an item that has just been deleted.
     environment.insert("QT_LOGGING_RULES", "qt.accessibility.atspi*=false");
 }
 
@@ -76,7 +76,7 @@ QString WindowTest::url(const fs::path& path) {
 }
 
 fs::path WindowTest::recordOpening() const {
-    const fs::path record = folder / "opened";
+    fs::path record = folder / "opened";
     const fs::path opener =
         write(desktop.programs() / "xdg-open",
               "#!/bin/sh\necho \"$1\" > " + shellWord(record.native() + "~") + " && mv " +

@@ -1,6 +1,7 @@
 #pragma once
 
-// What the tests of the real window share: a desktop, the program on it, eyes and hands.
+// What the tests of the real window share: a desktop, the program on it, and what reads
+// and presses its controls.
 
 #include "tests/window/Desktop.h"
 #include "tests/window/ScreenReader.h"
@@ -15,22 +16,22 @@
 
 namespace velmora::test {
 
-/// The built program as a process of its own on a desktop of its own. It asks nobody for updates, unless a
-/// test says whom.
+/// The built program as a process of its own on a desktop of its own. It asks no server for updates, unless a
+/// test names one.
 class WindowTest : public testing::Test {
 protected:
     explicit WindowTest(Bus bus = Bus::present, Display display = Display::x11);
 
-    /// Whatever the program complained of is a failure.
+    /// Anything that the program wrote to standard error is a failure.
     void TearDown() override;
 
     /// Starts the program without waiting for anything.
     std::unique_ptr<Process> start(const QStringList& arguments = {});
 
-    /// Starts it and waits until its window has the focus and, as far as that can be seen, is shown.
+    /// Starts it and waits until its window has the focus and, where there is a bus to see that, is shown.
     void open(const QStringList& arguments = {});
 
-    /// Starts it again beside the running one; its exit status.
+    /// Starts it again beside the running one. Returns the exit status of the second.
     int startAgain(const QStringList& arguments = {});
 
     /// Writes a WAV file of so many seconds into the test's folder; its path.
@@ -39,23 +40,23 @@ protected:
     /// `path` as the program takes it on the command line, whatever bytes it holds.
     static QString url(const fs::path& path);
 
-    /// From here on, what the program opens with another (a page, a folder) is only noted: its address, in a
-    /// line of the file returned, which is not there before.
+    /// From here on, what the program opens with another program (a page, a folder) is only recorded: its
+    /// address is the only line of the returned file, which does not exist before.
     fs::path recordOpening() const;
 
-    /// Waits until that is shown; a test failure that tells what is shown instead.
+    /// Waits until an element of that name is shown; otherwise a test failure that names what is shown.
     Element awaitShown(const QString& name) const;
 
-    /// Waits until that is no longer shown.
+    /// Waits until no element of that name is shown.
     void awaitGone(const QString& name) const;
 
-    /// Waits until the window whose title begins so has the focus.
+    /// Waits until a window whose title begins with `title` has the focus.
     void awaitActive(const QString& title) const;
 
-    /// Waits until what is on the clipboard is `text`.
+    /// Waits until the clipboard holds `text`.
     void awaitClipboard(const QString& text) const;
 
-    /// Clicks in the middle of what is named so, once it is shown.
+    /// Clicks in the middle of the element of that name, once it is shown.
     void click(const QString& name) const;
 
     /// The window's place on the screen; empty while there is no window.
