@@ -15,7 +15,7 @@ protected:
     bool clockRuns() { return window->findChild<FrameClock*>()->running(); }
 };
 
-TEST_F(MainWindowTest, IsFramelessAndLeavesTheContentItsLeastSize) {
+TEST_F(MainWindowTest, IsFramelessAndLeavesTheContentItsMinimumSize) {
     openWindow();
     EXPECT_TRUE(window->flags().testFlag(Qt::FramelessWindowHint));
     EXPECT_EQ(window->minimumSize(), QSize(880, 660 + 28));
@@ -41,6 +41,18 @@ TEST_F(MainWindowTest, DoesWithKeysWhatTheButtonsDo) {
     EXPECT_EQ(actions.asked.size(), 6) << "one packing at a time";
 }
 
+TEST_F(MainWindowTest, ResetsDuringAPackingByItsButtonOnly) {
+    scan.show({.phase = Phase::done, .zip = ZipWorking{1, 2}});
+    openWindow();
+    press(Qt::Key_Escape);
+    EXPECT_EQ(actions.asked, QStringList());
+    click(find("resetButton"));
+    EXPECT_EQ(actions.asked, QStringList("reset"));
+    scan.show({.phase = Phase::done, .zip = ZipDone{"/music/Live Set.zip"}});
+    press(Qt::Key_Escape);
+    EXPECT_EQ(actions.asked, QStringList({"reset", "reset"}));
+}
+
 TEST_F(MainWindowTest, OpensItsMenuByPointerAndByKey) {
     openWindow();
     const QQuickItem* menu = find("menu");
@@ -59,6 +71,18 @@ TEST_F(MainWindowTest, OpensItsMenuByPointerAndByKey) {
     EXPECT_EQ(actions.asked, QStringList({"about", "checkForUpdates", "quit"}));
 }
 
+TEST_F(MainWindowTest, ClosesItsMenuByTheKeyThatOpenedIt) {
+    openWindow();
+    press(Qt::Key_Tab);
+    press(Qt::Key_F10);
+    ASSERT_TRUE(find("menu")->isVisible());
+    press(Qt::Key_F10);
+    EXPECT_FALSE(find("menu")->isVisible());
+    EXPECT_EQ(window->activeFocusItem()->objectName(), "chooseButton");
+    press(Qt::Key_F10);
+    EXPECT_TRUE(find("menu")->isVisible());
+}
+
 TEST_F(MainWindowTest, ClosesItsMenuWithoutACommand) {
     openWindow();
     scan.show({.phase = Phase::done});
@@ -74,23 +98,23 @@ TEST_F(MainWindowTest, ClosesItsMenuWithoutACommand) {
 TEST_F(MainWindowTest, MaximisesByDoubleClickOnTheTitleBar) {
     openWindow();
     QTest::mouseDClick(window.get(), Qt::LeftButton, {}, {400, 14});
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window->visibility() == QWindow::Maximized; }));
+    EXPECT_TRUE(comesTrue([&] { return window->visibility() == QWindow::Maximized; }));
     EXPECT_EQ(find("maximizeButton")->property("label"), "Restore");
     click(find("maximizeButton"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return window->visibility() == QWindow::Windowed; }));
+    EXPECT_TRUE(comesTrue([&] { return window->visibility() == QWindow::Windowed; }));
 }
 
 TEST_F(MainWindowTest, ClosesByItsButton) {
     openWindow();
     click(find("closeButton"));
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !window->isVisible(); }));
+    EXPECT_TRUE(comesTrue([&] { return !window->isVisible(); }));
 }
 
-TEST_F(MainWindowTest, MovesOnlyWhileItIsToBeSeen) {
+TEST_F(MainWindowTest, MovesOnlyWhileItIsVisible) {
     openWindow(true);
     EXPECT_TRUE(clockRuns());
     const double time = find("waveField")->property("time").toDouble();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return find("waveField")->property("time").toDouble() > time; }));
+    EXPECT_TRUE(comesTrue([&] { return find("waveField")->property("time").toDouble() > time; }));
     window->showMinimized();
     EXPECT_FALSE(clockRuns());
     window->showNormal();
@@ -119,9 +143,9 @@ TEST_F(MainWindowTest, GrowsTheEmblemWhileADragHovers) {
     QQuickItem* emblem = find("dropEmblem");
     EXPECT_EQ(emblem->property("magnification").toDouble(), 1);
     scan.setTargeted(true);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return emblem->property("magnification").toDouble() == 1.08; }));
+    EXPECT_TRUE(comesTrue([&] { return emblem->property("magnification").toDouble() == 1.08; }));
     scan.setTargeted(false);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return emblem->property("magnification").toDouble() == 1; }));
+    EXPECT_TRUE(comesTrue([&] { return emblem->property("magnification").toDouble() == 1; }));
 }
 
 TEST_F(MainWindowTest, TellsAlertsOneAfterTheOtherAndNothingElseHappensMeanwhile) {

@@ -79,7 +79,7 @@ Window {
         blocked: window.alerts.open
         scan: window.scan
         actions: window.actions
-        onMenuPressed: menu.open()
+        onMenuPressed: menu.visible ? menu.close() : menu.open()
     }
 
     Announcement {

@@ -1,7 +1,8 @@
 import QtQuick
 import Velmora
 
-// The window's keys. Each does what a control does, and only while that control is shown and enabled.
+// The window's keys. Each does what a control does, and only while that control is shown and enabled. Escape
+// also does nothing while a zip archive is written: one key press must not lose that work.
 Item {
     id: shortcuts
 
@@ -38,7 +39,8 @@ Item {
 
     Shortcut {
         sequence: "Escape"
-        enabled: !shortcuts.blocked && !shortcuts.scan.idle && !shortcuts.menuOpen
+        enabled: !shortcuts.blocked && !shortcuts.menuOpen && !shortcuts.scan.idle
+                 && !shortcuts.scan.zipWorking
         onActivated: shortcuts.actions.reset()
     }
 
