@@ -29,9 +29,3 @@ function(velmora_library name)
   add_library(${name} STATIC ${ARG_SOURCES})
   target_link_libraries(${name} PUBLIC standard_settings ${ARG_LINKS} PRIVATE standard_warnings)
 endfunction()
-
-# Where modules stand that the program loads itself. Programs find them by their run path; the older kind of it,
-# which holds for the whole process, since sanitizers load libraries in the program's place.
-set(VELMORA_MODULE_DIRECTORY ${CMAKE_BINARY_DIR}/lib/velmora)
-set(CMAKE_BUILD_RPATH ${VELMORA_MODULE_DIRECTORY})
-add_link_options($<$<STREQUAL:$<TARGET_PROPERTY:TYPE>,EXECUTABLE>:LINKER:--disable-new-dtags>)

@@ -26,12 +26,16 @@ std::int64_t sizeAt(const std::filesystem::path& path) {
 /// The bytes of `file`; `story` is told how many are read, and of a read that fails. Both must outlive the
 /// source.
 ByteSource countedSource(const RegularFile& file, Explanation& story) {
-    return {file.size(), [&file, &story](std::int64_t offset, std::span<std::uint8_t> buffer) {
-                const std::optional<std::size_t> got = file.readAt(offset, buffer);
-                story.bytesRead += static_cast<std::int64_t>(got.value_or(0));
-                story.hasReadFailed = story.hasReadFailed || (!got && offset >= 0);
-                return got;
-            }};
+    const auto note = [&story](std::int64_t bytes, bool hasFailed) {
+        story.bytesRead += bytes;
+        story.hasReadFailed = story.hasReadFailed || hasFailed;
+    };
+    const auto readAt = [&file, note](std::int64_t offset, std::span<std::uint8_t> buffer) {
+        const std::optional<std::size_t> got = file.readAt(offset, buffer);
+        note(static_cast<std::int64_t>(got.value_or(0)), !got && offset >= 0);
+        return got;
+    };
+    return {file.size(), readAt, file.descriptor(), note};
 }
 
 /// The seconds that `answer` settles on: `unmeasured` if no tool is to time the file; absent if ffprobe may.

@@ -16,6 +16,7 @@
 #include <cerrno>
 #include <csignal>
 #include <string_view>
+#include <system_error>
 
 namespace velmora {
 
@@ -55,7 +56,7 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 /// The attributes and descriptors of a child, in the form posix_spawn takes them.
 class SpawnSettings {
 public:
-    explicit SpawnSettings(int output) {
+    SpawnSettings(int input, int output) {
         posix_spawnattr_init(&m_attributes);
         sigset_t none;
         sigset_t all;
@@ -72,8 +73,12 @@ public:
         } else {
             posix_spawn_file_actions_adddup2(&m_actions, output, STDOUT_FILENO);
         }
-        // Reading fails instead of ending: a tool that wants a password gives up at its first prompt.
-        posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_WRONLY, 0);
+        if (input < 0) {
+            // Reading fails instead of ending: a tool that wants a password gives up at its first prompt.
+            posix_spawn_file_actions_addopen(&m_actions, STDIN_FILENO, "/dev/null", O_WRONLY, 0);
+        } else {
+            posix_spawn_file_actions_adddup2(&m_actions, input, STDIN_FILENO);
+        }
         posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
         posix_spawn_file_actions_addclosefrom_np(&m_actions, STDERR_FILENO + 1);
     }
@@ -94,6 +99,19 @@ private:
     posix_spawnattr_t m_attributes{};
     posix_spawn_file_actions_t m_actions{};
 };
+
+/// Absent when the system refuses.
+std::optional<pid_t> spawn(const std::filesystem::path& tool, const std::vector<std::string>& args, int input,
+                           int output) {
+    std::vector<std::string> words = {tool.native()};
+    words.insert(words.end(), args.begin(), args.end());
+    std::vector<std::string> environment = childEnvironment();
+    const SpawnSettings settings(input, output);
+    pid_t child = 0;
+    const int error = ::posix_spawn(&child, tool.c_str(), settings.actions(), settings.attributes(),
+                                    pointers(words).data(), pointers(environment).data());
+    return error == 0 ? std::optional(child) : std::nullopt;
+}
 
 /// Waits for the child's end and kills its whole session at a request to stop or after the deadline. The
 /// child is not reaped here, so its process group cannot be another's while it may still be killed.
@@ -158,18 +176,30 @@ std::optional<int> runChild(const std::filesystem::path& tool, const std::vector
         return std::nullopt;
     }
     keepExitStatuses();
-    std::vector<std::string> words = {tool.native()};
-    words.insert(words.end(), args.begin(), args.end());
-    std::vector<std::string> environment = childEnvironment();
-    const SpawnSettings settings(output);
-    pid_t child = 0;
-    if (::posix_spawn(&child, tool.c_str(), settings.actions(), settings.attributes(), pointers(words).data(),
-                      pointers(environment).data()) != 0) {
+    const std::optional<pid_t> child = spawn(tool, args, -1, output);
+    if (!child) {
         return std::nullopt;
     }
-    awaitEnd(child, limits);
-    ::kill(-child, SIGKILL); // whatever it started and did not wait for
-    return reap(child);
+    awaitEnd(*child, limits);
+    ::kill(-*child, SIGKILL); // whatever it started and did not wait for
+    return reap(*child);
+}
+
+std::optional<pid_t> startChild(const std::filesystem::path& tool, const std::vector<std::string>& args,
+                                int input) {
+    return spawn(tool, args, input, -1);
+}
+
+std::optional<std::filesystem::path> privateProgram(std::string_view name) {
+    std::error_code error;
+    const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
+    for (const char* way : {"../libexec/velmora", "../../libexec/velmora"}) {
+        const std::filesystem::path program = (folder / way / name).lexically_normal();
+        if (!error && isExecutableFile(program)) {
+            return program;
+        }
+    }
+    return std::nullopt;
 }
 
 } // namespace velmora

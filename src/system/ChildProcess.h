@@ -5,11 +5,14 @@
 // read, no other descriptor, default signal handling, names in UTF-8 (LC_ALL=C.UTF-8), the system's programs
 // alone in its PATH, and no variable that would change a tool's options.
 
+#include <sys/types.h>
+
 #include <chrono>
 #include <filesystem>
 #include <optional>
 #include <stop_token>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace velmora {
@@ -30,5 +33,14 @@ bool isExecutableFile(const std::filesystem::path& path);
 /// no executable at `tool`, when it cannot be started, or when `stop` was requested before.
 std::optional<int> runChild(const std::filesystem::path& tool, const std::vector<std::string>& args,
                             int output, const ChildLimits& limits = {});
+
+/// Starts `tool` with `args` as `runChild` does, but with `input` as standard input, and does not wait: the
+/// caller awaits its end by waitpid. Absent when it cannot be started.
+std::optional<pid_t> startChild(const std::filesystem::path& tool, const std::vector<std::string>& args,
+                                int input);
+
+/// The program `name` of this installation that only its other programs start: in the folder libexec/velmora
+/// beside the folder of this program, or, in a build tree, one folder higher. Absent when it is not there.
+std::optional<std::filesystem::path> privateProgram(std::string_view name);
 
 } // namespace velmora

@@ -22,6 +22,11 @@ public:
     /// says why (EINVAL for what is not a regular file).
     static std::optional<RegularFile> open(const std::filesystem::path& path);
 
+    /// The file of `size` bytes that is open for reading at `descriptor`.
+    RegularFile(FileDescriptor descriptor, std::int64_t size)
+        : m_descriptor(std::move(descriptor))
+        , m_size(size) {}
+
     int descriptor() const { return m_descriptor.get(); }
 
     /// Size in bytes at the time of opening.
@@ -32,10 +37,6 @@ public:
     std::optional<std::size_t> readAt(std::int64_t offset, std::span<std::uint8_t> buffer) const;
 
 private:
-    RegularFile(FileDescriptor descriptor, std::int64_t size)
-        : m_descriptor(std::move(descriptor))
-        , m_size(size) {}
-
     FileDescriptor m_descriptor;
     std::int64_t m_size = 0;
 };

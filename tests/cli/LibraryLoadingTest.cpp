@@ -1,5 +1,5 @@
 // Which libraries a scan loads: libavformat and the more than a hundred that it needs are loaded only
-// for a file that needs them.
+// for a file that needs them, and only by the helper.
 
 #include "tests/support/Files.h"
 #include "tests/support/RealAudio.h"
@@ -7,6 +7,10 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <set>
+#include <sstream>
+#include <string>
 
 namespace velmora::test {
 namespace {
@@ -29,12 +33,24 @@ TEST(LibraryLoading, LeavesLibavformatOutWhereNoFileNeedsIt) {
     EXPECT_THAT(calls, HasSubstr("a.wav"));
     EXPECT_THAT(calls, HasSubstr("libstdc++"));
     EXPECT_THAT(calls, Not(HasSubstr("libavformat")));
+    EXPECT_THAT(calls, Not(HasSubstr("velmora-libav")));
 }
 
-TEST(LibraryLoading, LoadsLibavformatForTheFileThatNeedsIt) {
+TEST(LibraryLoading, LoadsLibavformatInTheHelperForTheFileThatNeedsIt) {
     const fs::path folder = freshFolder();
     encodeAudio(folder / "a.ra", oneSecond);
-    EXPECT_THAT(callsOfScan(folder), HasSubstr("libavformat"));
+    std::set<std::string> helpers;
+    std::set<std::string> loaders;
+    std::istringstream calls(callsOfScan(folder));
+    for (std::string process, call; calls >> process && std::getline(calls, call);) {
+        if (call.find("execve(") != std::string::npos && call.find("/velmora-libav\"") != std::string::npos) {
+            helpers.insert(process);
+        } else if (call.find("libavformat.so") != std::string::npos) {
+            loaders.insert(process);
+        }
+    }
+    EXPECT_EQ(helpers.size(), 1);
+    EXPECT_EQ(loaders, helpers);
 }
 
 } // namespace

@@ -21,6 +21,13 @@ struct ByteSource {
     /// Reads as RegularFile::readAt does.
     std::function<std::optional<std::size_t>(std::int64_t offset, std::span<std::uint8_t> buffer)> readAt;
 
+    /// Of the file that the bytes stand in, for another process to read; -1 if there is none.
+    int descriptor = -1;
+
+    /// Told how many bytes another process read through `descriptor`, and whether a read failed; may be
+    /// empty.
+    std::function<void(std::int64_t bytes, bool hasFailed)> noteReads = {};
+
     /// Fills all of `buffer` from byte `offset`. False after a read error, or when the bytes end before.
     bool fill(std::int64_t offset, std::span<std::uint8_t> buffer) const {
         return readAt(offset, buffer) == buffer.size();
@@ -29,9 +36,10 @@ struct ByteSource {
 
 /// The bytes of `file`, which must outlive the source.
 inline ByteSource sourceOf(const RegularFile& file) {
-    return {file.size(), [&file](std::int64_t offset, std::span<std::uint8_t> buffer) {
-                return file.readAt(offset, buffer);
-            }};
+    return {
+        file.size(),
+        [&file](std::int64_t offset, std::span<std::uint8_t> buffer) { return file.readAt(offset, buffer); },
+        file.descriptor()};
 }
 
 /// `bytes` themselves, which must outlive the source.

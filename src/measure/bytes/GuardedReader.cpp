@@ -43,7 +43,7 @@ std::size_t GuardedReader::search(std::int64_t offset, std::span<std::uint8_t> b
         return 0;
     }
     const std::size_t got = m_source.readAt(offset, buffer).value_or(0);
-    m_budget -= static_cast<std::int64_t>(got);
+    m_bounds.budget -= static_cast<std::int64_t>(got);
     return got;
 }
 
@@ -52,17 +52,16 @@ std::size_t GuardedReader::audio(std::int64_t offset, std::span<std::uint8_t> bu
 }
 
 bool GuardedReader::spend(std::int64_t bytes) {
-    m_budget -= bytes;
+    m_bounds.budget -= bytes;
     return !isOver();
 }
 
 bool GuardedReader::isOver() const {
-    return m_budget < 0 || m_stop.stop_requested() || Clock::now() > m_deadline;
+    return m_bounds.budget < 0 || m_stop.stop_requested() || Clock::now() > m_bounds.deadline;
 }
 
 void GuardedReader::renew() {
-    m_budget = searchBytes;
-    m_deadline = Clock::now() + searchTime;
+    m_bounds = {.deadline = Clock::now() + searchTime};
 }
 
 } // namespace velmora

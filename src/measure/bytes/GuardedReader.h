@@ -26,9 +26,24 @@ public:
     static constexpr std::int64_t searchBytes = 8LL << 20; ///< the budget
     static constexpr std::chrono::seconds searchTime{10};  ///< the deadline, from construction
 
+    /// How long the search may go on. Both are good in every process of this system, so that a search may go
+    /// on in another.
+    struct Bounds {
+        std::int64_t budget = searchBytes; ///< in bytes; below 0 once more was read than it held
+        Clock::time_point deadline;
+    };
+
     GuardedReader(ByteSource source, std::stop_token stop);
 
     std::int64_t size() const { return m_source.size; }
+
+    const ByteSource& source() const { return m_source; }
+
+    const std::stop_token& stop() const { return m_stop; }
+
+    const Bounds& bounds() const { return m_bounds; }
+
+    void setBounds(const Bounds& bounds) { m_bounds = bounds; }
 
     /// The `count` (at most `windowBytes`) bytes at `offset`, or none if the file has not all of them, cannot
     /// be read, or the search is over. Valid until the next call. Neighbouring headers cost one read.
@@ -55,7 +70,7 @@ public:
     bool isOver() const;
 
     /// Bytes that may still be read in search of audio, at least 0.
-    std::int64_t budgetLeft() const { return std::max<std::int64_t>(m_budget, 0); }
+    std::int64_t budgetLeft() const { return std::max<std::int64_t>(m_bounds.budget, 0); }
 
     /// A piece of media was found: budget and deadline begin anew for the search of the next.
     void renew();
@@ -63,8 +78,7 @@ public:
 private:
     ByteSource m_source;
     std::stop_token m_stop;
-    std::int64_t m_budget = searchBytes;
-    Clock::time_point m_deadline = Clock::now() + searchTime;
+    Bounds m_bounds{.deadline = Clock::now() + searchTime};
 
     /// What was read last. There are two, because readers go to and fro between two places.
     struct Window {

@@ -1,9 +1,9 @@
 #pragma once
 
-// What the program asks of libavformat and libavcodec. Both bring more than a hundred libraries along, whose
-// loading takes longer than measuring a thousand files, and most scans need none of them. So they stand in a
-// module of their own, which is loaded at the first call. The module implements this interface and the rest
-// of the program calls it; values go in and out, and the module reads the file through `GuardedReader` only.
+// What the program asks of libavformat and libavcodec. Both read formats by the hundred, most of them seldom
+// used, and a file may be made to misuse them: so they run in a process of their own, velmora-libav, which
+// reads one open file and can do nothing else. A file that crashes it, hangs it or takes too much memory has
+// no length; the next file gets a new process. It is started at the first call, since most scans need none.
 
 #include "measure/bytes/GuardedReader.h"
 #include "measure/bytes/Timing.h"
@@ -53,13 +53,7 @@ public:
                                         std::span<const std::uint8_t> packet) const = 0;
 };
 
-/// The module's implementation, loaded at the first call; where it cannot be loaded, one that learns nothing
-/// from any file.
+/// The one implementation; where velmora-libav is missing, it learns nothing from any file.
 const Libav& libav();
-
-/// The module's file, which is found where the program's own libraries are, and the one symbol it exports: a
-/// `const Libav* const`.
-inline constexpr const char* libavModuleFile = "velmora-libav.so";
-inline constexpr const char* libavModuleSymbol = "velmoraLibav";
 
 } // namespace velmora

@@ -1,5 +1,5 @@
+#include "measure/libav/DirectLibav.h"
 #include "measure/libav/LibavFile.h"
-#include "measure/libav/LibavModule.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -205,7 +205,7 @@ std::optional<Timing> soughtTiming(AVFormatContext& context, GuardedReader& read
 
 } // namespace
 
-std::optional<Timing> LibavModule::duration(GuardedReader& reader, std::int64_t start,
+std::optional<Timing> DirectLibav::duration(GuardedReader& reader, std::int64_t start,
                                             const std::string& demuxer, Doubt doubt) const {
     const LibavFile file(reader, start, demuxer);
     AVFormatContext* const context = file.context();

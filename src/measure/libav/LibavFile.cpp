@@ -1,6 +1,6 @@
 #include "measure/libav/LibavFile.h"
 
-#include "measure/libav/LibavModule.h"
+#include "measure/libav/DirectLibav.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
@@ -110,7 +110,7 @@ void silenceLibav() {
     }();
 }
 
-std::optional<ProbedDemuxer> LibavModule::probe(GuardedReader& reader, std::int64_t start,
+std::optional<ProbedDemuxer> DirectLibav::probe(GuardedReader& reader, std::int64_t start,
                                                 const std::filesystem::path& name) const {
     constexpr std::size_t probeBytes = 64 << 10;
     silenceLibav();

@@ -1,5 +1,5 @@
+#include "measure/libav/DirectLibav.h"
 #include "measure/libav/LibavFile.h"
-#include "measure/libav/LibavModule.h"
 
 extern "C" {
 #include <libavcodec/avcodec.h>
@@ -44,7 +44,7 @@ Context openDecoder(const char* name, Bytes description) {
 
 } // namespace
 
-std::int64_t LibavModule::decodedSamples(const char* decoder, Bytes description, Bytes packet) const {
+std::int64_t DirectLibav::decodedSamples(const char* decoder, Bytes description, Bytes packet) const {
     const Context context = openDecoder(decoder, description);
     const std::unique_ptr<AVPacket, Freeing> input(av_packet_alloc());
     const std::unique_ptr<AVFrame, Freeing> output(av_frame_alloc());

@@ -1,13 +1,13 @@
 #pragma once
 
-// The module's side of Libav.h. Each operation is defined in the file of its subject: LibavContainer.cpp,
-// LibavFile.cpp, PacketDecoder.cpp.
+// Libav.h where the libraries are: in velmora-libav, or in a program that links them itself. Each operation
+// is defined in the file of its subject: LibavContainer.cpp, LibavFile.cpp, PacketDecoder.cpp.
 
 #include "measure/libav/Libav.h"
 
 namespace velmora {
 
-class LibavModule final : public Libav {
+class DirectLibav final : public Libav {
 public:
     std::optional<Timing> duration(GuardedReader& reader, std::int64_t start, const std::string& demuxer,
                                    Doubt doubt) const override;
