@@ -12,7 +12,7 @@ from pathlib import Path
 from measuring import DATA, PROGRAMS, native, output_of, table
 from scaling import count_of, small_files
 
-WINDOW = str(PROGRAMS / "src" / "ui" / "velmora")
+WINDOW = str(PROGRAMS / "src" / "app" / "velmora")
 STARTS = 9
 SCANS = 9
 SETTLED = 2.0  # seconds

@@ -40,14 +40,14 @@ void checkHopper(Bytes bytes) {
 void fuzzFrames(Bytes bytes) {
     checkHeader(bytes);
     checkHopper(bytes);
-    const double mostSeconds = secondsInByte * static_cast<double>(bytes.size());
+    const double maxSeconds = secondsInByte * static_cast<double>(bytes.size());
     for (const auto read : {&frameStreamDuration, &searchedFrameDuration}) {
         checkTimer(
             [read](const ByteSource& source) {
                 GuardedReader reader(source, {});
                 return read(reader, 0, source.size);
             },
-            bytes, mostSeconds);
+            bytes, maxSeconds);
     }
 }
 

@@ -39,8 +39,8 @@ public:
         , m_window(m_reader, m_claimed) {}
 
     void run() {
-        constexpr int mostSteps = 64; // a step may read a mebibyte
-        for (int steps = 0; steps < mostSteps && !m_input.isUsedUp(); ++steps) {
+        constexpr int maxSteps = 64; // a step may read a mebibyte
+        for (int steps = 0; steps < maxSteps && !m_input.isUsedUp(); ++steps) {
             step();
         }
     }

@@ -19,7 +19,7 @@ namespace {
 using Answer = std::optional<Timing>;
 
 /// A search may spend its budget and end with one read of up to 1 MiB; audio is read a few times.
-std::int64_t mostReadBytes(std::int64_t size) {
+std::int64_t maxReadBytes(std::int64_t size) {
     constexpr std::int64_t lastRead = 1 << 20;
     constexpr std::int64_t timesAudio = 64;
     return GuardedReader::searchBytes + lastRead + timesAudio * size;
@@ -34,14 +34,14 @@ Answer timed(const Timer& timer, const ByteSource& source, std::int64_t held) {
                                  return got;
                              }};
     Answer answer = timer(counted);
-    require(readBytes <= mostReadBytes(held), "reads are within the budget");
+    require(readBytes <= maxReadBytes(held), "reads are within the budget");
     return answer;
 }
 
-void requireSound(const Answer& answer, double mostSeconds) {
+void requireSound(const Answer& answer, double maxSeconds) {
     if (answer) {
         require(std::isfinite(answer->seconds) && answer->seconds >= 0, "a length is finite and at least 0");
-        require(answer->seconds <= mostSeconds, "a length is no longer than the bytes can hold");
+        require(answer->seconds <= maxSeconds, "a length is no longer than the bytes can hold");
         require(!answer->stated || std::isfinite(*answer->stated), "a stated length is finite");
         require(answer->frames >= 0, "a count of frames is at least 0");
     }
@@ -106,10 +106,10 @@ std::filesystem::path MemoryFile::path() const {
     return "/proc/self/fd/" + std::to_string(m_descriptor.get());
 }
 
-void checkTimer(const Timer& timer, Bytes bytes, double mostSeconds) {
+void checkTimer(const Timer& timer, Bytes bytes, double maxSeconds) {
     const ByteSource memory = sourceOf(bytes);
     const Answer answer = timed(timer, memory, memory.size);
-    requireSound(answer, mostSeconds);
+    requireSound(answer, maxSeconds);
     require(timed(timer, memory, memory.size) == answer, "the answer is the same the second time");
 
     const MemoryFile file(bytes);

@@ -72,9 +72,9 @@ private:
 using Timer = std::function<std::optional<Timing>(const ByteSource&)>;
 
 /// Holds `timer` to what every reader promises, for a file of these bytes: an answer is finite, at least 0
-/// and at most `mostSeconds`; it is the same the second time, and by file; what is read stays within the
+/// and at most `maxSeconds`; it is the same the second time, and by file; what is read stays within the
 /// budget of a search and a few times the file; and the same, but for the answer's size, when the file is
 /// cut off while it is read.
-void checkTimer(const Timer& timer, Bytes bytes, double mostSeconds);
+void checkTimer(const Timer& timer, Bytes bytes, double maxSeconds);
 
 } // namespace velmora::fuzz

@@ -58,7 +58,7 @@ constexpr double anything = std::numeric_limits<double>::infinity();
 constexpr double oneBitSamples = 8;
 
 /// The same for blocks of up to 65,536 samples and at least a byte.
-constexpr double shortestBlocks = 65'536;
+constexpr double minBlocks = 65'536;
 
 constexpr double speechFrames = 0.02; // 20 ms in a byte, when nothing is sent
 
@@ -71,16 +71,16 @@ constexpr Reader readers[] = {
     {"caf", &guarded<&cafDuration>, anything},
     {"dsf", &guarded<&dsfDuration>, oneBitSamples},
     {"dsdiff", &guarded<&dsdiffDuration>, oneBitSamples},
-    {"flac", &guarded<&flacDuration>, shortestBlocks},
+    {"flac", &guarded<&flacDuration>, minBlocks},
     {"matroska", &guarded<&matroskaDuration>, anything},
     {"mp4", &guarded<&mp4Duration>, anything},
     {"musepack", &guarded<&musepackDuration>, anything},
     {"ogg", &unguarded<&HeaderDuration::oggSeconds>, anything},
     {"realmedia", &guarded<&realMediaDuration>, anything},
     {"sd2", &guarded<&sd2Fork>, anything},
-    {"voc", &guarded<&vocDuration>, shortestBlocks},
-    {"wav", &guarded<&wavDuration>, shortestBlocks},
-    {"wave64", &guarded<&wave64Duration>, shortestBlocks},
+    {"voc", &guarded<&vocDuration>, minBlocks},
+    {"wav", &guarded<&wavDuration>, minBlocks},
+    {"wave64", &guarded<&wave64Duration>, minBlocks},
     {"wavpack", &guarded<&wavPackDuration>, anything},
 };
 
@@ -90,10 +90,10 @@ std::vector<Target> readerTargets() {
     std::vector<Target> targets;
     for (const Reader& reader : readers) {
         targets.push_back({reader.name, [&reader](Bytes bytes) {
-                               const double mostSeconds =
+                               const double maxSeconds =
                                    bytes.empty() ? 0
                                                  : reader.secondsInByte * static_cast<double>(bytes.size());
-                               checkTimer(reader.read, bytes, mostSeconds);
+                               checkTimer(reader.read, bytes, maxSeconds);
                            }});
     }
     return targets;

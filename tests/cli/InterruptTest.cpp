@@ -80,7 +80,7 @@ TEST(Interrupt, EndsMeasuringWithItsTools) {
     process.send(SIGTERM);
 
     EXPECT_EQ(process.wait().status, 130);
-    EXPECT_THAT(toolsAtWork(), IsEmpty());
+    waitUntil([] { return toolsAtWork().empty(); }); // the helper ends when its socket closes
     EXPECT_THAT(privateDirectories(), IsEmpty());
 }
 

@@ -20,10 +20,10 @@ namespace velmora::faults {
 
 namespace {
 
-constexpr std::size_t longestPath = 4096;
+constexpr std::size_t maxPath = 4096;
 constexpr int logDescriptor = 900; ///< out of the way of those that the program counts on
 
-using Text = std::array<char, longestPath>;
+using Text = std::array<char, maxPath>;
 
 constexpr auto errors = std::to_array<std::pair<std::string_view, int>>({
     {"EACCES", EACCES},
@@ -143,7 +143,7 @@ long countOf(const char* call) {
 }
 
 void writeLog(bool struck, const char* call, long number, const char* path) {
-    std::array<char, longestPath + 64> line{};
+    std::array<char, maxPath + 64> line{};
     const int length =
         std::snprintf(line.data(), line.size(), "%s%s %ld %s\n", struck ? "! " : "", call, number, path);
     ::syscall(SYS_write, plan.log, line.data(),

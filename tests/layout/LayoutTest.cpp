@@ -15,8 +15,6 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-const fs::path project = VELMORA_SOURCE_DIR;
-
 void forEachSource(const std::string& folder,
                    const std::function<void(const fs::path& relative, const std::string& text)>& visit) {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(project / folder)) {
@@ -125,8 +123,8 @@ INSTANTIATE_TEST_SUITE_P(
                   "#include \"measure/bytes/ByteOrder.h\"", true},
         ArrowCase{"BytesToFormats", "measure/bytes/GuardedReader.cpp",
                   "#include \"measure/formats/WavDuration.h\"", false},
-        ArrowCase{"FramesToLibav", "measure/frames/FrameHopper.cpp",
-                  "#include \"measure/libav/Libav.h\"", false},
+        ArrowCase{"FramesToLibav", "measure/frames/FrameHopper.cpp", "#include \"measure/libav/Libav.h\"",
+                  false},
         ArrowCase{"FormatsToDispatch", "measure/formats/WavDuration.cpp",
                   "#include \"measure/MediaDuration.h\"", false},
         ArrowCase{"ContentToKit", "ui/content/Card.cpp", "#include \"ui/kit/Neon.h\"", true},

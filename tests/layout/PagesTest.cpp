@@ -1,6 +1,7 @@
 // Follows every link of every page, and looks that the pages name what there is.
 
 #include "tests/layout/Links.h"
+#include "tests/layout/SourceRules.h"
 #include "tests/support/Files.h"
 
 #include <gmock/gmock.h>
@@ -17,8 +18,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-const fs::path project = VELMORA_SOURCE_DIR;
 
 /// The text of each .md file by its path in the project.
 std::map<fs::path, std::string> allPages() {

@@ -11,6 +11,9 @@
 
 namespace velmora::test {
 
+/// The top folder of the sources that are looked at.
+inline const std::filesystem::path project = VELMORA_SOURCE_DIR;
+
 inline constexpr int maxLines = 299;
 
 /// One line "#include <...>" or "#include \"...\"".

@@ -26,8 +26,8 @@ constexpr int sequences = 500; // a sanitizer makes threads slow to start
 constexpr int sequences = 10'000;
 #endif
 
-constexpr int longestSequence = 8;
-constexpr int mostFiles = 13; // more than twice what is measured at the same time
+constexpr int maxSteps = 8;
+constexpr int maxFiles = 13; // more than twice what is measured at the same time
 
 /// Lets background work begin as often as the test says.
 class Gate {
@@ -112,7 +112,7 @@ private:
     void ingest() {
         const bool filesExist = below(10) == 0;
         Paths urls = {(filesExist ? m_folder : fs::path("/m")) /
-                      (std::to_string(below(mostFiles + 1)) + "-" + std::to_string(below(3)))};
+                      (std::to_string(below(maxFiles + 1)) + "-" + std::to_string(below(3)))};
         urls.resize(static_cast<std::size_t>(1 + below(3)), "/m/other");
         m_history << " ingest " << urls.front() << " of " << urls.size();
         model->ingest(urls);
@@ -129,7 +129,7 @@ private:
     }
 
     void letSomeTimePass() {
-        const int count = below(mostFiles);
+        const int count = below(maxFiles);
         m_history << " time " << count;
         m_gate->open(count);
         for (int turn = below(3); turn >= 0; --turn) {
@@ -181,7 +181,7 @@ private:
 
     static fs::path folderOfTracks() {
         const fs::path folder = freshFolder();
-        for (int i = 0; i < mostFiles; ++i) {
+        for (int i = 0; i < maxFiles; ++i) {
             write(folder / (std::to_string(i) + ".wav"), "bytes");
         }
         return folder;
@@ -202,7 +202,7 @@ TEST_F(RandomWalk, PublishesWhatTheReferenceModelDoes) {
     std::cout << sequences << " sequences, VELMORA_SEED=" << seed << "\n";
     m_random.seed(seed);
     for (int i = 0; i < sequences && !HasFailure(); ++i) {
-        walk(1 + below(longestSequence));
+        walk(1 + below(maxSteps));
     }
     EXPECT_FALSE(HasFailure()) << "VELMORA_SEED=" << seed;
 }

@@ -51,7 +51,7 @@ double taggedSeconds(const AVStream& stream) {
 }
 
 template <typename Seconds>
-double longestAudio(const AVFormatContext& context, Seconds seconds) {
+double maxAudio(const AVFormatContext& context, Seconds seconds) {
     double longest = 0;
     for (const AVStream* const stream : streamsOf(context)) {
         longest = std::max(longest, isAudio(*stream) ? seconds(*stream) : 0);
@@ -63,11 +63,11 @@ double longestAudio(const AVFormatContext& context, Seconds seconds) {
 std::optional<double> statedSeconds(const AVFormatContext& context) {
     // Negative if it is not known.
     const double whole = static_cast<double>(context.duration) / AV_TIME_BASE;
-    double longest = longestAudio(context, [](const AVStream& stream) {
+    double longest = maxAudio(context, [](const AVStream& stream) {
         return static_cast<double>(stream.duration) * av_q2d(stream.time_base);
     });
     if (!(longest > 0) && hasMoreThanAudio(context)) {
-        longest = std::min(whole, longestAudio(context, taggedSeconds));
+        longest = std::min(whole, maxAudio(context, taggedSeconds));
     } else if (!(longest > 0) && hasAudio(context)) {
         longest = whole;
     }
@@ -170,7 +170,7 @@ void learnPackets(AVFormatContext& context, GuardedReader& reader) {
 }
 
 /// The longest of `sums` by `seconds`, a member function of theirs.
-Timing longestOf(const std::vector<SegmentSum>& sums, double (SegmentSum::*seconds)() const) {
+Timing maxOf(const std::vector<SegmentSum>& sums, double (SegmentSum::*seconds)() const) {
     Timing timing{.basis = Basis::counted, .way = Way::libavformat};
     for (const SegmentSum& sum : sums) {
         if ((sum.*seconds)() > timing.seconds) {
@@ -185,7 +185,7 @@ Timing longestOf(const std::vector<SegmentSum>& sums, double (SegmentSum::*secon
 std::optional<Timing> walkedTiming(AVFormatContext& context, GuardedReader& reader, Doubt doubt) {
     const std::optional<double> stated = statedSeconds(context);
     learnPackets(context, reader);
-    Timing timing = longestOf(sumPackets(context, reader), &SegmentSum::seconds);
+    Timing timing = maxOf(sumPackets(context, reader), &SegmentSum::seconds);
     timing.stated = stated;
     timing.doubt = stated ? doubt : Doubt::none;
     const bool isAnswer = timing.seconds > 0 || !hasAudio(context);
@@ -199,7 +199,7 @@ std::optional<Timing> soughtTiming(AVFormatContext& context, GuardedReader& read
     if (av_seek_frame(&context, -1, context.duration, AVSEEK_FLAG_BACKWARD) < 0) {
         return std::nullopt;
     }
-    const Timing timing = longestOf(sumPackets(context, reader), &SegmentSum::end);
+    const Timing timing = maxOf(sumPackets(context, reader), &SegmentSum::end);
     return timing.seconds > 0 && !reader.isOver() ? std::optional(timing) : std::nullopt;
 }
 
