@@ -12,10 +12,10 @@ MeasuringStage::MeasuringStage(Paths files, Measure measure, Deliver deliver)
     , m_measure(std::move(measure))
     , m_deliver(std::move(deliver)) {}
 
-void MeasuringStage::start(BackgroundTasks& background, QObject& receiver, const std::stop_token& stop) {
-    const BackgroundTasks::Task task = [self = shared_from_this(), &receiver, stop](const std::stop_token&) {
-        self->work(receiver, stop);
-    };
+void MeasuringStage::start(BackgroundTasks& background, MainThreadQueue& mainThread,
+                           const std::stop_token& stop) {
+    const BackgroundTasks::Task task = [self = shared_from_this(), &mainThread,
+                                        stop](const std::stop_token&) { self->work(mainThread, stop); };
     const std::size_t workers = std::min(m_files.size(), width);
     for (std::size_t i = 0; i < workers; ++i) {
         if (i == 0) {
@@ -26,18 +26,18 @@ void MeasuringStage::start(BackgroundTasks& background, QObject& receiver, const
     }
 }
 
-void MeasuringStage::work(QObject& receiver, const std::stop_token& stop) {
+void MeasuringStage::work(MainThreadQueue& mainThread, const std::stop_token& stop) {
     while (!stop.stop_requested()) {
         const std::size_t index = m_next.fetch_add(1);
         if (index >= m_files.size()) {
             return;
         }
         const std::filesystem::path file = std::move(m_files[index]); // from here on the record holds it
-        handOver({index, m_measure(file, stop)}, receiver);
+        handOver({index, m_measure(file, stop)}, mainThread);
     }
 }
 
-void MeasuringStage::handOver(MeasuredFile result, QObject& receiver) {
+void MeasuringStage::handOver(MeasuredFile result, MainThreadQueue& mainThread) {
     bool first = false;
     {
         const std::lock_guard guard(m_lock);
@@ -45,8 +45,7 @@ void MeasuringStage::handOver(MeasuredFile result, QObject& receiver) {
         m_batch.push_back(std::move(result));
     }
     if (first) {
-        const auto deliver = [self = shared_from_this()] { self->m_deliver(self->takeBatch()); };
-        QMetaObject::invokeMethod(&receiver, deliver, Qt::QueuedConnection);
+        mainThread.post([self = shared_from_this()] { self->m_deliver(self->takeBatch()); });
     }
 }
 

@@ -6,9 +6,8 @@
 
 #include "records/Records.h"
 #include "scan/BackgroundTasks.h"
+#include "scan/MainThreadQueue.h"
 #include "system/Paths.h"
-
-#include <QObject>
 
 #include <atomic>
 #include <cstddef>
@@ -36,19 +35,19 @@ public:
     /// Files measured at the same time: the bound on open files and child processes.
     static constexpr std::size_t width = 6;
 
-    /// `measure` is called on the workers, `deliver` on the receiver's thread with results in the order of
+    /// `measure` is called on the workers, `deliver` on the main thread with results in the order of
     /// their completion.
     MeasuringStage(Paths files, Measure measure, Deliver deliver);
 
-    /// Starts the workers, fewer where the system has no further thread; where it has none, measures before it
-    /// returns. They hold the stage until the last file is measured or `stop` is requested: then
-    /// no further file is started, and measurements under way are told to end. Results are handed over to the
-    /// event loop of `receiver`, which outlives the workers; what it has not taken goes with it.
-    void start(BackgroundTasks& background, QObject& receiver, const std::stop_token& stop);
+    /// Starts the workers, fewer where the system has no further thread; where it has none, measures before
+    /// it returns. They hold the stage until the last file is measured or `stop` is requested: then no
+    /// further file is started, and measurements under way are told to end. Results are handed over by
+    /// `mainThread`, which outlives the workers; what it has not run goes with it.
+    void start(BackgroundTasks& background, MainThreadQueue& mainThread, const std::stop_token& stop);
 
 private:
-    void work(QObject& receiver, const std::stop_token& stop);
-    void handOver(MeasuredFile result, QObject& receiver);
+    void work(MainThreadQueue& mainThread, const std::stop_token& stop);
+    void handOver(MeasuredFile result, MainThreadQueue& mainThread);
     Batch takeBatch();
 
     Paths m_files; // each taken by the one worker that measures it

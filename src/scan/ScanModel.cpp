@@ -5,15 +5,12 @@
 #include "measure/MeasurementPipeline.h"
 #include "records/Summary.h"
 #include "scan/BackgroundTasks.h"
+#include "scan/MainThreadQueue.h"
 #include "scan/MeasuringStage.h"
 #include "system/FileName.h"
 #include "system/Paths.h"
 #include "system/TempRegistry.h"
 #include "system/UnicodeCase.h"
-
-#include <QCoreApplication>
-#include <QEvent>
-#include <QMetaObject>
 
 #include <algorithm>
 #include <utility>
@@ -58,6 +55,7 @@ ScanStages ScanStages::real() {
 ScanModel::ScanModel(ScanStages stages, QObject* parent)
     : QObject(parent)
     , m_stages(std::move(stages))
+    , m_mainThread(std::make_unique<MainThreadQueue>())
     , m_background(std::make_unique<BackgroundTasks>()) {
     TempRegistry::sweepStale();
 }
@@ -66,13 +64,8 @@ ScanModel::~ScanModel() {
     blockSignals(true);
     cancelJob();
     m_background->finish();
-    QCoreApplication::sendPostedEvents(this, QEvent::MetaCall); // registers what gathering still unpacked
+    m_mainThread->runPending(); // registers what gathering still unpacked
     TempRegistry::releaseAll();
-}
-
-template <typename Task>
-void ScanModel::runOnMainThread(Task task) {
-    QMetaObject::invokeMethod(this, std::move(task), Qt::QueuedConnection);
 }
 
 void ScanModel::ingest(const Paths& dropped) {
@@ -99,7 +92,7 @@ void ScanModel::ingest(const Paths& dropped) {
     m_job = std::make_shared<Job>();
     m_background->run([this, job = m_job, dropped](const std::stop_token& programEnds) {
         GatherResult gathered = m_stages.gather(dropped, programEnds);
-        runOnMainThread([this, job, gathered = std::move(gathered)]() mutable {
+        m_mainThread->post([this, job, gathered = std::move(gathered)]() mutable {
             takeGathered(job, std::move(gathered));
         });
     });
@@ -135,7 +128,7 @@ void ScanModel::startMeasuring(const std::shared_ptr<Job>& job, Paths files) {
     const auto stage = std::make_shared<MeasuringStage>(
         std::move(files), m_stages.measure,
         [this, job](MeasuringStage::Batch batch) { takeMeasured(*job, std::move(batch)); });
-    stage->start(*m_background, *this, job->cancelled.get_token());
+    stage->start(*m_background, *m_mainThread, job->cancelled.get_token());
 }
 
 void ScanModel::takeMeasured(Job& job, std::vector<MeasuredFile> batch) {
@@ -202,7 +195,7 @@ void ScanModel::makeZip(const std::filesystem::path& destination) {
     const int total = static_cast<int>(m_summary.files.size());
     publishZipState(ZipWorking{0, total});
     const auto publishLater = [this](ZipState state) {
-        runOnMainThread([this, state = std::move(state)] { publishZipState(state); });
+        m_mainThread->post([this, state = std::move(state)] { publishZipState(state); });
     };
     m_background->run(
         [=, files = m_summary.files, roots = m_summary.roots](const std::stop_token& programEnds) {

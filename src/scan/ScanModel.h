@@ -22,6 +22,7 @@
 namespace velmora {
 
 class BackgroundTasks;
+class MainThreadQueue;
 struct MeasuredFile;
 
 /// The two stages of a scan. Both run on background threads, `measure` on six at once, and end early when
@@ -109,10 +110,6 @@ signals:
 private:
     class Job;
 
-    /// Hands `task` over to the event loop. Any thread.
-    template <typename Task>
-    void runOnMainThread(Task task);
-
     void cancelJob();
     void takeGathered(const std::shared_ptr<Job>& job, GatherResult gathered);
     void startMeasuring(const std::shared_ptr<Job>& job, Paths files);
@@ -136,6 +133,7 @@ private:
     ScanDetails m_details;
     std::shared_ptr<Job> m_job;
 
+    std::unique_ptr<MainThreadQueue> m_mainThread;
     std::unique_ptr<BackgroundTasks> m_background; // last: its threads end before anything they use goes
 };
 

@@ -1,0 +1,53 @@
+#include "scan/MainThreadQueue.h"
+
+#include "tests/scan/ScanModelFixture.h"
+
+#include <thread>
+
+namespace velmora::test {
+namespace {
+
+class MainThreadQueueTest : public ScanModelTest {};
+
+TEST_F(MainThreadQueueTest, RunsWhatAnyThreadPostsInItsOrderOnTheMainThread) {
+    MainThreadQueue queue;
+    std::vector<int> ran;
+    bool onMainThread = true;
+    const std::thread::id main = std::this_thread::get_id();
+    std::jthread poster([&] {
+        for (int i = 0; i < 1000; ++i) {
+            queue.post([&, i] {
+                ran.push_back(i);
+                onMainThread = onMainThread && std::this_thread::get_id() == main;
+            });
+        }
+    });
+    awaitThat([&] { return ran.size() == 1000; });
+    EXPECT_TRUE(onMainThread);
+    EXPECT_TRUE(std::is_sorted(ran.begin(), ran.end()));
+}
+
+TEST_F(MainThreadQueueTest, KeepsTheOrderWhenATaskRunsTheEventLoop) {
+    MainThreadQueue queue;
+    std::vector<int> ran;
+    queue.post([&] {
+        ran.push_back(1);
+        queue.post([&] { ran.push_back(3); });
+        QCoreApplication::processEvents();
+    });
+    queue.post([&] { ran.push_back(2); });
+    awaitThat([&] { return ran.size() == 3; });
+    EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
+}
+
+TEST_F(MainThreadQueueTest, RunsNothingBeforeTheEventLoopHasItsTurn) {
+    MainThreadQueue queue;
+    bool ran = false;
+    queue.post([&] { ran = true; });
+    EXPECT_FALSE(ran);
+    queue.runPending();
+    EXPECT_TRUE(ran);
+}
+
+} // namespace
+} // namespace velmora::test
