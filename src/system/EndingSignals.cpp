@@ -23,11 +23,11 @@ extern "C" void noteSignal(int signal) {
 
 } // namespace
 
-void handleEndingSignals(void (*handler)(int)) {
+void handleEndingSignals(void (*handler)(int), int flags) {
     struct sigaction wanted {};
 
     wanted.sa_handler = handler;
-    wanted.sa_flags = SA_RESTART;
+    wanted.sa_flags = flags;
     for (const int signal : endingSignals) {
         struct sigaction present {};
 
@@ -49,7 +49,7 @@ EndingSignals::EndingSignals()
         ::sigaction(signal, nullptr, &action);
         return action;
     });
-    handleEndingSignals(&noteSignal);
+    handleEndingSignals(&noteSignal, SA_RESTART);
 }
 
 EndingSignals::~EndingSignals() {

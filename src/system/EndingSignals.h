@@ -12,8 +12,9 @@ namespace velmora {
 
 inline constexpr std::array<int, 3> endingSignals = {SIGINT, SIGTERM, SIGHUP};
 
-/// Calls `handler` at each of the signals from now on. What `handler` may do is in signal-safety(7).
-void handleEndingSignals(void (*handler)(int));
+/// Calls `handler` at each of the signals from now on, with the `flags` of sigaction(2). What `handler` may
+/// do is in signal-safety(7).
+void handleEndingSignals(void (*handler)(int), int flags = 0);
 
 /// Catches the signals while it lives, so that the program can end in order. They are caught rather than
 /// blocked, because a program that a library starts for us, such as a browser, would inherit a block. One
