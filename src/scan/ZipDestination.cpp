@@ -7,7 +7,6 @@
 #include <sys/stat.h>
 
 #include <algorithm>
-#include <ranges>
 
 namespace velmora {
 
@@ -46,7 +45,8 @@ std::optional<std::string> ScanModel::objectionToZip(const fs::path& destination
         present && (std::ranges::any_of(m_summary.dropped, isPresent) ||
                     std::ranges::any_of(m_details.files, isPresent, &Measured::url) ||
                     std::ranges::any_of(m_details.skippedArchives, isPresent) ||
-                    std::ranges::any_of(m_details.archiveOf | std::views::values, isPresent));
+                    std::ranges::any_of(m_details.archiveOf, isPresent,
+                                        [](const auto& unpacked) { return unpacked.second; }));
     return isSource ? std::optional(name + " would replace a source of this scan") : std::nullopt;
 }
 

@@ -16,7 +16,7 @@ namespace {
 
 const QString objectPath = QStringLiteral("/com/orventa/Velmora");
 
-constexpr int answerTimeout = 5000;      // milliseconds
+constexpr int handOverTimeout = 5000;    // milliseconds
 constexpr unsigned long retryPause = 10; // milliseconds
 
 QString inRuntimeDirectory(const QString& name) {
@@ -72,10 +72,10 @@ Paths split(const QByteArray& text) {
 
 /// Tries again for a while: an instance that has only just started may not listen yet.
 bool connectTo(const QString& server, QLocalSocket& socket) {
-    const QDeadlineTimer deadline(answerTimeout);
+    const QDeadlineTimer deadline(handOverTimeout);
     do {
         socket.connectToServer(server);
-        if (socket.waitForConnected(answerTimeout)) {
+        if (socket.waitForConnected(handOverTimeout)) {
             return true;
         }
         QThread::msleep(retryPause);
@@ -101,7 +101,7 @@ bool SingleInstance::claimOnBus(const Paths& paths) {
         return true;
     }
     bus.unregisterObject(objectPath);
-    return bus.call(requestFor(paths), QDBus::Block, answerTimeout).type() != QDBusMessage::ReplyMessage;
+    return bus.call(requestFor(paths), QDBus::Block, handOverTimeout).type() != QDBusMessage::ReplyMessage;
 }
 
 bool SingleInstance::claimSocket(const Paths& paths) {
@@ -114,7 +114,7 @@ bool SingleInstance::claimSocket(const Paths& paths) {
             socket.write(joined(paths));
             socket.disconnectFromServer(); // after all is written
             return socket.state() != QLocalSocket::UnconnectedState &&
-                   !socket.waitForDisconnected(answerTimeout);
+                   !socket.waitForDisconnected(handOverTimeout);
         }
         return true;
     }

@@ -76,7 +76,8 @@ std::optional<Timing> auDuration(GuardedReader& reader, std::int64_t start) {
         return std::nullopt;
     }
     const auto secondsOf = [frameBits, rate](std::int64_t size) {
-        return static_cast<double>(std::max<std::int64_t>(0, size) * 8 / frameBits) / rate;
+        const std::int64_t frames = std::max<std::int64_t>(0, size) * 8 / frameBits;
+        return static_cast<double>(frames) / rate;
     };
     return sizedTiming(secondsOf(bytes), isKnown ? std::optional(secondsOf(stated)) : std::nullopt);
 }

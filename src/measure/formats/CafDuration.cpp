@@ -182,8 +182,9 @@ std::optional<Timing> constantTiming(const Description& description, const Data&
     if (!data.isCutOff()) {
         return sizedTiming(there, data.statedBytes ? std::optional(there) : std::nullopt);
     }
-    const double stated = static_cast<double>(*data.statedBytes / packet.bytes) *
-                          static_cast<double>(packet.frames) / description.rate;
+    const std::int64_t statedPackets = *data.statedBytes / packet.bytes;
+    const double stated =
+        static_cast<double>(statedPackets) * static_cast<double>(packet.frames) / description.rate;
     return sizedTiming(there, stated);
 }
 

@@ -122,9 +122,9 @@ std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) 
             channels = be16(value, 0);
         } else if (chunk->name == "FRTE") {
             const double frameRate = std::max<int>(1, be16(value, 4));
-            const auto maxFrames = static_cast<double>((reader.size() - chunk->content) / minDstFrameBytes);
-            return withinFile(be32(value, 0) / frameRate,
-                              {.seconds = maxFrames / frameRate, .basis = Basis::sized});
+            const std::int64_t maxFrames = (reader.size() - chunk->content) / minDstFrameBytes;
+            const double maxSeconds = static_cast<double>(maxFrames) / frameRate;
+            return withinFile(be32(value, 0) / frameRate, {.seconds = maxSeconds, .basis = Basis::sized});
         }
     }
     return std::nullopt;
