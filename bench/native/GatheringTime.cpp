@@ -3,8 +3,8 @@
 // removed.
 
 #include "gather/Gathering.h"
-#include "system/TempRegistry.h"
 #include "system/Paths.h"
+#include "system/TempRegistry.h"
 
 #include <chrono>
 #include <cstdio>

@@ -67,11 +67,12 @@ std::string terminalText(std::string_view text) {
 }
 
 std::string terminalLines(std::string_view text) {
+    constexpr std::u32string_view layout = U"\n\t";
     std::string result;
     while (!text.empty()) {
         const Utf8Part part = takeUtf8(text);
-        const bool stays = part.character == U'\n' || part.character == U'\t' ||
-                           (part.character && isHarmless(*part.character));
+        const bool stays = part.character && (layout.find(*part.character) != std::u32string_view::npos ||
+                                              isHarmless(*part.character));
         result += stays ? std::string(part.bytes) : hexadecimal(part.bytes);
     }
     return result;
