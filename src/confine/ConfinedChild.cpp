@@ -6,22 +6,13 @@
 #include <unistd.h>
 
 #include <array>
-#include <system_error>
 
 namespace velmora {
 
 namespace fs = std::filesystem;
 
 std::optional<fs::path> confineProgram() {
-    std::error_code error;
-    const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
-    for (const char* way : {"../libexec", "../../libexec"}) {
-        const fs::path program = (folder / way / "velmora/velmora-confine").lexically_normal();
-        if (!error && isExecutableFile(program)) {
-            return program;
-        }
-    }
-    return std::nullopt;
+    return privateProgram("velmora-confine");
 }
 
 std::optional<int> runConfined(const fs::path& tool, const std::vector<std::string>& args, int output,
