@@ -32,16 +32,16 @@ protected:
     std::unique_ptr<Process> server;
 };
 
-const QString offer = "Velmora 2.0 is available";
+const QString offered = "Velmora 2.0 is available";
 
 TEST_F(UpdateTest, OffersTheNewerVersionWhenItStartsAndOpensItsPage) {
     publish("good");
     const fs::path opened = recordOpening();
     open();
-    EXPECT_EQ(awaitShown(offer).description, "You have 1.0.0. Version 2.0 is available.\n\nFaster.");
+    EXPECT_EQ(awaitShown(offered).description, "You have 1.0.0. Version 2.0 is available.\n\nFaster.");
     awaitShown("Later");
     desktop.press("Return");
-    awaitGone(offer);
+    awaitGone(offered);
     EXPECT_TRUE(comesTrue([&] { return fs::exists(opened); }));
     EXPECT_EQ(read(opened), "https://x.example/get\n");
 }
@@ -49,17 +49,17 @@ TEST_F(UpdateTest, OffersTheNewerVersionWhenItStartsAndOpensItsPage) {
 TEST_F(UpdateTest, OffersItOnceADay) {
     publish("good");
     open();
-    awaitShown(offer);
+    awaitShown(offered);
     desktop.press("Escape");
-    awaitGone(offer);
+    awaitGone(offered);
     desktop.press("ctrl+q");
     EXPECT_EQ(velmora->wait(), 0);
     EXPECT_NE(read(preferenceFile).find("updateLastCheck="), std::string::npos);
 
     checkFromTheMenu(); // had it asked by itself again, its offer would cover the menu
-    awaitShown(offer);
+    awaitShown(offered);
     desktop.press("Escape");
-    awaitGone(offer);
+    awaitGone(offered);
 }
 
 TEST_F(UpdateTest, OffersTheNewerVersionThroughTheMenuAndTakesALaterForAnAnswer) {
@@ -67,9 +67,9 @@ TEST_F(UpdateTest, OffersTheNewerVersionThroughTheMenuAndTakesALaterForAnAnswer)
     rememberCheck();
     const fs::path opened = recordOpening();
     checkFromTheMenu();
-    awaitShown(offer);
+    awaitShown(offered);
     click("Later");
-    awaitGone(offer);
+    awaitGone(offered);
     EXPECT_FALSE(fs::exists(opened));
 }
 
