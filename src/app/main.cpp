@@ -6,7 +6,9 @@
 #include "app/desktop/GraphicsProbe.h"
 #include "app/desktop/SingleInstance.h"
 #include "screenshots/Screenshots.h"
+#include "system/AddressSpace.h"
 #include "system/EndingSignals.h"
+#include "system/ForcedEnd.h"
 #include "system/PrivateDirectory.h"
 #include "ui/Views.h"
 #include "update/UpdateChecker.h"
@@ -80,7 +82,10 @@ int openWindow(int argc, char** argv, const Paths& paths) {
                              delegate.open(requested);
                          }
                      });
-    return QApplication::exec();
+    const int status = QApplication::exec();
+    instance.giveUp(); // from here on a start opens a window of its own
+    endSoon(endingSignals.descriptor(), status);
+    return status;
 }
 
 int run(int argc, char** argv) {
@@ -111,5 +116,6 @@ int main(int argc, char** argv) {
         return velmora::probeGraphics(argc, argv);
     }
     std::signal(SIGXFSZ, SIG_IGN); // a file that would grow beyond the limit is an error of the write
+    velmora::saveAddressSpace();
     return velmora::run(argc, argv);
 }

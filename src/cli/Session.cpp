@@ -1,12 +1,12 @@
 #include "cli/Session.h"
 
-#include "cli/ForcedEnd.h"
 #include "cli/Names.h"
 #include "cli/Progress.h"
 #include "cli/Report.h"
 #include "cli/Sources.h"
 #include "scan/ScanModel.h"
 #include "system/EndingSignals.h"
+#include "system/ForcedEnd.h"
 #include "system/Paths.h"
 #include "system/PrivateDirectory.h"
 
@@ -40,10 +40,10 @@ class Session {
 public:
     explicit Session(const Options& options)
         : m_progress(!options.quiet) {
-        QObject::connect(&m_model, &ScanModel::statusChanged, &m_model, [this] { scanMoved(); });
-        QObject::connect(&m_model, &ScanModel::processedChanged, &m_model, [this] { showMeasuring(); });
-        QObject::connect(&m_model, &ScanModel::zipStateChanged, &m_model, [this] { zipMoved(); });
-        QObject::connect(&m_signalNotifier, &QSocketNotifier::activated, &m_model, [this] {
+        QObject::connect(&*m_model, &ScanModel::statusChanged, &*m_model, [this] { scanMoved(); });
+        QObject::connect(&*m_model, &ScanModel::processedChanged, &*m_model, [this] { showMeasuring(); });
+        QObject::connect(&*m_model, &ScanModel::zipStateChanged, &*m_model, [this] { zipMoved(); });
+        QObject::connect(&m_signalNotifier, &QSocketNotifier::activated, &*m_model, [this] {
             takeSignals();
             QCoreApplication::quit();
         });
@@ -52,18 +52,26 @@ public:
     /// False when it was interrupted.
     bool scan(Paths paths) {
         const bool isNothing = paths.empty();
-        m_model.ingest(paths);
+        m_model->ingest(paths);
         paths.clear(); // they may be many, and the model has them now
         return isNothing || awaitEnd();
     }
 
     /// False when it was interrupted.
     bool zip(const fs::path& destination) {
-        m_model.makeZip(destination);
+        m_model->makeZip(destination);
         return awaitEnd();
     }
 
-    const ScanModel& model() const { return m_model; }
+    const ScanModel& model() const { return *m_model; }
+
+    /// Ends all work and removes the private directory; "" or what to say of one that stays. Nothing else may
+    /// be asked for afterwards.
+    std::string end() {
+        const fs::path directory = PrivateDirectory::present();
+        m_model.reset();
+        return m_directory.remove() ? "" : "cannot remove " + quotedName(directory.native());
+    }
 
     /// Why nothing temporary can be made: no archive is unpacked then and no zip written. "" where it can.
     std::string problem() const {
@@ -84,16 +92,16 @@ private:
 
     void takeSignals() {
         if (m_signals.take() && !std::exchange(m_interrupted, true)) {
-            endSoon(m_signals.descriptor(), m_directory.failure() ? fs::path() : temporaryDirectory());
+            endSoon(m_signals.descriptor(), static_cast<int>(ExitStatus::interrupted));
         }
     }
 
     void scanMoved() {
-        switch (m_model.phase()) {
+        switch (m_model->phase()) {
         case ScanModel::Phase::idle:
             break;
         case ScanModel::Phase::scanning:
-            m_progress.show(m_model.status());
+            m_progress.show(m_model->status());
             break;
         case ScanModel::Phase::done:
         case ScanModel::Phase::empty:
@@ -102,13 +110,13 @@ private:
     }
 
     void showMeasuring() {
-        if (m_model.found() > 0) {
-            m_progress.show(m_model.status(), Advance{m_model.processed(), m_model.found()});
+        if (m_model->found() > 0) {
+            m_progress.show(m_model->status(), Advance{m_model->processed(), m_model->found()});
         }
     }
 
     void zipMoved() {
-        const ZipState& state = m_model.zipState();
+        const ZipState& state = m_model->zipState();
         if (const auto* working = std::get_if<ZipWorking>(&state)) {
             m_progress.show("ZIPPING", Advance{working->done, working->total});
         } else if (!std::holds_alternative<ZipIdle>(state)) {
@@ -122,7 +130,7 @@ private:
     bool m_interrupted = false;
     Progress m_progress;
     PrivateDirectory m_directory;
-    ScanModel m_model;
+    std::optional<ScanModel> m_model{std::in_place};
 };
 
 ExitStatus statusOf(const ScanModel& model) {
@@ -147,18 +155,15 @@ void makeZip(Session& session, const fs::path& destination, Outcome& outcome) {
         outcome.problems.push_back(failure + terminalText(*objection));
         outcome.status = ExitStatus::zipFailed;
     } else if (!session.zip(destination)) {
-        outcome.status = ExitStatus::interrupted;
+        outcome = {.status = ExitStatus::interrupted, .report = {}, .problems = {}};
     } else if (const auto* failed = std::get_if<ZipFailed>(&session.model().zipState())) {
         outcome.problems.push_back(failure + terminalText(failed->text));
         outcome.status = ExitStatus::zipFailed;
     }
 }
 
-} // namespace
-
-Outcome runScan(const Options& options, Paths paths) {
-    const fs::path zip = options.zip ? absolutePath(*options.zip) : fs::path();
-    Session session(options);
+/// Scans `paths`, and packs to `zip` unless that is empty.
+Outcome carryOut(Session& session, const Options& options, Paths paths, const fs::path& zip) {
     if (!session.scan(std::move(paths))) {
         return {.status = ExitStatus::interrupted, .report = {}, .problems = {}};
     }
@@ -169,8 +174,21 @@ Outcome runScan(const Options& options, Paths paths) {
     if (!session.problem().empty() && !model.details().skippedArchives.empty()) {
         outcome.problems.insert(outcome.problems.begin(), session.problem());
     }
-    if (options.zip) {
+    if (!zip.empty()) {
         makeZip(session, zip, outcome);
+    }
+    return outcome;
+}
+
+} // namespace
+
+Outcome runScan(const Options& options, Paths paths) {
+    const fs::path zip = options.zip ? absolutePath(*options.zip) : fs::path();
+    Session session(options);
+    Outcome outcome = carryOut(session, options, std::move(paths), zip);
+    if (const std::string problem = session.end(); !problem.empty()) {
+        outcome.problems.push_back(problem);
+        outcome.status = outcome.status == ExitStatus::complete ? ExitStatus::incomplete : outcome.status;
     }
     return outcome;
 }

@@ -13,7 +13,7 @@
 
 namespace velmora {
 
-/// Of an interrupted scan only `status` counts.
+/// An interrupted scan has no report, and no problem but that of its end.
 struct Outcome {
     ExitStatus status = ExitStatus::complete;
     std::string report;                ///< for standard output

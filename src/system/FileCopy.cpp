@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <new>
 #include <system_error>
 #include <vector>
 
@@ -102,7 +103,12 @@ void copyFile(const fs::path& from, const fs::path& to, const std::stop_token& s
     if (!target) {
         fail(errno);
     }
-    int error = copyContent(*source, target.get(), stop);
+    int error = 0;
+    try {
+        error = copyContent(*source, target.get(), stop);
+    } catch (const std::bad_alloc&) {
+        error = ENOMEM;
+    }
     if (error == 0) {
         error = copyTimes(*source, target.get());
     }

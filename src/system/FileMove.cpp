@@ -1,8 +1,7 @@
 #include "system/FileMove.h"
 
 #include "system/FileCopy.h"
-#include "system/FileDescriptor.h"
-#include "system/Uuid.h"
+#include "system/HiddenFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,7 +10,6 @@
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
-#include <utility>
 
 namespace velmora {
 
@@ -22,23 +20,6 @@ namespace fs = std::filesystem;
 std::error_code systemError(int error) {
     return {error, std::generic_category()};
 }
-
-/// The name of a file that is removed at the end if it is still there.
-class HiddenFile {
-public:
-    explicit HiddenFile(fs::path path)
-        : m_path(std::move(path)) {}
-
-    HiddenFile(const HiddenFile&) = delete;
-    HiddenFile& operator=(const HiddenFile&) = delete;
-
-    ~HiddenFile() { ::unlink(m_path.c_str()); }
-
-    const fs::path& path() const { return m_path; }
-
-private:
-    const fs::path m_path;
-};
 
 /// Gives `copy` the permissions of `from` where the file system has any, and waits until it is on the disk: a
 /// rename may get there before the content does. 0, or the errno of the failure.
@@ -56,21 +37,22 @@ int complete(const fs::path& copy, const fs::path& from) {
 
 /// The error of the step that failed.
 std::error_code copyReplacing(const fs::path& from, const fs::path& to, const std::stop_token& stop) {
-    const HiddenFile copy(to.parent_path() / (".velmora-" + randomUuid()));
     try {
+        const HiddenFile copy(to.parent_path());
         copyFile(from, copy.path(), stop);
-    } catch (const fs::filesystem_error& error) {
+        if (const int error = complete(copy.path(), from)) {
+            return systemError(error);
+        }
+        return systemError(std::rename(copy.path().c_str(), to.c_str()) == 0 ? 0 : errno);
+    } catch (const std::system_error& error) {
         return error.code();
     }
-    if (const int error = complete(copy.path(), from)) {
-        return systemError(error);
-    }
-    return systemError(std::rename(copy.path().c_str(), to.c_str()) == 0 ? 0 : errno);
 }
 
 } // namespace
 
 void moveReplacing(const fs::path& from, const fs::path& to, const std::stop_token& stop) {
+    removeDeadHiddenFiles(to.parent_path());
     std::error_code error = systemError(std::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno);
     if (error) {
         error = copyReplacing(from, to, stop);

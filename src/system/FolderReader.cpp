@@ -17,29 +17,28 @@ DIR* streamOf(FileDescriptor folder) {
     return stream;
 }
 
-bool isFolder(int parent, const char* name) {
+/// Looks at the entry itself; notes in `error` why it cannot be. One that has gone meanwhile is no failure.
+EntryKind kindOnDisk(int parent, const char* name, int& error) {
     struct stat status {};
 
-    return ::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
+    if (::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+        error = errno == ENOENT ? error : errno;
+        return EntryKind::other;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return EntryKind::folder;
+    }
+    return S_ISLNK(status.st_mode) ? EntryKind::link : EntryKind::other;
 }
 
-bool isLink(int parent, const char* name) {
-    struct stat status {};
-
-    return ::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISLNK(status.st_mode);
-}
-
-EntryKind kindOf(int parent, const dirent& entry) {
+EntryKind kindOf(int parent, const dirent& entry, int& error) {
     switch (entry.d_type) {
     case DT_DIR:
         return EntryKind::folder;
     case DT_LNK:
         return EntryKind::link;
     case DT_UNKNOWN:
-        if (isFolder(parent, entry.d_name)) {
-            return EntryKind::folder;
-        }
-        return isLink(parent, entry.d_name) ? EntryKind::link : EntryKind::other;
+        return kindOnDisk(parent, entry.d_name, error);
     default:
         return EntryKind::other;
     }
@@ -59,12 +58,12 @@ std::optional<FolderEntry> FolderReader::next() {
         errno = 0; // readdir tells an error from the end by it alone
         const dirent* entry = ::readdir(m_stream.get());
         if (entry == nullptr) {
-            m_error = errno;
+            m_error = errno != 0 ? errno : m_error;
             return std::nullopt;
         }
         const std::string_view name = entry->d_name;
         if (name != "." && name != "..") {
-            return FolderEntry{name, kindOf(::dirfd(m_stream.get()), *entry)};
+            return FolderEntry{name, kindOf(::dirfd(m_stream.get()), *entry, m_error)};
         }
     }
     return std::nullopt;

@@ -36,10 +36,10 @@ public:
     /// Reads the open folder `folder`.
     explicit FolderReader(FileDescriptor folder);
 
-    /// The next entry, never "." or "..". Absent at the end, and after an error.
+    /// The next entry, never "." or "..". Absent at the end, and when the folder cannot be read further.
     std::optional<FolderEntry> next();
 
-    /// Why the folder could not be opened, or why there was no next entry before the end; else 0.
+    /// Why the folder could not be opened or not read to its end, or an entry in it not be looked at; else 0.
     int error() const { return m_error; }
 
 private:

@@ -1,6 +1,7 @@
 #include "system/PrivateDirectory.h"
 
 #include "system/DeadRuns.h"
+#include "system/RemoveTree.h"
 #include "system/RunLock.h"
 
 #include <cerrno>
@@ -14,6 +15,8 @@ namespace {
 /// another one is made, at most this often.
 constexpr int maxAttempts = 100;
 
+std::filesystem::path presentDirectory;
+
 } // namespace
 
 PrivateDirectory::PrivateDirectory()
@@ -24,10 +27,23 @@ PrivateDirectory::PrivateDirectory()
     // what has such a name in the parent may be a user's.
     setTemporaryDirectory(m_directory ? m_directory->path()
                                       : m_parent / (std::string(runPrefix) + "missing"));
+    presentDirectory = m_directory ? m_directory->path() : std::filesystem::path();
 }
 
 PrivateDirectory::~PrivateDirectory() {
+    remove();
     setTemporaryDirectory({});
+}
+
+bool PrivateDirectory::remove() {
+    presentDirectory.clear();
+    const bool gone = !m_directory || removeTree(m_directory->release());
+    m_directory.reset();
+    return gone;
+}
+
+const std::filesystem::path& PrivateDirectory::present() {
+    return presentDirectory;
 }
 
 int PrivateDirectory::make() {
@@ -43,8 +59,7 @@ int PrivateDirectory::make() {
             return 0;
         }
         m_directory.reset();
-        const bool wasTaken = error == EWOULDBLOCK || error == ESTALE || error == ENOENT;
-        if (!wasTaken) {
+        if (!wasTaken(error)) {
             return error;
         }
     }

@@ -23,8 +23,15 @@ public:
     PrivateDirectory(const PrivateDirectory&) = delete;
     PrivateDirectory& operator=(const PrivateDirectory&) = delete;
 
-    /// Removes the directory with everything in it.
+    /// Removes the directory as `remove` does.
     ~PrivateDirectory();
+
+    /// Removes the directory with everything in it. False when something of it stays, which the next run
+    /// removes.
+    bool remove();
+
+    /// The directory of this program; empty where it has none. Not while one is made or destroyed.
+    static const std::filesystem::path& present();
 
     /// Why there is no directory; no error when there is one.
     std::error_code failure() const { return m_failure; }

@@ -8,6 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <exception>
 #include <string>
 #include <vector>
@@ -18,16 +19,13 @@ namespace {
 
 constexpr mode_t ownerMayAll = S_IRWXU;
 
+/// What fails once, as on a disk that is busy, is tried so often.
+constexpr int removalAttempts = 2;
+
 struct Entries {
     std::vector<std::string> folders;
     std::vector<std::string> others;
 };
-
-bool isFolder(const char* path) {
-    struct stat status {};
-
-    return ::lstat(path, &status) == 0 && S_ISDIR(status.st_mode);
-}
 
 /// Opens the folder `name` in `parent`, with the owner's permissions restored.
 FileDescriptor openFolder(int parent, const char* name) {
@@ -74,20 +72,32 @@ void empty(int top) {
     }
 }
 
+bool isGone(int result) {
+    return result == 0 || errno == ENOENT || errno == ENOTDIR;
+}
+
+/// Whether nothing is at `path` afterwards.
+bool removeOnce(const char* path) {
+    if (isGone(::unlink(path))) {
+        return true;
+    }
+    if (const FileDescriptor top = openFolder(AT_FDCWD, path)) {
+        empty(top.get());
+    }
+    return isGone(::rmdir(path));
+}
+
 } // namespace
 
-void removeTree(const std::filesystem::path& path) noexcept {
-    try {
-        if (isFolder(path.c_str())) {
-            if (const FileDescriptor top = openFolder(AT_FDCWD, path.c_str())) {
-                empty(top.get());
-            }
-            ::rmdir(path.c_str());
-        } else {
-            ::unlink(path.c_str());
+bool removeTree(const std::filesystem::path& path) noexcept {
+    bool gone = false;
+    for (int attempt = 0; !gone && attempt < removalAttempts; ++attempt) {
+        try {
+            gone = removeOnce(path.c_str());
+        } catch (const std::exception&) { // no memory
         }
-    } catch (const std::exception&) { // no memory: nothing more can be removed
     }
+    return gone;
 }
 
 } // namespace velmora

@@ -8,7 +8,8 @@
 namespace velmora {
 
 /// Removes `path` with everything in it; links are removed, never followed. The owner's permissions are
-/// restored on the way. Failures are ignored: what cannot be removed stays. Nothing there is no failure.
-void removeTree(const std::filesystem::path& path) noexcept;
+/// restored on the way. What cannot be removed, at a second attempt either, stays, and everything else goes.
+/// Returns whether nothing is at `path` any more.
+bool removeTree(const std::filesystem::path& path) noexcept;
 
 } // namespace velmora

@@ -19,28 +19,41 @@ bool isStillAt(const std::filesystem::path& path, const struct stat& opened) {
            found.st_ino == opened.st_ino;
 }
 
-} // namespace
-
-FileDescriptor lockRun(const std::filesystem::path& path) {
-    FileDescriptor directory(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+/// `kind` is a flag of open(2).
+FileDescriptor lockItem(const std::filesystem::path& path, int kind) {
+    FileDescriptor item(::open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | kind));
 
     struct stat status {};
 
     int error = 0;
-    if (!directory || ::fstat(directory.get(), &status) != 0) {
+    if (!item || ::fstat(item.get(), &status) != 0) {
         error = errno;
     } else if (status.st_uid != ::geteuid()) {
         error = EPERM;
-    } else if (::flock(directory.get(), LOCK_EX | LOCK_NB) != 0) {
+    } else if (::flock(item.get(), LOCK_EX | LOCK_NB) != 0) {
         error = errno == EWOULDBLOCK ? EWOULDBLOCK : ENOLCK;
     } else if (!isStillAt(path, status)) {
         error = ESTALE;
     }
     if (error != 0) {
-        directory = FileDescriptor();
+        item = FileDescriptor();
         errno = error;
     }
-    return directory;
+    return item;
+}
+
+} // namespace
+
+FileDescriptor lockRun(const std::filesystem::path& path) {
+    return lockItem(path, O_DIRECTORY);
+}
+
+FileDescriptor lockFile(const std::filesystem::path& path) {
+    return lockItem(path, O_NONBLOCK | O_NOCTTY);
+}
+
+bool wasTaken(int error) {
+    return error == EWOULDBLOCK || error == ESTALE || error == ENOENT;
 }
 
 } // namespace velmora

@@ -1,7 +1,8 @@
 #pragma once
 
-// How runs of the programs tell that a private directory is in use: its run holds a lock on the directory
-// itself. The lock is the open descriptor's, so it ends with the run, however that ends.
+// How runs of the programs tell that a private directory, or another temporary item outside it, is in use:
+// its run holds a lock on the item itself. The lock is the open descriptor's, so it ends with the run,
+// however that ends.
 
 #include "system/FileDescriptor.h"
 
@@ -17,5 +18,12 @@ inline constexpr std::string_view runPrefix = "scan-velmora-";
 /// `errno` says why: EWOULDBLOCK when a run holds it, ESTALE when it was removed before it was locked, EPERM
 /// when it is another user's, ENOLCK when its file system knows no such lock, or why it cannot be opened.
 FileDescriptor lockRun(const std::filesystem::path& path);
+
+/// As `lockRun`, for the regular file at `path`.
+FileDescriptor lockFile(const std::filesystem::path& path);
+
+/// Whether a lock failed with `error` because another run took the item for a dead run's, between its making
+/// and its locking: another one is to be made.
+bool wasTaken(int error);
 
 } // namespace velmora

@@ -84,6 +84,12 @@ TEST_F(FileMoveAcross, LeavesNothingBesideTheFile) {
     EXPECT_THAT(namesIn(folder.path()), ElementsAre("file"));
 }
 
+TEST_F(FileMoveAcross, RemovesTheCopyThatAKilledProgramLeft) {
+    write(folder.path() / ".velmora-0B5C2D2A-6A25-4D3F-9F0E-3C1B7A9E8D21", "half a file");
+    moveReplacing(from, to);
+    EXPECT_THAT(namesIn(folder.path()), ElementsAre("file"));
+}
+
 TEST_F(FileMoveAcross, ReplacesALinkAndNotWhatItLeadsTo) {
     fs::create_symlink(to, folder.path() / "link");
     moveReplacing(from, folder.path() / "link");

@@ -45,7 +45,7 @@ TEST(RemoveTree, RemovesFoldersFilesAndWhateverElseIsThere) {
     fs::create_directory(folder / "tree" / "empty");
     ASSERT_EQ(::mkfifo((folder / "tree" / "fifo").c_str(), 0600), 0);
     fs::create_symlink("nowhere", folder / "tree" / "dangling");
-    removeTree(folder / "tree");
+    EXPECT_TRUE(removeTree(folder / "tree"));
     EXPECT_EQ(namesIn(folder), std::vector<std::string>{});
 }
 
@@ -72,8 +72,8 @@ TEST(RemoveTree, RemovesLinksButNothingTheyLeadTo) {
 
 TEST(RemoveTree, RemovingNothingIsNoFailure) {
     const fs::path folder = freshFolder();
-    removeTree(folder / "missing");
-    removeTree(folder / "missing" / "deeper");
+    EXPECT_TRUE(removeTree(folder / "missing"));
+    EXPECT_TRUE(removeTree(folder / "missing" / "deeper"));
     EXPECT_TRUE(isThere(folder));
 }
 
@@ -99,7 +99,7 @@ TEST(RemoveTree, EmptiesAFolderThatItMayNotRemove) {
         const fs::path parent = freshFolder();
         write(parent / "tree" / "folder" / "a.wav");
         fs::permissions(parent, fs::perms(0500));
-        removeTree(parent / "tree");
+        EXPECT_FALSE(removeTree(parent / "tree"));
         EXPECT_TRUE(fs::is_empty(parent / "tree"));
         fs::permissions(parent, fs::perms(0700));
     });

@@ -4,6 +4,8 @@
 #include "tests/support/OtherPrograms.h"
 #include "tests/window/WindowTest.h"
 
+#include <QDBusConnectionInterface>
+
 #include <gmock/gmock.h>
 
 #include <csignal>
@@ -32,6 +34,24 @@ protected:
         EXPECT_THAT(leftovers(), Not(IsEmpty()));
     }
 
+    /// Lets `fault` (tests/faults/FaultPlan.h) befall the program.
+    void meet(const QString& fault) {
+        environment.insert("LD_PRELOAD", VELMORA_FAULT_INJECTOR);
+        environment.insert("VELMORA_FAULT", fault);
+        environment.insert("VELMORA_FAULT_LOG", text(m_calls));
+    }
+
+    void awaitFault() const {
+        EXPECT_TRUE(comesTrue([this] { return read(m_calls).find("\n! ") != std::string::npos; }));
+    }
+
+    /// Opens the window on a file on a share that stops answering.
+    void openOnASilentShare() {
+        meet("pread:1:block:1.wav");
+        open({tone("1.wav", 1)});
+        awaitFault();
+    }
+
     void expectEndWithoutATrace() {
         EXPECT_EQ(velmora->wait(), 0);
         EXPECT_THAT(programs(), IsEmpty());
@@ -40,6 +60,9 @@ protected:
 
     /// The window's program and its tools.
     std::vector<std::string> programs() const { return programsWorkingIn(desktop.temporary().native()); }
+
+private:
+    const fs::path m_calls = write(folder / "calls");
 };
 
 TEST_F(EndTest, IsAKeyAway) {
@@ -65,6 +88,24 @@ TEST_F(EndTest, ComesFromTheWindowManagerWhileAnArchiveIsUnpacked) {
     openWhileUnpacking();
     desktop.press("alt+F4");
     expectEndWithoutATrace();
+}
+
+TEST_F(EndTest, ComesThoughAShareDoesNotAnswer) {
+    openOnASilentShare();
+    desktop.press("ctrl+q");
+    expectEndWithoutATrace();
+}
+
+TEST_F(EndTest, GivesTheNameOnTheBusBackAtOnce) {
+    meet("unlink:1+:block:scan-velmora-"); // it never ends
+    open();
+    EXPECT_TRUE(desktop.bus().interface()->isServiceRegistered("com.orventa.Velmora"));
+    desktop.press("ctrl+q");
+    EXPECT_TRUE(
+        comesTrue([this] { return !desktop.bus().interface()->isServiceRegistered("com.orventa.Velmora"); }));
+    awaitFault();
+    EXPECT_FALSE(velmora->ended());
+    velmora->send(SIGKILL);
 }
 
 TEST_F(EndTest, ResetLeavesNothingOnceUnpackingHasEnded) {
@@ -100,6 +141,13 @@ class SignalTest : public EndTest, public testing::WithParamInterface<SignalCase
 
 TEST_P(SignalTest, EndsItWithoutATraceWhileAnArchiveIsUnpacked) {
     openWhileUnpacking();
+    velmora->send(GetParam().number);
+    expectEndWithoutATrace();
+}
+
+TEST_P(SignalTest, EndsItThoughAShareDoesNotAnswer) {
+    openOnASilentShare();
+    velmora->send(GetParam().number);
     velmora->send(GetParam().number);
     expectEndWithoutATrace();
 }

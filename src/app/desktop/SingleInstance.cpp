@@ -89,6 +89,16 @@ bool SingleInstance::claim(const Paths& paths) {
     return QDBusConnection::sessionBus().isConnected() ? claimOnBus(paths) : claimSocket(paths);
 }
 
+void SingleInstance::giveUp() {
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (bus.isConnected()) {
+        bus.unregisterObject(objectPath);
+        bus.unregisterService(applicationId);
+    }
+    m_server.close();
+    m_lock.reset();
+}
+
 bool SingleInstance::claimOnBus(const Paths& paths) {
     QDBusConnection bus = QDBusConnection::sessionBus();
     new ApplicationAdaptor(this, [this](const Paths& requested, const QByteArray& activationToken) {

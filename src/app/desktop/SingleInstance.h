@@ -29,6 +29,10 @@ public:
     /// been asked to come to the front where there are none; this process can end.
     bool claim(const Paths& paths);
 
+    /// Lets the next start be the only instance, while this process still ends. Nothing is requested of it
+    /// from here on.
+    void giveUp();
+
 signals:
     /// A later start, or the desktop, wants `paths` scanned; none: only the window raised. `activationToken`
     /// lets the window take the focus, where the desktop asks for one; empty if it gave none.

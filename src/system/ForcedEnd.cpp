@@ -1,0 +1,43 @@
+#include "system/ForcedEnd.h"
+
+#include "system/PrivateDirectory.h"
+#include "system/RemoveTree.h"
+
+#include <poll.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
+#include <thread>
+
+namespace velmora {
+
+namespace {
+
+constexpr int patience = 2000; // milliseconds
+
+[[noreturn]] void endWithout(const std::filesystem::path& directory, int status) noexcept {
+    if (!directory.empty()) {
+        removeTree(directory);
+    }
+    ::_exit(status);
+}
+
+} // namespace
+
+void endNow(int status) noexcept {
+    endWithout(PrivateDirectory::present(), status);
+}
+
+void endSoon(int ending, int status) {
+    try {
+        std::thread([=, directory = PrivateDirectory::present()] {
+            pollfd again{ending, POLLIN, 0};
+            ::poll(&again, 1, patience); // cut short by a signal as well
+            endWithout(directory, status);
+        }).detach();
+    } catch (const std::system_error&) { // then the program ends when its work does
+    }
+}
+
+} // namespace velmora
