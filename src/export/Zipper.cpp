@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <new>
 #include <optional>
 #include <utility>
 
@@ -65,8 +66,11 @@ std::string folderName(const fs::path& destination) {
 
 /// A device, a FIFO or a socket is no archive's place, although its name could be given to one.
 void refuseWhatIsNoFile(const fs::path& destination) {
-    std::error_code ignored;
-    const fs::file_status status = fs::status(destination, ignored);
+    std::error_code error;
+    const fs::file_status status = fs::status(destination, error);
+    if (status.type() == fs::file_type::none) {
+        throw fs::filesystem_error("cannot look at", destination, error);
+    }
     if (fs::is_directory(status)) {
         fail("cannot replace", destination, EISDIR);
     }
@@ -117,6 +121,9 @@ std::string description(const std::exception& error) {
     const auto* file = dynamic_cast<const fs::filesystem_error*>(&error);
     if (file != nullptr && !file->path1().empty()) {
         return lastComponent(file->path1()) + ": " + file->code().message();
+    }
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) {
+        return std::generic_category().message(ENOMEM);
     }
     const auto* system = dynamic_cast<const std::system_error*>(&error);
     return system != nullptr ? system->code().message() : error.what();

@@ -65,6 +65,7 @@ public:
                     look(entry);
                 }
             }
+            complete = complete && reader.error() == 0;
         }
         return complete;
     }

@@ -4,12 +4,18 @@
 #include "gather/SourceWalker.h"
 #include "system/Paths.h"
 
+#include <new>
+
 namespace velmora::Collector {
 
 GatherResult gather(const Paths& paths, const std::stop_token& stop) {
     GatherResult found;
     for (const std::filesystem::path& path : paths) {
-        walk(path, 0, found, stop);
+        try {
+            walk(path, 0, found, stop);
+        } catch (const std::bad_alloc&) { // what it holds is not all found
+            found.unreadableFolders.push_back(path);
+        }
     }
     sortScanOrder(found.files, found.temps);
     return found;

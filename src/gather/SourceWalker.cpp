@@ -62,6 +62,8 @@ public:
             folder(path.native(), depth);
         } else if (fs::exists(status)) {
             file(path, kindOf(lastComponent(path)), depth);
+        } else if (status.type() == fs::file_type::none) { // it may be there, but cannot be looked at
+            m_found.unreadableFolders.push_back(path);
         }
     }
 

@@ -3,6 +3,7 @@
 #include <QMetaObject>
 
 #include <algorithm>
+#include <exception>
 #include <utility>
 
 namespace velmora {
@@ -26,14 +27,22 @@ void MeasuringStage::start(BackgroundTasks& background, MainThreadQueue& mainThr
     }
 }
 
+Measured MeasuringStage::measured(std::filesystem::path file, const std::stop_token& stop) const {
+    try {
+        return m_measure(file, stop);
+    } catch (const std::exception&) {
+        return {.url = std::move(file)};
+    }
+}
+
 void MeasuringStage::work(MainThreadQueue& mainThread, const std::stop_token& stop) {
     while (!stop.stop_requested()) {
         const std::size_t index = m_next.fetch_add(1);
         if (index >= m_files.size()) {
             return;
         }
-        const std::filesystem::path file = std::move(m_files[index]); // from here on the record holds it
-        handOver({index, m_measure(file, stop)}, mainThread);
+        // From here on the record holds the path.
+        handOver({index, measured(std::move(m_files[index]), stop)}, mainThread);
     }
 }
 

@@ -35,8 +35,8 @@ public:
     /// Files measured at the same time: the bound on open files and child processes.
     static constexpr std::size_t width = 6;
 
-    /// `measure` is called on the workers, `deliver` on the main thread with results in the order of
-    /// their completion.
+    /// `measure` is called on the workers; where it throws, for want of memory, its file stays unmeasured.
+    /// `deliver` is called on the main thread with results in the order of their completion.
     MeasuringStage(Paths files, Measure measure, Deliver deliver);
 
     /// Starts the workers, fewer where the system has no further thread; where it has none, measures before
@@ -46,6 +46,7 @@ public:
     void start(BackgroundTasks& background, MainThreadQueue& mainThread, const std::stop_token& stop);
 
 private:
+    Measured measured(std::filesystem::path file, const std::stop_token& stop) const;
     void work(MainThreadQueue& mainThread, const std::stop_token& stop);
     void handOver(MeasuredFile result, MainThreadQueue& mainThread);
     Batch takeBatch();

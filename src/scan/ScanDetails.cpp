@@ -6,6 +6,9 @@ namespace velmora {
 
 std::filesystem::path ScanDetails::shownPath(const std::filesystem::path& path) const {
     const std::string& text = path.native();
+    if (const auto archive = archiveOf.find(text); archive != archiveOf.end()) {
+        return shownPath(archive->second);
+    }
     for (const std::string_view folder : parentFolders(text)) {
         const auto archive = archiveOf.find(std::string(folder));
         if (archive != archiveOf.end()) {

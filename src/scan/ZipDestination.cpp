@@ -7,6 +7,8 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <system_error>
 
 namespace velmora {
 
@@ -22,7 +24,7 @@ struct Identity {
     bool operator==(const Identity&) const = default;
 };
 
-/// Absent when nothing is there.
+/// Absent when nothing is there, or when it cannot be looked at; `errno` then says why.
 std::optional<Identity> identityOf(const fs::path& path) {
     struct stat status {};
 
@@ -40,6 +42,9 @@ std::optional<std::string> ScanModel::objectionToZip(const fs::path& destination
         return name + " has the name of an audio file";
     }
     const std::optional<Identity> present = identityOf(destination);
+    if (!present && errno != ENOENT) {
+        return name + ": " + std::generic_category().message(errno);
+    }
     const auto isPresent = [&](const fs::path& source) { return identityOf(source) == present; };
     const bool isSource =
         present &&

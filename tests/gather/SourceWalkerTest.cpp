@@ -103,8 +103,14 @@ TEST(SourceWalker, FindsNothingWhereNothingIs) {
     EXPECT_EQ(walked(folder / "missing.wav"), nothing);
     EXPECT_EQ(walked(folder / "missing.wav" / "a.wav"), nothing);
     EXPECT_EQ(walked(folder / "dangling.wav"), nothing);
-    EXPECT_EQ(walked(folder / std::string(256, 'x')), nothing);
     EXPECT_EQ(walked(""), nothing);
+}
+
+TEST(SourceWalker, NamesWhatItCannotLookAt) {
+    const fs::path path = freshFolder() / std::string(256, 'x');
+    GatherResult expected;
+    expected.unreadableFolders = {path};
+    EXPECT_EQ(walked(path), expected);
 }
 
 TEST(SourceWalker, TakesFoldersForFoldersWhateverTheirName) {
@@ -191,7 +197,9 @@ TEST(SourceWalker, LeavesOutFoldersThatCannotBeRead) {
         fs::permissions(folder / "locked", fs::perms(0400)); // names can be read, files cannot
         EXPECT_THAT(namesIn(walked(folder), folder), ElementsAre("a.wav", "locked/c.wav", "open/d.wav"));
         EXPECT_THAT(walked(folder / "closed").unreadableFolders, ElementsAre(folder / "closed"));
-        EXPECT_EQ(walked(folder / "closed" / "b.wav"), nothing);
+        EXPECT_THAT(walked(folder / "closed" / "b.wav").files, IsEmpty());
+        EXPECT_THAT(walked(folder / "closed" / "b.wav").unreadableFolders,
+                    ElementsAre(folder / "closed" / "b.wav"));
     });
 }
 

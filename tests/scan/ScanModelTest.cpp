@@ -161,6 +161,18 @@ TEST_F(ScanModelTest, CountsSkippedArchivesAsUnreadableBesideUnmeasuredFiles) {
               (std::vector<Measured>{{"/m/good.wav", 4.5, 7}, {"/m/bad.wav", -1, 7}}));
 }
 
+TEST_F(ScanModelTest, GoesOnWhereOneFileFindsNoMemory) {
+    createModel({[](const Paths&, const std::stop_token&) { return gathered(tracks(3)); },
+                 [](const fs::path& file, const std::stop_token&) {
+                     return file == tracks(3)[1] ? throw std::bad_alloc() : Measured{file, 4.5, 7};
+                 }});
+    model->ingest({"/m"});
+    awaitStatus("COMPLETE");
+    EXPECT_EQ(model->summary().seconds, 9);
+    EXPECT_EQ(model->summary().unreadable, 1);
+    EXPECT_EQ(model->details().files[1], (Measured{tracks(3)[1], unmeasured, 0}));
+}
+
 TEST_F(ScanModelTest, ShowsExtractedFilesUnderTheirArchivesOwnPaths) {
     ScanDetails details;
     details.archiveOf = {{"/t/velmora-A", "/music/set.zip"},
@@ -169,6 +181,7 @@ TEST_F(ScanModelTest, ShowsExtractedFilesUnderTheirArchivesOwnPaths) {
     EXPECT_EQ(details.shownPath("/t/velmora-A/Disc 1/01.wav"), "/music/set.zip/Disc 1/01.wav");
     EXPECT_EQ(details.shownPath("/t/velmora-B/x.mp3"), "/music/set.zip/more/inner.tar.gz/x.mp3");
     EXPECT_EQ(details.shownPath("/t/velmora-AB/x.mp3"), "/t/velmora-AB/x.mp3");
+    EXPECT_EQ(details.shownPath("/t/velmora-B"), "/music/set.zip/more/inner.tar.gz");
 }
 
 TEST_F(ScanModelTest, KeepsProgressBetweenZeroAndOne) {
