@@ -1,5 +1,5 @@
 """Everything that tests/faults tries a sample of: each call to the system that a scan makes fails in each way
-it can, and a scan is killed at 200 moments. Built as the tests are; each core takes a share."""
+it can, and a scan gets each of six signals at 200 moments. Built as the tests are; each core takes a share."""
 
 import os
 import subprocess
@@ -7,7 +7,7 @@ import subprocess
 from measuring import ROOT
 
 TESTS = ROOT / "build" / "dev" / "tests" / "faults" / "test_faults"
-FILTER = "FailedCall.*:KilledAtRandom.*"
+FILTER = "FailedCall.*:KilledAtRandom.*:SignalAtRandom.*"
 
 
 def run() -> str:
@@ -20,7 +20,9 @@ def run() -> str:
         raise SystemExit("".join(outputs))
     tried = sum(number(output, "faults") for output in outputs)
     killed = sum(number(output, "kills") for output in outputs)
-    return f"{tried} failed calls and {killed} kills: no wrong total, no loss, nothing left over.\n"
+    signalled = sum(number(output, "signals") for output in outputs)
+    return (f"{tried} failed calls, {killed} kills, {signalled} other signals: no wrong total, no loss, "
+            "nothing left over.\n")
 
 
 def start(part: int, parts: int) -> subprocess.Popen:

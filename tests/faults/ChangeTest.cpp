@@ -2,6 +2,7 @@
 // that is yet to concern the file; the file changes; the scan goes on.
 
 #include "tests/faults/Surroundings.h"
+#include "tests/support/ForkedProcess.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 
@@ -112,6 +113,26 @@ TEST_F(Change, RemovedBeforeItIsUnpackedTheArchiveIsNamed) {
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.output, lineOf(first, "1.000") + lineOf(second, "1.000"));
     EXPECT_THAT(run.errors, HasSubstr("cannot unpack '" + (folder / "Set" / "more.zip").native() + "'"));
+}
+
+/// Where the file system does not tell what the entries are, and they may not be looked at.
+TEST_F(Change, OfRightsBeforeItIsListedTheFolderIsNamed) {
+    writeWav(folder / "Set" / "Disc 2" / "Deep" / "3.wav", oneSecond);
+    fs::permissions(folder / "Set" / "Disc 2", fs::perms(0444));
+    asOrdinaryUser([&] {
+        const Finished run =
+            runToEnd({.arguments = {"Set"}, .folder = folder, .environment = meeting("list:1+:unknown")});
+        EXPECT_EQ(run.status, 1);
+        EXPECT_THAT(run.errors, HasSubstr("'" + (folder / "Set" / "Disc 2").native() + "'"));
+    });
+}
+
+TEST_F(Change, RemovedBeforeItIsListedTheFolderIsNamed) {
+    writeWav(folder / "Set" / "Disc 2" / "3.wav", oneSecond);
+    const Finished run = scan("open:1:stop:Disc 2", [&] { fs::remove_all(folder / "Set" / "Disc 2"); });
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.output, lineOf(first, "1.000") + lineOf(second, "1.000"));
+    EXPECT_THAT(run.errors, HasSubstr("'" + (folder / "Set" / "Disc 2").native() + "'"));
 }
 
 } // namespace

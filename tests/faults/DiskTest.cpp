@@ -8,12 +8,15 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <csignal>
+
 namespace velmora::test {
 namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::SizeIs;
 using testing::StartsWith;
 
 constexpr std::size_t megabyte = std::size_t{1} << 20;
@@ -84,6 +87,21 @@ TEST_F(FullDisk, WhileTheArchiveIsWrittenKeepsTheOldZip) {
     });
 }
 
+TEST_F(FullDisk, AtTheDestinationKeepsTheOldZip) {
+    writeNoise(30);
+    inOwnMounts([&] {
+        mountSmallDisk(other, 4 * megabyte);
+        const fs::path zip = write(other / "Mix.zip", old);
+        const Finished run = scan({"-z", zip});
+        EXPECT_EQ(run.status, 4);
+        EXPECT_EQ(run.errors,
+                  "velmora-scan: cannot write the zip archive: Mix.zip: No space left on device\n");
+        EXPECT_EQ(read(zip), old);
+        EXPECT_THAT(namesIn(other), ElementsAre("Mix.zip"));
+        EXPECT_THAT(namesIn(temporary), IsEmpty());
+    });
+}
+
 TEST_F(FullDisk, ThatIsAnotherThanTheTemporaryOneGetsTheZipWhenItFits) {
     inOwnMounts([&] {
         mountSmallDisk(other, 4 * megabyte);
@@ -91,6 +109,24 @@ TEST_F(FullDisk, ThatIsAnotherThanTheTemporaryOneGetsTheZipWhenItFits) {
         EXPECT_EQ(scan({"-z", zip}).status, 0);
         EXPECT_TRUE(shell("unzip -p Mix.zip Mix/1.wav", other) == read(track));
         EXPECT_THAT(namesIn(other), ElementsAre("Mix.zip"));
+    });
+}
+
+/// A zip goes to another disk under a hidden name first.
+TEST_F(FullDisk, ThatGotHalfAZipBeforeADeathIsClearedByTheNextZip) {
+    inOwnMounts([&] {
+        mountSmallDisk(other, 4 * megabyte);
+        const fs::path zip = write(other / "Mix.zip", old);
+        write(other / ".velmora-notes");
+        const Launch dying{.arguments = {"-z", zip, "Set"},
+                           .folder = folder,
+                           .environment = meeting("fsync:1:kill:.velmora-", temporary)};
+        EXPECT_EQ(runToEnd(dying).status, 128 + SIGKILL);
+        EXPECT_EQ(read(zip), old);
+        EXPECT_THAT(namesIn(other), SizeIs(3));
+        EXPECT_EQ(scan({"-z", zip}).status, 0);
+        EXPECT_TRUE(shell("unzip -p Mix.zip Mix/1.wav", other) == read(track));
+        EXPECT_THAT(namesIn(other), ElementsAre(".velmora-notes", "Mix.zip"));
     });
 }
 
@@ -134,6 +170,16 @@ TEST_F(TemporaryDirectory, ThatIsAnEmptyTextMeansTheUsualOne) {
     EXPECT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(run.output, trackLine + moreLine);
     EXPECT_THAT(read(log), HasSubstr("mkdir 1 /tmp/scan-velmora-"));
+}
+
+TEST_F(TemporaryDirectory, FromWhichNothingCanBeRemovedIsNamed) {
+    const Finished run = runToEnd(
+        {.arguments = {"-f", "Set"}, .folder = folder, .environment = meeting("unlink:1+:EIO", temporary)});
+    EXPECT_EQ(run.output, trackLine + moreLine);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_THAT(namesIn(temporary), SizeIs(1));
+    EXPECT_EQ(run.errors,
+              "velmora-scan: cannot remove '" + (temporary / namesIn(temporary).front()).native() + "'\n");
 }
 
 TEST_F(TemporaryDirectory, OnAFileSystemWithoutLocksIsWorkedIn) {

@@ -28,6 +28,7 @@ using Text = std::array<char, maxPath>;
 constexpr auto errors = std::to_array<std::pair<std::string_view, int>>({
     {"EACCES", EACCES},
     {"EAGAIN", EAGAIN},
+    {"EBUSY", EBUSY},
     {"EINTR", EINTR},
     {"EIO", EIO},
     {"EMFILE", EMFILE},
@@ -38,7 +39,7 @@ constexpr auto errors = std::to_array<std::pair<std::string_view, int>>({
     {"EXDEV", EXDEV},
 });
 
-enum class How { nothing, error, shortened, end, stop, kill, block };
+enum class How { nothing, error, shortened, end, unknown, stop, kill, block };
 
 struct Plan {
     Text text{}; // what the views below look at
@@ -78,6 +79,7 @@ std::string_view field(std::string_view& rest) {
 void readHow(std::string_view name) {
     constexpr auto ways = std::to_array<std::pair<std::string_view, How>>({{"short", How::shortened},
                                                                            {"end", How::end},
+                                                                           {"unknown", How::unknown},
                                                                            {"stop", How::stop},
                                                                            {"kill", How::kill},
                                                                            {"block", How::block}});
@@ -167,6 +169,8 @@ Fault carryOut() {
         return {.isShort = true};
     case How::end:
         return {.isEndOfFile = true};
+    case How::unknown:
+        return {.isUnknown = true};
     case How::stop:
         ::syscall(SYS_tgkill, ::getpid(), ::gettid(), SIGSTOP); // this thread is to go no further
         return {};

@@ -8,6 +8,7 @@
 //     only calls count that concern a path which holds PART.
 //     HOW  an error's name: EIO, ENOSPC, ...
 //          short    half of what was asked for is read or written
+//          unknown  an entry of a folder comes without its kind, as on some file systems
 //          end      nothing is read, as at the end of a file
 //          stop     the process stops (SIGSTOP); continued, it makes the call as if nothing had been
 //          kill     the process dies (SIGKILL)
@@ -24,8 +25,9 @@ struct Fault {
     int error = 0;        ///< not 0: fail with this errno
     bool isShort = false; ///< do half of the work
     bool isEndOfFile = false;
+    bool isUnknown = false;
 
-    explicit operator bool() const { return error != 0 || isShort || isEndOfFile; }
+    explicit operator bool() const { return error != 0 || isShort || isEndOfFile || isUnknown; }
 };
 
 /// Counts a call that names a path; `path` may be null.

@@ -77,18 +77,23 @@ DIR* opendir(const char* path) {
 
 DIR* fdopendir(int descriptor) {
     const Fault fault = faultOf("list", descriptor);
-    return fault ? failed<DIR*>(fault, nullptr) : VELMORA_REAL(fdopendir)(descriptor);
+    return fault.error != 0 ? failed<DIR*>(fault, nullptr) : VELMORA_REAL(fdopendir)(descriptor);
 }
 
-dirent* readdir(DIR* folder) {
-    const Fault fault = faultOf("list", ::dirfd(folder));
-    return fault ? failed<dirent*>(fault, nullptr) : VELMORA_REAL(readdir)(folder);
-}
-
-dirent64* readdir64(DIR* folder) {
-    const Fault fault = faultOf("list", ::dirfd(folder));
-    return fault ? failed<dirent64*>(fault, nullptr) : VELMORA_REAL(readdir64)(folder);
-}
+#define READDIR(name, type)                                                                                  \
+    type* name(DIR* folder) {                                                                                \
+        const Fault fault = faultOf("list", ::dirfd(folder));                                                \
+        if (fault.error != 0) {                                                                              \
+            return failed<type*>(fault, nullptr);                                                            \
+        }                                                                                                    \
+        type* const entry = VELMORA_REAL(name)(folder);                                                      \
+        if (fault.isUnknown && entry != nullptr) {                                                           \
+            entry->d_type = DT_UNKNOWN;                                                                      \
+        }                                                                                                    \
+        return entry;                                                                                        \
+    }
+READDIR(readdir, dirent)
+READDIR(readdir64, dirent64)
 
 // --- reading and writing
 

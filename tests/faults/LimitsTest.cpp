@@ -2,6 +2,7 @@
 // writing.
 
 #include "tests/faults/Surroundings.h"
+#include "tests/support/ForkedProcess.h"
 #include "tests/support/OtherPrograms.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
@@ -16,6 +17,7 @@ namespace velmora::test {
 namespace {
 
 using testing::AnyOf;
+using testing::HasSubstr;
 using testing::IsEmpty;
 
 void limit(__rlimit_resource resource, rlim_t most) {
@@ -30,6 +32,13 @@ protected:
                          .folder = folder,
                          .environment = {{"TMPDIR", temporary}},
                          .beforeStart = beforeStart});
+    }
+
+    /// Makes links to 1.wav in `place` until there are so many files.
+    static void link(const fs::path& place, int files) {
+        for (int i = 2; i <= files; ++i) {
+            fs::create_symlink("1.wav", place / (std::to_string(i) + ".wav"));
+        }
     }
 
     const fs::path folder = freshFolder();
@@ -53,7 +62,51 @@ TEST_F(Limits, FewerDescriptorsThanAScanNeedsLeaveNothing) {
         EXPECT_FALSE(run.signalled) << descriptors << "\n" << run.errors;
         EXPECT_THAT(run.status, AnyOf(0, 1, 3, 127)) << descriptors;
         EXPECT_TRUE(run.status != 0 || run.output == trackLine) << descriptors;
+        EXPECT_TRUE(run.status == 0 || !run.errors.empty()) << descriptors << ": failed without a word";
         EXPECT_THAT(namesIn(temporary), IsEmpty()) << descriptors;
+    }
+}
+
+TEST_F(Limits, WithoutAThreadMoreTheMainOneMeasures) {
+    asOrdinaryUser([&] {
+        const Finished run = runToEnd(
+            {.arguments = {"-f", "Set"}, .folder = folder, .beforeStart = [] { limit(RLIMIT_NPROC, 0); }});
+        EXPECT_EQ(run.status, 0) << run.errors;
+        EXPECT_EQ(run.output, trackLine);
+    });
+}
+
+/// Their paths are long enough to take the room that each thread would like to have.
+TEST_F(Limits, AHundredThousandFilesFitIn256Megabytes) {
+    const fs::path deep = folder / "a" / "b" / "c" / "d" / "e" / "f" / "a folder with a longer name";
+    fs::create_directories(deep);
+    inOwnMounts([&] {
+        mountSmallDisk(deep, std::size_t{64} << 20); // links are made there in no time
+        fs::copy(track, deep / "1.wav");
+        link(deep, 10'000);
+        const Finished run = runToEnd({.arguments = {".", ".", ".", ".", ".", ".", ".", ".", ".", "."},
+                                       .folder = deep,
+                                       .environment = {{"TMPDIR", temporary}},
+                                       .beforeStart = [] { limit(RLIMIT_AS, rlim_t{256} << 20); }});
+        EXPECT_EQ(run.status, 0) << run.errors;
+        EXPECT_EQ(run.output,
+                  "TOTAL RUNTIME  27:46:40   (27 hr  46 min  40 sec)\n100000 audio files — 10 ITEMS\n");
+        EXPECT_THAT(namesIn(temporary), IsEmpty());
+    });
+}
+
+TEST_F(Limits, WithoutMemoryAScanEndsWithAWord) {
+    link(set, 1'100); // their list is a large allocation
+    for (int number = 1; number < 6; ++number) {
+        const std::string fault = "malloc:" + std::to_string(number) + "+:ENOMEM";
+        const Finished run = runToEnd(
+            {.arguments = {"-f", "Set"}, .folder = folder, .environment = meeting(fault, temporary)});
+        EXPECT_FALSE(run.signalled) << fault;
+        EXPECT_THAT(run.status, AnyOf(1, 3)) << fault;
+        EXPECT_THAT(run.errors, AnyOf(HasSubstr("velmora-scan: Cannot allocate memory\n"),
+                                      HasSubstr("velmora-scan: cannot read ")))
+            << fault;
+        EXPECT_THAT(namesIn(temporary), IsEmpty()) << fault;
     }
 }
 
