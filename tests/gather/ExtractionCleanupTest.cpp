@@ -1,8 +1,8 @@
 #include "gather/ExtractionCleanup.h"
 
 #include "tests/gather/Found.h"
-#include "tests/gather/Snapshot.h"
 #include "tests/support/ForkedProcess.h"
+#include "tests/support/Snapshot.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

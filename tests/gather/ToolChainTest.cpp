@@ -3,9 +3,9 @@
 
 #include "gather/ArchiveExtraction.h"
 #include "tests/gather/Found.h"
-#include "tests/gather/Snapshot.h"
 #include "tests/support/Archives.h"
 #include "tests/support/Shell.h"
+#include "tests/support/Snapshot.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,6 +3,7 @@
 #include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <array>
@@ -78,6 +79,50 @@ std::string tarHeader(const Member& member) {
     }
     setText(header, 148, octal(sum, 6) + '\0');
     return header;
+}
+
+// ------------------------------------------------------------------------------------------------- cpio
+
+/// A member's header has this, then 13 numbers of 8 hexadecimal digits: inode, mode, user, group, names,
+/// time, size, device (2), device it stands for (2), size of its name with NUL, checksum. Header with name,
+/// and content, are each padded to 4 bytes.
+constexpr std::string_view cpioMagic = "070701";
+
+mode_t kindOf(char type) {
+    switch (type) {
+    case '2':
+        return S_IFLNK;
+    case '3':
+        return S_IFCHR;
+    case '4':
+        return S_IFBLK;
+    case '5':
+        return S_IFDIR;
+    case '6':
+        return S_IFIFO;
+    case 's':
+        return S_IFSOCK;
+    default:
+        return S_IFREG;
+    }
+}
+
+void appendCpioMember(Bytes& bytes, std::size_t inode, mode_t mode, const Member& member) {
+    const auto pad = [&bytes] { bytes.resize((bytes.size() + 3) / 4 * 4); };
+    append(bytes, cpioMagic);
+    for (const std::size_t number :
+         {inode, std::size_t{mode}, std::size_t{0}, std::size_t{0}, std::size_t{1}, std::size_t{0},
+          member.content.size(), std::size_t{0}, std::size_t{0}, std::size_t{1}, std::size_t{5},
+          member.name.size() + 1, std::size_t{0}}) {
+        std::array<char, 9> digits{};
+        std::snprintf(digits.data(), digits.size(), "%08zX", number);
+        append(bytes, digits.data());
+    }
+    append(bytes, member.name);
+    bytes.push_back(0);
+    pad();
+    append(bytes, member.content);
+    pad();
 }
 
 // ------------------------------------------------------------------------------------------------- zip
@@ -193,6 +238,15 @@ Bytes tarArchive(const std::vector<Member>& members) {
         bytes.resize((bytes.size() + tarBlock - 1) / tarBlock * tarBlock);
     }
     bytes.resize(bytes.size() + 2 * tarBlock);
+    return bytes;
+}
+
+Bytes cpioArchive(const std::vector<Member>& members) {
+    Bytes bytes;
+    for (const Member& member : members) {
+        appendCpioMember(bytes, bytes.size() + 1, kindOf(member.type) | member.mode, member);
+    }
+    appendCpioMember(bytes, 0, 0, {.name = "TRAILER!!!"});
     return bytes;
 }
 

@@ -28,16 +28,22 @@ fs::path slowArchive(const fs::path& folder);
 struct Member {
     std::string name = {};
     std::string content = {};
-    char type = '0';             ///< '0' file, '2' link; of a tar member also '1' hard link, '3', '4' device,
-                                 ///< '5' folder, '6' FIFO
-    unsigned mode = 0644;        ///< permissions; a zip archive's hold where its maker is Unix
-    std::string linkTarget = {}; ///< of a tar member of type '1' or '2'; a zip member's is its content
+    char type = '0';      ///< '0' file, '2' link; of a tar or cpio member also '3', '4' device,
+                          ///< '5' folder, '6' FIFO; of a tar member '1' hard link, of a cpio member
+                          ///< 's' socket
+    unsigned mode = 0644; ///< permissions; a zip archive's hold where its maker is Unix, and then may
+                          ///< name a kind of file as st_mode does
+    std::string linkTarget =
+        {}; ///< of a tar member of type '1' or '2'; a zip or cpio member's is its content
     std::optional<std::uint64_t> declaredSize =
         {}; ///< of a tar member: what its header says, if not the truth
 };
 
 /// A tar archive in the ustar format, names as they are.
 Bytes tarArchive(const std::vector<Member>& members);
+
+/// A cpio archive in the newc format, names as they are.
+Bytes cpioArchive(const std::vector<Member>& members);
 
 /// What a zip archive says of the program that made it. The default is what Windows and Java write.
 struct ZipMaker {

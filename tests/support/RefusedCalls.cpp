@@ -34,6 +34,9 @@ constexpr sock_filter fail(__u32 error) {
     return BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error);
 }
 
+constexpr std::size_t number = offsetof(seccomp_data, nr);
+constexpr std::size_t firstArgument = offsetof(seccomp_data, args);
+
 void install(Filter filter) {
     filter.push_back(BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW));
     const sock_fprog program{static_cast<unsigned short>(filter.size()), filter.data()};
@@ -47,13 +50,30 @@ void install(Filter filter) {
 
 /// clone3 has its flags where a filter cannot read them. Without it the C library calls clone.
 void refuseThreads() {
-    install({load(offsetof(seccomp_data, nr)), unlessEqual(SYS_clone3, 1), fail(ENOSYS),
-             unlessEqual(SYS_clone, 3), load(offsetof(seccomp_data, args)), unlessSet(CLONE_THREAD, 1),
-             fail(EAGAIN)});
+    install({load(number), unlessEqual(SYS_clone3, 1), fail(ENOSYS), unlessEqual(SYS_clone, 3),
+             load(firstArgument), unlessSet(CLONE_THREAD, 1), fail(EAGAIN)});
 }
 
 void refuseLocks() {
-    install({load(offsetof(seccomp_data, nr)), unlessEqual(SYS_flock, 1), fail(ENOLCK)});
+    install({load(number), unlessEqual(SYS_flock, 1), fail(ENOLCK)});
+}
+
+void refuseMountAttributes() {
+    install({load(number), unlessEqual(SYS_mount_setattr, 1), fail(ENOSYS)});
+}
+
+void refuseLandlock() {
+    install({load(number), unlessEqual(SYS_landlock_create_ruleset, 1), fail(ENOSYS)});
+}
+
+void refusePidNamespaces() {
+    install({load(number), unlessEqual(SYS_unshare, 3), load(firstArgument), unlessSet(CLONE_NEWPID, 1),
+             fail(EPERM)});
+}
+
+void refuseCallFilters() {
+    install({load(number), unlessEqual(SYS_prctl, 3), load(firstArgument), unlessEqual(PR_GET_SECCOMP, 1),
+             fail(EINVAL)});
 }
 
 } // namespace velmora::test

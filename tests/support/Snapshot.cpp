@@ -1,4 +1,4 @@
-#include "tests/gather/Snapshot.h"
+#include "tests/support/Snapshot.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
