@@ -1,5 +1,7 @@
 #include "confine/CallFilter.h"
 
+#include <fcntl.h>
+#include <linux/sockios.h>
 #include <sched.h>
 #include <seccomp.h>
 #include <sys/prctl.h>
@@ -7,6 +9,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdint>
 #include <memory>
 
 namespace velmora {
@@ -23,11 +26,29 @@ constexpr auto refusedCalls = {
     SCMP_SYS(accept),
     SCMP_SYS(accept4),
     SCMP_SYS(mq_open),
+    SCMP_SYS(mq_unlink),
+    // memory, messages and locks that all programs of a user share
+    SCMP_SYS(shmget),
+    SCMP_SYS(shmat),
+    SCMP_SYS(shmctl),
+    SCMP_SYS(msgget),
+    SCMP_SYS(msgsnd),
+    SCMP_SYS(msgrcv),
+    SCMP_SYS(msgctl),
+    SCMP_SYS(semget),
+    SCMP_SYS(semop),
+    SCMP_SYS(semtimedop),
+    SCMP_SYS(semctl),
     // other processes
     SCMP_SYS(ptrace),
     SCMP_SYS(process_vm_readv),
     SCMP_SYS(process_vm_writev),
     SCMP_SYS(process_madvise),
+    SCMP_SYS(process_mrelease),
+    SCMP_SYS(move_pages),
+    SCMP_SYS(migrate_pages),
+    SCMP_SYS(setpriority),
+    SCMP_SYS(ioprio_set),
     SCMP_SYS(kcmp),
     SCMP_SYS(pidfd_open),
     SCMP_SYS(pidfd_getfd),
@@ -52,7 +73,12 @@ constexpr auto refusedCalls = {
     SCMP_SYS(unshare),
     SCMP_SYS(setns),
     SCMP_SYS(open_by_handle_at),
+    // the tool's own limits
+    SCMP_SYS(setrlimit),
     // the kernel
+    SCMP_SYS(iopl),
+    SCMP_SYS(ioperm),
+    SCMP_SYS(fanotify_init),
     SCMP_SYS(bpf),
     SCMP_SYS(perf_event_open),
     SCMP_SYS(userfaultfd),
@@ -81,6 +107,9 @@ constexpr auto refusedCalls = {
 
 constexpr std::uint64_t namespaceFlags =
     CLONE_NEWNS | CLONE_NEWUSER | CLONE_NEWPID | CLONE_NEWNET | CLONE_NEWIPC | CLONE_NEWUTS | CLONE_NEWCGROUP;
+
+/// All that the kernel looks at of an argument that is an int.
+constexpr scmp_datum_t intBits = UINT32_MAX;
 
 class Filter {
 public:
@@ -116,9 +145,28 @@ void refuseNodes(Filter& filter) {
     }
 }
 
-/// Signals to any process but the tool itself.
+/// Signals to any process but the tool itself, also those that the kernel sends when a file is ready.
 void refuseSignals(Filter& filter) {
-    filter.refuse(EPERM, SCMP_SYS(kill), SCMP_A0(SCMP_CMP_NE, static_cast<scmp_datum_t>(::getpid())));
+    const auto self = static_cast<scmp_datum_t>(::getpid());
+    filter.refuse(EPERM, SCMP_SYS(kill), SCMP_A0(SCMP_CMP_NE, self));
+    filter.refuse(EPERM, SCMP_SYS(tgkill), SCMP_A0(SCMP_CMP_NE, self));
+    for (const scmp_datum_t command : {F_SETOWN, F_SETOWN_EX, F_SETSIG}) {
+        filter.refuse(EPERM, SCMP_SYS(fcntl), SCMP_A1(SCMP_CMP_MASKED_EQ, intBits, command));
+    }
+    for (const scmp_datum_t request : {FIOSETOWN, SIOCSPGRP}) {
+        filter.refuse(EPERM, SCMP_SYS(ioctl), SCMP_A1(SCMP_CMP_MASKED_EQ, intBits, request));
+    }
+}
+
+/// What would end or slow another process, or free the tool from its limits.
+void refuseLimits(Filter& filter) {
+    filter.refuse(EPERM, SCMP_SYS(prlimit64), SCMP_A0(SCMP_CMP_NE, 0));
+    filter.refuse(EPERM, SCMP_SYS(prlimit64), SCMP_A2(SCMP_CMP_NE, 0));
+    for (const int call : {SCMP_SYS(sched_setaffinity), SCMP_SYS(sched_setscheduler),
+                           SCMP_SYS(sched_setparam), SCMP_SYS(sched_setattr)}) {
+        filter.refuse(EPERM, call, SCMP_A0(SCMP_CMP_NE, 0));
+    }
+    filter.refuse(EPERM, SCMP_SYS(prctl), SCMP_A0(SCMP_CMP_MASKED_EQ, intBits, PR_SET_PDEATHSIG));
 }
 
 void refuseNamespaces(Filter& filter) {
@@ -142,6 +190,7 @@ Layer filterCalls() {
     }
     refuseNodes(filter);
     refuseSignals(filter);
+    refuseLimits(filter);
     refuseNamespaces(filter);
     filter.load();
     return Layer::stands;

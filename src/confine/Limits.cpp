@@ -35,8 +35,10 @@ void limitResources(const Rules& rules) {
     limit(RLIMIT_AS, rules.memoryBytes);
 }
 
-bool dieWith(int parent) {
-    return ::prctl(PR_SET_PDEATHSIG, SIGKILL) == 0 && ::getppid() == parent;
+void dieWith(int parent) {
+    if (::prctl(PR_SET_PDEATHSIG, SIGKILL) != 0 || ::getppid() != parent) {
+        throw WallError("nobody waits for the tool");
+    }
 }
 
 } // namespace velmora

@@ -10,8 +10,8 @@ namespace velmora {
 /// disk.
 void limitResources(const Rules& rules);
 
-/// Has the kernel kill this process when the thread that started it ends. False when `parent` has ended
-/// already.
-bool dieWith(int parent);
+/// Has the kernel kill this process when the thread that started it ends. Ends the program when `parent` has
+/// ended already.
+void dieWith(int parent);
 
 } // namespace velmora

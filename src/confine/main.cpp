@@ -6,6 +6,7 @@
 #include "confine/CallFilter.h"
 #include "confine/FileAccess.h"
 #include "confine/Limits.h"
+#include "confine/OwnProcesses.h"
 #include "confine/ReadOnlyMounts.h"
 #include "confine/Rules.h"
 
@@ -33,6 +34,7 @@ void printLayers() {
     const Rules rules;
     const int version = fileAccessVersion();
     std::printf("read-only mounts: %s\n", wordFor(mountReadOnly({})));
+    std::printf("own processes: %s\n", wordFor(enterOwnProcesses()));
     std::printf("Landlock: %s (version %d)\n", wordFor(restrictFiles(rules, "/")), version);
     std::printf("seccomp: %s\n", wordFor(filterCalls()));
     std::printf("limits: stand\n");
@@ -40,15 +42,14 @@ void printLayers() {
 
 void putUpWall(const ConfinedCommand& command) {
     mountReadOnly(command.rules.writable);
+    dieWith(command.parent);
+    enterOwnProcesses();
     if (::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) != 0) {
         throw WallError("cannot give up new privileges");
     }
     restrictFiles(command.rules, command.tool.front());
-    filterCalls();
     limitResources(command.rules);
-    if (!dieWith(command.parent)) {
-        throw WallError("nobody waits for the tool");
-    }
+    filterCalls();
 }
 
 void becomeTool(std::vector<std::string>& tool) {
