@@ -1,12 +1,12 @@
-"""Makes an archive that unpacks to itself: quine.py OUT.gz, or quine.py OUT.zip, whose one member is named so.
+"""Makes an archive that unpacks to itself: quine.py OUT.gz, or OUT.zip, whose one member is named so.
 
 A deflated stream can be read as a program of two instructions, each made five bytes long here:
 
   literal(n)  the head of a stored block: the next n bytes are put out     (RFC 1951, 3.2.4)
   repeat(n)   a block of fixed codes: the last n bytes are put out again   (RFC 1951, 3.2.6)
 
-`program` is one whose output is what stands before it, itself, and what stands after it. The archive also holds
-its own checksum: CRC-32 is linear, so the right one is the solution of 32 linear equations."""
+`program` is one whose output is what stands before it, itself, and what stands after it. The archive also
+holds its own checksum: CRC-32 is linear, so the right one is the solution of 32 linear equations."""
 
 import struct
 import sys
@@ -99,8 +99,8 @@ def with_own_checksum(archive: Callable[[int], bytes]) -> bytes:
 
 
 def whole(parts: Callable[[int, int, int], tuple[bytes, bytes]]) -> bytes:
-    """`parts` makes what stands before and after the stream. It is told the checksum, the stream's size and the
-    size of all."""
+    """`parts` makes what stands before and after the stream. It is told the checksum, the stream's size and
+    the size of all."""
     before, after = parts(0, 0, 0)
     stream = len(program(before, after)) + len(END)
     size = len(before) + stream + len(after) - len(END)
