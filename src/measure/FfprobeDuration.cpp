@@ -24,6 +24,13 @@ constexpr std::chrono::seconds deadline{30};
 constexpr std::size_t maxAnswer = 4096; // bytes: a number, and no more of anything else
 constexpr std::uint64_t maxMemory = std::uint64_t{1} << 30;
 
+/// No process works longer than there is time; one without a deadline, as long as any tool may.
+std::uint64_t processorSeconds(const ChildLimits& limits) {
+    return limits.deadline
+               ? static_cast<std::uint64_t>(std::chrono::ceil<std::chrono::seconds>(*limits.deadline).count())
+               : Rules().processorSeconds;
+}
+
 /// `text` without white space at both ends; empty if it is not valid UTF-8.
 std::string_view trimmed(std::string_view text) {
     std::size_t first = text.size();
@@ -88,7 +95,7 @@ double ffprobeSeconds(const std::optional<std::filesystem::path>& tool, const st
     const Rules rules{.reach = Reach::programs,
                       .readable = path, // and no second file, whatever this one asks for
                       .memoryBytes = maxMemory,
-                      .processorSeconds = deadline.count(),
+                      .processorSeconds = processorSeconds(limits),
                       .fileBytes = maxAnswer};
     runConfined(*tool, args, answer.get(), rules, limits); // the answer counts, not the exit status
     return secondsInAnswer(contentOf(answer));

@@ -1,6 +1,7 @@
 #include "cli/Sources.h"
 
 #include "tests/support/Files.h"
+#include "tests/support/ForkedProcess.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -84,6 +85,21 @@ TEST(Sources, LeaveOutWhatIsNotThereAndSayWhy) {
                                               "cannot read '': No such file or directory",
                                               "cannot read 'dangling.wav': No such file or directory",
                                               "cannot read 'there.wav/below': Not a directory"));
+}
+
+TEST(Sources, LeaveOutAFolderThatCanNotBothBeListedAndEntered) {
+    asOrdinaryUser([] {
+        const fs::path folder = freshFolder();
+        for (const auto permissions : {fs::perms::owner_read, fs::perms::owner_exec}) {
+            const fs::path shut = folder / std::to_string(static_cast<unsigned>(permissions));
+            write(shut / "a.wav");
+            fs::permissions(shut, permissions);
+            const Sources sources = locate({shut});
+            EXPECT_THAT(sources.paths, IsEmpty());
+            EXPECT_THAT(sources.problems,
+                        ElementsAre("cannot read '" + shut.native() + "': Permission denied"));
+        }
+    });
 }
 
 TEST(Sources, KeepLinksAsTheyAre) {

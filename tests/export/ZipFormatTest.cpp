@@ -82,6 +82,20 @@ TEST(ZipFormat, KeepsTheTimesOfFiles) {
     EXPECT_EQ(modificationTime(out / "Mix/a.mp3"), modificationTime(file)) << "exact, in any time zone";
 }
 
+TEST(ZipFormat, KeepsTimesThatThirtyOneBitsOfSecondsDoNotReach) {
+    const fs::path folder = freshFolder();
+    const fs::path archive = folder / "Mix.zip";
+    const Paths files = {writeWithTime(folder / "last.mp3", "2038-01-19 03:14:07 UTC"),
+                         writeWithTime(folder / "later.mp3", "2038-01-19 03:14:08 UTC"),
+                         writeWithTime(folder / "much later.mp3", "2107-06-01 12:00:00")};
+    Zipper::zip(files, {}, archive, [](int, int) {});
+    const fs::path out = freshFolder();
+    shell("bsdtar -xf " + shellWord(archive.native()), out);
+    for (const fs::path& file : files) {
+        EXPECT_EQ(modificationTime(out / "Mix" / file.filename()), modificationTime(file)) << file;
+    }
+}
+
 TEST(ZipFormat, ClampsTimesToWhatAZipCanState) {
     struct Row {
         const char* time;

@@ -264,6 +264,8 @@ TEST(ArchiveExtraction, EndsItsToolsAtARequestToStop) {
     while (!isUnpacking()) {
         std::this_thread::yield();
     }
+    EXPECT_THAT(temporaryItems(), testing::Contains(testing::MatchesRegex(
+                                      "velmora-src-[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}-large.tgz")));
     stop.request_stop();
     extraction.join();
     EXPECT_EQ(result, std::nullopt);

@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <thread>
+
 namespace velmora {
 
 namespace {
@@ -197,6 +199,23 @@ TEST(ArchiveWalk, UnpacksArchivesOfAnyName) {
         EXPECT_THAT(namesIn(found, {}), ElementsAre("[0]/a.wav")) << name;
         EXPECT_THAT(found.archives, ElementsAre(archive));
     }
+}
+
+TEST(ArchiveWalk, StopsInTheMiddleOfAFolder) {
+    const fs::path folder = freshFolder();
+    test::slowArchive(folder);
+    write(folder / "sub" / "a.wav"); // folders come after what else there is
+    std::stop_source stop;
+    GatherResult found;
+    std::thread walking([&] { Collector::walk(folder, 0, found, stop.get_token()); });
+    while (test::temporaryItems().empty()) {
+        std::this_thread::yield();
+    }
+    stop.request_stop();
+    walking.join();
+    EXPECT_THAT(found.files, IsEmpty());
+    EXPECT_THAT(found.skippedArchives, ElementsAre(folder / "slow.tar.xz"));
+    EXPECT_THAT(test::temporaryItems(), IsEmpty());
 }
 
 TEST(ArchiveWalk, StopsBetweenArchives) {

@@ -1,12 +1,15 @@
 #include "measure/FfprobeDuration.h"
 
+#include "tests/measure/HelperProcesses.h"
 #include "tests/support/Files.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 
 #include <array>
 #include <cerrno>
@@ -219,6 +222,19 @@ TEST(Ffprobe, GivesMinusOneWhenItCannotBeStarted) {
                                                               "ELF, but no more of it");
     fs::permissions(noProgram, fs::perms::owner_all);
     EXPECT_EQ(ffprobeSeconds(noProgram, "/music/a.wav", {}), -1.0);
+}
+
+TEST(Ffprobe, HasThirtySeconds) {
+    const fs::path file = test::freshFolder() / "a.wav";
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    std::stop_source stop;
+    std::jthread asking([&] { EXPECT_EQ(ffprobeSeconds(file, stop.get_token()), -1.0); });
+    const std::ofstream writer(file); // opens when ffprobe has opened it, and gives it nothing
+    const std::vector<pid_t> processes = test::processesBelow(::getpid(), "ffprobe");
+    ASSERT_EQ(processes.size(), 1);
+    const std::string limits = test::read("/proc/" + std::to_string(processes.front()) + "/limits");
+    EXPECT_THAT(limits, testing::ContainsRegex("Max cpu time +30 +30 +seconds"));
+    stop.request_stop();
 }
 
 TEST(Ffprobe, IsKilledAtTheDeadline) {

@@ -16,33 +16,34 @@ namespace velmora::test {
 
 namespace {
 
-/// The name as the kernel keeps it, at most 15 bytes, in parentheses.
-constexpr std::string_view helperName = "(velmora-libav)";
-
-/// The parent of the process, if that runs the helper; -1 if not.
-pid_t parentOfHelper(pid_t process) {
+/// The parent of the process, if that runs `program`; -1 if not.
+pid_t parentOf(pid_t process, std::string_view program) {
     std::ifstream file("/proc/" + std::to_string(process) + "/stat");
     std::string number;
-    std::string name;
+    std::string name; // at most 15 bytes, in parentheses
     std::string state;
     pid_t parent = -1;
     file >> number >> name >> state >> parent;
-    return file && name == helperName ? parent : -1;
+    return file && name == '(' + std::string(program) + ')' ? parent : -1;
 }
 
 } // namespace
 
-std::vector<pid_t> helpersBelow(pid_t parent) {
+std::vector<pid_t> processesBelow(pid_t parent, std::string_view program) {
     std::vector<pid_t> found;
     for (const auto& entry : fs::directory_iterator("/proc")) {
         const std::string name = entry.path().filename();
         pid_t process = 0;
         const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-        if (error == std::errc() && parentOfHelper(process) == parent) {
+        if (error == std::errc() && parentOf(process, program) == parent) {
             found.push_back(process);
         }
     }
     return found;
+}
+
+std::vector<pid_t> helpersBelow(pid_t parent) {
+    return processesBelow(parent, "velmora-libav");
 }
 
 std::vector<pid_t> helperChildren() {

@@ -1,6 +1,7 @@
 #pragma once
 
-// velmora-libav and its children as the system shows them, for tests that harm them.
+// Child processes as the system shows them, velmora-libav and its children above all, for tests that harm
+// them.
 
 #include "system/FileDescriptor.h"
 
@@ -10,6 +11,10 @@
 #include <vector>
 
 namespace velmora::test {
+
+/// The processes that run `program` and were started by `parent`, in whichever of its threads. Those that
+/// have ended and are not awaited count, too.
+std::vector<pid_t> processesBelow(pid_t parent, std::string_view program);
 
 /// The processes that run velmora-libav and were started by `parent`: the helper below a program, the
 /// children below the helper. Those that have ended and are not awaited count, too.

@@ -1,6 +1,7 @@
 // Containers that libavformat reads: what they state of their sound, and their packets where they state
 // nothing.
 
+#include "measure/bytes/GuardedReader.h"
 #include "tests/measure/HeaderBytes.h"
 #include "tests/measure/MediaBytes.h"
 #include "tests/measure/TwelveSeconds.h"
@@ -81,6 +82,21 @@ TEST(OtherContainers, AreReadUnderAnyName) {
           R"(ffmpeg -v error -y -i "$IN" -c:a tta -f tta "$OUT")", R"(oggenc -Q "$IN" -o "$OUT")"}) {
         EXPECT_NEAR(secondsOf(encoded("mp3", command)), twelveSeconds.seconds(), 0.06) << command;
     }
+}
+
+TEST(OtherContainers, PlayRecordingsThatWereJoinedOneAfterTheOther) {
+    const std::string stream =
+        encoded("mp3", R"(ffmpeg -v error -y -i "$IN" -c:a mp2 -b:a 384k -f mpegts "$OUT")");
+    const std::string live =
+        encoded("mka", R"(ffmpeg -v error -i "$IN" -c:a libopus -f webm - | cat > "$OUT")");
+    for (const std::string& recording : {stream, live}) {
+        const double once = secondsOf(recording);
+        EXPECT_NEAR(once, twelveSeconds.seconds(), 0.06);
+        EXPECT_NEAR(secondsOf(recording + recording), 2 * once, 0.01) << "its time stamps jump back";
+    }
+    const auto copies = static_cast<std::size_t>(GuardedReader::searchBytes) / stream.size() + 1;
+    EXPECT_NEAR(secondsOf(times(copies, stream)), static_cast<double>(copies) * secondsOf(stream), 0.1)
+        << "more bytes than a search may read without finding anything";
 }
 
 } // namespace velmora::test

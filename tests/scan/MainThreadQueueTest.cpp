@@ -40,6 +40,19 @@ TEST_F(MainThreadQueueTest, KeepsTheOrderWhenATaskRunsTheEventLoop) {
     EXPECT_EQ(ran, (std::vector<int>{1, 2, 3}));
 }
 
+TEST_F(MainThreadQueueTest, LetsTheEventLoopRestWhenNothingIsLeft) {
+    MainThreadQueue queue;
+    int ran = 0;
+    queue.post([&] { ++ran; });
+    queue.post([&] { ++ran; });
+    awaitThat([&] { return ran == 2; });
+    bool rests = false;
+    for (int turn = 0; turn < 100 && !rests; ++turn) { // the first may have other things to do
+        rests = !QEventLoop().processEvents();
+    }
+    EXPECT_TRUE(rests);
+}
+
 TEST_F(MainThreadQueueTest, RunsNothingBeforeTheEventLoopHasItsTurn) {
     MainThreadQueue queue;
     bool ran = false;

@@ -105,18 +105,47 @@ TEST_F(ScanModelCancelTest, GatheringRunsToItsEndAndItsDirectoriesAreReleasedLat
     }
 }
 
-TEST_F(ScanModelCancelTest, ANewScanReleasesThePreviousScansDirectories) {
+/// A scan that has unpacked an archive and could not unpack another.
+class ScannedArchiveTest : public ScanModelTest {
+protected:
+    void SetUp() override {
+        write(folder / "song.wav", "not audio");
+        write(folder / "broken.zip", "no archive");
+        shell("zip -q set.zip song.wav && rm song.wav", folder);
+        createModel();
+        model->ingest({folder});
+        awaitStatus("NO READABLE AUDIO");
+    }
+
+    void expectNothingOfIt() const {
+        EXPECT_EQ(temporaryItems(), Lines{});
+        EXPECT_EQ(model->details().files, std::vector<Measured>{});
+        EXPECT_EQ(model->details().skippedArchives, Paths{});
+        EXPECT_TRUE(model->details().archiveOf.empty());
+    }
+
     const fs::path folder = freshFolder();
-    write(folder / "song.wav", "not audio");
-    shell("zip -q set.zip song.wav && rm song.wav", folder);
-    createModel();
-    model->ingest({folder / "set.zip"});
-    awaitStatus("NO READABLE AUDIO");
+};
+
+TEST_F(ScannedArchiveTest, KeepsWhatItFound) {
     EXPECT_EQ(temporaryItems().size(), 1U);
     EXPECT_EQ(model->details().shownPath(model->details().files.front().url),
               folder / "set.zip" / "song.wav");
+    EXPECT_EQ(model->details().skippedArchives, Paths{folder / "broken.zip"});
+}
 
+TEST_F(ScannedArchiveTest, IsForgottenAtAReset) {
     model->reset();
+    expectNothingOfIt();
+}
+
+TEST_F(ScannedArchiveTest, IsForgottenAsSoonAsTheNextBegins) {
+    model->ingest({folder / "missing"});
+    expectNothingOfIt();
+}
+
+TEST_F(ScannedArchiveTest, LeavesNothingAtTheEnd) {
+    model.reset();
     EXPECT_EQ(temporaryItems(), Lines{});
 }
 
@@ -132,13 +161,28 @@ TEST_F(ScanModelCancelTest, LeavesNothingWhenItEndsDuringAnExtraction) {
     EXPECT_EQ(temporaryItems(), Lines{});
 }
 
-TEST_F(ScanModelCancelTest, EndsWhileMeasurementsAreUnderWay) {
-    createHeldModel({"/m/2.wav"});
+TEST_F(ScanModelCancelTest, LeavesNothingOfWhatIsUnpackedWhileItEnds) {
+    const fs::path unpacked = fs::temp_directory_path() / "velmora-UNPACKED";
+    createModel({[&](const Paths& dropped, const std::stop_token& programEnds) {
+                     std::latch ending(1);
+                     const std::stop_callback tell(programEnds, [&] { ending.count_down(); });
+                     ending.wait();
+                     write(unpacked / "x.wav");
+                     return GatherResult{{unpacked / "x.wav"}, {unpacked}, dropped, {}};
+                 },
+                 {}});
+    model->ingest({"/m/slow.zip"});
+    model.reset();
+    EXPECT_EQ(temporaryItems(), Lines{});
+}
+
+TEST_F(ScanModelCancelTest, MeasuresNoFurtherFileOnceItIsCancelled) {
+    createHeldModel({"/m/2.wav", "/m/3.wav", "/m/4.wav", "/m/5.wav", "/m/6.wav", "/m/7.wav", "/m/8.wav"});
     model->ingest({"/m/1.wav"});
     awaitStatus("MEASURING");
-    held.awaitStarted(2);
+    held.awaitStarted(6);
     model.reset(); // returns only when the workers have ended
-    EXPECT_EQ(held.started().size(), 2U);
+    EXPECT_EQ(held.started().size(), 6U);
 }
 
 } // namespace

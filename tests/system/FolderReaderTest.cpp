@@ -1,13 +1,32 @@
 #include "system/FolderReader.h"
 
 #include "tests/support/Files.h"
+#include "tests/support/ForkedProcess.h"
 
+#include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
 #include <cerrno>
 #include <map>
+
+namespace {
+
+/// Whether names come without what they are, as from file systems that do not keep that beside the name.
+bool kindsAreUnknown = false;
+
+} // namespace
+
+/// Stands between the tests and the C library, which has this function under the name for 64-bit offsets.
+extern "C" dirent* readdir(DIR* folder) { // NOLINT: the C library's own name
+    static const auto real = reinterpret_cast<decltype(&readdir)>(::dlsym(RTLD_NEXT, "readdir64"));
+    dirent* const entry = real(folder);
+    if (entry != nullptr && kindsAreUnknown) {
+        entry->d_type = DT_UNKNOWN;
+    }
+    return entry;
+}
 
 namespace velmora {
 
@@ -36,6 +55,30 @@ TEST(FolderReader, TellsFoldersAndLinksFromTheRest) {
     EXPECT_THAT(entriesOf(FolderReader(folder)),
                 UnorderedElementsAre(Pair("folder", EntryKind::folder), Pair("file", EntryKind::other),
                                      Pair("link", EntryKind::link), Pair("fifo", EntryKind::other)));
+}
+
+TEST(FolderReader, LooksAtAnEntryWhoseNameDoesNotTellWhatItIs) {
+    const fs::path folder = freshFolder();
+    fs::create_directory(folder / "folder");
+    write(folder / "file");
+    fs::create_symlink("folder", folder / "link");
+    kindsAreUnknown = true;
+    EXPECT_THAT(entriesOf(FolderReader(folder)),
+                UnorderedElementsAre(Pair("folder", EntryKind::folder), Pair("file", EntryKind::other),
+                                     Pair("link", EntryKind::link)));
+}
+
+TEST(FolderReader, GivesTheNamesOfWhatCannotBeLookedAt) {
+    test::asOrdinaryUser([] {
+        const fs::path folder = freshFolder();
+        fs::create_directory(folder / "folder");
+        write(folder / "file");
+        fs::permissions(folder, fs::perms::owner_read);
+        kindsAreUnknown = true;
+        FolderReader reader(folder);
+        EXPECT_THAT(entriesOf(std::move(reader)),
+                    UnorderedElementsAre(Pair("folder", EntryKind::other), Pair("file", EntryKind::other)));
+    });
 }
 
 TEST(FolderReader, GivesHiddenNamesButNotTheFolderItself) {
