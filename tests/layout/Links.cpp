@@ -70,6 +70,13 @@ std::vector<std::string> pathsNamedIn(std::string_view page) {
     return paths;
 }
 
+std::vector<std::string> testsNamedIn(std::string_view page) {
+    static const std::regex test("`([A-Z][A-Za-z0-9]+\\.[A-Z][A-Za-z0-9]+)`");
+    std::vector<std::string> tests;
+    forEachLine(page, [&](const std::string& line) { collect(line, test, tests); });
+    return tests;
+}
+
 std::vector<std::string> anchorsOf(std::string_view page) {
     static const std::regex heading("^#+ +(.*)$");
     std::vector<std::string> anchors;

@@ -1,6 +1,7 @@
 #pragma once
 
-// What the project's pages (.md files) point at: links, pictures, and the files that they name in passing.
+// What the project's pages (.md files) point at: links, pictures, and the files
+// and tests that they name in passing.
 
 #include <string>
 #include <string_view>
@@ -15,6 +16,9 @@ std::vector<std::string> linksOf(std::string_view page);
 /// The paths that `page` names as code and that start in one of the repository's folders: "src/ui/kit" of
 /// `src/ui/kit`. What holds a space or a placeholder (NAME, *, …) is no path.
 std::vector<std::string> pathsNamedIn(std::string_view page);
+
+/// The tests that `page` names as code: "Pages.EveryLinkLeadsSomewhere".
+std::vector<std::string> testsNamedIn(std::string_view page);
 
 /// The anchors of the headings of `page`, as a browser of the repository makes them: "the-way-of-one-file"
 /// for "## The way of one file".

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <map>
+#include <regex>
 #include <set>
 #include <string>
 #include <vector>
@@ -31,6 +32,22 @@ std::map<fs::path, std::string> allPages() {
         }
     }
     return pages;
+}
+
+/// Every test in the sources, as "Suite.Name".
+std::set<std::string> allTests() {
+    static const std::regex definition(R"(\bTEST(?:_F|_P)?\((\w+),\s*(\w+)\))");
+    std::set<std::string> tests;
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(project / "tests")) {
+        if (entry.path().extension() == ".cpp") {
+            const std::string source = read(entry.path());
+            for (std::sregex_iterator match(source.begin(), source.end(), definition), end; match != end;
+                 ++match) {
+                tests.insert((*match)[1].str() + "." + (*match)[2].str());
+            }
+        }
+    }
+    return tests;
 }
 
 TEST(Pages, EveryLinkLeadsSomewhere) {
@@ -73,6 +90,18 @@ TEST(Pages, NameWhatThereIs) {
     EXPECT_GT(named, 10) << "the pages were not found";
 }
 
+TEST(Pages, NameTestsThatThereAre) {
+    const std::set<std::string> tests = allTests();
+    int named = 0;
+    for (const auto& [page, text] : allPages()) {
+        for (const std::string& test : testsNamedIn(text)) {
+            ++named;
+            EXPECT_THAT(tests, Contains(test)) << page << " names " << test;
+        }
+    }
+    EXPECT_GT(named, 50) << "the pages were not found";
+}
+
 TEST(Pages, TheArchitectureNamesEveryFolderOfTheSources) {
     const std::string architecture = read(project / "ARCHITECTURE.md");
     for (const fs::directory_entry& entry : fs::directory_iterator(project / "src")) {
@@ -105,6 +134,12 @@ TEST(NamedPaths, AreCodeThatStartsInAFolderOfTheProject) {
                      "src/system, `tests/measure/*`, `src/ui or so`, `docs/`\n"
                      "```\n`src/scan`\n```\n"),
         ElementsAre("src/ui/kit", "tests/layout/Links.h", "docs/"));
+}
+
+TEST(NamedTests, AreCodeOfTwoWords) {
+    EXPECT_THAT(testsNamedIn("`Pages.NameWhatThereIs`, `Links.h`, Pages.Bare, `ARCHITECTURE.md`,\n"
+                             "| `A1.B2` |\n```\n`In.Code`\n```\n"),
+                ElementsAre("Pages.NameWhatThereIs", "A1.B2"));
 }
 
 } // namespace
