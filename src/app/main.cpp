@@ -44,8 +44,17 @@ int render(int argc, char** argv, const std::filesystem::path& into) {
     return EXIT_SUCCESS;
 }
 
+/// Called when the program exits. In order, its private directory has gone by then; but Qt exits at once when
+/// the X server has ended.
+void endInOrder() {
+    if (!PrivateDirectory::present().empty()) {
+        endNow(EXIT_FAILURE);
+    }
+}
+
 int openWindow(int argc, char** argv, const Paths& paths) {
     const PrivateDirectory directory; // before the application, which starts threads
+    std::atexit(&endInOrder);
     if (directory.failure()) {
         std::fprintf(stderr, "velmora: cannot make a directory in '%s': %s\n", directory.parent().c_str(),
                      directory.failure().message().c_str());

@@ -76,12 +76,16 @@ void removeDeadRuns(const fs::path& parent) {
             continue;
         }
         if (const FileDescriptor lock = lockRun(path)) {
-            const std::string variable = "TMPDIR=" + path.native();
-            std::ranges::for_each(entriesOf("/proc"),
-                                  [&](const fs::path& process) { killIfMarked(process, variable); });
-            removeTree(path);
+            removeWithTools(path);
         }
     }
+}
+
+void removeWithTools(const fs::path& directory) {
+    const std::string variable = "TMPDIR=" + directory.native();
+    std::ranges::for_each(entriesOf("/proc"),
+                          [&](const fs::path& process) { killIfMarked(process, variable); });
+    removeTree(directory);
 }
 
 } // namespace velmora

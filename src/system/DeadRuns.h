@@ -11,4 +11,8 @@ namespace velmora {
 /// in it are killed first. What cannot be locked or removed is passed over.
 void removeDeadRuns(const std::filesystem::path& parent);
 
+/// Kills the tools at work in the private directory `directory`, waits for their end, and removes the
+/// directory.
+void removeWithTools(const std::filesystem::path& directory);
+
 } // namespace velmora

@@ -1,11 +1,13 @@
 #include "system/ForcedEnd.h"
 
+#include "system/DeadRuns.h"
 #include "system/PrivateDirectory.h"
 #include "system/RemoveTree.h"
 
 #include <poll.h>
 #include <unistd.h>
 
+#include <exception>
 #include <filesystem>
 #include <system_error>
 #include <thread>
@@ -16,8 +18,15 @@ namespace {
 
 constexpr int patience = 2000; // milliseconds
 
+/// As often as the directory is removed while another thread goes on to its next tool.
+constexpr int maxRemovals = 10;
+
 [[noreturn]] void endWithout(const std::filesystem::path& directory, int status) noexcept {
-    if (!directory.empty()) {
+    try {
+        for (int i = 0; i < maxRemovals && ::access(directory.c_str(), F_OK) == 0; ++i) {
+            removeWithTools(directory);
+        }
+    } catch (const std::exception&) { // no memory to look for tools, which end with the program
         removeTree(directory);
     }
     ::_exit(status);

@@ -151,6 +151,17 @@ QString Desktop::activeTitle() const {
     return question.wait() == 0 ? QString::fromUtf8(question.output()).trimmed() : QString();
 }
 
+void Desktop::loseBus() {
+    QDBusConnection::disconnectFromBus(m_busName);
+    m_accessibility.reset();
+    m_bus.reset();
+}
+
+void Desktop::loseDisplay() {
+    m_windowManager.reset();
+    m_xServer.reset();
+}
+
 QString Desktop::clipboard() const {
     Process question("xclip", {"-out", "-selection", "clipboard", "-target", "UTF8_STRING"}, m_environment);
     return question.wait() == 0 ? QString::fromUtf8(question.output()) : QString();

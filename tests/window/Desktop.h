@@ -70,6 +70,12 @@ public:
     /// The title of the window that has the focus; empty if none has.
     QString activeTitle() const;
 
+    /// The session bus ends, and with it the service for screen readers.
+    void loseBus();
+
+    /// The display ends, and with it what manages its windows.
+    void loseDisplay();
+
     /// The text on the clipboard, asked for by another program; empty if there is none.
     QString clipboard() const;
 
