@@ -1,13 +1,11 @@
 #include "system/ChildProcess.h"
 
-#include "system/RegularFile.h"
+#include "system/ChildWaiting.h"
 #include "system/TemporaryDirectory.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <spawn.h>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -56,7 +54,7 @@ std::vector<char*> pointers(std::vector<std::string>& texts) {
 /// The attributes and descriptors of a child, in the form posix_spawn takes them.
 class SpawnSettings {
 public:
-    SpawnSettings(int input, int output) {
+    SpawnSettings(int input, int output, int errors) {
         posix_spawnattr_init(&m_attributes);
         sigset_t none;
         sigset_t all;
@@ -79,7 +77,11 @@ public:
         } else {
             posix_spawn_file_actions_adddup2(&m_actions, input, STDIN_FILENO);
         }
-        posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        if (errors < 0) {
+            posix_spawn_file_actions_addopen(&m_actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+        } else {
+            posix_spawn_file_actions_adddup2(&m_actions, errors, STDERR_FILENO);
+        }
         posix_spawn_file_actions_addclosefrom_np(&m_actions, STDERR_FILENO + 1);
     }
 
@@ -102,42 +104,15 @@ private:
 
 /// Absent when the system refuses.
 std::optional<pid_t> spawn(const std::filesystem::path& tool, const std::vector<std::string>& args, int input,
-                           int output) {
+                           int output, int errors) {
     std::vector<std::string> words = {tool.native()};
     words.insert(words.end(), args.begin(), args.end());
     std::vector<std::string> environment = childEnvironment();
-    const SpawnSettings settings(input, output);
+    const SpawnSettings settings(input, output, errors);
     pid_t child = 0;
     const int error = ::posix_spawn(&child, tool.c_str(), settings.actions(), settings.attributes(),
                                     pointers(words).data(), pointers(environment).data());
     return error == 0 ? std::optional(child) : std::nullopt;
-}
-
-/// Waits for the child's end and kills its whole session at a request to stop or after the deadline. The
-/// child is not reaped here, so its process group cannot be another's while it may still be killed.
-void awaitEnd(pid_t child, const ChildLimits& limits) {
-    const std::stop_callback killAtStop(limits.stop, [child] { ::kill(-child, SIGKILL); });
-    const FileDescriptor handle(static_cast<int>(::syscall(SYS_pidfd_open, child, 0)));
-    if (!handle || !limits.deadline) {
-        siginfo_t info{};
-        while (::waitid(P_PID, static_cast<id_t>(child), &info, WEXITED | WNOWAIT) != 0 && errno == EINTR) {
-        }
-        return;
-    }
-    const auto end = std::chrono::steady_clock::now() + *limits.deadline;
-    pollfd ended{handle.get(), POLLIN, 0};
-    for (;;) {
-        const auto left =
-            std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-        if (left.count() <= 0) {
-            ::kill(-child, SIGKILL);
-            return;
-        }
-        const auto step = std::min<std::chrono::milliseconds>(left, std::chrono::hours(1)); // fits an int
-        if (::poll(&ended, 1, static_cast<int>(step.count())) > 0) {
-            return;
-        }
-    }
 }
 
 /// Undoes a SIGCHLD that whoever started this program set to be ignored: the system would forget how a child
@@ -176,18 +151,20 @@ std::optional<int> runChild(const std::filesystem::path& tool, const std::vector
         return std::nullopt;
     }
     keepExitStatuses();
-    const std::optional<pid_t> child = spawn(tool, args, -1, output);
+    ErrorPipe errors(limits.hear);
+    const std::optional<pid_t> child = spawn(tool, args, -1, output, errors.writing());
+    errors.closeWriting();
     if (!child) {
         return std::nullopt;
     }
-    awaitEnd(*child, limits);
+    awaitEnd(*child, limits, errors);
     ::kill(-*child, SIGKILL); // whatever it started and did not wait for
     return reap(*child);
 }
 
 std::optional<pid_t> startChild(const std::filesystem::path& tool, const std::vector<std::string>& args,
                                 int input) {
-    return spawn(tool, args, input, -1);
+    return spawn(tool, args, input, -1, -1);
 }
 
 std::optional<std::filesystem::path> privateProgram(std::string_view name) {

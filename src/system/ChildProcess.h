@@ -1,14 +1,15 @@
 #pragma once
 
 // The one way the program starts other programs. A child gets a session of its own (it cannot ask for a
-// password on the user's terminal), the null device as standard error and as a standard input that cannot be
-// read, no other descriptor, default signal handling, names in UTF-8 (LC_ALL=C.UTF-8), the system's programs
-// alone in its PATH, and no variable that would change a tool's options.
+// password on the user's terminal), a standard input that cannot be read, the null device as standard error
+// unless somebody listens, no other descriptor, default signal handling, names in UTF-8 (LC_ALL=C.UTF-8), the
+// system's programs alone in its PATH, and no variable that would change a tool's options.
 
 #include <sys/types.h>
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <stop_token>
 #include <string>
@@ -17,11 +18,18 @@
 
 namespace velmora {
 
-/// What a child may cost. It is killed with everything it started when `stop` is requested or `deadline` is
-/// over.
+/// What a child may cost, and who looks on. It is killed with everything it started when `stop` is requested,
+/// `deadline` is over or `watch` says so. The functions are called on the thread that waits for the child.
 struct ChildLimits {
-    std::stop_token stop;
-    std::optional<std::chrono::milliseconds> deadline; // absent: as long as it takes
+    std::stop_token stop = {};
+    std::optional<std::chrono::milliseconds> deadline = {}; ///< absent: as long as it takes
+
+    /// Asked again and again while the child runs. Gives the time until it is to be asked next; absent, the
+    /// child is killed. Empty: nobody is asked.
+    std::function<std::optional<std::chrono::milliseconds>()> watch = {};
+
+    /// Told what the child writes to standard error, piece by piece. Empty: that goes to the null device.
+    std::function<void(std::string_view text)> hear = {};
 };
 
 /// Whether `path` is a regular file that may be executed.

@@ -7,6 +7,7 @@
 #include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -177,6 +178,48 @@ TEST(ChildProcess, IsKilledWhenItsTimeIsOver) {
 
 TEST(ChildProcess, MayEndBeforeItsTimeIsOver) {
     EXPECT_EQ(shellStatus("exit 7", {.stop = {}, .deadline = std::chrono::hours(1000)}), 7);
+}
+
+/// What is heard of a child that runs `script`.
+std::string heardOf(const std::string& script, int status = 0) {
+    std::string heard;
+    EXPECT_EQ(shellStatus(script, {.hear = [&](std::string_view text) { heard += text; }}), status);
+    return heard;
+}
+
+TEST(ChildProcess, IsHeardByWhoeverListens) {
+    EXPECT_EQ(heardOf("echo to nobody; echo first >&2; echo second >&2; exit 7", 7), "first\nsecond\n");
+    EXPECT_EQ(heardOf("exec 2>&-; sleep 0.05"), "");
+    EXPECT_EQ(heardOf("head -c 1000000 /dev/zero >&2").size(), 1'000'000U) << "more than a pipe holds";
+}
+
+TEST(ChildProcess, IsHeardNoLongerThanItRuns) {
+    EXPECT_EQ(heardOf("(sleep 100000; echo late >&2) & echo early >&2"), "early\n");
+}
+
+TEST(ChildProcess, IsAwaitedWhileItIsWatched) {
+    int looks = 0;
+    const ChildLimits limits{.watch = [&]() -> std::optional<std::chrono::milliseconds> {
+        ++looks;
+        return std::chrono::milliseconds(1);
+    }};
+    EXPECT_EQ(shellStatus("sleep 0.1; exit 7", limits), 7);
+    EXPECT_GT(looks, 1);
+}
+
+TEST(ChildProcess, IsKilledWithAllItStartedWhenItsWatchSaysSo) {
+    Pipe pipe;
+    const FileDescriptor& written = pipe.reading;
+    const ChildLimits limits{.watch = [&]() -> std::optional<std::chrono::milliseconds> {
+        pollfd ready{written.get(), POLLIN, 0};
+        const bool mayGoOn = ::poll(&ready, 1, 0) == 0;
+        return mayGoOn ? std::optional(std::chrono::milliseconds(1)) : std::nullopt;
+    }};
+    EXPECT_EQ(runChild("/bin/sh", {"-c", "(echo; sleep 1000) & sleep 1000"}, pipe.writing.get(), limits),
+              killed);
+    pipe.writing = {};
+    EXPECT_TRUE(pipe.awaitByte());
+    EXPECT_FALSE(pipe.awaitByte()) << "the pipe ends when its last writer is gone";
 }
 
 TEST(ChildProcess, IsKilledWithAllItStartedWhenItsTimeIsOver) {
