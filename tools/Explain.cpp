@@ -90,7 +90,8 @@ std::string learnt(const MediaAnswer& answer) {
                 return namedFormat(over.format) + "; the search ended at its budget or its deadline";
             },
             [](const Unknown& unknown) {
-                return namedFormat(unknown.format) + "; nothing could be learnt in process";
+                return namedFormat(unknown.format) + (unknown.isCutOff ? ", cut off inside its header" : "") +
+                       "; nothing could be learnt in process";
             },
         },
         answer);
@@ -119,6 +120,9 @@ void print(const Explanation& story) {
     const double seconds = story.measured.seconds;
     std::printf("%s\n", story.measured.url.c_str());
     std::printf("  length   %s\n", seconds > 0 ? secondsText(seconds).c_str() : "not known");
+    if (const std::optional<Reason> why = story.measured.why) {
+        std::printf("  why      %s\n", std::string(wordsFor(*why)).c_str());
+    }
     std::printf("  found    %s\n", found(story).c_str());
     std::printf("  stated   %s\n", stated(story.answer).c_str());
     std::printf("  read     %lld of %lld bytes; of the search's budget %lld bytes were left\n",

@@ -10,6 +10,8 @@
 #include <array>
 #include <charconv>
 #include <limits>
+#include <string_view>
+#include <system_error>
 
 namespace velmora {
 
@@ -52,13 +54,49 @@ QJsonArray formatArray(const std::vector<FormatStat>& formats) {
     return array;
 }
 
-QJsonObject fileObject(const Measured& file, const ScanDetails& details) {
-    QJsonObject object = pathObject(details.shownPath(file.url));
-    if (file.seconds >= 0) {
-        object["seconds"] = file.seconds;
-        object["bytes"] = static_cast<qint64>(file.bytes);
-    }
+/// One thing that is missing in the total.
+struct Missing {
+    fs::path path;
+    std::string why;
+};
+
+Missing missing(const UnreadableFolder& folder) {
+    return {folder.path, std::generic_category().message(folder.error)};
+}
+
+Missing missing(const SkippedArchive& archive) {
+    return {archive.path, std::string(wordsFor(archive.why))};
+}
+
+Missing missing(const Measured& file) {
+    return {file.url, std::string(wordsFor(file.why.value_or(Reason::cannotBeRead)))};
+}
+
+QJsonObject missingObject(const Missing& missing, const ScanDetails& details) {
+    QJsonObject object = pathObject(details.shownPath(missing.path));
+    object["why"] = textOf(missing.why);
     return object;
+}
+
+template <typename Cause>
+QJsonArray missingArray(const std::vector<Cause>& causes, const ScanDetails& details) {
+    QJsonArray array;
+    for (const Cause& cause : causes) {
+        array.append(missingObject(missing(cause), details));
+    }
+    return array;
+}
+
+QJsonObject measuredObject(const Measured& file, const ScanDetails& details) {
+    QJsonObject object = pathObject(details.shownPath(file.url));
+    object["seconds"] = file.seconds;
+    object["bytes"] = static_cast<qint64>(file.bytes);
+    return object;
+}
+
+std::string problem(std::string_view what, const Missing& missing, const ScanDetails& details) {
+    return std::string(what) + " " + quotedName(details.shownPath(missing.path).native()) + ": " +
+           missing.why;
 }
 
 } // namespace
@@ -90,7 +128,11 @@ std::string jsonReport(const std::string& status, const ScanSummary& summary, co
     QJsonArray measured;
     QJsonArray unreadable;
     for (const Measured& file : details.files) {
-        (file.seconds < 0 ? unreadable : measured).append(fileObject(file, details));
+        if (file.seconds < 0) {
+            unreadable.append(missingObject(missing(file), details));
+        } else {
+            measured.append(measuredObject(file, details));
+        }
     }
     const QJsonObject object{
         {"schema", jsonSchema},
@@ -106,21 +148,23 @@ std::string jsonReport(const std::string& status, const ScanSummary& summary, co
         {"longestSeconds", summary.longestSeconds},
         {"files", measured},
         {"unreadableFiles", unreadable},
+        {"skippedArchiveFiles", missingArray(details.skippedArchives, details)},
+        {"unreadableFolders", missingArray(details.unreadableFolders, details)},
     };
     return QJsonDocument(object).toJson().toStdString();
 }
 
 std::vector<std::string> problems(const ScanDetails& details) {
     std::vector<std::string> messages;
-    for (const fs::path& folder : details.unreadableFolders) {
-        messages.push_back("cannot read the folder " + quotedName(details.shownPath(folder).native()));
+    for (const UnreadableFolder& folder : details.unreadableFolders) {
+        messages.push_back(problem("cannot read the folder", missing(folder), details));
     }
-    for (const fs::path& archive : details.skippedArchives) {
-        messages.push_back("cannot unpack " + quotedName(details.shownPath(archive).native()));
+    for (const SkippedArchive& archive : details.skippedArchives) {
+        messages.push_back(problem("cannot unpack", missing(archive), details));
     }
     for (const Measured& file : details.files) {
         if (file.seconds < 0) {
-            messages.push_back("cannot time " + quotedName(details.shownPath(file.url).native()));
+            messages.push_back(problem("cannot time", missing(file), details));
         }
     }
     return messages;

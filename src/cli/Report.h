@@ -18,11 +18,12 @@ std::string report(Output output, const ScanModel& model);
 std::string filesReport(const ScanDetails& details);
 
 /// The scan as one JSON object. Numbers read back to the same value. A path is shown with U+FFFD for what is
-/// not UTF-8; `pathBytes` beside it then holds its bytes in base64.
+/// not UTF-8; `pathBytes` beside it then holds its bytes in base64. `why` stands beside the path of all that
+/// is missing in the total.
 std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details);
 
 /// A message for each folder that could not be listed, then for each skipped archive, then for each
-/// unreadable file, in the order they were met.
+/// unreadable file, in the order they were met, with the reason.
 std::vector<std::string> problems(const ScanDetails& details);
 
 } // namespace velmora

@@ -4,6 +4,7 @@
 #include "gather/ExtractionPlan.h"
 #include "gather/GarbledZipNames.h"
 #include "gather/ToolRunner.h"
+#include "gather/ToolVerdict.h"
 #include "system/FileCopy.h"
 #include "system/FileName.h"
 #include "system/RegularFile.h"
@@ -13,6 +14,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <string>
 #include <system_error>
 #include <vector>
@@ -77,23 +79,29 @@ public:
         , m_rules(rulesFor(input, directory))
         , m_stop(stop) {}
 
-    /// Whether one of them succeeded. An attempt that leaves nothing is a success as well, but the last word
-    /// only where `nothingIsDone`, or when all others failed.
-    bool succeed(const std::vector<ExtractionStep>& plan, bool nothingIsDone) {
+    /// Makes them until one succeeds; why none did, absent after a success. An attempt that leaves nothing is
+    /// a success as well, but the last word only where `nothingIsDone`, or when all others failed.
+    std::optional<Reason> failure(const std::vector<ExtractionStep>& plan, bool nothingIsDone) const {
+        bool foundNothing = false;
+        Reason why = Reason::noTool;
         for (const ExtractionStep& step : plan) {
             if (m_stop.stop_requested() || !prepare(step.ground)) {
-                return false;
+                return Reason::toolFailed;
             }
-            if (!attempt(step)) {
+            if (const ToolEnd end = attempt(step); !end) {
+                why = weightier(why, verdictOf(step.tool, end));
+                if (why == Reason::noRoom) { // for any other tool neither
+                    return why;
+                }
                 continue;
             }
             std::error_code error; // a directory closed by its archive is not empty
             if (nothingIsDone || !fs::is_empty(m_directory, error)) {
-                return true;
+                return std::nullopt;
             }
-            m_foundNothing = true;
+            foundNothing = true;
         }
-        return m_foundNothing && makeEmpty(m_directory);
+        return foundNothing && makeEmpty(m_directory) ? std::nullopt : std::optional(why);
     }
 
 private:
@@ -103,39 +111,53 @@ private:
         return isClean || makeEmpty(m_directory);
     }
 
-    bool attempt(const ExtractionStep& step) const {
-        return step.out ? runCapturing(step.tool, step.args, *step.out, m_rules, m_stop)
-                        : run(step.tool, step.args, m_rules, m_stop);
+    ToolEnd attempt(const ExtractionStep& step) const {
+        const ChildLimits limits{.stop = m_stop};
+        return step.out ? runCapturing(step.tool, step.args, *step.out, m_rules, limits)
+                        : run(step.tool, step.args, m_rules, limits);
     }
 
     const fs::path& m_directory;
     const Rules m_rules;
     const std::stop_token& m_stop;
-    bool m_foundNothing = false;
 };
 
-bool unpack(const fs::path& archive, const fs::path& directory, const std::stop_token& stop) {
+/// Why nothing came of it; absent after a success.
+std::optional<Reason> unpack(const fs::path& archive, const fs::path& directory,
+                             const std::stop_token& stop) {
     const WorkingCopy copy(archive, stop);
     const fs::path& input = copy.path().empty() ? archive : copy.path();
     const UnzipTurn unzip = unzipGarblesNames(input) ? UnzipTurn::last : UnzipTurn::asUsual;
     return Attempts(input, directory, stop)
-        .succeed(extractionPlan(archive, input, directory, unzip), !mayBeNoTar(archive));
+        .failure(extractionPlan(archive, input, directory, unzip), !mayBeNoTar(archive));
 }
 
 } // namespace
 
-std::optional<fs::path> extract(const fs::path& archive, const std::stop_token& stop) {
+Extracted extract(const fs::path& archive, const std::stop_token& stop) {
     const std::optional<RegularFile> file = RegularFile::open(archive);
-    if (!file || file->size() == 0) { // bsdtar would unpack nothing from nothing, and call it success
-        return std::nullopt;
+    if (!file) {
+        return {.why = reasonOfOpening(errno)};
+    }
+    if (file->size() == 0) { // bsdtar would unpack nothing from nothing, and call it success
+        return {.why = Reason::empty};
     }
     std::optional<TemporaryDirectory> directory = TemporaryDirectory::make(TempRegistry::freshPath(""));
-    if (!directory || !unpack(archive, directory->path(), stop) || stop.stop_requested() ||
-        !keepOwnContent(directory->path())) {
-        return std::nullopt;
+    if (!directory) {
+        return {.why = errno == ENOSPC ? Reason::noRoom : Reason::noDirectory};
+    }
+    const std::optional<Reason> failure = unpack(archive, directory->path(), stop);
+    if (stop.stop_requested()) {
+        return {.why = Reason::stopped};
+    }
+    if (failure) {
+        return {.why = failure};
+    }
+    if (!keepOwnContent(directory->path())) {
+        return {.why = Reason::cannotBeRead};
     }
     ::chmod(directory->path().c_str(), S_IRWXU); // an archive may hold permissions for its top folder, too
-    return directory->release();
+    return {.directory = directory->release()};
 }
 
 } // namespace velmora::Collector

@@ -4,6 +4,7 @@
 #include "gather/SourceWalker.h"
 #include "system/Paths.h"
 
+#include <cerrno>
 #include <new>
 
 namespace velmora::Collector {
@@ -14,7 +15,7 @@ GatherResult gather(const Paths& paths, const std::stop_token& stop) {
         try {
             walk(path, 0, found, stop);
         } catch (const std::bad_alloc&) { // what it holds is not all found
-            found.unreadableFolders.push_back(path);
+            found.unreadableFolders.push_back({path, ENOMEM});
         }
     }
     sortScanOrder(found.files, found.temps);

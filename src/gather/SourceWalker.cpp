@@ -63,7 +63,7 @@ public:
         } else if (fs::exists(status)) {
             file(path, kindOf(lastComponent(path)), depth);
         } else if (status.type() == fs::file_type::none) { // it may be there, but cannot be looked at
-            m_found.unreadableFolders.push_back(path);
+            m_found.unreadableFolders.push_back({path, error.value()});
         }
     }
 
@@ -90,7 +90,7 @@ private:
                 }
             }
             if (reader.error() != 0) {
-                m_found.unreadableFolders.push_back(current);
+                m_found.unreadableFolders.push_back({current, reader.error()});
             }
         }
     }
@@ -109,15 +109,15 @@ private:
     }
 
     void archive(fs::path path, int depth) {
-        const std::optional<fs::path> content =
-            depth <= maxArchiveDepth ? extract(path, m_stop) : std::nullopt;
-        if (!content) {
-            m_found.skippedArchives.push_back(std::move(path));
+        const Extracted content =
+            depth <= maxArchiveDepth ? extract(path, m_stop) : Extracted{.why = Reason::tooDeep};
+        if (content.why) {
+            m_found.skippedArchives.push_back({std::move(path), *content.why});
             return;
         }
-        m_found.temps.push_back(*content);
+        m_found.temps.push_back(*content.directory);
         m_found.archives.push_back(std::move(path));
-        item(*content, depth + 1);
+        item(*content.directory, depth + 1);
     }
 
     GatherResult& m_found;

@@ -1,25 +1,39 @@
 #pragma once
 
-// Runs an archive tool and tells whether it succeeded. See confine/ConfinedChild.h for how a tool is started.
+// Runs an archive tool and tells how it ended. See confine/ConfinedChild.h for how a tool is started.
 
 #include "confine/Rules.h"
+#include "system/ChildProcess.h"
 
 #include <filesystem>
-#include <stop_token>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace velmora::Collector {
 
-/// Runs `tool` with `args` within `rules`, its output discarded. True when it ran and exited with status 0.
-/// No time limit; killed when `stop` is requested.
-bool run(const std::filesystem::path& tool, const std::vector<std::string>& args, const Rules& rules = {},
-         const std::stop_token& stop = {});
+/// How a tool ended. True in a condition when it did what it was asked to do.
+struct ToolEnd {
+    /// What the exit status is of a tool that is there but could not be started behind its wall.
+    static constexpr int notStarted = 126;
 
-/// As `run`, with standard output written to the file `out`. True when the tool exited with status 0 and
-/// `out` is not empty; otherwise `out` does not exist afterwards.
-bool runCapturing(const std::filesystem::path& tool, const std::vector<std::string>& args,
-                  const std::filesystem::path& out, const Rules& rules = {},
-                  const std::stop_token& stop = {});
+    bool succeeded = false;
+    std::optional<int> status = {}; ///< exit status, 128 + n after signal n; absent when there is no tool
+    std::string errors = {};        ///< the first 4 KiB of its standard error
+
+    explicit operator bool() const { return succeeded; }
+};
+
+/// Runs `tool` with `args` within `rules`, its standard output discarded. It succeeded when it ran and exited
+/// with status 0. No time limit but what `limits` set; `limits.hear` is
+/// not told anything.
+ToolEnd run(const std::filesystem::path& tool, const std::vector<std::string>& args, const Rules& rules = {},
+            const ChildLimits& limits = {});
+
+/// As `run`, with standard output written to the file `out`. It succeeded when the tool exited with status 0
+/// and `out` is not empty; otherwise `out` does not exist afterwards.
+ToolEnd runCapturing(const std::filesystem::path& tool, const std::vector<std::string>& args,
+                     const std::filesystem::path& out, const Rules& rules = {},
+                     const ChildLimits& limits = {});
 
 } // namespace velmora::Collector

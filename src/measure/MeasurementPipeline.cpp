@@ -7,6 +7,7 @@
 
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <cmath>
 #include <utility>
 
@@ -55,6 +56,31 @@ std::optional<double> settledSeconds(const MediaAnswer& answer) {
                       answer);
 }
 
+/// Why a file with this answer has no length, when ffprobe could not tell one either.
+Reason reasonFor(const MediaAnswer& answer) {
+    return std::visit(
+        Cases{
+            [](const Timed&) { return Reason::tooShort; },
+            [](const NothingPlays&) { return Reason::noFrames; },
+            [](const NotAudio& other) { return other.isNameAlone ? Reason::noFrames : Reason::notAudio; },
+            [](const OverBudget&) { return Reason::searchEnded; },
+            [](const Unknown& unknown) {
+                return unknown.isCutOff         ? Reason::cutOff
+                       : unknown.format.empty() ? Reason::noFrames
+                                                : Reason::notUnderstood;
+            },
+        },
+        answer);
+}
+
+/// Why the open file of `story` has no length.
+Reason reasonFor(const Explanation& story, std::int64_t size) {
+    if (size == 0) {
+        return Reason::empty;
+    }
+    return story.hasReadFailed ? Reason::cannotBeRead : reasonFor(*story.answer);
+}
+
 /// Goes the ways one after the other, and notes in `story` what each comes to.
 void take(Explanation& story, const std::filesystem::path& path, const RegularFile& file,
           const std::stop_token& stop) {
@@ -80,12 +106,22 @@ Measured measure(const std::filesystem::path& path, const std::stop_token& stop)
 
 Explanation explain(const std::filesystem::path& path, const std::stop_token& stop) {
     const std::optional<RegularFile> file = RegularFile::open(path);
-    Explanation story{.measured = {path, unmeasured, file ? file->size() : sizeAt(path)}};
-    if (file && !stop.stop_requested()) {
-        take(story, path, *file, stop);
-        if (story.hasReadFailed && !story.wasFfprobeAsked) {
-            story.measured.seconds = unmeasured;
-        }
+    if (!file) {
+        const Reason why = reasonOfOpening(errno);
+        return {.measured = {path, unmeasured, sizeAt(path), why}};
+    }
+    Explanation story{.measured = {path, unmeasured, file->size(), Reason::stopped}};
+    if (stop.stop_requested()) {
+        return story;
+    }
+    take(story, path, *file, stop);
+    if (story.hasReadFailed && !story.wasFfprobeAsked) {
+        story.measured.seconds = unmeasured;
+    }
+    if (story.measured.seconds > 0) {
+        story.measured.why.reset();
+    } else if (!stop.stop_requested()) {
+        story.measured.why = reasonFor(story, file->size());
     }
     return story;
 }

@@ -24,7 +24,8 @@ struct NothingPlays {
 /// It is something that a general media tool would open all the same: playlist, script, picture, subtitle,
 /// video alone, or nothing but a name that looks like audio.
 struct NotAudio {
-    std::string demuxer; ///< that libavformat would open it with
+    std::string demuxer;      ///< that libavformat would open it with
+    bool isNameAlone = false; ///< its content was searched for audio, and none was found
 };
 
 /// The search ended before an answer was found: budget spent, deadline past, or stopped.
@@ -34,7 +35,8 @@ struct OverBudget {
 
 /// Nothing could be learnt. Another tool may know more.
 struct Unknown {
-    std::string format; ///< empty if not even that was recognised
+    std::string format;    ///< empty if not even that was recognised
+    bool isCutOff = false; ///< the file ends inside the header that was to be read next
 };
 
 using MediaAnswer = std::variant<Timed, NothingPlays, NotAudio, OverBudget, Unknown>;

@@ -38,11 +38,17 @@ MediaAnswer answerOf(const std::optional<Timing>& timing, std::string format, co
     return Timed{*timing, std::move(format)};
 }
 
-std::optional<Timing> formatDuration(GuardedReader& reader, std::int64_t start, const Format& format) {
-    const std::optional<Timing> timing = format.read == nullptr ? std::nullopt : format.read(reader, start);
-    return timing || format.demuxer.empty()
-               ? timing
-               : libav().duration(reader, start, std::string(format.demuxer), Doubt::none);
+MediaAnswer formatAnswer(GuardedReader& reader, std::int64_t start, const Format& format) {
+    std::optional<Timing> timing = format.read == nullptr ? std::nullopt : format.read(reader, start);
+    const bool isCutOff = !timing && format.read != nullptr && reader.isCutOff();
+    if (!timing && !format.demuxer.empty()) {
+        timing = libav().duration(reader, start, std::string(format.demuxer), Doubt::none);
+    }
+    MediaAnswer answer = answerOf(timing, std::string(format.name), reader);
+    if (auto* const unknown = std::get_if<Unknown>(&answer)) {
+        unknown->isCutOff = isCutOff;
+    }
+    return answer;
 }
 
 /// For what begins with no pattern of the table.
@@ -61,15 +67,16 @@ MediaAnswer probedAnswer(GuardedReader& reader, std::int64_t start, const std::f
     }
     const std::optional<ProbedDemuxer> named = libav().probe(reader, start, name);
     if (named && (!named->isMedia || isFrameDemuxer(*named))) {
-        return NotAudio{named->name};
+        return NotAudio{named->name, named->isMedia};
     }
-    return answerOf(std::nullopt, named ? named->name : "", reader);
+    const bool isRecognised = named && demuxer; // not by its name alone
+    return answerOf(std::nullopt, isRecognised ? named->name : "", reader);
 }
 
 MediaAnswer contentAnswer(GuardedReader& reader, const std::filesystem::path& name) {
     const std::int64_t start = skipLeadingTags(reader);
     if (const Format* const format = formatAt(reader, start)) {
-        return answerOf(formatDuration(reader, start, *format), std::string(format->name), reader);
+        return formatAnswer(reader, start, *format);
     }
     if (const auto timing = frameStreamDuration(reader, start, findTrailingTags(reader, start))) {
         return answerOf(timing, bareFrames, reader);

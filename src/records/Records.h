@@ -3,10 +3,12 @@
 // The plain values that carry a scan's results from gathering and measuring to whoever shows them.
 // A path is bytes, absolute, as it was found. Durations are seconds, sizes are bytes.
 
+#include "records/Reasons.h"
 #include "system/Paths.h"
 
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -20,7 +22,8 @@ struct Measured {
     /// The file as it was found: in a dropped folder or in an extraction directory.
     std::filesystem::path url;
     double seconds = unmeasured;
-    std::int64_t bytes = 0; ///< 0 when the size could not be read
+    std::int64_t bytes = 0;         ///< 0 when the size could not be read
+    std::optional<Reason> why = {}; ///< why it could not be measured; absent when it was
 
     bool operator==(const Measured&) const = default;
 };
@@ -35,13 +38,29 @@ struct FormatStat {
     bool operator==(const FormatStat&) const = default;
 };
 
+/// An archive whose content is not part of the scan.
+struct SkippedArchive {
+    std::filesystem::path path;
+    Reason why;
+
+    bool operator==(const SkippedArchive&) const = default;
+};
+
+/// A folder that could not be opened or not listed to its end, or an item that could not even be looked at.
+struct UnreadableFolder {
+    std::filesystem::path path;
+    int error; ///< the errno that says why
+
+    bool operator==(const UnreadableFolder&) const = default;
+};
+
 /// What gathering found.
 struct GatherResult {
-    Paths files;                  ///< every audio file, in scan order once sorted
-    Paths temps;                  ///< extraction directories, in the order they were made
-    Paths archives;               ///< archives[i] is what was unpacked into temps[i]
-    Paths skippedArchives;        ///< archives that could not be unpacked, as they were met
-    Paths unreadableFolders = {}; ///< folders that could not be opened or not listed to their end, likewise
+    Paths files;                                 ///< every audio file, in scan order once sorted
+    Paths temps;                                 ///< extraction directories, in the order they were made
+    Paths archives;                              ///< archives[i] is what was unpacked into temps[i]
+    std::vector<SkippedArchive> skippedArchives; ///< as they were met
+    std::vector<UnreadableFolder> unreadableFolders = {}; ///< likewise
 
     bool operator==(const GatherResult&) const = default;
 };

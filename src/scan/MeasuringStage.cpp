@@ -31,7 +31,7 @@ Measured MeasuringStage::measured(std::filesystem::path file, const std::stop_to
     try {
         return m_measure(file, stop);
     } catch (const std::exception&) {
-        return {.url = std::move(file)};
+        return {.url = std::move(file), .why = Reason::cannotBeRead};
     }
 }
 

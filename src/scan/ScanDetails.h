@@ -3,7 +3,6 @@
 // What the last scan found, file by file, and where the user knows each file to be.
 
 #include "records/Records.h"
-#include "system/Paths.h"
 
 #include <filesystem>
 #include <string>
@@ -15,8 +14,8 @@ namespace velmora {
 /// What is known of the last scan's files beyond the summary. Complete once the scan has ended; empty before.
 struct ScanDetails {
     std::vector<Measured> files; ///< every file found, in scan order, unmeasured ones included
-    Paths skippedArchives;       ///< archives that could not be unpacked
-    Paths unreadableFolders;     ///< folders that could not be listed: what they hold is missing
+    std::vector<SkippedArchive> skippedArchives;
+    std::vector<UnreadableFolder> unreadableFolders;                  ///< what they hold is missing
     std::unordered_map<std::string, std::filesystem::path> archiveOf; ///< extraction directory to its archive
 
     /// `path` as the user knows it: what lies in an extraction directory is shown below its archive's own

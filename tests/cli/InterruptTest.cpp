@@ -115,7 +115,8 @@ TEST(Interrupt, IsIgnoredWhereTheCallerIgnoresIt) {
     process.send(SIGHUP);
     const Finished run = process.wait();
 
-    EXPECT_EQ(run.errors, "velmora-scan: cannot time '" + (archive / "slow.wav").native() + "'\n");
+    EXPECT_EQ(run.errors, "velmora-scan: cannot time '" + (archive / "slow.wav").native() +
+                              "': no audio where it is searched for\n");
     EXPECT_EQ(run.status, 3);
 }
 

@@ -47,6 +47,11 @@ std::string formatOf(const std::string& path) {
     return path.substr(path.rfind('.') + 1);
 }
 
+struct Missing {
+    std::string path; ///< as the report shows it
+    std::string why;
+};
+
 /// The folder. Its members say what a report of it has to hold.
 class Library {
 public:
@@ -59,10 +64,10 @@ public:
     }
 
     const fs::path folder = freshFolder() / "Library";
-    std::vector<Track> loose;                 ///< the tracks outside archives, in scan order
-    std::vector<Track> packed;                ///< the tracks in archives, by path
-    std::vector<std::string> unreadable;      ///< in scan order
-    std::vector<std::string> skippedArchives; ///< in any order
+    std::vector<Track> loose;             ///< the tracks outside archives, in scan order
+    std::vector<Track> packed;            ///< the tracks in archives, by path
+    std::vector<Missing> unreadable;      ///< in scan order
+    std::vector<Missing> skippedArchives; ///< in any order
 
 private:
     static void add(std::vector<Track>& tracks, const fs::path& shown, const fs::path& file, double seconds) {
@@ -107,22 +112,27 @@ private:
                   to + "h.7z 2.zip >/dev/null",
               unpacked);
         holdsBoth("h.7z/2.zip/3.tar");
-        skippedArchives.push_back(packedFolder / "h.7z/2.zip/3.tar/4.tar.gz");
+        skippedArchives.push_back({packedFolder / "h.7z/2.zip/3.tar/4.tar.gz", "nested too deep"});
     }
 
     void addBrokenTracks() {
         shell("mkdir Broken && cd Broken && touch empty.wav && mkfifo fifo.wav && ln -s nowhere link.wav",
               folder);
-        unreadable = {folder / "Broken/empty.wav", folder / "Broken/fifo.wav", folder / "Broken/link.wav"};
+        unreadable = {{folder / "Broken/empty.wav", "empty file"},
+                      {folder / "Broken/fifo.wav", "not a regular file"},
+                      {folder / "Broken/link.wav", "not there"}};
         for (const std::string& format : withoutEncoder) {
-            unreadable.push_back(write(folder / "Broken" / ("text." + format), std::string(5000, 'x')));
+            const std::string why = format == "aax" ? "not audio" : "no audio frames"; // a game's own format
+            unreadable.push_back(
+                {write(folder / "Broken" / ("text." + format), std::string(5000, 'x')), why});
         }
-        unreadable.push_back(
-            write(folder / "Broken" / "web.mp3", "<!DOCTYPE html>" + std::string(5000, ' ')));
-        shell("mkdir b && cp " + shellWord(unreadable.back()) + " b/ && tar -cf " +
+        const fs::path page =
+            write(folder / "Broken" / "web.mp3", "<!DOCTYPE html>" + std::string(5000, ' '));
+        shell("mkdir b && cp " + shellWord(page.native()) + " b/ && tar -cf " +
                   shellWord((packedFolder / "i.tar").native()) + " b",
               unpacked);
-        unreadable.push_back(packedFolder / "i.tar" / "b" / "web.mp3");
+        unreadable.push_back({page, "no audio frames"});
+        unreadable.push_back({packedFolder / "i.tar" / "b" / "web.mp3", "no audio frames"});
     }
 
     void addBrokenArchives() {
@@ -130,9 +140,12 @@ private:
             "head -c 100 Packed/e.zip > Broken/cut.zip && head -c 100 Packed/b.tar.gz > Broken/cut.tar.gz &&"
             "echo text > Broken/text.7z && mkfifo Broken/fifo.zip && zip -qr -P word Broken/secret.zip Takes",
             folder);
-        for (const char* name : {"cut.zip", "cut.tar.gz", "text.7z", "fifo.zip", "secret.zip"}) {
-            skippedArchives.push_back(folder / "Broken" / name);
-        }
+        const fs::path broken = folder / "Broken";
+        skippedArchives.insert(skippedArchives.end(), {{broken / "cut.zip", "archive is damaged"},
+                                                       {broken / "cut.tar.gz", "archive is damaged"},
+                                                       {broken / "text.7z", "no tool can unpack it"},
+                                                       {broken / "fifo.zip", "not a regular file"},
+                                                       {broken / "secret.zip", "archive is encrypted"}});
     }
 
     const fs::path packedFolder = folder / "Packed";
@@ -199,6 +212,10 @@ QJsonObject expectedSums(const QJsonArray& files) {
             {"longestSeconds", longest["seconds"]}};
 }
 
+QJsonObject missingObject(const std::string& path, const std::string& why) {
+    return {{"path", QString::fromStdString(path)}, {"why", QString::fromStdString(why)}};
+}
+
 std::vector<std::string> linesOf(const std::string& text) {
     std::vector<std::string> lines;
     std::istringstream stream(text);
@@ -224,14 +241,20 @@ TEST(LibraryOfEverything, IsReportedWhole) {
     expected["unreadable"] = static_cast<int>(library.skippedArchives.size() + library.unreadable.size());
     QJsonArray unreadable;
     std::vector<std::string> messages;
-    for (const std::string& path : library.unreadable) {
-        unreadable.append(QJsonObject{{"path", QString::fromStdString(path)}});
-        messages.push_back("velmora-scan: cannot time '" + path + "'");
+    for (const auto& [path, why] : library.unreadable) {
+        unreadable.append(missingObject(path, why));
+        messages.push_back("velmora-scan: cannot time '" + path + "': " + why);
     }
     expected["unreadableFiles"] = unreadable;
-    for (const std::string& path : library.skippedArchives) {
-        messages.push_back("velmora-scan: cannot unpack '" + path + "'");
+    expected["unreadableFolders"] = QJsonArray();
+    std::vector<QJsonValue> skipped;
+    for (const auto& [path, why] : library.skippedArchives) {
+        skipped.emplace_back(missingObject(path, why));
+        messages.push_back("velmora-scan: cannot unpack '" + path + "': " + why);
     }
+    const QJsonArray reported = report.take("skippedArchiveFiles").toArray();
+    EXPECT_THAT(std::vector<QJsonValue>(reported.begin(), reported.end()),
+                UnorderedElementsAreArray(skipped));
 
     EXPECT_EQ(QJsonDocument(report).toJson().toStdString(), QJsonDocument(expected).toJson().toStdString());
     EXPECT_THAT(linesOf(run.errors), UnorderedElementsAreArray(messages));

@@ -53,7 +53,7 @@ TEST_F(VelmoraScan, WritesTheFilesWithTheirSeconds) {
 
 TEST_F(VelmoraScan, NamesWhatItCannotTime) {
     const Finished run = scan({"broken.mp3", "Live Set"});
-    EXPECT_EQ(run.errors, "velmora-scan: cannot time '" + broken.native() + "'\n");
+    EXPECT_EQ(run.errors, "velmora-scan: cannot time '" + broken.native() + "': no audio frames\n");
     EXPECT_THAT(run.output, HasSubstr("2 audio files — 2 ITEMS\n"));
     EXPECT_EQ(run.status, 1);
 }
@@ -61,7 +61,8 @@ TEST_F(VelmoraScan, NamesWhatItCannotTime) {
 TEST_F(VelmoraScan, NamesWhatItCannotUnpack) {
     write(folder / "broken\x1B.zip", "no archive at all");
     const Finished run = scan({"broken\x1B.zip", "Live Set"});
-    EXPECT_EQ(run.errors, "velmora-scan: cannot unpack '" + pathOf("broken\\x1B.zip") + "'\n");
+    EXPECT_EQ(run.errors,
+              "velmora-scan: cannot unpack '" + pathOf("broken\\x1B.zip") + "': no tool can unpack it\n");
     EXPECT_EQ(run.status, 1);
 }
 
@@ -140,7 +141,8 @@ TEST_F(VelmoraScan, NamesFoldersThatItCannotListAnywhereInTheTree) {
     fs::permissions(folder / "Live Set" / "a" / "shut", fs::perms::none);
     asOrdinaryUser([&] {
         const Finished run = scan({"Live Set"});
-        EXPECT_EQ(run.errors, "velmora-scan: cannot read the folder '" + pathOf("Live Set/a/shut") + "'\n");
+        EXPECT_EQ(run.errors, "velmora-scan: cannot read the folder '" + pathOf("Live Set/a/shut") +
+                                  "': Permission denied\n");
         EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
         EXPECT_EQ(run.status, 1);
     });
@@ -250,7 +252,7 @@ TEST_F(VelmoraScan, SaysWhyItCannotUnpackWhereThereIsNoTemporaryDirectory) {
     const Launch::Variables missing = {{"TMPDIR", folder / "missing"}};
     const Finished run = runToEnd({.arguments = {"Live Set"}, .folder = folder, .environment = missing});
     EXPECT_EQ(run.errors, "velmora-scan: " + reason + "velmora-scan: cannot unpack '" +
-                              pathOf("Live Set/more.tar") + "'\n");
+                              pathOf("Live Set/more.tar") + "': no directory to unpack into\n");
     EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
     EXPECT_EQ(run.status, 1);
 

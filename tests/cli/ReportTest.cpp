@@ -7,6 +7,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
 #include <cmath>
 
 namespace velmora {
@@ -54,8 +55,9 @@ TEST(FilesReport, IsEmptyWithoutFiles) {
 
 TEST(JsonReport, HoldsTheWholeScan) {
     ScanDetails details;
-    details.files = {{"/m/a.wav", 1.5, 10}, {"/m/b.mp3", -1.0, 20}, {"/m/c.wav", 0.25, 30}};
-    details.skippedArchives = {"/m/x.zip"};
+    details.files = {{"/m/a.wav", 1.5, 10}, {"/m/b.mp3", -1.0, 20, Reason::noFrames}, {"/m/c.wav", 0.25, 30}};
+    details.skippedArchives = {{"/m/x.zip", Reason::encrypted}};
+    details.unreadableFolders = {{"/m/shut", EACCES}};
     const ScanSummary summary{.seconds = 1.75,
                               .fileCount = 2,
                               .bytes = 40,
@@ -74,7 +76,9 @@ TEST(JsonReport, HoldsTheWholeScan) {
         "longestName": "a.wav", "longestSeconds": 1.5,
         "files": [{"path": "/m/a.wav", "seconds": 1.5, "bytes": 10},
                   {"path": "/m/c.wav", "seconds": 0.25, "bytes": 30}],
-        "unreadableFiles": [{"path": "/m/b.mp3"}]
+        "unreadableFiles": [{"path": "/m/b.mp3", "why": "no audio frames"}],
+        "skippedArchiveFiles": [{"path": "/m/x.zip", "why": "archive is encrypted"}],
+        "unreadableFolders": [{"path": "/m/shut", "why": "Permission denied"}]
     })";
     EXPECT_EQ(parsed(jsonReport("COMPLETE", summary, details)), parsed(expected));
 }
@@ -83,7 +87,8 @@ TEST(JsonReport, HasEveryKeyWhenNothingWasFound) {
     const QJsonObject object = parsed(jsonReport("NO AUDIO FOUND", {}, {}));
     EXPECT_EQ(object, parsed(R"({"schema": 1, "status": "NO AUDIO FOUND", "source": "", "seconds": 0,
         "fileCount": 0, "bytes": 0, "unreadable": 0, "skippedArchives": 0, "formats": [],
-        "longestName": "", "longestSeconds": 0, "files": [], "unreadableFiles": []})"));
+        "longestName": "", "longestSeconds": 0, "files": [], "unreadableFiles": [],
+        "skippedArchiveFiles": [], "unreadableFolders": []})"));
 }
 
 TEST(JsonReport, WritesNumbersThatReadBackToTheSame) {
@@ -144,14 +149,19 @@ TEST(JsonReport, EscapesControlCharactersAndQuotes) {
     EXPECT_EQ(parsed(jsonReport("", {}, details))["files"][0]["path"].toString(), "/a\n\x1B\"\\.wav");
 }
 
-TEST(Problems, NameEveryArchiveSkippedAndEveryFileUnreadable) {
+TEST(Problems, NameAllThatIsMissingAndWhy) {
     ScanDetails details;
     details.archiveOf = {{"/tmp/velmora-1", "/m/set.zip"}};
-    details.files = {{"/m/a.wav", 1, 1}, {"/m/b\x1B.wav", -1.0, 1}, {"/tmp/velmora-1/c.wav", -1.0, 1}};
-    details.skippedArchives = {"/m/x.zip", "/tmp/velmora-1/y.7z"};
-    EXPECT_THAT(problems(details),
-                ElementsAre("cannot unpack '/m/x.zip'", "cannot unpack '/m/set.zip/y.7z'",
-                            "cannot time '/m/b\\x1B.wav'", "cannot time '/m/set.zip/c.wav'"));
+    details.files = {{"/m/a.wav", 1, 1},
+                     {"/m/b\x1B.wav", -1.0, 1, Reason::notAudio},
+                     {"/tmp/velmora-1/c.wav", -1.0, 1, Reason::empty}};
+    details.skippedArchives = {{"/m/x.zip", Reason::noRoom}, {"/tmp/velmora-1/y.7z", Reason::encrypted}};
+    details.unreadableFolders = {{"/tmp/velmora-1/shut", EACCES}};
+    EXPECT_THAT(problems(details), ElementsAre("cannot read the folder '/m/set.zip/shut': Permission denied",
+                                               "cannot unpack '/m/x.zip': not enough room",
+                                               "cannot unpack '/m/set.zip/y.7z': archive is encrypted",
+                                               "cannot time '/m/b\\x1B.wav': not audio",
+                                               "cannot time '/m/set.zip/c.wav': empty file"));
 }
 
 } // namespace

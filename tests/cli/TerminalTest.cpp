@@ -53,8 +53,9 @@ TEST_F(Terminal, TakesTheLineBackAtTheEnd) {
 
 TEST_F(Terminal, ShowsMessagesOnLinesOfTheirOwn) {
     write(folder / "Set" / "broken.mp3", "no audio");
-    EXPECT_THAT(scan({}).errors, EndsWith(cleared + "velmora-scan: cannot time '" +
-                                          (folder / "Set" / "broken.mp3").native() + "'\r\n"));
+    EXPECT_THAT(scan({}).errors,
+                EndsWith(cleared + "velmora-scan: cannot time '" + (folder / "Set" / "broken.mp3").native() +
+                         "': no audio frames\r\n"));
 }
 
 TEST_F(Terminal, ShowsTheZipToo) {

@@ -118,7 +118,7 @@ TEST_F(ZipOption, SaysThatTheArchiveIsLargerThanAllowed) {
 TEST_F(ZipOption, EndsWith4RatherThan1) {
     write(folder / "Set" / "broken.mp3", "no audio");
     const Finished run = scan({"-z", "missing/Mix.zip", "Set", "missing.wav"});
-    EXPECT_THAT(run.errors, HasSubstr("broken.mp3'\n"));
+    EXPECT_THAT(run.errors, HasSubstr("broken.mp3': no audio frames\n"));
     EXPECT_THAT(run.errors, HasSubstr("'missing.wav'"));
     EXPECT_EQ(run.status, 4);
 }
@@ -126,8 +126,9 @@ TEST_F(ZipOption, EndsWith4RatherThan1) {
 TEST_F(ZipOption, WritesNoZipOfNothing) {
     const fs::path broken = write(folder / "broken.mp3", "no audio");
     const Finished run = scan({"-z", "Mix.zip", "broken.mp3"});
-    EXPECT_EQ(run.errors, "velmora-scan: cannot time '" + broken.native() +
-                              "'\nvelmora-scan: cannot write the zip archive: nothing was measured\n");
+    EXPECT_EQ(run.errors,
+              "velmora-scan: cannot time '" + broken.native() +
+                  "': no audio frames\nvelmora-scan: cannot write the zip archive: nothing was measured\n");
     EXPECT_EQ(run.status, 3);
     EXPECT_FALSE(fs::exists(folder / "Mix.zip"));
 }

@@ -52,8 +52,8 @@ TEST_F(FullDisk, WhileAnArchiveIsUnpackedSkipsThatArchive) {
         const Finished run = scan({});
         EXPECT_EQ(run.status, 1);
         EXPECT_EQ(run.output, trackLine);
-        EXPECT_THAT(run.errors,
-                    StartsWith("velmora-scan: cannot unpack '" + (set / "big.zip").native() + "'"));
+        EXPECT_THAT(run.errors, StartsWith("velmora-scan: cannot unpack '" + (set / "big.zip").native() +
+                                           "': not enough room\n"));
         EXPECT_THAT(namesIn(temporary), IsEmpty());
     });
 }

@@ -63,7 +63,8 @@ TEST(ArchiveWalk, CountsTheFourthLevelWithoutOpeningIt) {
     const GatherResult found = walked(nestedZip(4));
     EXPECT_THAT(found.files, IsEmpty());
     EXPECT_THAT(found.temps, SizeIs(3));
-    EXPECT_THAT(found.skippedArchives, ElementsAre(found.temps.at(2) / "level3.zip"));
+    EXPECT_THAT(found.skippedArchives,
+                ElementsAre(SkippedArchive{found.temps.at(2) / "level3.zip", Reason::tooDeep}));
 }
 
 TEST(ArchiveWalk, FoldersDoNotCountAsLevels) {
@@ -77,7 +78,7 @@ TEST(ArchiveWalk, BeginsAtTheLevelItIsTold) {
     const fs::path archive = nestedZip(1);
     EXPECT_THAT(namesIn(walked(archive, 2), {}), ElementsAre("[0]/track.wav"));
     const GatherResult tooDeep = walked(archive, 3);
-    EXPECT_THAT(tooDeep.skippedArchives, ElementsAre(archive));
+    EXPECT_THAT(tooDeep.skippedArchives, ElementsAre(SkippedArchive{archive, Reason::tooDeep}));
     EXPECT_THAT(tooDeep.temps, IsEmpty());
 }
 
@@ -89,7 +90,8 @@ TEST(ArchiveWalk, SkipsAnArchiveThatCannotBeUnpacked) {
     const GatherResult found = walked(folder);
     EXPECT_THAT(namesIn(found, folder), ElementsAre("a.wav"));
     EXPECT_THAT(found.skippedArchives,
-                testing::UnorderedElementsAre(folder / "broken.zip", folder / "broken.7z"));
+                testing::UnorderedElementsAre(SkippedArchive{folder / "broken.zip", Reason::noTool},
+                                              SkippedArchive{folder / "broken.7z", Reason::noTool}));
     EXPECT_THAT(found.temps, IsEmpty());
     EXPECT_THAT(test::temporaryItems(), IsEmpty());
 }
@@ -132,7 +134,9 @@ TEST(ArchiveWalk, CountsAnArchiveOfNothingAsSkipped) {
     for (const std::string_view extension : Collector::archiveExts) {
         write(folder / ("failed download." + std::string(extension)));
     }
-    EXPECT_THAT(walked(folder).skippedArchives, SizeIs(Collector::archiveExts.size()));
+    const std::vector<SkippedArchive> skipped = walked(folder).skippedArchives;
+    EXPECT_THAT(skipped, SizeIs(Collector::archiveExts.size()));
+    EXPECT_THAT(skipped, testing::Each(testing::Field(&SkippedArchive::why, Reason::empty)));
     EXPECT_THAT(test::temporaryItems(), IsEmpty());
 }
 
@@ -145,21 +149,24 @@ TEST(ArchiveWalk, FollowsLinksToArchives) {
     const GatherResult found = walked(folder / "walked");
     EXPECT_THAT(namesIn(found, {}), ElementsAre("[0]/track.wav"));
     EXPECT_THAT(found.archives, ElementsAre(folder / "walked" / "set.zip"));
-    EXPECT_THAT(found.skippedArchives, ElementsAre(folder / "walked" / "dangling.zip"));
+    EXPECT_THAT(found.skippedArchives,
+                ElementsAre(SkippedArchive{folder / "walked" / "dangling.zip", Reason::gone}));
 }
 
 TEST(ArchiveWalk, SkipsAFifoAtOnce) {
     const fs::path folder = freshFolder();
     ASSERT_EQ(::mkfifo((folder / "fifo.zip").c_str(), 0600), 0);
-    EXPECT_THAT(walked(folder).skippedArchives, ElementsAre(folder / "fifo.zip"));
-    EXPECT_THAT(walked(folder / "fifo.zip").skippedArchives, ElementsAre(folder / "fifo.zip"));
+    const SkippedArchive fifo{folder / "fifo.zip", Reason::notRegular};
+    EXPECT_THAT(walked(folder).skippedArchives, ElementsAre(fifo));
+    EXPECT_THAT(walked(fifo.path).skippedArchives, ElementsAre(fifo));
 }
 
 TEST(ArchiveWalk, SkipsAnArchiveThatMayNotBeRead) {
     test::asOrdinaryUser([] {
         const fs::path archive = nestedZip(1);
         fs::permissions(archive, fs::perms(0));
-        EXPECT_THAT(walked(archive).skippedArchives, ElementsAre(archive));
+        EXPECT_THAT(walked(archive).skippedArchives,
+                    ElementsAre(SkippedArchive{archive, Reason::permissionDenied}));
         EXPECT_THAT(test::temporaryItems(), IsEmpty());
     });
 }
@@ -214,7 +221,7 @@ TEST(ArchiveWalk, StopsInTheMiddleOfAFolder) {
     stop.request_stop();
     walking.join();
     EXPECT_THAT(found.files, IsEmpty());
-    EXPECT_THAT(found.skippedArchives, ElementsAre(folder / "slow.tar.xz"));
+    EXPECT_THAT(found.skippedArchives, ElementsAre(SkippedArchive{folder / "slow.tar.xz", Reason::stopped}));
     EXPECT_THAT(test::temporaryItems(), IsEmpty());
 }
 

@@ -22,7 +22,7 @@ using test::write;
 namespace fs = std::filesystem;
 
 void expectFiles(const fs::path& archive, const std::vector<std::string>& names) {
-    const std::optional<fs::path> directory = extract(archive);
+    const std::optional<fs::path> directory = extract(archive).directory;
     ASSERT_TRUE(directory) << archive;
     EXPECT_EQ(filesBelow(*directory), names) << archive;
 }
@@ -48,7 +48,7 @@ TEST(ExtractionAttempts, UnpacksAnEmptyTar) {
 
 /// A zip archive of two members, whose names tools read in different ways.
 void expectEachMemberOnce(const fs::path& archive, std::size_t members) {
-    const std::optional<fs::path> directory = extract(archive);
+    const std::optional<fs::path> directory = extract(archive).directory;
     ASSERT_TRUE(directory) << archive;
     EXPECT_THAT(filesBelow(*directory), testing::SizeIs(members)) << archive;
 }

@@ -48,7 +48,8 @@ TEST(Gathering, SkippedArchivesComeInTheOrderTheyWereMet) {
     const fs::path folder = freshFolder();
     const fs::path second = write(folder / "b.zip", "broken");
     const fs::path first = write(folder / "a.zip", "broken");
-    EXPECT_THAT(gather({second, first}).skippedArchives, ElementsAre(second, first));
+    EXPECT_THAT(gather({second, first}).skippedArchives,
+                ElementsAre(SkippedArchive{second, Reason::noTool}, SkippedArchive{first, Reason::noTool}));
 }
 
 TEST(Gathering, EndsEarlyWhenAsked) {

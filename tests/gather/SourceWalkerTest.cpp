@@ -12,6 +12,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <set>
 
 namespace velmora {
@@ -109,7 +110,7 @@ TEST(SourceWalker, FindsNothingWhereNothingIs) {
 TEST(SourceWalker, NamesWhatItCannotLookAt) {
     const fs::path path = freshFolder() / std::string(256, 'x');
     GatherResult expected;
-    expected.unreadableFolders = {path};
+    expected.unreadableFolders = {{path, ENAMETOOLONG}};
     EXPECT_EQ(walked(path), expected);
 }
 
@@ -160,7 +161,8 @@ TEST(SourceWalker, ClassifiesLinksToFoldersByTheirOwnNameAndEntersNone) {
     fs::create_symlink("..", folder / "walked" / "up");
     const GatherResult found = walked(folder / "walked");
     EXPECT_THAT(namesIn(found, folder / "walked"), ElementsAre("b.wav", "link.wav"));
-    EXPECT_THAT(found.skippedArchives, ElementsAre(folder / "walked" / "link.zip"));
+    EXPECT_THAT(found.skippedArchives,
+                ElementsAre(SkippedArchive{folder / "walked" / "link.zip", Reason::notRegular}));
 }
 
 TEST(SourceWalker, PassesOverItsOwnTemporaryItems) {
@@ -196,10 +198,11 @@ TEST(SourceWalker, LeavesOutFoldersThatCannotBeRead) {
         fs::permissions(folder / "closed", fs::perms(0));
         fs::permissions(folder / "locked", fs::perms(0400)); // names can be read, files cannot
         EXPECT_THAT(namesIn(walked(folder), folder), ElementsAre("a.wav", "locked/c.wav", "open/d.wav"));
-        EXPECT_THAT(walked(folder / "closed").unreadableFolders, ElementsAre(folder / "closed"));
-        EXPECT_THAT(walked(folder / "closed" / "b.wav").files, IsEmpty());
-        EXPECT_THAT(walked(folder / "closed" / "b.wav").unreadableFolders,
-                    ElementsAre(folder / "closed" / "b.wav"));
+        const fs::path closed = folder / "closed";
+        EXPECT_THAT(walked(closed).unreadableFolders, ElementsAre(UnreadableFolder{closed, EACCES}));
+        EXPECT_THAT(walked(closed / "b.wav").files, IsEmpty());
+        EXPECT_THAT(walked(closed / "b.wav").unreadableFolders,
+                    ElementsAre(UnreadableFolder{closed / "b.wav", EACCES}));
     });
 }
 

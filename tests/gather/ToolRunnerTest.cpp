@@ -11,19 +11,20 @@ namespace {
 
 using Collector::run;
 using Collector::runCapturing;
+using Collector::ToolEnd;
 using test::freshFolder;
 using test::read;
 using test::write;
 namespace fs = std::filesystem;
 
-std::stop_token stopped() {
+ChildLimits stopped() {
     std::stop_source stop;
     stop.request_stop();
-    return stop.get_token();
+    return {.stop = stop.get_token()};
 }
 
 bool captureShell(const std::string& script, const fs::path& out) {
-    return runCapturing("/bin/sh", {"-c", script}, out);
+    return runCapturing("/bin/sh", {"-c", script}, out).succeeded;
 }
 
 TEST(ToolRunner, SucceedsWhenTheToolDoes) {
@@ -32,6 +33,21 @@ TEST(ToolRunner, SucceedsWhenTheToolDoes) {
     EXPECT_FALSE(run("/bin/sh", {"-c", "kill -KILL $$"}));
     EXPECT_FALSE(run("/usr/bin/ditto-is-not-here", {}));
     EXPECT_FALSE(run("/usr/bin/true", {}, {}, stopped()));
+}
+
+TEST(ToolRunner, TellsHowTheToolEnded) {
+    const ToolEnd end = run("/bin/sh", {"-c", "echo output; echo why >&2; exit 7"});
+    EXPECT_EQ(end.status, 7);
+    EXPECT_EQ(end.errors, "why\n");
+    EXPECT_EQ(run("/usr/bin/ditto-is-not-here", {}).status, std::nullopt);
+    EXPECT_EQ(run("/usr/bin/true", {}, {}, stopped()).status, ToolEnd::notStarted);
+}
+
+TEST(ToolRunner, KeepsTheFirstMessagesAndTakesAll) {
+    const ToolEnd end = run("/bin/sh", {"-c", "echo first >&2; yes 2>/dev/null | head -c 1000000 >&2"});
+    EXPECT_TRUE(end);
+    EXPECT_EQ(end.errors.size(), 4096U);
+    EXPECT_EQ(end.errors.substr(0, 8), "first\ny\n");
 }
 
 TEST(ToolRunner, CapturesWhatTheToolWrites) {

@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <map>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -103,7 +104,7 @@ TEST(Measure, GoesOnWhenTheHeaderReaderFails) {
     Bytes cut = oggOfOneSecond();
     cut.resize(64);
     const path small = test::write(folder / "small.ogg", cut);
-    EXPECT_EQ(measure(small), (Measured{small, -1.0, 64}));
+    EXPECT_EQ(measure(small), (Measured{small, -1.0, 64, Reason::notUnderstood}));
     // A live stream's header states no play duration.
     const Bytes live = test::asfHeader(test::AsfFileProperties{.playDuration = 0}.bytes());
     EXPECT_EQ(measure(test::write(folder / "live.wma", live)).seconds, -1.0);
@@ -122,9 +123,9 @@ TEST(Measure, AsksFfprobeWhenNoMoreThanAMillisecondWasFound) {
 TEST(Measure, GivesMinusOneForWhatNoWayCanTime) {
     const path folder = test::freshFolder();
     const path noise = test::write(folder / "noise.wav", Bytes(5'000, 0xA5));
-    EXPECT_EQ(measure(noise), (Measured{noise, -1.0, 5'000}));
+    EXPECT_EQ(measure(noise), (Measured{noise, -1.0, 5'000, Reason::noFrames}));
     const path empty = test::write(folder / "empty.mp3");
-    EXPECT_EQ(measure(empty), (Measured{empty, -1.0, 0}));
+    EXPECT_EQ(measure(empty), (Measured{empty, -1.0, 0, Reason::empty}));
 }
 
 TEST(Measure, LetsNoScriptMakeAToolOpenOtherFiles) {
@@ -143,7 +144,8 @@ TEST(Measure, LetsNoScriptMakeAToolOpenOtherFiles) {
     for (const Row& row : rows) {
         const path file = test::write(folder / row.name, row.content);
         EXPECT_FALSE(startsAProcess(file)) << row.name;
-        EXPECT_EQ(measure(file), (Measured{file, -1.0, static_cast<std::int64_t>(row.content.size())}))
+        EXPECT_EQ(measure(file),
+                  (Measured{file, -1.0, static_cast<std::int64_t>(row.content.size()), Reason::notAudio}))
             << row.name;
     }
 }
@@ -156,14 +158,19 @@ TEST(Measure, OpensOnlyRegularFiles) {
     test::fs::create_symlink("nowhere.wav", folder / "dangling.wav");
     test::fs::create_symlink("loop.wav", folder / "loop.wav");
     test::fs::create_symlink("/dev/zero", folder / "device.wav");
-    for (const std::string name :
-         {"fifo.wav", "socket.wav", "folder.wav", "dangling.wav", "loop.wav", "device.wav", "missing.wav"}) {
+    const std::map<std::string, Reason> reasons = {
+        {"fifo.wav", Reason::notRegular},   {"socket.wav", Reason::notRegular},
+        {"folder.wav", Reason::notRegular}, {"device.wav", Reason::notRegular},
+        {"dangling.wav", Reason::gone},     {"loop.wav", Reason::gone},
+        {"missing.wav", Reason::gone},
+    };
+    for (const auto& [name, why] : reasons) {
         const path file = folder / name;
 
         struct stat status {};
 
         const std::int64_t size = ::stat(file.c_str(), &status) == 0 ? status.st_size : 0;
-        EXPECT_EQ(measure(file), (Measured{file, -1.0, size})) << name;
+        EXPECT_EQ(measure(file), (Measured{file, -1.0, size, why})) << name;
         EXPECT_FALSE(startsAProcess(file)) << name;
     }
 }
@@ -191,7 +198,8 @@ TEST(Measure, KeepsTheSizeOfAFileItMayNotRead) {
     if (child == 0) {
         const bool isOrdinary = !isRoot || ::setuid(65'534) == 0;
         const bool isUnreadable =
-            measure(file) == Measured{file, -1.0, static_cast<std::int64_t>(oggOfOneSecond().size())};
+            measure(file) == Measured{file, -1.0, static_cast<std::int64_t>(oggOfOneSecond().size()),
+                                      Reason::permissionDenied};
         ::_exit(isOrdinary && isUnreadable ? 0 : 1);
     }
     int status = -1;
@@ -199,11 +207,47 @@ TEST(Measure, KeepsTheSizeOfAFileItMayNotRead) {
     EXPECT_EQ(status, 0);
 }
 
+TEST(Measure, SaysWhyAFileHasNoLength) {
+    const path folder = test::freshFolder();
+    const test::AudioShape shape{.frames = 44'100};
+    const auto cutTo = [](const path& file, std::uintmax_t size) {
+        test::fs::resize_file(file, size);
+        return file;
+    };
+
+    struct Row {
+        path file;
+        Reason why;
+    };
+
+    const std::vector<Row> rows = {
+        {test::writeWav(folder / "silent.wav", {.frames = 0}), Reason::noFrames},
+        {test::write(folder / "text.mp3", "no audio at all"), Reason::noFrames},
+        {test::write(folder / "page.mp3", "<svg xmlns='http://www.w3.org/2000/svg'/>"), Reason::noFrames},
+        {test::write(folder / "list.mp3", "ffconcat version 1.0\nfile a.wav\n"), Reason::notAudio},
+        {cutTo(test::encodeAudio(folder / "cut.flac", shape), 30), Reason::cutOff},
+        {cutTo(test::encodeAudio(folder / "cut.wav", shape), 30), Reason::cutOff},
+        {cutTo(test::encodeAudio(folder / "cut.aiff", shape), 60), Reason::cutOff},
+        {cutTo(test::encodeAudio(folder / "cut.caf", shape), 30), Reason::cutOff},
+        {cutTo(test::encodeAudio(folder / "cut.wv", shape), 30), Reason::cutOff},
+        {cutTo(test::encodeAudio(folder / "cut.au", shape), 20), Reason::cutOff},
+        {cutTo(test::encodeAudio(folder / "cut.m4a", shape), 30), Reason::cutOff},
+        {test::write(folder / "damaged.ogg", "OggS" + std::string(5000, 'x')), Reason::notUnderstood},
+        {test::write(folder / "zeros.wav", Bytes(9 << 20)), Reason::searchEnded},
+    };
+    for (const Row& row : rows) {
+        const Measured measured = measure(row.file);
+        ASSERT_TRUE(measured.why) << row.file;
+        EXPECT_EQ(wordsFor(*measured.why), wordsFor(row.why)) << row.file;
+    }
+}
+
 TEST(Measure, EndsWithMinusOneWhenAStopWasRequested) {
     std::stop_source stop;
     stop.request_stop();
     const path file = test::write(test::freshFolder() / "a.ogg", oggOfOneSecond());
     EXPECT_EQ(measure(file, stop.get_token()).seconds, -1.0);
+    EXPECT_EQ(measure(file, stop.get_token()).why, Reason::stopped);
 }
 
 TEST(Measure, ClosesWhatItOpens) {

@@ -14,7 +14,7 @@ Drop Drop::of(const Paths& urls) {
     for (int i = 0; i < files; ++i) {
         drop.files.push_back(urls.front().parent_path() / (std::to_string(i) + ".wav"));
     }
-    drop.skipped.assign(static_cast<std::size_t>(skipped), "/m/broken.zip");
+    drop.skipped.assign(static_cast<std::size_t>(skipped), {"/m/broken.zip", Reason::noTool});
     return drop;
 }
 

@@ -22,7 +22,7 @@ using Lines = std::vector<std::string>;
 struct Drop {
     Paths urls;
     Paths files;
-    Paths skipped;
+    std::vector<SkippedArchive> skipped;
 
     static Drop of(const Paths& urls);
 

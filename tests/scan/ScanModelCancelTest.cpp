@@ -120,7 +120,7 @@ protected:
     void expectNothingOfIt() const {
         EXPECT_EQ(temporaryItems(), Lines{});
         EXPECT_EQ(model->details().files, std::vector<Measured>{});
-        EXPECT_EQ(model->details().skippedArchives, Paths{});
+        EXPECT_EQ(model->details().skippedArchives, std::vector<SkippedArchive>{});
         EXPECT_TRUE(model->details().archiveOf.empty());
     }
 
@@ -131,7 +131,8 @@ TEST_F(ScannedArchiveTest, KeepsWhatItFound) {
     EXPECT_EQ(temporaryItems().size(), 1U);
     EXPECT_EQ(model->details().shownPath(model->details().files.front().url),
               folder / "set.zip" / "song.wav");
-    EXPECT_EQ(model->details().skippedArchives, Paths{folder / "broken.zip"});
+    EXPECT_EQ(model->details().skippedArchives,
+              (std::vector<SkippedArchive>{{folder / "broken.zip", Reason::noTool}}));
 }
 
 TEST_F(ScannedArchiveTest, IsForgottenAtAReset) {

@@ -69,7 +69,7 @@ TEST_F(ScanModelTest, EndsEmptyWhenADropHoldsNoAudioButABrokenArchive) {
     EXPECT_EQ(model->summary().roots, Paths{});
     EXPECT_EQ(model->found(), 0);
     EXPECT_EQ(model->processed(), 0);
-    EXPECT_EQ(model->details().skippedArchives, Paths{broken});
+    EXPECT_EQ(model->details().skippedArchives, (std::vector<SkippedArchive>{{broken, Reason::noTool}}));
     const Lines lines = takeRecord();
     EXPECT_EQ(Lines(lines.end() - 4, lines.end()), (Lines{"found 0", "summary 0/1 1 dropped 'BROKEN.ZIP'",
                                                           "phase empty", "status NO AUDIO FOUND"}));
@@ -144,13 +144,15 @@ TEST_F(ScanModelTest, GoesOnMeasuringWhileTheMainThreadIsBusy) {
 }
 
 TEST_F(ScanModelTest, CountsSkippedArchivesAsUnreadableBesideUnmeasuredFiles) {
-    createModel(
-        {[](const Paths&, const std::stop_token&) {
-             return GatherResult{{"/m/good.wav", "/m/bad.wav"}, {"/t/velmora-A"}, {"/m/a.zip"}, {"/m/b.rar"}};
-         },
-         [](const fs::path& file, const std::stop_token&) {
-             return Measured{file, file == "/m/good.wav" ? 4.5 : unmeasured, 7};
-         }});
+    createModel({[](const Paths&, const std::stop_token&) {
+                     return GatherResult{{"/m/good.wav", "/m/bad.wav"},
+                                         {"/t/velmora-A"},
+                                         {"/m/a.zip"},
+                                         {{"/m/b.rar", Reason::encrypted}}};
+                 },
+                 [](const fs::path& file, const std::stop_token&) {
+                     return Measured{file, file == "/m/good.wav" ? 4.5 : unmeasured, 7};
+                 }});
     model->ingest({"/m/good.wav", "/m"});
     awaitStatus("COMPLETE");
 
@@ -170,7 +172,7 @@ TEST_F(ScanModelTest, GoesOnWhereOneFileFindsNoMemory) {
     awaitStatus("COMPLETE");
     EXPECT_EQ(model->summary().seconds, 9);
     EXPECT_EQ(model->summary().unreadable, 1);
-    EXPECT_EQ(model->details().files[1], (Measured{tracks(3)[1], unmeasured, 0}));
+    EXPECT_EQ(model->details().files[1], (Measured{tracks(3)[1], unmeasured, 0, Reason::cannotBeRead}));
 }
 
 TEST_F(ScanModelTest, ShowsExtractedFilesUnderTheirArchivesOwnPaths) {

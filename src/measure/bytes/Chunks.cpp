@@ -36,7 +36,11 @@ std::optional<Chunk> chunkAt(GuardedReader& reader, const ChunkLayout& layout, s
 }
 
 std::span<const std::uint8_t> contentOf(GuardedReader& reader, const Chunk& chunk, std::size_t count) {
-    return reader.headerUpTo(chunk.content, count, chunk.end());
+    const auto content = reader.headerUpTo(chunk.content, count, chunk.end());
+    if (content.size() < count && static_cast<std::uint64_t>(chunk.size) < chunk.stated) {
+        reader.noteCutOff();
+    }
+    return content;
 }
 
 } // namespace velmora

@@ -10,7 +10,11 @@ GuardedReader::GuardedReader(ByteSource source, std::stop_token stop)
     , m_stop(std::move(stop)) {}
 
 std::span<const std::uint8_t> GuardedReader::header(std::int64_t offset, std::size_t count) {
-    if (offset < 0 || count > windowBytes || offset > size() - static_cast<std::int64_t>(count)) {
+    const bool reachesBeyondEnd = offset > size() - static_cast<std::int64_t>(count);
+    if (offset < size()) { // else there is nothing that could be cut off
+        m_isCutOff = reachesBeyondEnd && offset >= 0;
+    }
+    if (offset < 0 || count > windowBytes || reachesBeyondEnd) {
         return {};
     }
     if (!m_windows[m_latest].holds(offset, count)) {

@@ -49,6 +49,12 @@ public:
     /// be read, or the search is over. Valid until the next call. Neighbouring headers cost one read.
     std::span<const std::uint8_t> header(std::int64_t offset, std::size_t count);
 
+    /// Whether the header that was asked for last begins in the file and reaches beyond its end. Told of by
+    /// whoever asks for no more than there is, too.
+    bool isCutOff() const { return m_isCutOff; }
+
+    void noteCutOff() { m_isCutOff = true; }
+
     /// The first of them that stand before `end`, where the file has fewer than `count` or the structure that
     /// is read ends earlier.
     std::span<const std::uint8_t> headerUpTo(std::int64_t offset, std::size_t count, std::int64_t end);
@@ -92,6 +98,7 @@ private:
         }
     };
 
+    bool m_isCutOff = false;
     std::array<Window, 2> m_windows;
     std::size_t m_latest = 0;
 };
