@@ -31,28 +31,6 @@ std::string apeFile(std::size_t frames, std::uint32_t lastBlocks) {
 
 } // namespace
 
-TEST(Flac, IsItsSamplesWhateverItsHeaderSays) {
-    EXPECT_NEAR(secondsOf(encoded("flac")), twelveSeconds.seconds(), 1e-9);
-    const std::string piped = encoded("flac", R"(cat "$IN" | flac -s - -c 2>/dev/null | cat > "$OUT")");
-    EXPECT_NEAR(secondsOf(piped), twelveSeconds.seconds(), 1e-9);
-    std::string unstated = encoded("flac");
-    unstated[8 + 13] = static_cast<char>(unstated[8 + 13] & 0xF0);
-    unstated.replace(8 + 14, 4, zeros(4));
-    EXPECT_NEAR(secondsOf(unstated), twelveSeconds.seconds(), 1e-9);
-    EXPECT_NEAR(secondsOf(unstated + "TAG" + zeros(125)), twelveSeconds.seconds(), 1e-9);
-    EXPECT_NEAR(secondsOf("ID3\x04"s + zeros(5) + be(0x64, 1) + zeros(100) + unstated),
-                twelveSeconds.seconds(), 1e-9);
-}
-
-TEST(Flac, ThatIsCutOffIsItsWholeFrames) {
-    const std::string file = encoded("flac", R"(flac -s -5 -o "$OUT" "$IN")");
-    for (const std::size_t part : {3U, 4U, 7U}) {
-        const std::string half = file.substr(0, file.size() / 8 * part);
-        EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 1e-6) << part;
-    }
-    EXPECT_TRUE(is<NothingPlays>(answerFor(file.substr(0, 1'000)))) << "nothing but a statement";
-}
-
 TEST(WavPack, IsItsSamplesWhateverItsHeaderSays) {
     const std::string file = encoded("wv");
     EXPECT_NEAR(secondsOf(file), twelveSeconds.seconds(), 1e-9);

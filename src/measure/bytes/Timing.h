@@ -70,13 +70,19 @@ constexpr Timing withinFile(std::optional<double> stated, Timing found) {
     return found;
 }
 
+/// What was `found` in the file, whatever a header states.
+constexpr Timing foundTiming(Timing found, std::optional<double> stated) {
+    found.stated = stated;
+    found.doubt = !stated                   ? Doubt::unfinished
+                  : *stated > found.seconds ? Doubt::beyondEnd
+                  : *stated < found.seconds ? Doubt::disagrees
+                                            : Doubt::none;
+    return found;
+}
+
 /// The `seconds` that the bytes of audio in the file make, whatever a header states.
 constexpr Timing sizedTiming(double seconds, std::optional<double> stated) {
-    const Doubt doubt = !stated             ? Doubt::unfinished
-                        : *stated > seconds ? Doubt::beyondEnd
-                        : *stated < seconds ? Doubt::disagrees
-                                            : Doubt::none;
-    return {.seconds = seconds, .basis = Basis::sized, .stated = stated, .doubt = doubt};
+    return foundTiming({.seconds = seconds, .basis = Basis::sized}, stated);
 }
 
 } // namespace velmora

@@ -197,7 +197,9 @@ std::optional<FlacFrame> parseFlacFrame(Bytes bytes, const FlacStreamInfo& strea
         return std::nullopt;
     }
     const bool isFixed = bytes[1] == fixedSync;
-    return FlacFrame{isFixed ? *number * stream.blockSamples : *number, *samples};
+    return FlacFrame{.firstSample = isFixed ? *number * stream.blockSamples : *number,
+                     .samples = *samples,
+                     .hasFixedSize = isFixed};
 }
 
 std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {

@@ -21,7 +21,8 @@ struct FlacStreamInfo {
 struct FlacFrame {
     std::int64_t firstSample = 0;
     std::int64_t samples = 0;
-    std::size_t at = 0; ///< index of its header in the bytes searched
+    std::size_t at = 0;        ///< index of its header in the bytes searched
+    bool hasFixedSize = false; ///< as all frames of the stream but the last, which may be smaller
 };
 
 /// Absent if `block`, the content of STREAMINFO, is too short or states no rate.

@@ -1,0 +1,146 @@
+// FLAC whole, cut off, cut out of another file, and with a header that lies.
+
+#include "measure/formats/FlacDuration.h"
+
+#include "measure/bytes/GuardedReader.h"
+#include "tests/measure/HeaderBytes.h"
+#include "tests/measure/MediaBytes.h"
+#include "tests/measure/TwelveSeconds.h"
+#include "tests/support/Files.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace velmora::test {
+
+namespace {
+
+using namespace std::string_literals;
+
+/// The remainder of `bytes` divided by x^bits + `polynomial`.
+std::uint64_t checksum(const std::string& bytes, unsigned bits, std::uint64_t polynomial) {
+    std::uint64_t sum = 0;
+    for (const char byte : bytes) {
+        sum ^= static_cast<std::uint64_t>(static_cast<unsigned char>(byte)) << (bits - 8);
+        for (int bit = 0; bit < 8; ++bit) {
+            sum = (sum << 1) ^ (((sum >> (bits - 1)) & 1) != 0 ? polynomial : 0);
+        }
+        sum &= (1ULL << bits) - 1;
+    }
+    return sum;
+}
+
+enum class Blocks : std::uint8_t { ofFixedSize, ofAnySize };
+
+/// A frame that says it holds `samples` of the stream's rate; `number` is below 0x800.
+std::string frame(std::uint64_t number, std::uint64_t samples, Blocks blocks = Blocks::ofFixedSize) {
+    const std::string coded = be(0xC0 | number >> 6, 1) + be(0x80 | (number & 0x3F), 1);
+    const std::string header = (blocks == Blocks::ofFixedSize ? "\xFF\xF8"s : "\xFF\xF9"s) + be(0x70, 1) +
+                               be(0x18, 1) + coded + be(samples - 1, 2);
+    const std::string bytes = header + be(checksum(header, 8, 0x07), 1) + times(40, "x");
+    return bytes + be(checksum(bytes, 16, 0x8005), 2);
+}
+
+std::string block(std::uint8_t type, const std::string& content, bool isLast = false) {
+    return be(type | (isLast ? 0x80U : 0U), 1) + be(content.size(), 3) + content;
+}
+
+/// The content of STREAMINFO: 44.1 kHz, 16 bits, stereo.
+std::string streamInfo(std::uint64_t blockSamples, std::uint64_t samples) {
+    return be(blockSamples, 2) + be(blockSamples, 2) + zeros(6) +
+           be(44'100ULL << 44 | 1ULL << 41 | 15ULL << 36 | samples, 8) + zeros(16);
+}
+
+std::string flacFile(std::uint64_t blockSamples, std::uint64_t samples, const std::string& frames) {
+    return "fLaC" + block(0, streamInfo(blockSamples, samples), true) + frames;
+}
+
+/// What `command` makes of twelve seconds of FLAC at the path $FLAC.
+std::string madeOfFlac(const std::string& command) {
+    return encoded("flac", "FLAC=\"$OUT.whole.flac\"; flac -s -o \"$FLAC\" \"$IN\" && " + command);
+}
+
+} // namespace
+
+TEST(Flac, IsItsSamplesWhateverItsHeaderSays) {
+    EXPECT_NEAR(secondsOf(encoded("flac")), twelveSeconds.seconds(), 1e-9);
+    const std::string piped = encoded("flac", R"(cat "$IN" | flac -s - -c 2>/dev/null | cat > "$OUT")");
+    EXPECT_NEAR(secondsOf(piped), twelveSeconds.seconds(), 1e-9);
+    std::string unstated = encoded("flac");
+    unstated[8 + 13] = static_cast<char>(unstated[8 + 13] & 0xF0);
+    unstated.replace(8 + 14, 4, zeros(4));
+    EXPECT_NEAR(secondsOf(unstated), twelveSeconds.seconds(), 1e-9);
+    EXPECT_NEAR(secondsOf(unstated + "TAG" + zeros(125)), twelveSeconds.seconds(), 1e-9);
+    EXPECT_NEAR(secondsOf("ID3\x04"s + zeros(5) + be(0x64, 1) + zeros(100) + unstated),
+                twelveSeconds.seconds(), 1e-9);
+}
+
+TEST(Flac, ThatIsCutOffIsItsWholeFrames) {
+    const std::string file = encoded("flac", R"(flac -s -5 -o "$OUT" "$IN")");
+    for (const std::size_t part : {3U, 4U, 7U}) {
+        const std::string half = file.substr(0, file.size() / 8 * part);
+        EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 1e-6) << part;
+    }
+    EXPECT_TRUE(is<NothingPlays>(answerFor(file.substr(0, 1'000)))) << "nothing but a statement";
+}
+
+TEST(Flac, ThatWasCutOutOfAnotherIsWhatItHolds) {
+    for (
+        const char* const command : {
+            R"(ffmpeg -v error -ss 5 -i "$FLAC" -c copy "$OUT")",
+            R"(ffmpeg -v error -ss 5 -t 3 -i "$FLAC" -c copy "$OUT")",
+            R"(ffmpeg -v error -i "$FLAC" -c copy -f segment -segment_time 4 "$OUT.%d.flac" && cp "$OUT.1.flac" "$OUT")",
+            R"(ffmpeg -v error -i "$FLAC" -c copy -f segment -segment_time 4 "$OUT.%d.flac" && cp "$OUT.2.flac" "$OUT")",
+        }) {
+        const std::string part = madeOfFlac(command);
+        EXPECT_NEAR(secondsOf(part), decodedSeconds(part), 1e-6) << command;
+        EXPECT_LT(secondsOf(part), 8) << command;
+        const std::string half = part.substr(0, part.size() / 2);
+        EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 1e-6) << "half of it: " << command;
+    }
+}
+
+TEST(Flac, HasBlocksOfTheSizeThatItsFramesState) {
+    std::string frames;
+    for (std::uint64_t number = 0; number < 7; ++number) {
+        frames += frame(number, 16'384);
+    }
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 0, frames)), 7 * 16'384 / 44'100.0, 1e-9);
+    EXPECT_NEAR(secondsOf(flacFile(
+                    4'096, 0, frame(100, 1'000, Blocks::ofAnySize) + frame(1'100, 500, Blocks::ofAnySize))),
+                1'500 / 44'100.0, 1e-9)
+        << "numbered by sample";
+}
+
+TEST(Flac, IsLongerThanItsHeaderSaysWhereTheLastFrameIsWhole) {
+    const std::string frames = frame(0, 4'096) + frame(1, 4'096) + frame(2, 100);
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 5'000, frames)), 8'292 / 44'100.0, 1e-9);
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 5'000, frames + "TAG" + zeros(125))), 8'292 / 44'100.0, 1e-9);
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 5'000, frames.substr(0, frames.size() - 1))), 5'000 / 44'100.0,
+                1e-9)
+        << "else the header is believed";
+}
+
+TEST(Flac, FindsStreaminfoAfterOtherBlocks) {
+    const std::string frames = frame(0, 4'096) + frame(1, 100);
+    const std::string file = "fLaC" + block(4, zeros(8)) + block(1, zeros(9'000)) +
+                             block(0, streamInfo(4'096, 4'196), true) + frames;
+    EXPECT_NEAR(secondsOf(file), 4'196 / 44'100.0, 1e-9);
+    EXPECT_TRUE(is<Unknown>(answerFor("fLaC" + block(4, zeros(8), true) + frames))) << "without any";
+}
+
+TEST(Flac, CostsOneReadMoreForAPictureAndPadding) {
+    const std::string frames = times(20, times(1'000, "x")) + frame(0, 4'096);
+    const std::string file = "fLaC" + block(0, streamInfo(4'096, 4'096)) + block(6, zeros(300'000)) +
+                             block(1, zeros(8'192), true) + frame(0, 4'096) + frames;
+    std::vector<Read> reads;
+    const Bytes bytes(file.begin(), file.end());
+    GuardedReader reader(counted(bytes, reads), {});
+    ASSERT_TRUE(flacDuration(reader, 0));
+    EXPECT_EQ(reads.size(), 3U) << "the head, what follows the picture, the tail";
+}
+
+} // namespace velmora::test
