@@ -21,8 +21,9 @@ def run() -> str:
     tried = sum(number(output, "faults") for output in outputs)
     killed = sum(number(output, "kills") for output in outputs)
     signalled = sum(number(output, "signals") for output in outputs)
-    return (f"{tried} failed calls, {killed} kills, {signalled} other signals: no wrong total, no loss, "
-            "nothing left over.\n")
+    seed = os.environ.get("VELMORA_SEED", "1")
+    return (f"{tried} failed calls, {killed} kills, {signalled} other signals (seed {seed}): no wrong total, "
+            "no loss, nothing left over.\n")
 
 
 def start(part: int, parts: int) -> subprocess.Popen:

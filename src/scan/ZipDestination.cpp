@@ -45,7 +45,9 @@ std::optional<std::string> ScanModel::objectionToZip(const fs::path& destination
     if (!present && errno != ENOENT) {
         return name + ": " + std::generic_category().message(errno);
     }
-    const auto isPresent = [&](const fs::path& source) { return identityOf(source) == present; };
+    const auto isPresent = [&](const fs::path& source) { // by its name where it cannot be looked at
+        return source.native() == destination.native() || identityOf(source) == present;
+    };
     const bool isSource =
         present &&
         (std::ranges::any_of(m_summary.dropped, isPresent) ||
