@@ -45,6 +45,21 @@ TEST(GarbledZipNames, AsciiIsNeverGarbled) {
     EXPECT_FALSE(unzipGarblesNames(write(freshFolder() / "a.zip", test::zipArchive({}))));
 }
 
+TEST(GarbledZipNames, PassesOverWhatFollowsAName) {
+    const fs::path folder = freshFolder();
+    test::shell(R"(python3 -B - <<'EOF'
+import zipfile
+with zipfile.ZipFile("a.zip", "w") as archive:
+    for name in "01.wav", "Füße.wav":
+        info = zipfile.ZipInfo(name)
+        info.create_system, info.extra, info.comment = 0, b"\x99\x99\x04\x00abcd", b"a comment"
+        archive.writestr(info, "x")
+EOF
+)",
+                folder);
+    EXPECT_TRUE(unzipGarblesNames(folder / "a.zip"));
+}
+
 TEST(GarbledZipNames, FindsTheDirectoryBeforeAComment) {
     test::Bytes bytes = test::zipArchive(members);
     bytes[bytes.size() - 1] = 0xFF; // length of the comment

@@ -16,34 +16,53 @@ namespace velmora::test {
 
 namespace {
 
-/// The parent of the process, if that runs `program`; -1 if not.
-pid_t parentOf(pid_t process, std::string_view program) {
-    std::ifstream file("/proc/" + std::to_string(process) + "/stat");
-    std::string number;
-    std::string name; // at most 15 bytes, in parentheses
-    std::string state;
-    pid_t parent = -1;
-    file >> number >> name >> state >> parent;
-    return file && name == '(' + std::string(program) + ')' ? parent : -1;
+struct Process {
+    std::string program; ///< at most 15 bytes of its name
+    pid_t parent = -1;   ///< -1 where there is no such process
+};
+
+Process processOf(pid_t number) {
+    std::ifstream file("/proc/" + std::to_string(number) + "/stat");
+    std::string skipped;
+    std::string name; // in parentheses
+    Process process;
+    file >> skipped >> name >> skipped >> process.parent;
+    return file ? Process{name.substr(1, name.size() - 2), process.parent} : Process();
 }
 
-} // namespace
-
-std::vector<pid_t> processesBelow(pid_t parent, std::string_view program) {
+/// The processes that run `program`.
+std::vector<pid_t> processesOf(std::string_view program) {
     std::vector<pid_t> found;
     for (const auto& entry : fs::directory_iterator("/proc")) {
         const std::string name = entry.path().filename();
-        pid_t process = 0;
-        const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), process);
-        if (error == std::errc() && parentOf(process, program) == parent) {
-            found.push_back(process);
+        pid_t number = 0;
+        const auto [end, error] = std::from_chars(name.data(), name.data() + name.size(), number);
+        if (error == std::errc() && processOf(number).program == program) {
+            found.push_back(number);
         }
     }
     return found;
 }
 
+bool isBelow(pid_t process, pid_t ancestor) {
+    while (process > 0 && process != ancestor) {
+        process = processOf(process).parent;
+    }
+    return process == ancestor;
+}
+
+} // namespace
+
+std::vector<pid_t> processesBelow(pid_t ancestor, std::string_view program) {
+    std::vector<pid_t> found = processesOf(program);
+    std::erase_if(found, [ancestor](pid_t process) { return !isBelow(process, ancestor); });
+    return found;
+}
+
 std::vector<pid_t> helpersBelow(pid_t parent) {
-    return processesBelow(parent, "velmora-libav");
+    std::vector<pid_t> found = processesOf("velmora-libav");
+    std::erase_if(found, [parent](pid_t process) { return processOf(process).parent != parent; });
+    return found;
 }
 
 std::vector<pid_t> helperChildren() {

@@ -12,9 +12,8 @@
 
 namespace velmora::test {
 
-/// The processes that run `program` and were started by `parent`, in whichever of its threads. Those that
-/// have ended and are not awaited count, too.
-std::vector<pid_t> processesBelow(pid_t parent, std::string_view program);
+/// The processes that run `program` and were started by `ancestor` or by what that started.
+std::vector<pid_t> processesBelow(pid_t ancestor, std::string_view program);
 
 /// The processes that run velmora-libav and were started by `parent`: the helper below a program, the
 /// children below the helper. Those that have ended and are not awaited count, too.
