@@ -117,7 +117,7 @@ TEST_F(Wall, HoldsATooltoItsLimits) {
     EXPECT_NE(status("head -c 100001 /usr/bin/python3 > " + word(out / "large")), 0);
     EXPECT_EQ(fs::file_size(out / "large"), 100'000U);
     EXPECT_THAT(output("/usr/bin/python3 -I -c 'bytearray(10**9)'"), HasSubstr("MemoryError"));
-    EXPECT_EQ(output("ulimit -c"), "0\n"); // in blocks of 512 bytes: 1 byte
+    EXPECT_EQ(output("ulimit -H -c"), "0\n"); // in blocks of 512 bytes: 1 byte
     EXPECT_NE(status("ulimit -f unlimited"), 0) << "what was lowered stays";
     EXPECT_NE(status("ulimit -c unlimited"), 0);
     rules.processorSeconds = 1;

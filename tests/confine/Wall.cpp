@@ -4,6 +4,7 @@
 
 #include <fcntl.h>
 #include <linux/landlock.h>
+#include <poll.h>
 #include <sys/mman.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
@@ -16,6 +17,8 @@
 namespace velmora::test {
 
 namespace {
+
+constexpr int patience = 60'000; // milliseconds until a test gives up
 
 constexpr std::string_view pythonScript = R"(
 import ctypes, errno, fcntl, os, resource, socket
@@ -86,7 +89,8 @@ bool Wall::endsWithItsParent(const std::string& script) const {
     EXPECT_EQ(::read(reading.get(), &byte, 1), 1) << "the tool runs";
     ::kill(parent, SIGKILL);
     ::waitpid(parent, nullptr, 0);
-    return ::read(reading.get(), &byte, 1) == 0;
+    pollfd ended{reading.get(), POLLIN, 0};
+    return ::poll(&ended, 1, patience) == 1 && ::read(reading.get(), &byte, 1) == 0;
 }
 
 } // namespace velmora::test

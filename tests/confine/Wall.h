@@ -42,7 +42,7 @@ protected:
     std::string python(const std::string& expression) const;
 
     /// Whether a tool's processes end when the process that started the tool is killed while `script` runs.
-    /// Waits for it.
+    /// Waits a minute for it.
     bool endsWithItsParent(const std::string& script) const;
 
     static std::string word(const fs::path& path) { return shellWord(path.native()); }
