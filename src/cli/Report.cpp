@@ -157,7 +157,7 @@ std::string jsonReport(const std::string& status, const ScanSummary& summary, co
 std::vector<std::string> problems(const ScanDetails& details) {
     std::vector<std::string> messages;
     for (const UnreadableFolder& folder : details.unreadableFolders) {
-        messages.push_back(problem("cannot read the folder", missing(folder), details));
+        messages.push_back(problem("cannot read", missing(folder), details));
     }
     for (const SkippedArchive& archive : details.skippedArchives) {
         messages.push_back(problem("cannot unpack", missing(archive), details));

@@ -141,8 +141,8 @@ TEST_F(VelmoraScan, NamesFoldersThatItCannotListAnywhereInTheTree) {
     fs::permissions(folder / "Live Set" / "a" / "shut", fs::perms::none);
     asOrdinaryUser([&] {
         const Finished run = scan({"Live Set"});
-        EXPECT_EQ(run.errors, "velmora-scan: cannot read the folder '" + pathOf("Live Set/a/shut") +
-                                  "': Permission denied\n");
+        EXPECT_EQ(run.errors,
+                  "velmora-scan: cannot read '" + pathOf("Live Set/a/shut") + "': Permission denied\n");
         EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
         EXPECT_EQ(run.status, 1);
     });
@@ -153,7 +153,7 @@ TEST_F(VelmoraScan, NamesTheFolderWhosePathIsTooLong) {
     shell("python3 -c 'import os\nfor _ in range(30): os.mkdir(\"d\" * 200); os.chdir(\"d\" * 200)'",
           folder / "Live Set");
     const Finished run = scan({"Live Set"});
-    EXPECT_THAT(run.errors, StartsWith("velmora-scan: cannot read the folder '" + pathOf("Live Set/ddd")));
+    EXPECT_THAT(run.errors, StartsWith("velmora-scan: cannot read '" + pathOf("Live Set/ddd")));
     EXPECT_EQ(run.output, "TOTAL RUNTIME  00:00:02   (2 sec)\n2 audio files — LIVE SET\n");
     EXPECT_EQ(run.status, 1);
 }

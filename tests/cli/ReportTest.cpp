@@ -157,7 +157,7 @@ TEST(Problems, NameAllThatIsMissingAndWhy) {
                      {"/tmp/velmora-1/c.wav", -1.0, 1, Reason::empty}};
     details.skippedArchives = {{"/m/x.zip", Reason::noRoom}, {"/tmp/velmora-1/y.7z", Reason::encrypted}};
     details.unreadableFolders = {{"/tmp/velmora-1/shut", EACCES}};
-    EXPECT_THAT(problems(details), ElementsAre("cannot read the folder '/m/set.zip/shut': Permission denied",
+    EXPECT_THAT(problems(details), ElementsAre("cannot read '/m/set.zip/shut': Permission denied",
                                                "cannot unpack '/m/x.zip': not enough room",
                                                "cannot unpack '/m/set.zip/y.7z': archive is encrypted",
                                                "cannot time '/m/b\\x1B.wav': not audio",

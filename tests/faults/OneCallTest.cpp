@@ -71,6 +71,15 @@ TEST_F(OneCall, ThatListsAnExtractionLetsNoLinkLeadOutOfIt) {
     }
 }
 
+TEST_F(OneCall, ThatAllocatesCostsNoFolder) {
+    shell("zip -q Set/more.zip Set/1.wav", folder);
+    for (int number = 1; number <= calls; ++number) {
+        const Finished run = scan("malloc", number, "");
+        EXPECT_THAT(run.errors, Not(HasSubstr("cannot read '" + (folder / "Set").native()))) << number;
+        EXPECT_EQ(run.status == 0, run.errors.empty()) << number << ": " << run.errors;
+    }
+}
+
 TEST_F(OneCall, ThatRemovesIsMadeAgain) {
     shell("zip -q Set/more.zip Set/1.wav", folder);
     for (const char* call : {"unlink", "open"}) {
