@@ -39,10 +39,16 @@ MediaAnswer answerOf(const std::optional<Timing>& timing, std::string format, co
 }
 
 MediaAnswer formatAnswer(GuardedReader& reader, std::int64_t start, const Format& format) {
+    const double maxSeconds = format.maxSecondsInByte * static_cast<double>(reader.size() - start);
     std::optional<Timing> timing = format.read == nullptr ? std::nullopt : format.read(reader, start);
     const bool isCutOff = !timing && format.read != nullptr && reader.isCutOff();
-    if (!timing && !format.demuxer.empty()) {
-        timing = libav().duration(reader, start, std::string(format.demuxer), Doubt::none);
+    const auto lie = timing && timing->seconds > maxSeconds ? std::optional(timing->seconds) : std::nullopt;
+    if ((!timing || lie) && !format.demuxer.empty()) {
+        timing = libav().duration(reader, start, std::string(format.demuxer),
+                                  lie ? Doubt::beyondEnd : Doubt::none);
+    }
+    if (timing ? timing->seconds > maxSeconds : lie.has_value()) { // nothing in there is what it claims to be
+        timing = Timing{.stated = timing ? timing->seconds : *lie, .doubt = Doubt::beyondEnd};
     }
     MediaAnswer answer = answerOf(timing, std::string(format.name), reader);
     if (auto* const unknown = std::get_if<Unknown>(&answer)) {

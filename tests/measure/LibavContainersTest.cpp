@@ -54,6 +54,16 @@ TEST(Matroska, IsAsLongAsItsSoundWhateverElseIsInIt) {
     }
 }
 
+TEST(Matroska, ThatWasCutOutOfAnotherIsWhatItHolds) {
+    for (const std::string codec : {"flac", "libmp3lame", "aac", "libopus"}) {
+        const std::string command = R"(ffmpeg -v error -i "$IN" -c:a )" + codec +
+                                    R"( -f segment -segment_time 4 "$OUT.%d.mka" && cp "$OUT.1.mka" "$OUT")";
+        const std::string part = encoded("mka", command);
+        EXPECT_NEAR(secondsOf(part), 4, 0.1) << codec;
+        EXPECT_NEAR(secondsOf(part), decodedSeconds(part), 0.03) << codec;
+    }
+}
+
 TEST(Matroska, WithoutNotesOfItsTracksIsReadAtItsEndAlone) {
     const std::string file = withoutTrackNotes(encoded("mka", subtitled + R"(-c:a pcm_s16le "$OUT")"));
     const Bytes content(file.begin(), file.end());

@@ -181,6 +181,20 @@ TEST(MediaGuard, ReadsLittleOfAFileThatStatesItsLength) {
     }
 }
 
+TEST(MediaGuard, BelievesNoLengthThatTheFileCannotHold) {
+    const std::string oldApe = "MAC " + le(3970, 2) + le(2000, 2) + le(0, 2) + le(2, 2) + le(44'100, 4) +
+                               zeros(8) + le(6'000'000, 4) + le(100, 4) + zeros(13'000);
+    const std::string audible = be(60'000'000, 4) + "\x57\x90\x75\x36" + be(1, 4) + zeros(10'000);
+    const auto wavPackBlock = [](const std::string& highBytes, std::uint32_t index) {
+        return "wvpk" + le(200, 4) + le(0x410, 2) + highBytes + times(4, "\xFF") + le(index, 4) +
+               le(22'050, 4) + le(9 << 23, 4) + zeros(4 + 176);
+    };
+    const std::string wavPack = wavPackBlock("\0\0"s, 0) + wavPackBlock("\x7F\0"s, 0xFFFF'FF00);
+    for (const std::string& file : {oldApe, audible, wavPack}) {
+        EXPECT_EQ(secondsOf(file), -1) << file.substr(0, 4);
+    }
+}
+
 TEST(MediaGuard, GivesEveryThreadTheSameAnswer) {
     const fs::path folder = freshFolder();
     Paths files;

@@ -31,38 +31,54 @@ using namespace std::string_view_literals;
 using HeaderDuration::asfSeconds;
 using HeaderDuration::oggSeconds;
 
+// What a byte can play. No bound is tight: it only has to tell a length that is possible from one that was
+// made up.
+
+/// Silence of lossless coders: a frame of some ten bytes holds up to 300,000 samples, at 8 kHz or more.
+constexpr double losslessSilence = 10;
+
+/// Samples of one bit; rates below 1 Hz cannot be stated.
+constexpr double oneBitSamples = 8;
+
+/// Speech at 400 bits a second, slower than any coder for it; or a frame of 20 ms in which nothing is sent.
+constexpr double slowestSpeech = 0.02;
+
+/// Frames of 26 ms, at the lowest rate 36 ms, of a few bytes.
+constexpr double emptyFrames = 0.1;
+
 constexpr auto formatTable = std::to_array<Format>({
-    {"WAV", "RIFF????WAVE"sv, &wavDuration, "wav"},
-    {"WAV", "RIFX????WAVE"sv, &wavDuration, "wav"},
-    {"RF64", "RF64????WAVE"sv, &wavDuration, "wav"},
-    {"BW64", "BW64????WAVE"sv, &wavDuration, "wav"},
-    {"Wave64", "riff\x2E\x91\xCF\x11"sv, &wave64Duration, "w64"},
-    {"AIFF", "FORM????AIFF"sv, &aiffDuration, "aiff"},
-    {"AIFF-C", "FORM????AIFC"sv, &aiffDuration, "aiff"},
-    {"AU", ".snd"sv, &auDuration, "au"},
-    {"AU", "dns."sv, &auDuration, "au"},
-    {"AU", ".sd\0"sv, &auDuration, "au"},
-    {"AU", "\0ds."sv, &auDuration, "au"},
-    {"CAF", "caff"sv, &cafDuration, "caf"},
-    {"FLAC", "fLaC"sv, &flacDuration, "flac"},
-    {"WavPack", "wvpk"sv, &wavPackDuration, "wv"},
-    {"Monkey's Audio", "MAC "sv, &apeDuration, "ape"},
-    {"Musepack SV8", "MPCK"sv, &musepackDuration, "mpc8"},
-    {"Musepack SV7", "MP+"sv, &musepackDuration, "mpc"},
-    {"DSF", "DSD "sv, &dsfDuration, "dsf"},
-    {"DSDIFF", "FRM8????????DSD "sv, &dsdiffDuration, "iff"},
-    {"VOC", "Creative Voice File\x1A"sv, &vocDuration, "voc"},
-    {"AMR", "#!AMR"sv, &amrDuration, "amr"},
-    {"MP4", "????ftyp"sv, &mp4Duration, "mov"},
-    {"MP4", "????moov"sv, &mp4Duration, "mov"},
-    {"MP4", "????mdat"sv, &mp4Duration, "mov"},
-    {"MP4", "????wide"sv, &mp4Duration, "mov"},
-    {"Ogg", "OggS"sv, nullptr, "ogg"},
-    {"Matroska", "\x1A\x45\xDF\xA3"sv, &matroskaDuration, ""},
-    {"ASF", "\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf"},
-    {"RealMedia", ".RMF"sv, &realMediaDuration, ""},
-    {"RealAudio", ".ra\xFD"sv, nullptr, "rm"},
-    {"True Audio", "TTA1"sv, nullptr, "tta"},
+    {"WAV", "RIFF????WAVE"sv, &wavDuration, "wav", oneBitSamples},
+    {"WAV", "RIFX????WAVE"sv, &wavDuration, "wav", oneBitSamples},
+    {"RF64", "RF64????WAVE"sv, &wavDuration, "wav", oneBitSamples},
+    {"BW64", "BW64????WAVE"sv, &wavDuration, "wav", oneBitSamples},
+    {"Wave64", "riff\x2E\x91\xCF\x11"sv, &wave64Duration, "w64", oneBitSamples},
+    {"AIFF", "FORM????AIFF"sv, &aiffDuration, "aiff", oneBitSamples},
+    {"AIFF-C", "FORM????AIFC"sv, &aiffDuration, "aiff", oneBitSamples},
+    {"AU", ".snd"sv, &auDuration, "au", oneBitSamples},
+    {"AU", "dns."sv, &auDuration, "au", oneBitSamples},
+    {"AU", ".sd\0"sv, &auDuration, "au", oneBitSamples},
+    {"AU", "\0ds."sv, &auDuration, "au", oneBitSamples},
+    {"CAF", "caff"sv, &cafDuration, "caf", losslessSilence},
+    {"FLAC", "fLaC"sv, &flacDuration, "flac", losslessSilence},
+    {"WavPack", "wvpk"sv, &wavPackDuration, "wv", losslessSilence},
+    {"Monkey's Audio", "MAC "sv, &apeDuration, "ape", losslessSilence},
+    {"Musepack SV8", "MPCK"sv, &musepackDuration, "mpc8", emptyFrames},
+    {"Musepack SV7", "MP+"sv, &musepackDuration, "mpc", emptyFrames},
+    {"DSF", "DSD "sv, &dsfDuration, "dsf", oneBitSamples},
+    {"DSDIFF", "FRM8????????DSD "sv, &dsdiffDuration, "iff", oneBitSamples},
+    {"VOC", "Creative Voice File\x1A"sv, &vocDuration, "voc", losslessSilence},
+    {"AMR", "#!AMR"sv, &amrDuration, "amr", slowestSpeech},
+    {"MP4", "????ftyp"sv, &mp4Duration, "mov", losslessSilence},
+    {"MP4", "????moov"sv, &mp4Duration, "mov", losslessSilence},
+    {"MP4", "????mdat"sv, &mp4Duration, "mov", losslessSilence},
+    {"MP4", "????wide"sv, &mp4Duration, "mov", losslessSilence},
+    {"Ogg", "OggS"sv, nullptr, "ogg", losslessSilence},
+    {"Matroska", "\x1A\x45\xDF\xA3"sv, &matroskaDuration, "", losslessSilence},
+    {"ASF", "\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf", losslessSilence},
+    {"RealMedia", ".RMF"sv, &realMediaDuration, "", losslessSilence},
+    {"RealAudio", ".ra\xFD"sv, nullptr, "rm", losslessSilence},
+    {"Audible", "????\x57\x90\x75\x36"sv, nullptr, "aa", slowestSpeech},
+    {"True Audio", "TTA1"sv, nullptr, "tta", losslessSilence},
 });
 
 constexpr std::size_t maxPatternBytes = std::ranges::max(formatTable, {}, [](const Format& format) {

@@ -43,6 +43,10 @@ struct Format {
     std::string_view pattern; ///< that the content begins with; see `matches` in Magic.h
     FormatReader read;        ///< null if libavformat alone reads it
     std::string_view demuxer; ///< libavformat's, asked where `read` cannot tell; empty: it is not asked
+
+    /// The most that a byte of such a file can play, in seconds, on average over the file. A length beyond it
+    /// is a statement that the file cannot hold, whoever read it.
+    double maxSecondsInByte;
 };
 
 /// In the order in which they are tried.

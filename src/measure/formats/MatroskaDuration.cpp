@@ -1,14 +1,19 @@
 #include "measure/formats/MatroskaDuration.h"
 
+#include "measure/bytes/ByteOrder.h"
 #include "measure/formats/EbmlElement.h"
 #include "measure/libav/Libav.h"
+
+#include <algorithm>
+#include <bit>
 
 namespace velmora {
 
 namespace {
 
 // The head of the file, up to the first cluster of media, is walked for the stated length and the kinds of
-// the tracks. The length is that of the longest track, so it is taken only where all tracks are audio.
+// the tracks. The length is that of the longest track, so it is taken only where all tracks are audio. It
+// counts from zero, where the media need not begin: the time of the first block is taken off.
 //
 //   element          id           content                                           RFC 9559
 //   Segment          18538067     everything but the EBML header                    section 5.1
@@ -19,6 +24,10 @@ namespace {
 //   TrackEntry       AE           elements                                          section 5.1.4.1
 //   TrackType        83           2: audio                                          section 5.1.4.1.3
 //   Cluster          1F43B675     media                                             section 5.1.3
+//   Timestamp        E7           units of time, before the blocks                  section 5.1.3.1
+//   SimpleBlock      A3           track, time from the cluster's (2 bytes, signed)  section 5.1.3.4
+//   BlockGroup       A0           elements                                          section 5.1.3.5
+//   Block            A1           as SimpleBlock                                    section 5.1.3.5.1
 
 constexpr std::uint32_t segmentId = 0x1853'8067;
 constexpr std::uint32_t infoId = 0x1549'A966;
@@ -28,6 +37,10 @@ constexpr std::uint32_t tracksId = 0x1654'AE6B;
 constexpr std::uint32_t trackEntryId = 0xAE;
 constexpr std::uint32_t trackTypeId = 0x83;
 constexpr std::uint32_t clusterId = 0x1F43'B675;
+constexpr std::uint32_t timestampId = 0xE7;
+constexpr std::uint32_t simpleBlockId = 0xA3;
+constexpr std::uint32_t blockGroupId = 0xA0;
+constexpr std::uint32_t blockId = 0xA1;
 constexpr std::uint64_t audioTrack = 2;
 
 /// The one element that holds everything, after the one that says what the file is.
@@ -44,10 +57,44 @@ bool isCutOff(GuardedReader& reader, const EbmlElement& segment) {
     return segment.size && *segment.size > reader.size() - segment.content;
 }
 
+/// When a block begins, in units of time after its cluster does.
+std::optional<std::int64_t> blockTime(GuardedReader& reader, const EbmlElement& block) {
+    constexpr std::int64_t maxTrackBytes = 8;
+    const auto track = reader.header(block.content, 1);
+    const std::int64_t trackBytes = track.empty() ? 0 : std::countl_zero(track[0]) + 1;
+    if (trackBytes == 0 || trackBytes > maxTrackBytes) {
+        return std::nullopt;
+    }
+    const auto time = reader.header(block.content + trackBytes, 2);
+    return time.empty() ? std::nullopt
+                        : std::optional<std::int64_t>(static_cast<std::int16_t>(be16(time, 0)));
+}
+
+/// When the first block of `cluster` begins, in units of time; 0 where that cannot be told.
+double firstTime(GuardedReader& reader, const EbmlElement& cluster) {
+    std::uint64_t clusterTime = 0;
+    std::optional<std::int64_t> time;
+    forEachEbmlElement(reader, cluster, [&](const EbmlElement& element) {
+        if (element.id == timestampId) {
+            clusterTime = ebmlInteger(reader, element).value_or(0);
+        } else if (element.id == simpleBlockId) {
+            time = blockTime(reader, element);
+        } else if (element.id == blockGroupId) {
+            forEachEbmlElement(reader, element, [&](const EbmlElement& part) {
+                time = part.id == blockId ? blockTime(reader, part) : time;
+                return !time;
+            });
+        }
+        return !time;
+    });
+    return std::max(0.0, static_cast<double>(clusterTime) + static_cast<double>(time.value_or(0)));
+}
+
 /// What stands before the media.
 struct Head {
     double timestampScale = 1e6; ///< nanoseconds
     double duration = 0;         ///< in units of the scale; 0 if not stated
+    double begin = 0;            ///< when the first block begins, likewise
     bool hasAudio = false;
     bool hasOther = false; ///< tracks that are no audio, or that do not say what they are
 
@@ -88,10 +135,12 @@ std::optional<double> statedAtHead(GuardedReader& reader, const EbmlElement& seg
             head.takeInfo(reader, element);
         } else if (element.id == tracksId) {
             head.takeTracks(reader, element);
+        } else if (element.id == clusterId) {
+            head.begin = firstTime(reader, element);
         }
         return element.id != clusterId;
     });
-    const double seconds = head.duration * head.timestampScale / 1e9;
+    const double seconds = (head.duration - head.begin) * head.timestampScale / 1e9;
     return seconds > 0 && head.hasAudio && !head.hasOther ? std::optional(seconds) : std::nullopt;
 }
 

@@ -9,8 +9,11 @@ namespace velmora {
 std::optional<Mp4Box> mp4BoxAt(GuardedReader& reader, std::int64_t at, std::int64_t end) {
     constexpr std::int64_t shortHeader = 8;
     constexpr std::int64_t longHeader = 16;
+    if (at > end - shortHeader) {
+        return std::nullopt;
+    }
     const auto header = reader.header(at, shortHeader);
-    if (header.empty() || at > end - shortHeader) {
+    if (header.empty()) {
         return std::nullopt;
     }
     Mp4Box box;

@@ -2,6 +2,7 @@
 
 #include "measure/bytes/ByteOrder.h"
 #include "measure/formats/Mp4Fragments.h"
+#include "measure/formats/Mp4Priming.h"
 #include "measure/formats/Mp4Track.h"
 
 #include <algorithm>
@@ -10,9 +11,9 @@ namespace velmora {
 
 namespace {
 
-// Each audio track states the length of its media and the edits that play them; the longest track counts.
-// Where media data are missing, the tables of the track tell which of its samples are in the file; where the
-// track is empty, its samples are in fragments after the movie (Mp4Fragments.h).
+// Each audio track states the length of its media and the edits that play them, and its tables tell how long
+// its samples last; the longest track counts. Where media data are missing, the tables tell which of the
+// samples are in the file; where the track is empty, they are in fragments after the movie (Mp4Fragments.h).
 
 /// The file's outermost boxes.
 struct Movie {
@@ -52,35 +53,43 @@ std::int64_t timeScaleOf(GuardedReader& reader, const Mp4Box& header) {
     return scale.empty() ? 0 : be32(scale, 0);
 }
 
-Timing trackTiming(GuardedReader& reader, const Mp4Track& track, const Movie& movie,
-                   std::int64_t movieScale) {
+/// `movieScale` stands in for a track without a time scale of its own.
+Timing trackTiming(GuardedReader& reader, Mp4Track track, const Movie& movie, std::int64_t movieScale) {
+    if (track.timeScale <= 0) {
+        track.timeScale = movieScale;
+    }
     if (!track.isAudio || track.timeScale <= 0) {
         return {};
     }
-    const bool isStated = track.mediaDuration > 0;
-    const double stated = editedSeconds(track, track.mediaDuration, movieScale);
-    if (isStated && !movie.isCutOff) {
-        return statedTiming(stated);
+    const auto priming = track.edits.empty() ? readMp4Priming(reader, *movie.box) : std::nullopt;
+    const auto secondsOf = [&](std::int64_t duration) {
+        return priming ? soundOf(*priming, duration) / static_cast<double>(track.timeScale)
+                       : editedSeconds(track, duration, movieScale);
+    };
+    const auto stated =
+        track.mediaDuration > 0 ? std::optional(secondsOf(track.mediaDuration)) : std::nullopt;
+    const bool isAllThere = !movie.isCutOff && beginsBefore(reader, track, reader.size());
+    const std::int64_t all = isAllThere ? sampleTableDuration(reader, track) : 0;
+    if (isAllThere && (all == 0 || all == track.mediaDuration) && stated) {
+        return statedTiming(*stated);
     }
-    std::int64_t duration = mediaDurationBefore(reader, track, reader.size());
+    std::int64_t duration = isAllThere ? all : mediaDurationBefore(reader, track, reader.size());
     if (duration == 0) {
         duration = fragmentsDuration(reader, *movie.box, track.id, movie.box->end);
     }
-    return {.seconds = editedSeconds(track, duration, movieScale),
-            .basis = Basis::counted,
-            .stated = isStated ? std::optional(stated) : std::nullopt,
-            .doubt = isStated ? Doubt::beyondEnd : Doubt::unfinished};
+    return foundTiming({.seconds = secondsOf(duration), .basis = Basis::counted}, stated);
 }
 
 } // namespace
 
 std::optional<Timing> mp4Duration(GuardedReader& reader, std::int64_t start) {
     const Movie movie = readMovie(reader, start);
-    if (!movie.box || findMp4Box(reader, *movie.box, mp4Type("cmov"))) {
+    if (!movie.box) {
         return std::nullopt;
     }
     Timing longest;
     std::int64_t movieScale = 0;
+    bool isCompressed = false;
     forEachMp4Box(reader, movie.box->content, movie.box->end, [&](const Mp4Box& box) {
         if (box.type == mp4Type("mvhd")) {
             movieScale = timeScaleOf(reader, box);
@@ -88,9 +97,11 @@ std::optional<Timing> mp4Duration(GuardedReader& reader, std::int64_t start) {
             longest =
                 std::ranges::max(longest, trackTiming(reader, readMp4Track(reader, box), movie, movieScale),
                                  {}, &Timing::seconds);
+        } else if (box.type == mp4Type("cmov")) {
+            isCompressed = true;
         }
     });
-    return longest;
+    return isCompressed ? std::nullopt : std::optional(longest);
 }
 
 } // namespace velmora

@@ -11,9 +11,9 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// Header boxes state time scale, length and edits. For a file that was cut off, the sample table tells what
-// is left: "stco" how many chunks begin before the end, "stsc" the samples in them, "stsz" the samples of the
-// last of these chunks that are whole, "stts" how long all these samples last.
+// Header boxes state time scale, length and edits; the sample table tells how long the samples last ("stts"),
+// and outranks the header. For a file that was cut off it tells what is left: "stco" how many chunks begin
+// before the end, "stsc" the samples in them, "stsz" the samples of the last of these chunks that are whole.
 //
 // All boxes begin with version (1) and flags (3). In version 1 the fields marked * have 8 bytes, else 4.
 //
@@ -119,25 +119,41 @@ struct Chunk {
     std::int64_t samples = 0;
 };
 
-/// How many chunks begin before `end`, and where the last of them stands ("stco" or "co64", in ascending
-/// order).
+/// Where the chunks stand ("stco" or "co64", in ascending order).
+class ChunkOffsets {
+public:
+    ChunkOffsets(GuardedReader& reader, const Mp4Box& sampleTable)
+        : m_reader(reader)
+        , m_table(findTable(reader, sampleTable, "stco"))
+        , m_areLong(!m_table) {
+        if (m_areLong) {
+            m_table = findTable(reader, sampleTable, "co64");
+        }
+    }
+
+    std::int64_t count() const { return m_table ? m_table->count : 0; }
+
+    /// Absent if the table ends before.
+    std::optional<std::int64_t> at(std::int64_t i) const {
+        if (m_areLong) {
+            return longWord(m_reader, m_table->box, Table::entriesAt + i * 8);
+        }
+        return word(m_reader, m_table->box, Table::entriesAt + i * 4);
+    }
+
+private:
+    GuardedReader& m_reader;
+    std::optional<Table> m_table;
+    const bool m_areLong;
+};
+
+/// How many chunks begin before `end`, and where the last of them stands.
 std::pair<std::int64_t, std::int64_t> chunksBefore(GuardedReader& reader, const Mp4Box& sampleTable,
                                                    std::int64_t end) {
-    auto offsets = findTable(reader, sampleTable, "stco");
-    const bool areLong = !offsets;
-    if (areLong) {
-        offsets = findTable(reader, sampleTable, "co64");
-    }
-    if (!offsets) {
-        return {};
-    }
-    const auto offsetOf = [&](std::int64_t i) -> std::int64_t {
-        return areLong ? longWord(reader, offsets->box, Table::entriesAt + i * 8).value_or(end)
-                       : word(reader, offsets->box, Table::entriesAt + i * 4).value_or(end);
-    };
+    const ChunkOffsets offsets(reader, sampleTable);
     const std::int64_t chunks =
-        partitionPoint(offsets->count, [&](std::int64_t i) { return offsetOf(i) < end; });
-    return {chunks, chunks > 0 ? offsetOf(chunks - 1) : 0};
+        partitionPoint(offsets.count(), [&](std::int64_t i) { return offsets.at(i).value_or(end) < end; });
+    return {chunks, chunks > 0 ? offsets.at(chunks - 1).value_or(0) : 0};
 }
 
 /// The last of `chunks` chunks, by "stsc".
@@ -185,6 +201,23 @@ std::int64_t samplesBefore(GuardedReader& reader, const Mp4Box& sampleTable, std
     return chunk.firstSample + whole;
 }
 
+/// How long the first `samples` samples last, by "stts".
+std::int64_t durationOfSamples(GuardedReader& reader, const Mp4Box& sampleTable, std::int64_t samples) {
+    const auto times = findTable(reader, sampleTable, "stts");
+    std::int64_t duration = 0;
+    for (std::int64_t i = 0; times && i < times->count && samples > 0; ++i) {
+        const auto count = word(reader, times->box, Table::entriesAt + i * 8);
+        const auto units = word(reader, times->box, Table::entriesAt + i * 8 + 4);
+        if (!count || !units) {
+            break;
+        }
+        const std::int64_t taken = std::min<std::int64_t>(*count, samples);
+        duration = std::min(duration + taken * (*units & 0x7FFF'FFFF), maxDuration);
+        samples -= taken;
+    }
+    return duration;
+}
+
 } // namespace
 
 Mp4Track readMp4Track(GuardedReader& reader, const Mp4Box& box) {
@@ -203,24 +236,24 @@ Mp4Track readMp4Track(GuardedReader& reader, const Mp4Box& box) {
     return track;
 }
 
+std::int64_t sampleTableDuration(GuardedReader& reader, const Mp4Track& track) {
+    return track.sampleTable ? durationOfSamples(reader, *track.sampleTable, maxSamples) : 0;
+}
+
+bool beginsBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end) {
+    if (!track.sampleTable) {
+        return true;
+    }
+    const ChunkOffsets offsets(reader, *track.sampleTable);
+    return offsets.count() == 0 || offsets.at(offsets.count() - 1).value_or(end) < end;
+}
+
 std::int64_t mediaDurationBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end) {
     if (!track.sampleTable) {
         return 0;
     }
-    std::int64_t samples = std::min(samplesBefore(reader, *track.sampleTable, end), maxSamples);
-    const auto times = findTable(reader, *track.sampleTable, "stts");
-    std::int64_t duration = 0;
-    for (std::int64_t i = 0; times && i < times->count && samples > 0; ++i) {
-        const auto count = word(reader, times->box, Table::entriesAt + i * 8);
-        const auto units = word(reader, times->box, Table::entriesAt + i * 8 + 4);
-        if (!count || !units) {
-            break;
-        }
-        const std::int64_t taken = std::min<std::int64_t>(*count, samples);
-        duration = std::min(duration + taken * (*units & 0x7FFF'FFFF), maxDuration);
-        samples -= taken;
-    }
-    return std::min(duration, track.mediaDuration > 0 ? track.mediaDuration : duration);
+    const std::int64_t samples = std::min(samplesBefore(reader, *track.sampleTable, end), maxSamples);
+    return durationOfSamples(reader, *track.sampleTable, samples);
 }
 
 double editedSeconds(const Mp4Track& track, std::int64_t mediaDuration, std::int64_t movieScale) {

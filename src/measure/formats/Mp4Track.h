@@ -22,13 +22,19 @@ struct Mp4Track {
     std::uint32_t id = 0;
     bool isAudio = false;
     std::int64_t timeScale = 0;     ///< units a second
-    std::int64_t mediaDuration = 0; ///< in those; 0 if not stated
+    std::int64_t mediaDuration = 0; ///< in those, as the header states; 0 if it does not
     std::vector<Mp4Edit> edits;
     std::optional<Mp4Box> sampleTable; ///< "stbl"
 };
 
 /// Reads `box`, a "trak".
 Mp4Track readMp4Track(GuardedReader& reader, const Mp4Box& box);
+
+/// How long all samples of `track` last by its tables, in its time scale; 0 where they hold none.
+std::int64_t sampleTableDuration(GuardedReader& reader, const Mp4Track& track);
+
+/// Whether all chunks of `track` begin before `end`, by the last of its table; true where it has none.
+bool beginsBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end);
 
 /// How long the samples of `track` that stand before `end` last, in its time scale, as its tables tell.
 std::int64_t mediaDurationBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end);

@@ -4,6 +4,7 @@
 #include "measure/bytes/Magic.h"
 #include "measure/bytes/TailSearch.h"
 
+#include <algorithm>
 #include <array>
 
 namespace velmora {
@@ -106,8 +107,11 @@ std::optional<Timing> wavPackDuration(GuardedReader& reader, std::int64_t start)
         return static_cast<double>(samples) / first->rate;
     };
     const std::int64_t end = searchTail(reader, start, tailBytes, find).value_or(first->total.value_or(0));
-    return withinFile(first->total ? std::optional(secondsOf(*first->total)) : std::nullopt,
-                      {.seconds = secondsOf(end), .basis = Basis::counted});
+    const auto stated = first->total ? std::optional(secondsOf(*first->total)) : std::nullopt;
+    const Timing found{.seconds = secondsOf(std::max<std::int64_t>(end - first->index, 0)),
+                       .basis = Basis::counted};
+    // What was cut out of another file keeps the total of that.
+    return first->index == 0 ? withinFile(stated, found) : foundTiming(found, stated);
 }
 
 } // namespace velmora
