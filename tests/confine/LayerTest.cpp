@@ -1,6 +1,7 @@
 // Each layer of the wall alone, on a kernel that has no other: what it promises, it holds. Where this kernel
 // does not offer it, the wall's report must say so, and then nothing is expected of it.
 
+#include "tests/confine/ForbiddenCalls.h"
 #include "tests/confine/Wall.h"
 #include "tests/support/ForkedProcess.h"
 #include "tests/support/NamedRow.h"
@@ -150,51 +151,10 @@ TEST_F(OneLayer, OfFilesReachesNoServiceAndNoProcess) {
     });
 }
 
-/// Calls in Python that are refused: of programs of the user's, for each of which `here` stands, and with
-/// `out` to write to.
-std::vector<std::string> refusedCalls(const std::string& here, const fs::path& out) {
-    const auto call = [](long number) { return "call(" + std::to_string(number) + ", "; };
-    const std::string node = "os.mknod('" + out.native() + "/node', ";
-    return {// the network, other programs
-            "socket.socket()", "socket.socket(socket.AF_UNIX)",
-            "socket.socket(socket.AF_NETLINK, socket.SOCK_RAW)", "socket.socketpair()",
-            // memory, messages and locks that programs share
-            "call('shmget', 0, 4096, 0o1600)", "call('shmat', 0, 0, 0)", "call('shmctl', 0, 0, 0)",
-            "call('msgget', 0, 0o1600)", "call('msgctl', 0, 0, 0)", "call('semget', 0, 1, 0o1600)",
-            "call('semctl', 0, 0, 0)", call(SYS_mq_unlink) + "0)",
-            // signals, in all their ways
-            "os.kill(" + here + ", 0)", "os.kill(0, 0)", "os.kill(-1, 0)", "os.pidfd_open(" + here + ")",
-            call(SYS_tkill) + here + ", 0)", call(SYS_tgkill) + here + ", " + here + ", 0)",
-            call(SYS_rt_sigqueueinfo) + here + ", 0, 0)", call(SYS_rt_tgsigqueueinfo) + here + ", 0, 0, 0)",
-            "fcntl.fcntl(0, fcntl.F_SETOWN, " + here + ")", "fcntl.fcntl(0, 10, 9)", // F_SETSIG
-            call(SYS_fcntl) + "0, (1 << 32) + fcntl.F_SETOWN, " + here + ")", "call('ioctl', 0, 0x8901, 0)",
-            "call('ioctl', 0, 0x8902, 0)", // FIOSETOWN, SIOCSPGRP
-                                           // other processes: their memory, their limits, their turns
-            "call('ptrace', 16, " + here + ", 0, 0)", "call('process_vm_readv', " + here + ", 0, 0, 0, 0, 0)",
-            "call('process_vm_writev', " + here + ", 0, 0, 0, 0, 0)",
-            call(SYS_move_pages) + "0, 0, 0, 0, 0, 0)",
-            "resource.prlimit(" + here + ", resource.RLIMIT_CPU, (1, 1))",
-            "os.setpriority(os.PRIO_PROCESS, " + here + ", 19)", call(SYS_ioprio_set) + "1, " + here + ", 0)",
-            "os.sched_setaffinity(" + here + ", {0})",
-            "os.sched_setscheduler(" + here + ", os.SCHED_BATCH, os.sched_param(0))",
-            // its own wall
-            call(SYS_prlimit64) + "0, 1, 1, 0)", "os.setsid()", "os.setpgid(0, 0)",
-            call(SYS_setrlimit) + "0, 0)", call(SYS_prctl) + "1, 0, 0, 0, 0)", // PR_SET_PDEATHSIG
-            call(SYS_prctl) + "(1 << 32) + 1, 0, 0, 0, 0)",
-            // mounts, namespaces, the kernel
-            "call('mount', 0, 0, 0, 0, 0)", "call('umount2', 0, 0)", "call('unshare', 0x10000000)",
-            "call('setns', 0, 0)", "call('chroot', 0)", call(SYS_mount_setattr) + "0, 0, 0, 0, 0)",
-            call(SYS_io_uring_setup) + "1, 0)", call(SYS_bpf) + "0, 0, 0)",
-            call(SYS_perf_event_open) + "0, 0, 0, 0, 0)", call(SYS_keyctl) + "0, 0, 0, 0, 0)",
-            "call('fanotify_init', 0, 0)", call(SYS_init_module) + "0, 0, 0)",
-            // devices and sockets
-            node + "0o140600)", node + "0o020600, os.makedev(1, 5))", node + "0o060600, os.makedev(7, 0))"};
-}
-
 TEST_F(OneLayer, OfCallsRefusesWhatReachesOut) {
     alone("seccomp", [this] {
         const bool holds = offers("seccomp");
-        const std::vector<std::string> calls = refusedCalls(self, out);
+        const std::vector<std::string> calls = forbiddenCalls(self, out);
         const std::vector<std::string> answers = python(calls);
         for (std::size_t i = 0; i < calls.size(); ++i) {
             EXPECT_EQ(answers[i] == "EPERM", holds) << calls[i] << ": " << answers[i];
