@@ -101,6 +101,11 @@ TEST(Wav, ReadsItsRelatives) {
     EXPECT_NEAR(
         secondsOf("RIFX" + be(0, 4) + "WAVE" + iffChunk("fmt ", bigEndian) + iffChunk("data", zeros(16'000))),
         second, 1e-9);
+    const std::string extension = be(22, 2) + be(16, 2) + be(0, 4) + be(1, 4) + zeros(12);
+    EXPECT_NEAR(secondsOf("RIFX" + be(0, 4) + "WAVE" +
+                          iffChunk("fmt ", be(0xFFFE, 2) + bigEndian.substr(2) + extension) +
+                          iffChunk("data", zeros(16'000))),
+                second, 1e-9);
 }
 
 TEST(Wav, UnderstandsOddChunksWithAndWithoutPadding) {
@@ -156,6 +161,10 @@ TEST(Aiff, IsWhatItStatesClampedToItsSound) {
     EXPECT_NEAR(secondsOf(aiff(common(0) + "SSND" + be(0, 4) + zeros(8 + 16'000))), second, 1e-9)
         << "a pipe's";
     EXPECT_FALSE(is<Timed>(answerFor(aiff(common(8'000)))));
+    for (const std::string& empty : {sound(0), "SSND" + be(0, 4)}) {
+        const std::string file = aiff(common(0) + empty + iffChunk("ID3 ", zeros(9'000)));
+        EXPECT_FALSE(is<Timed>(answerFor(file))) << "a picture is no sound";
+    }
 }
 
 TEST(Aiff, KnowsCompressions) {
@@ -217,6 +226,8 @@ TEST(Dsd, IsItsBitsByItsRate) {
     };
     EXPECT_NEAR(secondsOf(dsf(2'822'400, 712'704)), second, 1e-9);
     EXPECT_NEAR(secondsOf(dsf(2'822'400, 352'800)), second / 2, 1e-9) << "cut off";
+    EXPECT_NEAR(secondsOf(dsf(0, 705'600)), second, 1e-9) << "a pipe's";
+    EXPECT_TRUE(is<NothingPlays>(answerFor(dsf(0, 2 * 4'096)))) << "blocks of padding";
     const std::string properties = "PROP" + be(4 + 16 + 22, 8) + "SND " + "FS  " + be(4, 8) +
                                    be(2'822'400, 4) + "CHNL" + be(10, 8) + be(2, 2) + "SLFTSRGT";
     const std::string head = "FRM8" + be(0, 8) + "DSD " + "FVER" + be(4, 8) + be(0x01050000, 4) + properties;

@@ -134,10 +134,18 @@ std::optional<Timing> soundTiming(const Common& common, const Sound& sound) {
                       {.seconds = there, .basis = Basis::sized});
 }
 
+/// Whether a chunk stands at `at`, and all of it: what would be samples there is none.
+bool isChunk(GuardedReader& reader, std::int64_t at) {
+    const auto chunk = chunkAt(reader, iffChunks, at);
+    return chunk && !chunk->isCutOff() &&
+           std::ranges::all_of(chunk->name, [](char letter) { return letter >= ' ' && letter <= '~'; });
+}
+
 /// The sound in `chunk`, which is called "SSND". A writer that cannot go back states no size.
 Sound soundOf(GuardedReader& reader, const Chunk& chunk) {
     const std::int64_t rest = reader.size() - chunk.content;
-    const bool isUnknown = chunk.stated <= static_cast<std::uint64_t>(soundHeaderBytes);
+    const bool isUnknown =
+        chunk.stated <= static_cast<std::uint64_t>(soundHeaderBytes) && !isChunk(reader, chunk.next);
     Sound sound{(isUnknown ? rest : chunk.size) - soundHeaderBytes, chunk.isCutOff()};
     if (const Bytes head = reader.header(chunk.content, soundHeaderBytes); !head.empty()) {
         sound.bytes -= be32(head, 0);

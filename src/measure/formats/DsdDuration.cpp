@@ -27,7 +27,7 @@ namespace {
 //       56     4  samples a second
 //       60     4  bits of a sample
 //       64     8  samples of a channel
-//       72     8  block size, reserved
+//       72     8  bytes of a block of one channel (4), reserved; the last blocks are filled up
 //       80        "data" chunk: name (4), size (8), samples of one bit
 //
 // DSDIFF (Philips, "DSDIFF File Format Specification" 1.5), the highest byte of a number first:
@@ -51,6 +51,7 @@ constexpr std::size_t formatSizeAt = 32;
 constexpr std::size_t channelsAt = 52;
 constexpr std::size_t rateAt = 56;
 constexpr std::size_t samplesAt = 64;
+constexpr std::size_t blockBytesAt = 72;
 constexpr std::size_t headerBytes = 80;
 constexpr std::int64_t dataHeaderBytes = 12;
 
@@ -92,9 +93,13 @@ std::optional<Timing> dsfDuration(GuardedReader& reader, std::int64_t start) {
     const auto rest = static_cast<std::uint64_t>(reader.size() - start);
     const std::int64_t dataAt = start + static_cast<std::int64_t>(formatAt) +
                                 static_cast<std::int64_t>(std::min(formatBytes, rest)) + dataHeaderBytes;
-    const auto there = bitSeconds(std::max<std::int64_t>(0, reader.size() - dataAt), channels, rate);
+    const std::int64_t bytes = std::max<std::int64_t>(0, reader.size() - dataAt);
+    const auto there = bitSeconds(bytes, channels, rate);
     if (!there) {
         return std::nullopt;
+    }
+    if (samples == 0 && bytes <= channels * std::int64_t{le32(header, blockBytesAt)}) {
+        return statedTiming(0); // one block a channel, filled up
     }
     const double stated = static_cast<double>(samples) / static_cast<double>(rate);
     return withinFile(samples > 0 ? std::optional(stated) : std::nullopt,

@@ -47,7 +47,7 @@ constexpr std::int64_t riffSizeFrom = 8; // the first byte that the size counts
 constexpr std::int64_t wrap = 1LL << 32;
 constexpr std::size_t longDataAt = 8;
 constexpr std::size_t longDataBytes = 8;
-constexpr std::size_t formatBytes = 26; // as much of "fmt " as is looked at
+constexpr std::size_t formatBytes = 28; // as much of "fmt " as is looked at
 
 constexpr std::int64_t wave64HeaderBytes = 40;
 constexpr ChunkLayout wave64Chunks{.sizeAt = 16, .sizeBytes = 8, .countsHeader = true, .alignment = 8};

@@ -22,7 +22,7 @@ namespace {
 //       16     2  size of what follows
 //       18     2  frames of a block (compressed formats) or valid bits (extensible)
 //       20     4  speakers (extensible)
-//       24    16  real format (extensible); its first two bytes are the tag
+//       24    16  real format (extensible), a GUID; the lower half of its first four bytes is the tag
 
 constexpr std::size_t tagAt = 0;
 constexpr std::size_t channelsAt = 2;
@@ -103,8 +103,8 @@ std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, b
     const auto u32 = [&](std::size_t at) { return isBigEndian ? be32(chunk, at) : le32(chunk, at); };
     WaveFormat format{
         u16(tagAt), u16(channelsAt), u32(rateAt), u32(byteRateAt), u16(blockBytesAt), u16(bitsAt), 0};
-    if (format.tag == extensible && chunk.size() >= subformatAt + 2) {
-        format.tag = u16(subformatAt);
+    if (format.tag == extensible && chunk.size() >= subformatAt + 4) {
+        format.tag = static_cast<std::uint16_t>(u32(subformatAt));
     } else if (chunk.size() >= extensionAt + 2) {
         format.blockSamples = u16(extensionAt);
     }
