@@ -1,5 +1,6 @@
 #include "gather/ArchiveExtraction.h"
 
+#include "gather/DiskShare.h"
 #include "gather/ExtractionCleanup.h"
 #include "gather/ExtractionPlan.h"
 #include "gather/GarbledZipNames.h"
@@ -15,8 +16,11 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <cstdint>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 namespace velmora::Collector {
@@ -61,34 +65,30 @@ bool mayBeNoTar(const fs::path& archive) {
     return extension == "gz" || extension == "bz2" || extension == "xz";
 }
 
-/// The tools read `input`, write to `directory`, and no file larger than what the disk has room for.
-Rules rulesFor(const fs::path& input, const fs::path& directory) {
-    Rules rules{.readable = input, .writable = directory};
-    std::error_code error;
-    if (const fs::space_info room = fs::space(directory, error); !error) {
-        rules.fileBytes = room.available / 10 * 9; // the rest is left to the user
-    }
-    return rules;
-}
-
-/// Makes the attempts of a plan, one after the other in the same directory.
+/// Makes the attempts of a plan, one after the other in the same directory. The tools read `input`, and write
+/// no more than the share of the disk.
 class Attempts {
 public:
-    Attempts(const fs::path& input, const fs::path& directory, const std::stop_token& stop)
+    Attempts(const fs::path& input, const fs::path& directory, DiskShare& share, const std::stop_token& stop)
         : m_directory(directory)
-        , m_rules(rulesFor(input, directory))
+        , m_share(share)
+        , m_rules{.readable = input, .writable = directory, .fileBytes = share.bytes()}
         , m_stop(stop) {}
 
     /// Makes them until one succeeds; why none did, absent after a success. An attempt that leaves nothing is
     /// a success as well, but the last word only where `nothingIsDone`, or when all others failed.
-    std::optional<Reason> failure(const std::vector<ExtractionStep>& plan, bool nothingIsDone) const {
+    std::optional<Reason> failure(const std::vector<ExtractionStep>& plan, bool nothingIsDone) {
         bool foundNothing = false;
         Reason why = Reason::noTool;
         for (const ExtractionStep& step : plan) {
             if (m_stop.stop_requested() || !prepare(step.ground)) {
                 return Reason::toolFailed;
             }
-            if (const ToolEnd end = attempt(step); !end) {
+            const ToolEnd end = attempt(step);
+            if (m_share.isExceeded()) {
+                return Reason::noRoom;
+            }
+            if (!end) {
                 why = weightier(why, verdictOf(step.tool, end));
                 if (why == Reason::noRoom) { // for any other tool neither
                     return why;
@@ -111,24 +111,40 @@ private:
         return isClean || makeEmpty(m_directory);
     }
 
-    ToolEnd attempt(const ExtractionStep& step) const {
-        const ChildLimits limits{.stop = m_stop};
+    ToolEnd attempt(const ExtractionStep& step) {
+        const ChildLimits limits{.stop = m_stop, .watch = [this] {
+                                     return m_share.isExceeded() ? std::nullopt : std::optional(lookPause);
+                                 }};
         return step.out ? runCapturing(step.tool, step.args, *step.out, m_rules, limits)
                         : run(step.tool, step.args, m_rules, limits);
     }
 
+    /// The time between two looks at the disk: short beside the time that a tenth of it takes to be filled,
+    /// long beside the time that a look takes.
+    static constexpr std::chrono::milliseconds lookPause{5};
+
     const fs::path& m_directory;
+    DiskShare& m_share;
     const Rules m_rules;
     const std::stop_token& m_stop;
 };
 
 /// Why nothing came of it; absent after a success.
-std::optional<Reason> unpack(const fs::path& archive, const fs::path& directory,
+std::optional<Reason> unpack(const fs::path& archive, std::int64_t bytes, const fs::path& directory,
                              const std::stop_token& stop) {
-    const WorkingCopy copy(archive, stop);
-    const fs::path& input = copy.path().empty() ? archive : copy.path();
+    DiskShare share(directory);
+    share.count(directory);
+    // Without a copy where that would take the room of the content.
+    const bool hasRoomForCopy = static_cast<std::uint64_t>(bytes) <= share.bytes() / 4;
+    const std::optional<WorkingCopy> copy =
+        hasRoomForCopy ? std::optional<WorkingCopy>(std::in_place, archive, stop) : std::nullopt;
+    const bool isCopied = copy && !copy->path().empty();
+    const fs::path& input = isCopied ? copy->path() : archive;
+    if (isCopied) {
+        share.count(input);
+    }
     const UnzipTurn unzip = unzipGarblesNames(input) ? UnzipTurn::last : UnzipTurn::asUsual;
-    return Attempts(input, directory, stop)
+    return Attempts(input, directory, share, stop)
         .failure(extractionPlan(archive, input, directory, unzip), !mayBeNoTar(archive));
 }
 
@@ -146,7 +162,7 @@ Extracted extract(const fs::path& archive, const std::stop_token& stop) {
     if (!directory) {
         return {.why = errno == ENOSPC ? Reason::noRoom : Reason::noDirectory};
     }
-    const std::optional<Reason> failure = unpack(archive, directory->path(), stop);
+    const std::optional<Reason> failure = unpack(archive, file->size(), directory->path(), stop);
     if (stop.stop_requested()) {
         return {.why = Reason::stopped};
     }
