@@ -1,6 +1,6 @@
 """./dev bench [NAME…]: runs the benchmarks named and prints what they find; without names runs all of them
 and writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md;
-`faults` times nothing and runs only by name."""
+`faults` and `load` time nothing and run only by name."""
 
 import platform
 import subprocess
@@ -10,6 +10,7 @@ import archives
 import busy
 import faults
 import kinds
+import load
 import micro
 import peers
 import scaling
@@ -18,7 +19,7 @@ from measuring import DATA, ROOT, SCAN, output_of
 
 PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
                "archives": archives, "window": window}
-NAMES = (*PERFORMANCE, "accuracy", "faults")
+NAMES = (*PERFORMANCE, "accuracy", "faults", "load")
 
 
 def main(names: list[str]) -> int:
@@ -33,8 +34,9 @@ def main(names: list[str]) -> int:
         print(page)
         if not names:
             (ROOT / "docs" / "performance.md").write_text(page)
-    if "faults" in names:
-        print(faults.run())
+    for name, trial in {"faults": faults, "load": load}.items():
+        if name in names:
+            print(trial.run())
     return accuracy() if not names or "accuracy" in names else 0
 
 

@@ -3,15 +3,12 @@
 
 #include "tests/faults/Surroundings.h"
 #include "tests/support/ForkedProcess.h"
-#include "tests/support/OtherPrograms.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
-
-#include <csignal>
 
 namespace velmora::test {
 namespace {
@@ -131,20 +128,6 @@ TEST_F(Limits, AToolThatDiesLeavesItsTurnToTheNext) {
         const Finished run = scan([] {});
         EXPECT_EQ(run.status, 0) << run.errors;
         EXPECT_EQ(run.output, trackLine + "1.000\t" + (set / "more.zip/1.wav").native() + "\n");
-        EXPECT_THAT(namesIn(temporary), IsEmpty());
-    });
-}
-
-TEST_F(Limits, AToolThatHangsEndsWithTheScan) {
-    shell("tar -cf more.tar 1.wav", set);
-    inOwnMounts([&] {
-        replaceTool("/usr/bin/tar", "exec sleep 1000000");
-        ScanProcess process({.arguments = {"Set"}, .folder = folder, .environment = {{"TMPDIR", temporary}}});
-        const auto tools = [this] { return programsWorkingIn((temporary / "scan-velmora-").native()); };
-        waitUntil([&] { return !tools().empty(); });
-        process.send(SIGTERM);
-        EXPECT_EQ(process.wait().status, 130);
-        EXPECT_THAT(tools(), IsEmpty());
         EXPECT_THAT(namesIn(temporary), IsEmpty());
     });
 }

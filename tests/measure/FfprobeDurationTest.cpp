@@ -180,6 +180,8 @@ TEST(Ffprobe, IsGivenExactlySevenArguments) {
 TEST(Ffprobe, IsBelievedForItsOutputAlone) {
     EXPECT_EQ(answerOf("echo 12.5"), 12.5);
     EXPECT_EQ(answerOf("echo 12.5; exit 1"), 12.5);
+    EXPECT_EQ(answerOf("echo 12.5; kill -SEGV $$"), 12.5);
+    EXPECT_EQ(answerOf("kill -SEGV $$"), -1.0);
     EXPECT_EQ(answerOf("echo 99 >&2; echo 12.5"), 12.5);
     EXPECT_EQ(answerOf("echo 0.0001"), 0.0001);
     EXPECT_EQ(answerOf("echo N/A"), -1.0);
