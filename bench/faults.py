@@ -1,5 +1,6 @@
 """Everything that tests/faults tries a sample of: each call to the system that a scan makes fails in each way
-it can, and a scan gets each of six signals at 200 moments. Built as the tests are; each core takes a share."""
+it can, and a scan gets each of six signals at 200 moments. Built as the tests are; each core takes a share
+of them."""
 
 import os
 import subprocess

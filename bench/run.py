@@ -14,11 +14,12 @@ import load
 import micro
 import peers
 import scaling
+import walls
 import window
 from measuring import DATA, ROOT, SCAN, output_of
 
 PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
-               "archives": archives, "window": window}
+               "archives": archives, "walls": walls, "window": window}
 NAMES = (*PERFORMANCE, "accuracy", "faults", "load")
 
 
