@@ -13,12 +13,18 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <fstream>
+#include <sstream>
 #include <string_view>
 #include <system_error>
+#include <thread>
 
 namespace velmora {
 
 namespace {
+
+/// How often it is looked whether killed processes have ended.
+constexpr int maxLooks = 2000;
 
 /// Variables in which the archive tools look for options, and those that are set for them below.
 constexpr auto toolVariables = std::to_array<std::string_view>(
@@ -115,6 +121,37 @@ std::optional<pid_t> spawn(const std::filesystem::path& tool, const std::vector<
     return error == 0 ? std::optional(child) : std::nullopt;
 }
 
+/// Whether the process is of the group, and has not ended: whoever waits for it may take time to do so.
+bool livesIn(pid_t group, const std::filesystem::path& process) {
+    std::ifstream file(process / "stat");
+    std::string line; // number (name) state parent group ...
+    std::getline(file, line);
+    std::istringstream words(line.substr(line.rfind(')') + 1));
+    char state = 'X';
+    pid_t parent = 0;
+    pid_t itsGroup = 0;
+    words >> state >> parent >> itsGroup;
+    return itsGroup == group && state != 'Z' && state != 'X';
+}
+
+bool anyLivesIn(pid_t group) {
+    if (::kill(-group, 0) != 0) {
+        return false;
+    }
+    std::error_code error;
+    const std::filesystem::directory_iterator processes("/proc", error);
+    return std::any_of(begin(processes), end(processes),
+                       [=](const auto& process) { return livesIn(group, process.path()); });
+}
+
+/// Waits, for a while, until the processes that were killed with the child have ended, too: one in the middle
+/// of a call may still make a file. They are not this program's children.
+void awaitEndOfGroup(pid_t child) {
+    for (int i = 0; i < maxLooks && anyLivesIn(child); ++i) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+}
+
 /// Undoes a SIGCHLD that whoever started this program set to be ignored: the system would forget how a child
 /// ended.
 void keepExitStatuses() {
@@ -159,7 +196,9 @@ std::optional<int> runChild(const std::filesystem::path& tool, const std::vector
     }
     awaitEnd(*child, limits, errors);
     ::kill(-*child, SIGKILL); // whatever it started and did not wait for
-    return reap(*child);
+    const std::optional<int> status = reap(*child);
+    awaitEndOfGroup(*child);
+    return status;
 }
 
 std::optional<pid_t> startChild(const std::filesystem::path& tool, const std::vector<std::string>& args,

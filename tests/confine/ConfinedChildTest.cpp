@@ -3,6 +3,7 @@
 
 #include "tests/confine/Wall.h"
 #include "tests/support/ForkedProcess.h"
+#include "tests/support/OtherPrograms.h"
 
 #include <gmock/gmock.h>
 #include <sys/prctl.h>
@@ -140,6 +141,15 @@ TEST_F(Wall, TakesWhatItStartedWithIt) {
 TEST_F(Wall, NamesNoProcessButItsOwn) {
     if (offers("own processes")) {
         EXPECT_EQ(python("os.getpriority(os.PRIO_PROCESS, " + std::to_string(::getpid()) + ")"), "ESRCH");
+    }
+}
+
+TEST_F(Wall, HasNobodyBehindItOnceItsToolWasKilled) {
+    for (int i = 0; i < 20; ++i) {
+        const ChildLimits limits{.deadline = std::chrono::milliseconds(30)};
+        runConfined("/bin/sh", {"-c", "cat /dev/zero > " + word(out / "file") + " & sleep 1000 & wait"}, -1,
+                    {.writable = out, .fileBytes = 10'000'000}, limits);
+        EXPECT_THAT(programsWorkingIn(fs::temp_directory_path().native()), testing::IsEmpty());
     }
 }
 
