@@ -52,8 +52,7 @@ public:
     /// False when it was interrupted.
     bool scan(Paths paths) {
         const bool isNothing = paths.empty();
-        m_model->ingest(paths);
-        paths.clear(); // they may be many, and the model has them now
+        m_model->ingest(std::move(paths));
         return isNothing || awaitEnd();
     }
 

@@ -14,6 +14,7 @@
 #include <cerrno>
 #include <iterator>
 #include <system_error>
+#include <utility>
 
 namespace velmora {
 
@@ -88,9 +89,10 @@ Paths splitAtNul(std::string_view text) {
     return names;
 }
 
-Sources locate(const Paths& given) {
+Sources locate(Paths given) {
     Sources sources;
-    for (const fs::path& path : given) {
+    for (fs::path& next : given) {
+        const fs::path path = std::move(next); // they may be many, and are held once
         std::error_code error(obstacle(path), std::generic_category());
         if (!error) {
             try {

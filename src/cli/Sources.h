@@ -27,7 +27,7 @@ Paths givenPaths(const Options& options);
 Paths splitAtNul(std::string_view text);
 
 /// Sorts `given` into what can be scanned and what is not there or a folder that may not be entered.
-Sources locate(const Paths& given);
+Sources locate(Paths given);
 
 /// `path` in absolute form. "." and ".." are resolved where that leads to the same place: "link/.." is not
 /// the folder that holds the link. Throws std::filesystem::filesystem_error when there is no working

@@ -6,12 +6,14 @@
 
 #include <cerrno>
 #include <new>
+#include <utility>
 
 namespace velmora::Collector {
 
-GatherResult gather(const Paths& paths, const std::stop_token& stop) {
+GatherResult gather(Paths paths, const std::stop_token& stop) {
     GatherResult found;
-    for (const std::filesystem::path& path : paths) {
+    for (std::filesystem::path& next : paths) {
+        const std::filesystem::path path = std::move(next); // what is found holds it again
         try {
             walk(path, 0, found, stop);
         } catch (const std::bad_alloc&) { // what it holds is not all found

@@ -3,6 +3,7 @@
 // The plain values that carry a scan's results from gathering and measuring to whoever shows them.
 // A path is bytes, absolute, as it was found. Durations are seconds, sizes are bytes.
 
+#include "records/PathList.h"
 #include "records/Reasons.h"
 #include "system/Paths.h"
 
@@ -77,8 +78,8 @@ struct ScanSummary {
     int unreadable = 0; ///< files that could not be measured and archives that could not be unpacked
     std::string source; ///< what was dropped, in upper case: the one item's name, or "3 ITEMS"
     Paths files;        ///< the measured files, in scan order
-    Paths dropped;      ///< as the user dropped them
-    Paths roots;        ///< `dropped`, then the extraction directories
+    PathList dropped;   ///< as the user dropped them
+    PathList roots;     ///< `dropped`, then the extraction directories
 
     bool operator==(const ScanSummary&) const = default;
 };

@@ -51,7 +51,7 @@ std::string ScanModel::suggestedZipName() const {
     if (m_summary.dropped.size() != 1) {
         return "Audio.zip";
     }
-    const fs::path& dropped = m_summary.dropped.front();
+    const fs::path dropped = m_summary.dropped.front();
     const std::string fullName = lastComponent(dropped);
     std::string name(withoutKnownExtensions(fullName));
     if (name.empty()) {

@@ -25,7 +25,7 @@ constexpr int processedStep = 4;
 /// About how often the count of packed files is published in all.
 constexpr int zipUpdates = 50;
 
-std::string sourceLabel(const Paths& dropped) {
+std::string sourceLabel(const PathList& dropped) {
     return upperCased(dropped.size() == 1 ? lastComponent(dropped.front())
                                           : std::to_string(dropped.size()) + " items");
 }
@@ -68,7 +68,7 @@ ScanModel::~ScanModel() {
     TempRegistry::releaseAll();
 }
 
-void ScanModel::ingest(const Paths& dropped) {
+void ScanModel::ingest(Paths dropped) {
     if (dropped.empty()) {
         return;
     }
@@ -85,13 +85,14 @@ void ScanModel::ingest(const Paths& dropped) {
     publishFound(0);
     publishZipState(ZipIdle{});
     publishStatus("READING SOURCE");
-    summary = std::move(m_summary); // the paths may be many
+    summary = m_summary;
     summary.source = sourceLabel(summary.dropped);
     publishSummary(std::move(summary));
 
     m_job = std::make_shared<Job>();
-    m_background->run([this, job = m_job, dropped](const std::stop_token& programEnds) {
-        GatherResult gathered = m_stages.gather(dropped, programEnds);
+    const auto given = std::make_shared<Paths>(std::move(dropped)); // they may be many
+    m_background->run([this, job = m_job, given](const std::stop_token& programEnds) {
+        GatherResult gathered = m_stages.gather(std::move(*given), programEnds);
         m_mainThread->post([this, job, gathered = std::move(gathered)]() mutable {
             takeGathered(job, std::move(gathered));
         });
@@ -160,10 +161,8 @@ void ScanModel::finish(Job& job) {
     const bool nothing = summary.fileCount <= 0;
     publishProcessed(m_found);
     summary.source = std::move(m_summary.source);
-    summary.dropped = std::move(m_summary.dropped);
-    summary.roots.reserve(summary.dropped.size() + job.gathered.temps.size());
-    summary.roots = summary.dropped;
-    summary.roots.insert(summary.roots.end(), job.gathered.temps.begin(), job.gathered.temps.end());
+    summary.dropped = m_summary.dropped;
+    summary.roots = summary.dropped.with(job.gathered.temps);
     publishSummary(std::move(summary));
     publishPhase(nothing ? Phase::empty : Phase::done);
     publishStatus(nothing ? "NO READABLE AUDIO" : "COMPLETE");
@@ -205,7 +204,7 @@ void ScanModel::makeZip(const std::filesystem::path& destination) {
                 }
             };
             try {
-                Zipper::zip(files, roots, destination, progress, programEnds);
+                Zipper::zip(files, Paths(roots.begin(), roots.end()), destination, progress, programEnds);
                 publishLater(ZipDone{destination});
             } catch (const std::exception& error) {
                 publishLater(ZipFailed{Zipper::description(error)});

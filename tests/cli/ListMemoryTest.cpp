@@ -1,0 +1,44 @@
+// What a list of paths costs: little more memory than the folder that holds the same files.
+
+#include "tests/support/Files.h"
+#include "tests/support/RealAudio.h"
+#include "tests/support/Shell.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <string>
+
+namespace velmora::test {
+namespace {
+
+/// The most memory that velmora-scan had with these arguments, in KiB.
+double peak(const std::string& arguments, const fs::path& folder) {
+    const std::string script = "import resource, subprocess, sys\n"
+                               "subprocess.run(sys.argv[1:], check=True, stdout=subprocess.DEVNULL)\n"
+                               "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)";
+    return std::stod(
+        shell("python3 -Bc " + shellWord(script) + " " + shellWord(VELMORA_SCAN) + " " + arguments, folder));
+}
+
+TEST(ListMemory, IsThatOfTheFolderAndTheNames) {
+    const fs::path folder = freshFolder();
+    const fs::path track = writeWav(folder / "track.wav", {.frames = 100, .rate = 8'000, .channels = 1});
+    const fs::path library = folder / "A library/An artist/An album";
+    fs::create_directories(library);
+    std::ofstream list(folder / "list");
+    for (int i = 0; i < 20'000; ++i) {
+        const fs::path name = library / ("Track number " + std::to_string(i) + ".wav");
+        fs::create_hard_link(track, name);
+        list << name.native() << '\0';
+    }
+    list.close();
+    const double ofFolder = peak("'A library'", folder);
+    const double ofList = peak("-0 list", folder);
+    EXPECT_LT(ofList, 1.25 * ofFolder); // the names once more, and nothing else
+    RecordProperty("folder", std::to_string(ofFolder));
+    RecordProperty("list", std::to_string(ofList));
+}
+
+} // namespace
+} // namespace velmora::test
