@@ -49,6 +49,12 @@ std::string imaWav(std::uint32_t fact) {
            riffChunk("fact", le(fact, 4)) + riffChunk("data", zeros(2'560));
 }
 
+/// IMA blocks of 256 bytes, whose frames follow from their size: no field says how many a block holds.
+std::string imaWavWithoutExtension() {
+    const std::string format = le(0x11, 2) + le(1, 2) + le(8'000, 4) + le(0, 4) + le(256, 2) + le(4, 2);
+    return "RIFF" + le(0, 4) + "WAVE" + riffChunk("fmt ", format) + riffChunk("data", zeros(2'560));
+}
+
 std::string aiff(std::uint32_t frames, std::size_t bytes) {
     const std::string rate = be(16'383 + 12, 2) + be(8'000ULL << 51, 8);
     return "FORM" + be(0, 4) + "AIFF" + iffChunk("COMM", be(1, 2) + be(frames, 4) + be(16, 2) + rate) +
@@ -90,6 +96,7 @@ TEST(Timing, TellsHowEachReaderFoundIt) {
         {"wav of a pipe", &wavDuration, wav(0xFFFFFFFF, 16'000), {1, sized, {}, Doubt::unfinished}},
         {"wav with fact", &wavDuration, imaWav(4'900), {0.6125, stated, 0.6125}},
         {"wav, wrong fact", &wavDuration, imaWav(800), {0.63125, sized, 0.1, Doubt::disagrees}},
+        {"wav, block of unstated frames", &wavDuration, imaWavWithoutExtension(), {0.63125, sized, 0.63125}},
         {"aiff", &aiffDuration, aiff(4'000, 16'000), {0.5, stated, 0.5}},
         {"aiff cut off", &aiffDuration, aiff(16'000, 16'000), {1, sized, 2, Doubt::beyondEnd}},
         {"aiff of a pipe", &aiffDuration, aiff(0, 16'000), {1, sized, {}, Doubt::unfinished}},
