@@ -26,13 +26,6 @@ protected:
     /// Lets a random time pass.
     void passTime() { QTest::qWait(std::uniform_int_distribution(0, 400)(random)); }
 
-    void awaitReport(const QString& report) {
-        EXPECT_TRUE(comesTrue([&] {
-            desktop.press("ctrl+c");
-            return desktop.clipboard() == report;
-        })) << desktop.clipboard().toStdString();
-    }
-
     std::mt19937 random{seed()};
 };
 
@@ -93,13 +86,14 @@ TEST_F(LoadTest, ResetAtAnyMomentLeavesNothing) {
         passTime();
         desktop.press("Escape");
     }
-    EXPECT_TRUE(comesTrue([this] {
-        desktop.press("Escape"); // what a cancelled scan still unpacked goes with the next reset
-        return leftovers().empty() && programs().size() == 1;
-    })) << testing::PrintToString(programs());
     std::cout << resets << " resets, seed " << seed() << "\n";
-    EXPECT_EQ(startAgain({sources.back()}), 0);
-    awaitReport("TOTAL RUNTIME  00:00:40   (40 sec)\n40 audio files — B.ZIP");
+    EXPECT_TRUE(comesTrue([&] { // what cancelled scans still unpack goes with a later reset
+        EXPECT_EQ(startAgain({sources.back()}), 0);
+        awaitShown("00:00:40");
+        desktop.press("Escape");
+        awaitGone("00:00:40");
+        return leftovers().empty() && programs().size() == 1;
+    })) << testing::PrintToString(leftovers());
 }
 
 TEST_F(LoadTest, KilledAtAnyMomentItTakesItsToolsAlong) {
