@@ -75,8 +75,8 @@ constexpr auto formatTable = std::to_array<Format>({
     {"Ogg", "OggS"sv, nullptr, "ogg", losslessSilence},
     {"Matroska", "\x1A\x45\xDF\xA3"sv, &matroskaDuration, "", losslessSilence},
     {"ASF", "\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf", losslessSilence},
-    {"RealMedia", ".RMF"sv, &realMediaDuration, "", losslessSilence},
-    {"RealAudio", ".ra\xFD"sv, nullptr, "rm", losslessSilence},
+    {"RealMedia", ".RMF"sv, &realMediaDuration, "", slowestSpeech},
+    {"RealAudio", ".ra\xFD"sv, nullptr, "rm", slowestSpeech},
     {"Audible", "????\x57\x90\x75\x36"sv, nullptr, "aa", slowestSpeech},
     {"True Audio", "TTA1"sv, nullptr, "tta", losslessSilence},
 });

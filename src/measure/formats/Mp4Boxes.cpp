@@ -10,6 +10,9 @@ std::optional<Mp4Box> mp4BoxAt(GuardedReader& reader, std::int64_t at, std::int6
     constexpr std::int64_t shortHeader = 8;
     constexpr std::int64_t longHeader = 16;
     if (at > end - shortHeader) {
+        if (at < end && end == reader.size()) {
+            reader.noteCutOff();
+        }
         return std::nullopt;
     }
     const auto header = reader.header(at, shortHeader);
