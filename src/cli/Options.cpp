@@ -15,15 +15,18 @@ namespace {
 constexpr const char* shortOptions =
     ":lfj0:z:qVh"; // with the first colon, getopt reports a missing value as ':'
 
-const std::array<option, 9> longOptions = {{{"list", no_argument, nullptr, 'l'},
-                                            {"files", no_argument, nullptr, 'f'},
-                                            {"json", no_argument, nullptr, 'j'},
-                                            {"files0-from", required_argument, nullptr, '0'},
-                                            {"zip", required_argument, nullptr, 'z'},
-                                            {"quiet", no_argument, nullptr, 'q'},
-                                            {"version", no_argument, nullptr, 'V'},
-                                            {"help", no_argument, nullptr, 'h'},
-                                            {nullptr, 0, nullptr, 0}}};
+constexpr int verboseOption = 256; // it has no letter
+
+const std::array<option, 10> longOptions = {{{"list", no_argument, nullptr, 'l'},
+                                             {"files", no_argument, nullptr, 'f'},
+                                             {"json", no_argument, nullptr, 'j'},
+                                             {"files0-from", required_argument, nullptr, '0'},
+                                             {"zip", required_argument, nullptr, 'z'},
+                                             {"quiet", no_argument, nullptr, 'q'},
+                                             {"version", no_argument, nullptr, 'V'},
+                                             {"verbose", no_argument, nullptr, verboseOption},
+                                             {"help", no_argument, nullptr, 'h'},
+                                             {nullptr, 0, nullptr, 0}}};
 
 /// The arguments in the form getopt takes and permutes them, and its state set back to the beginning.
 class ArgumentReader {
@@ -80,6 +83,8 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
     Options options;
     std::optional<Output> output;
     std::optional<UsageError> error;
+    const auto ended = std::ranges::find(arguments, "--"); // what follows is a path
+    const bool isVerbose = std::find(arguments.begin(), ended, "--verbose") != ended;
     for (int letter = reader.next(); letter != -1 && !error; letter = reader.next()) {
         switch (letter) {
         case 'l':
@@ -101,15 +106,20 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
             options.quiet = true;
             break;
         case 'V':
-            return TextWanted{versionText()};
+            return isVerbose ? CommandLine(InstallationWanted{}) : CommandLine(TextWanted{versionText()});
         case 'h':
             return TextWanted{helpText()};
+        case verboseOption:
+            break; // goes with --version, which ends the reading
         default:
             error = reader.error(letter);
         }
     }
     if (error) {
         return *error;
+    }
+    if (isVerbose) {
+        return UsageError{"--verbose goes with --version alone"};
     }
     options.output = output.value_or(Output::total);
     options.paths = reader.rest();
@@ -134,7 +144,8 @@ Tells how long all the audio in files, folders and archives plays.
                           with - they are read from standard input
   -z, --zip FILE          pack the measured files into the zip archive FILE
   -q, --quiet             show no progress
-  -V, --version           write the version
+  -V, --version           write the version; with --verbose also the libraries,
+                          the wall around tools, and the tools that are found
   -h, --help              write this help
 
 Exit status: 0 everything was measured, 1 something could not be read,

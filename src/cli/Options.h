@@ -39,13 +39,18 @@ struct TextWanted {
     bool operator==(const TextWanted&) const = default;
 };
 
+/// A command line that asks for the version and for what the program stands on.
+struct InstallationWanted {
+    bool operator==(const InstallationWanted&) const = default;
+};
+
 /// A command line that cannot be carried out; `text` says why, without a line feed.
 struct UsageError {
     std::string text;
     bool operator==(const UsageError&) const = default;
 };
 
-using CommandLine = std::variant<Options, TextWanted, UsageError>;
+using CommandLine = std::variant<Options, TextWanted, InstallationWanted, UsageError>;
 
 /// Reads `arguments`, the program's name left out. Not for several threads at once.
 CommandLine parseCommandLine(std::vector<std::string> arguments);

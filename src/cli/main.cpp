@@ -5,6 +5,7 @@
 #include "cli/Session.h"
 #include "cli/Sources.h"
 #include "cli/Terminal.h"
+#include "scan/Installation.h"
 #include "system/AddressSpace.h"
 #include "system/EndingSignals.h"
 #include "system/ForcedEnd.h"
@@ -79,6 +80,10 @@ ExitStatus carryOut(const Options& options) {
 
 ExitStatus carryOut(const TextWanted& wanted) {
     return writeOutput(wanted.text) ? ExitStatus::complete : ExitStatus::incomplete;
+}
+
+ExitStatus carryOut(const InstallationWanted& /*wanted*/) {
+    return carryOut(TextWanted{versionText() + installationReport()});
 }
 
 ExitStatus carryOut(const UsageError& error) {

@@ -1,11 +1,6 @@
 #include "confine/ConfinedChild.h"
 
-#include "system/FileDescriptor.h"
-
-#include <sys/mman.h>
 #include <unistd.h>
-
-#include <array>
 
 namespace velmora {
 
@@ -27,14 +22,7 @@ std::optional<int> runConfined(const fs::path& tool, const std::vector<std::stri
 }
 
 std::string wallReport() {
-    const std::optional<fs::path> program = confineProgram();
-    const FileDescriptor answer(::memfd_create("layers", MFD_CLOEXEC));
-    if (!program || runChild(*program, {"--layers"}, answer.get()) != 0) {
-        return {};
-    }
-    std::array<char, 1024> text{};
-    const ssize_t size = ::pread(answer.get(), text.data(), text.size(), 0);
-    return {text.data(), static_cast<std::size_t>(size > 0 ? size : 0)};
+    return privateAnswer("velmora-confine", {"--layers"});
 }
 
 } // namespace velmora

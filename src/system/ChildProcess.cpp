@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -216,6 +217,19 @@ std::optional<std::filesystem::path> privateProgram(std::string_view name) {
         }
     }
     return std::nullopt;
+}
+
+std::string privateAnswer(std::string_view name, const std::vector<std::string>& args) {
+    constexpr std::size_t maxBytes = 4096;
+    const std::optional<std::filesystem::path> program = privateProgram(name);
+    const FileDescriptor answer(::memfd_create("answer", MFD_CLOEXEC));
+    if (!program || !answer || runChild(*program, args, answer.get()) != 0) {
+        return {};
+    }
+    std::string text(maxBytes, '\0');
+    const ssize_t size = ::pread(answer.get(), text.data(), text.size(), 0);
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    return text;
 }
 
 } // namespace velmora

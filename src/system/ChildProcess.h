@@ -51,4 +51,8 @@ std::optional<pid_t> startChild(const std::filesystem::path& tool, const std::ve
 /// beside the folder of this program, or, in a build tree, one folder higher. Absent when it is not there.
 std::optional<std::filesystem::path> privateProgram(std::string_view name);
 
+/// What the private program `name` answers to `args` on standard output, at most 4 KiB of it. Empty where it
+/// is missing or fails. Blocks until it has ended; any thread.
+std::string privateAnswer(std::string_view name, const std::vector<std::string>& args);
+
 } // namespace velmora

@@ -94,6 +94,15 @@ TEST(CommandLine, AsksForTheVersionInEitherForm) {
     EXPECT_EQ(parseCommandLine({"--version", "--nope"}), CommandLine(TextWanted{versionText()}));
 }
 
+TEST(CommandLine, AsksForTheInstallationInEitherOrder) {
+    EXPECT_EQ(parseCommandLine({"--version", "--verbose"}), CommandLine(InstallationWanted{}));
+    EXPECT_EQ(parseCommandLine({"--verbose", "-V"}), CommandLine(InstallationWanted{}));
+    EXPECT_EQ(parseCommandLine({"-V", "--", "--verbose"}), CommandLine(TextWanted{versionText()}));
+    EXPECT_EQ(parseCommandLine({"--verbose", "a"}),
+              CommandLine(UsageError{"--verbose goes with --version alone"}));
+    EXPECT_EQ(parseCommandLine({"--", "--verbose"}), CommandLine(Options{.paths = {"--verbose"}}));
+}
+
 TEST(CommandLine, AsksForHelpInEitherForm) {
     EXPECT_EQ(parseCommandLine({"-h"}), CommandLine(TextWanted{helpText()}));
     EXPECT_EQ(parseCommandLine({"a", "--help"}), CommandLine(TextWanted{helpText()}));
@@ -109,10 +118,11 @@ TEST(CommandLine, NamesProgramAndVersion) {
 }
 
 TEST(CommandLine, HelpNamesEveryOptionInBothForms) {
-    EXPECT_THAT(helpText(), AllOf(HasSubstr("-l, --list "), HasSubstr("-f, --files "),
-                                  HasSubstr("-j, --json "), HasSubstr("-0, --files0-from FILE "),
-                                  HasSubstr("-z, --zip FILE "), HasSubstr("-q, --quiet "),
-                                  HasSubstr("-V, --version "), HasSubstr("-h, --help "), EndsWith("\n")));
+    EXPECT_THAT(helpText(),
+                AllOf(HasSubstr("-l, --list "), HasSubstr("-f, --files "), HasSubstr("-j, --json "),
+                      HasSubstr("-0, --files0-from FILE "), HasSubstr("-z, --zip FILE "),
+                      HasSubstr("-q, --quiet "), HasSubstr("-V, --version "), HasSubstr("--verbose"),
+                      HasSubstr("-h, --help "), EndsWith("\n")));
 }
 
 } // namespace

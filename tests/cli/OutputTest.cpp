@@ -217,6 +217,17 @@ TEST_F(VelmoraScan, WritesVersionAndHelpToStandardOutput) {
     EXPECT_EQ(help.status, 0);
 }
 
+TEST_F(VelmoraScan, TellsWhatItStandsOn) {
+    const Finished run = scan({"--version", "--verbose"});
+    EXPECT_EQ(run.status, 0);
+    EXPECT_THAT(run.output, StartsWith(versionText() + "libraries:\n  Qt "));
+    for (const char* const line : {"  ICU ", "  libzip ", "  libavformat ", "  libavcodec ", "  libseccomp ",
+                                   "wall around tools:\n  read-only mounts: ", "  Landlock: ", "  seccomp: ",
+                                   "tools:\n  /usr/bin/tar\n", "  /usr/bin/unzip\n", "/ffprobe\n"}) {
+        EXPECT_THAT(run.output, HasSubstr(line));
+    }
+}
+
 TEST_F(VelmoraScan, LabelsADotWithTheFoldersName) {
     const Finished run = runToEnd({.arguments = {"."}, .folder = folder / "Live Set"});
     EXPECT_THAT(run.output, HasSubstr(" — LIVE SET\n"));

@@ -132,6 +132,16 @@ TEST_F(Limits, AToolThatDiesLeavesItsTurnToTheNext) {
     });
 }
 
+TEST_F(Limits, AToolThatIsMissingIsNamedWithWhatItsAbsenceCosts) {
+    const Launch asking{.arguments = {"--version", "--verbose"}};
+    EXPECT_THAT(runToEnd(asking).output, HasSubstr("  /usr/bin/bsdtar\n"));
+    inOwnMounts([&] {
+        hideTool("/usr/bin/bsdtar");
+        EXPECT_THAT(runToEnd(asking).output,
+                    HasSubstr("  /usr/bin/bsdtar: not found, no 7z and no rar archive is unpacked\n"));
+    });
+}
+
 TEST_F(Limits, AToolThatWritesForEverFillsTheDiskAndIsCleanedUpAfter) {
     shell("zip -q more.zip 1.wav", set);
     inOwnMounts([&] {

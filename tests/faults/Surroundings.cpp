@@ -65,4 +65,8 @@ void replaceTool(const fs::path& tool, std::string_view script) {
     expectDone(::mount(replacement.c_str(), fs::canonical(tool).c_str(), nullptr, MS_BIND, nullptr), tool);
 }
 
+void hideTool(const fs::path& tool) {
+    expectDone(::mount("/dev/null", fs::canonical(tool).c_str(), nullptr, MS_BIND, nullptr), tool);
+}
+
 } // namespace velmora::test

@@ -30,4 +30,7 @@ void mountReadOnly(const fs::path& folder);
 /// For `inOwnMounts`: puts a shell script in the place of the program `tool`.
 void replaceTool(const fs::path& tool, std::string_view script);
 
+/// For `inOwnMounts`: leaves nothing executable at `tool`.
+void hideTool(const fs::path& tool);
+
 } // namespace velmora::test

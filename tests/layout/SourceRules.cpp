@@ -33,7 +33,8 @@ const std::array floors = {
           {}},
     Floor{"tools", {"measure", "measure/bytes", "records", "system"}, {}},
     Floor{"export", {"records", "system"}, {}},
-    Floor{"scan", {"gather", "measure", "export", "records", "system"}, {"QtCore"}},
+    Floor{
+        "scan", {"gather", "measure", "measure/libav", "export", "confine", "records", "system"}, {"QtCore"}},
     Floor{"cli", {"scan", "records", "system"}, {"QtCore"}},
     Floor{"update", {}, {"QtCore", "QtNetwork"}},
     Floor{"ui/kit", {}, {"*"}},

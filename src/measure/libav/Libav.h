@@ -56,4 +56,7 @@ public:
 /// The one implementation; where velmora-libav is missing, it learns nothing from any file.
 const Libav& libav();
 
+/// The libraries that velmora-libav works with, a line each with the version; empty where it is missing.
+std::string libavReport();
+
 } // namespace velmora

@@ -7,11 +7,19 @@
 #include "measure/libav/Serving.h"
 #include "measure/libav/Wall.h"
 
+extern "C" {
+#include <libavcodec/avcodec.h>
+#include <libavformat/avformat.h>
+#include <libavutil/avutil.h>
+}
+
+#include <seccomp.h>
 #include <sys/prctl.h>
 #include <unistd.h>
 
 #include <array>
 #include <csignal>
+#include <cstdio>
 #include <string_view>
 
 namespace {
@@ -41,11 +49,30 @@ void forkChildren() {
     }
 }
 
+void printVersion(const char* library, unsigned version) {
+    std::printf("%s %u.%u.%u\n", library, AV_VERSION_MAJOR(version), AV_VERSION_MINOR(version),
+                AV_VERSION_MICRO(version));
+}
+
+/// For people: the libraries that are loaded.
+void printVersions() {
+    printVersion("libavformat", avformat_version());
+    printVersion("libavcodec", avcodec_version());
+    printVersion("libavutil", avutil_version());
+    const scmp_version* const seccomp = seccomp_version();
+    std::printf("libseccomp %u.%u.%u\n", seccomp->major, seccomp->minor, seccomp->micro);
+}
+
 } // namespace
 
 int main(int count, char** words) {
-    if (count == 2 && std::string_view(words[1]) == "--check-filter") {
+    const std::string_view asked = count == 2 ? words[1] : "";
+    if (asked == "--check-filter") {
         return checkFilter();
+    }
+    if (asked == "--versions") {
+        printVersions();
+        return 0;
     }
     silenceLibav();
     forkChildren();
