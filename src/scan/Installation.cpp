@@ -11,7 +11,7 @@
 #include <zip.h>
 
 #include <array>
-#include <ranges>
+#include <sstream>
 #include <string_view>
 
 namespace velmora {
@@ -40,13 +40,12 @@ std::string icuVersion() {
     return text.data();
 }
 
-/// `text`, what it holds line by line under a heading.
-std::string section(std::string_view heading, std::string_view text, std::string_view insteadOfNothing) {
+/// The lines of `text` under a heading; of `insteadOfNothing` where it is empty.
+std::string section(std::string_view heading, const std::string& text, const char* insteadOfNothing) {
     std::string lines = std::string(heading) + ":\n";
-    for (const auto line : std::views::split(text.empty() ? insteadOfNothing : text, '\n')) {
-        if (!line.empty()) {
-            lines += "  " + std::string(line.begin(), line.end()) + "\n";
-        }
+    std::istringstream stream(text.empty() ? insteadOfNothing : text);
+    for (std::string line; std::getline(stream, line);) {
+        lines += "  " + line + "\n";
     }
     return lines;
 }

@@ -204,7 +204,7 @@ void ScanModel::makeZip(const std::filesystem::path& destination) {
                 }
             };
             try {
-                Zipper::zip(files, Paths(roots.begin(), roots.end()), destination, progress, programEnds);
+                Zipper::zip(files, Paths(roots.begin(), PathList::end()), destination, progress, programEnds);
                 publishLater(ZipDone{destination});
             } catch (const std::exception& error) {
                 publishLater(ZipFailed{Zipper::description(error)});

@@ -83,7 +83,7 @@ std::optional<Mp4Priming> readMp4Priming(GuardedReader& reader, const Mp4Box& mo
 
 double soundOf(const Mp4Priming& priming, std::int64_t duration) {
     constexpr double frameSamples = 2048; // writers round to a frame
-    const double sound = static_cast<double>(priming.sound);
+    const auto sound = static_cast<double>(priming.sound);
     const double all = static_cast<double>(priming.before) + sound + static_cast<double>(priming.after);
     // Where a coder doubles the sampling rate, the track may count in samples of the lower one.
     for (const double samples : {1.0, 2.0}) {
