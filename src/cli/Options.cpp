@@ -76,6 +76,14 @@ std::optional<UsageError> choose(std::optional<Output>& output, Output wanted) {
     return std::nullopt;
 }
 
+/// What --version asks for: of all that follows only --verbose counts.
+CommandLine versionWanted(ArgumentReader& reader, bool isVerbose) {
+    for (int letter = reader.next(); letter != -1; letter = reader.next()) {
+        isVerbose |= letter == verboseOption;
+    }
+    return isVerbose ? CommandLine(InstallationWanted{}) : CommandLine(TextWanted{versionText()});
+}
+
 } // namespace
 
 CommandLine parseCommandLine(std::vector<std::string> arguments) {
@@ -83,8 +91,7 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
     Options options;
     std::optional<Output> output;
     std::optional<UsageError> error;
-    const auto ended = std::ranges::find(arguments, "--"); // what follows is a path
-    const bool isVerbose = std::find(arguments.begin(), ended, "--verbose") != ended;
+    bool isVerbose = false;
     for (int letter = reader.next(); letter != -1 && !error; letter = reader.next()) {
         switch (letter) {
         case 'l':
@@ -106,11 +113,12 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
             options.quiet = true;
             break;
         case 'V':
-            return isVerbose ? CommandLine(InstallationWanted{}) : CommandLine(TextWanted{versionText()});
+            return versionWanted(reader, isVerbose);
         case 'h':
             return TextWanted{helpText()};
         case verboseOption:
-            break; // goes with --version, which ends the reading
+            isVerbose = true;
+            break;
         default:
             error = reader.error(letter);
         }

@@ -25,8 +25,7 @@ struct ToolEnd {
 };
 
 /// Runs `tool` with `args` within `rules`, its standard output discarded. It succeeded when it ran and exited
-/// with status 0. No time limit but what `limits` set; `limits.hear` is
-/// not told anything.
+/// with status 0. No time limit but what `limits` set; `limits.hear` is not told anything.
 ToolEnd run(const std::filesystem::path& tool, const std::vector<std::string>& args, const Rules& rules = {},
             const ChildLimits& limits = {});
 

@@ -101,6 +101,9 @@ TEST(CommandLine, AsksForTheInstallationInEitherOrder) {
     EXPECT_EQ(parseCommandLine({"--verbose", "a"}),
               CommandLine(UsageError{"--verbose goes with --version alone"}));
     EXPECT_EQ(parseCommandLine({"--", "--verbose"}), CommandLine(Options{.paths = {"--verbose"}}));
+    EXPECT_EQ(parseCommandLine({"-z", "--verbose", "a"}),
+              CommandLine(Options{.paths = {"a"}, .zip = "--verbose"}))
+        << "the value of an option";
 }
 
 TEST(CommandLine, AsksForHelpInEitherForm) {
