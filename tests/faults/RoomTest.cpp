@@ -28,9 +28,10 @@ std::string zeros(std::uintmax_t bytes) {
 
 class Room : public testing::Test {
 protected:
-    /// Scans the folder "Set" with a temporary directory of so many bytes, and gives the least that was free.
-    std::uintmax_t scan(std::uintmax_t bytes) {
-        mountSmallDisk(disk, bytes);
+    /// Scans the folder "Set" with a temporary directory that has room for so many bytes and files (0: any
+    /// number), and gives the fewest bytes that were free.
+    std::uintmax_t scan(std::uintmax_t bytes, std::uintmax_t files = 0) {
+        mountSmallDisk(disk, bytes, files);
         ScanProcess process(
             {.arguments = {"-f", "Set"}, .folder = folder, .environment = {{"TMPDIR", disk}}});
         std::uintmax_t least = bytes;
@@ -79,6 +80,20 @@ TEST_F(Room, IsLeftByAnArchiveOfManySmallFiles) {
     inOwnMounts([&] {
         scan(files * block / 95 * 100);
         expectSkipped("bomb.tar.gz");
+    });
+}
+
+TEST_F(Room, IsLeftByAnArchiveOfManyEmptyFiles) {
+    // They take up no bytes: 95 % of the files that the disk has room for.
+    constexpr std::uintmax_t files = 2'000;
+    std::vector<Member> members;
+    for (std::uintmax_t i = 0; i < files / 100 * 95; ++i) {
+        members.push_back({.name = std::to_string(i)});
+    }
+    write(folder / "Set" / "bomb.tar", tarArchive(members));
+    inOwnMounts([&] {
+        scan(16 * megabyte, files);
+        expectSkipped("bomb.tar");
     });
 }
 

@@ -50,8 +50,8 @@ void inOwnMounts(const std::function<void()>& body) {
     });
 }
 
-void mountSmallDisk(const fs::path& folder, std::size_t bytes) {
-    const std::string options = "size=" + std::to_string(bytes);
+void mountSmallDisk(const fs::path& folder, std::size_t bytes, std::size_t files) {
+    const std::string options = "size=" + std::to_string(bytes) + ",nr_inodes=" + std::to_string(files);
     expectDone(::mount("none", folder.c_str(), "tmpfs", 0, options.c_str()), "a small disk");
 }
 

@@ -21,8 +21,9 @@ bool stops(const ScanProcess& process);
 /// Runs `body` in a forked process that may mount.
 void inOwnMounts(const std::function<void()>& body);
 
-/// For `inOwnMounts`: makes `folder` a file system of its own that holds so many bytes.
-void mountSmallDisk(const fs::path& folder, std::size_t bytes);
+/// For `inOwnMounts`: makes `folder` a file system of its own that holds so many bytes and files (0: any
+/// number).
+void mountSmallDisk(const fs::path& folder, std::size_t bytes, std::size_t files = 0);
 
 /// For `inOwnMounts`: makes `folder` one that cannot be written.
 void mountReadOnly(const fs::path& folder);
