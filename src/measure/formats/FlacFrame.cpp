@@ -1,6 +1,7 @@
 #include "measure/formats/FlacFrame.h"
 
 #include "measure/bytes/ByteOrder.h"
+#include "measure/bytes/Crc.h"
 
 #include <array>
 #include <bit>
@@ -217,15 +218,7 @@ std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream
 }
 
 bool isWholeFlacFrame(Bytes frame) {
-    constexpr std::uint16_t polynomial = 0x8005; // x^16 + x^15 + x^2 + 1 (section 9.3)
-    std::uint16_t sum = 0;
-    for (const std::uint8_t byte : frame) {
-        sum = static_cast<std::uint16_t>(sum ^ byte << 8);
-        for (int bit = 0; bit < 8; ++bit) {
-            sum = static_cast<std::uint16_t>((sum << 1) ^ ((sum & 0x8000) != 0 ? polynomial : 0));
-        }
-    }
-    return sum == 0 && !frame.empty();
+    return Crc16::after(0, frame) == 0 && !frame.empty();
 }
 
 } // namespace velmora

@@ -3,6 +3,7 @@
 #include "measure/bytes/AudioTags.h"
 #include "measure/bytes/ByteOrder.h"
 #include "measure/bytes/Magic.h"
+#include "measure/formats/MusepackPacket.h"
 #include "measure/libav/Libav.h"
 
 #include <algorithm>
@@ -26,16 +27,7 @@ using Bytes = std::span<const std::uint8_t>;
 //        4     4  frames
 //        8     4  bits 16 and 17: sample rate
 //       20     4  bit 31: whether the last frame's length is exact; bits 20 to 30: that length
-//
-// Version 8 ("SV8 specification"): "MPCK", then packets: key (2), size of the whole packet (number), content.
-// A number stands in groups of 7 bits, the highest first; every byte but the last has the highest bit set.
-//
-// "SH": checksum (4), version (1), samples (number; 0: not known), of these to be left out at the start
-// (number), the sample rate in the 3 highest bits of the next byte, the frames of a packet as a power of 4 in
-// the 3 lowest of the byte after it.
 
-constexpr std::array<int, 4> rates = {44'100, 48'000, 37'800, 32'000};
-constexpr std::int64_t frameSamples = 1152;
 constexpr std::int64_t decoderDelay = 481;
 
 /// What the header of a file of version 7 states.
@@ -48,85 +40,27 @@ Timing version7Timing(Bytes header) {
     const bool isExact = last >> 31 != 0;
     const std::int64_t lastSamples = last >> 20 & 0x7FF;
     const std::int64_t samples =
-        frames * frameSamples - (isExact ? frameSamples - lastSamples : decoderDelay);
+        frames * musepackFrameSamples - (isExact ? musepackFrameSamples - lastSamples : decoderDelay);
     return statedTiming(static_cast<double>(std::max<std::int64_t>(0, samples)) /
-                        rates[le32(header, rateAt) >> 16 & 0x03]);
-}
-
-/// The number that `bytes` begin with; the bytes it takes are cut from them.
-std::optional<std::int64_t> takeNumber(Bytes& bytes) {
-    std::int64_t value = 0;
-    while (!bytes.empty() && value < 1LL << 48) {
-        const std::uint8_t byte = bytes.front();
-        bytes = bytes.subspan(1);
-        value = value << 7 | (byte & 0x7F);
-        if ((byte & 0x80) == 0) {
-            return value;
-        }
-    }
-    return std::nullopt;
-}
-
-/// A packet of version 8.
-struct Packet {
-    std::int64_t bytes = 0; ///< of the whole
-    Bytes content;          ///< as much of it as there was to parse
-};
-
-constexpr std::int64_t minPacketBytes = 3;
-
-/// Absent if `bytes` begin with no packet.
-std::optional<Packet> parsePacket(Bytes bytes) {
-    const auto isCapital = [](std::uint8_t byte) { return byte >= 'A' && byte <= 'Z'; };
-    if (bytes.size() < minPacketBytes || !isCapital(bytes[0]) || !isCapital(bytes[1])) {
-        return std::nullopt;
-    }
-    Bytes content = bytes.subspan(2);
-    const auto size = takeNumber(content);
-    return size && *size >= minPacketBytes ? std::optional(Packet{*size, content}) : std::nullopt;
-}
-
-/// What "SH" states.
-struct StreamHeader {
-    std::int64_t samples = 0; ///< 0: not known
-    std::int64_t silence = 0; ///< samples to be left out at the start
-    int rate = 0;
-    std::int64_t packetSamples = 0;
-    std::array<std::uint8_t, 2> description{}; ///< the last two bytes, all that a decoder has to know
-};
-
-std::optional<StreamHeader> parseStreamHeader(Bytes content) {
-    constexpr std::size_t numbersAt = 5;
-    if (content.size() < numbersAt) {
-        return std::nullopt;
-    }
-    content = content.subspan(numbersAt);
-    const auto samples = takeNumber(content);
-    const auto silence = takeNumber(content);
-    if (!samples || !silence || content.size() < 2 || content[0] >> 5 >= std::ssize(rates)) {
-        return std::nullopt;
-    }
-    return StreamHeader{*samples,
-                        *silence,
-                        rates[content[0] >> 5],
-                        frameSamples << 2 * (content[1] & 0x07),
-                        {content[0], content[1]}};
+                        musepackRates[le32(header, rateAt) >> 16 & 0x03]);
 }
 
 /// Whether the packet that ends every stream, "SE", stands in front of the tags.
 bool hasItsEnd(GuardedReader& reader, std::int64_t start) {
-    return matches(reader.header(findTrailingTags(reader, start) - minPacketBytes, minPacketBytes), "SE\x03");
+    return matches(
+        reader.header(findTrailingTags(reader, start) - minMusepackPacketBytes, minMusepackPacketBytes),
+        "SE\x03");
 }
 
 /// Samples of the frames that are whole in the audio packet at `at`, whose end is missing.
-std::int64_t samplesOfPart(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
+std::int64_t samplesOfPart(GuardedReader& reader, std::int64_t at, const MusepackStream& header) {
     constexpr std::int64_t maxBytes = 1 << 20; // much more than a packet of music takes
     std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min(reader.size() - at, maxBytes)));
     bytes.resize(reader.search(at, bytes));
-    const auto packet = parsePacket(bytes);
+    const auto packet = parseMusepackPacket(bytes);
     const std::int64_t decoded =
         packet ? libav().decodedSamples("mpc8", header.description, packet->content) : 0;
-    return std::max<std::int64_t>(0, decoded - frameSamples);
+    return std::max<std::int64_t>(0, decoded - musepackFrameSamples);
 }
 
 struct PacketSum {
@@ -136,12 +70,12 @@ struct PacketSum {
 
 /// The audio packets, "AP", from the packet at `at` on. Absent if there are more packets than the reader's
 /// bounds allow.
-std::optional<PacketSum> packetsThere(GuardedReader& reader, std::int64_t at, const StreamHeader& header) {
+std::optional<PacketSum> packetsThere(GuardedReader& reader, std::int64_t at, const MusepackStream& header) {
     PacketSum sum;
     std::array<std::uint8_t, 12> bytes{};
     for (;;) {
         const Bytes head = Bytes(bytes).first(reader.search(at, bytes));
-        const auto packet = parsePacket(head);
+        const auto packet = parseMusepackPacket(head);
         const bool isAudio = matches(head, "AP");
         const bool isCutOff = packet && packet->bytes > reader.size() - at;
         if (isCutOff && isAudio) {
@@ -159,17 +93,17 @@ std::optional<PacketSum> packetsThere(GuardedReader& reader, std::int64_t at, co
 }
 
 /// Takes `at` from the first packet to the end of the stream header. Others may come before it, but no audio.
-std::optional<StreamHeader> takeStreamHeader(GuardedReader& reader, std::int64_t& at) {
+std::optional<MusepackStream> takeStreamHeader(GuardedReader& reader, std::int64_t& at) {
     constexpr std::size_t maxHeaderBytes = 40;
     for (;;) {
         const Bytes head = reader.headerUpTo(at, maxHeaderBytes);
-        const auto packet = parsePacket(head);
+        const auto packet = parseMusepackPacket(head);
         if (!packet || matches(head, "AP")) {
             return std::nullopt;
         }
         at += packet->bytes;
         if (matches(head, "SH")) {
-            return parseStreamHeader(packet->content);
+            return parseMusepackStream(packet->content);
         }
     }
 }

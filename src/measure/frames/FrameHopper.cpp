@@ -80,7 +80,7 @@ public:
         return false;
     }
 
-    FrameSum sum() {
+    FrameSum sum(const FrameVisit& visit) {
         FrameSum sum;
         std::int64_t samples = 0; // since the rate last changed
         AudioFrame last;
@@ -88,6 +88,12 @@ public:
             if (frame->rate != last.rate && last.rate != 0) {
                 sum.seconds += static_cast<double>(samples) / last.rate;
                 samples = 0;
+            }
+            if (visit) {
+                const std::int64_t at = m_position - frame->bytes;
+                const auto length = static_cast<std::size_t>(frame->bytes);
+                const Bytes bytes = m_window.from(at, length);
+                visit(at, *frame, bytes.first(std::min(bytes.size(), length)));
             }
             last = *frame;
             samples += frame->samples;
@@ -147,8 +153,8 @@ std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start,
     return hopper.synchronise(searchedChain) ? std::optional(hopper.position()) : std::nullopt;
 }
 
-FrameSum sumFrames(GuardedReader& reader, std::int64_t start, std::int64_t end) {
-    return Hopper(reader, start, end).sum();
+FrameSum sumFrames(GuardedReader& reader, std::int64_t start, std::int64_t end, const FrameVisit& visit) {
+    return Hopper(reader, start, end).sum(visit);
 }
 
 } // namespace velmora

@@ -7,7 +7,9 @@
 #include "measure/frames/FrameHeader.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
+#include <span>
 
 namespace velmora {
 
@@ -24,7 +26,12 @@ bool isFrameAt(GuardedReader& reader, std::int64_t start, std::int64_t end);
 /// audio is paid from the reader's budget. Absent if there is none before `end`.
 std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
-/// The whole frames between `start` and `end`. A last frame that is cut off does not count.
-FrameSum sumFrames(GuardedReader& reader, std::int64_t start, std::int64_t end);
+/// Told of a frame that stands at `at` in the file; `bytes` are all of it, valid until it returns.
+using FrameVisit =
+    std::function<void(std::int64_t at, const AudioFrame& frame, std::span<const std::uint8_t> bytes)>;
+
+/// The whole frames between `start` and `end`, each of which `visit`, unless empty, is told of. A last frame
+/// that is cut off does not count.
+FrameSum sumFrames(GuardedReader& reader, std::int64_t start, std::int64_t end, const FrameVisit& visit = {});
 
 } // namespace velmora
