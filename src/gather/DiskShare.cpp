@@ -39,7 +39,7 @@ bool DiskShare::Part::isExceededBy(std::uint64_t written) {
     return written > m_size;
 }
 
-DiskShare::DiskShare(fs::path folder)
+DiskShare::DiskShare(const fs::path& folder)
     : DiskShare(folder, freeBelow(folder)) {}
 
 DiskShare::DiskShare(fs::path folder, const Amount& free)

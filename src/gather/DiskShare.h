@@ -21,7 +21,7 @@ namespace velmora::Collector {
 class DiskShare {
 public:
     /// A share of the file system that holds `folder`; without a bound on what that does not tell.
-    explicit DiskShare(std::filesystem::path folder);
+    explicit DiskShare(const std::filesystem::path& folder);
 
     /// What is at `path`, a file or a folder with all in it, counts from here on.
     void count(std::filesystem::path path) { m_counted.push_back(std::move(path)); }
@@ -62,7 +62,7 @@ private:
         std::uint64_t files = 0;
     };
 
-    explicit DiskShare(std::filesystem::path folder, const Amount& free);
+    DiskShare(std::filesystem::path folder, const Amount& free);
 
     static Amount freeBelow(const std::filesystem::path& folder);
     static Amount takenUpBelow(const std::filesystem::path& path);
