@@ -2,6 +2,7 @@
 
 #include "tests/faults/Surroundings.h"
 #include "tests/support/Archives.h"
+#include "tests/support/OwnMounts.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 

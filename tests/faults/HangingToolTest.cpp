@@ -1,9 +1,10 @@
 // Each tool in its turn never ends: the scan that waits for it can be ended all the same, in order or not,
 // and the tool ends with it.
 
-#include "tests/faults/Surroundings.h"
+#include "tests/cli/ScanProcess.h"
 #include "tests/support/NamedRow.h"
 #include "tests/support/OtherPrograms.h"
+#include "tests/support/OwnMounts.h"
 #include "tests/support/Shell.h"
 
 #include <gmock/gmock.h>

@@ -3,6 +3,7 @@
 
 #include "tests/faults/Surroundings.h"
 #include "tests/support/ForkedProcess.h"
+#include "tests/support/OwnMounts.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 

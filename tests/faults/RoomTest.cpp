@@ -1,9 +1,9 @@
 // Archives that would fill the disk of the temporary directory: they are skipped, and whatever else the user
 // runs keeps its room.
 
-#include "gather/DiskShare.h"
-#include "tests/faults/Surroundings.h"
+#include "tests/cli/ScanProcess.h"
 #include "tests/support/Archives.h"
+#include "tests/support/OwnMounts.h"
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 
@@ -21,10 +21,6 @@ namespace {
 using testing::IsEmpty;
 
 constexpr std::uintmax_t megabyte = std::uintmax_t{1} << 20;
-
-std::string zeros(std::uintmax_t bytes) {
-    return std::string(bytes, '\0');
-}
 
 class Room : public testing::Test {
 protected:
@@ -128,30 +124,6 @@ TEST_F(Room, ThatTheWorkingCopyTakesCountsAsWell) {
     inOwnMounts([&] {
         scan(18 * megabyte); // 3 MB of copy and 15 of content; either would fit
         expectSkipped("big.zip");
-    });
-}
-
-TEST_F(Room, IsNotCountedWhenOtherProgramsTakeIt) {
-    inOwnMounts([&] {
-        mountSmallDisk(disk, 10 * megabyte);
-        Collector::DiskShare share(disk);
-        share.count(disk / "own");
-        EXPECT_EQ(share.bytes(), 9 * megabyte);
-        write(disk / "other", zeros(9 * megabyte + megabyte / 2));
-        EXPECT_FALSE(share.isExceeded());
-        write(disk / "own/1", zeros(megabyte / 4));
-        EXPECT_FALSE(share.isExceeded());
-        fs::remove(disk / "other");
-        EXPECT_FALSE(share.isExceeded());
-        write(disk / "own/2", zeros(8 * megabyte));
-        fs::create_hard_link(disk / "own/2", disk / "own/3"); // takes no room
-        EXPECT_FALSE(share.isExceeded());
-        write(disk / "own/deep/4", zeros(megabyte / 2));
-        EXPECT_FALSE(share.isExceeded());
-        write(disk / "own/deep/5", zeros(megabyte / 2));
-        EXPECT_TRUE(share.isExceeded());
-        fs::remove_all(disk / "own");
-        EXPECT_TRUE(share.isExceeded());
     });
 }
 

@@ -2,6 +2,7 @@
 
 #include "tests/gather/Found.h"
 #include "tests/support/ForkedProcess.h"
+#include "tests/support/RefusedCalls.h"
 #include "tests/support/Snapshot.h"
 
 #include <gmock/gmock.h>
@@ -130,6 +131,17 @@ TEST_F(ExtractionCleanup, OpensWhatIsClosed) {
         EXPECT_TRUE(keepPlainFiles(closed));
         EXPECT_THAT(filesBelow(closed), ElementsAre("a/b/plain.wav"));
     });
+}
+
+TEST_F(ExtractionCleanup, IsNotDoneWhereAFolderCannotBeListed) {
+    link("out.wav", victim);
+    test::inProcess([this] {
+        test::refuseListing();
+        EXPECT_FALSE(keepPlainFiles(directory));
+        EXPECT_FALSE(keepOwnContent(directory));
+    });
+    EXPECT_TRUE(keepOwnContent(directory));
+    EXPECT_THAT(filesBelow(directory), ElementsAre("folder/plain.wav"));
 }
 
 TEST_F(ExtractionCleanup, IsNotDoneWhereTheDirectoryIsNoMore) {

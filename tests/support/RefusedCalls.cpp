@@ -58,6 +58,10 @@ void refuseLocks() {
     install({load(number), unlessEqual(SYS_flock, 1), fail(ENOLCK)});
 }
 
+void refuseListing() {
+    install({load(number), unlessEqual(SYS_getdents64, 1), fail(EIO)});
+}
+
 void refuseMountAttributes() {
     install({load(number), unlessEqual(SYS_mount_setattr, 1), fail(ENOSYS)});
 }

@@ -10,6 +10,9 @@ void refuseThreads();
 /// No file can be locked with flock (ENOLCK), as on some network file systems.
 void refuseLocks();
 
+/// No folder can be listed (EIO), as on a disk that fails.
+void refuseListing();
+
 /// Nothing can be mounted in another way than it is (ENOSYS), as before Linux 5.12.
 void refuseMountAttributes();
 
