@@ -146,8 +146,7 @@ std::vector<Rank> ranked(const Paths& files, const ArchiveContent& archiveConten
         if (const int order = keyOf(a).compare(keyOf(b)); order != 0) {
             return order < 0;
         }
-        const int order = files[a.index].native().compare(files[b.index].native());
-        return order != 0 ? order < 0 : a.index < b.index;
+        return files[a.index].native() < files[b.index].native();
     });
     return ranks;
 }
