@@ -43,6 +43,14 @@ TEST(Matroska, IsWalkedWhereItsStatementIsMissingOrFalse) {
     EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 0.1);
 }
 
+TEST(Matroska, IsWalkedWhereItsUnitOfTimeCannotBeRead) {
+    std::string file = encoded("mka");
+    const std::size_t scale = file.find("\x2A\xD7\xB1\x83");
+    ASSERT_NE(scale, std::string::npos);
+    file.replace(scale, 7, "\x2A\xD7\xB1\x80\xEC\x81\x01"); // without content, and something to pass over
+    EXPECT_NEAR(secondsOf(file), twelveSeconds.seconds(), 0.001);
+}
+
 TEST(Matroska, IsAsLongAsItsSoundWhateverElseIsInIt) {
     const std::string picture = R"(ffmpeg -v error -i "$IN" -f lavfi -i testsrc=s=64x64:d=)";
     for (const std::string& command :

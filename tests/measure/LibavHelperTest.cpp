@@ -9,6 +9,7 @@
 #include "tests/support/RealAudio.h"
 #include "tests/support/Shell.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/prctl.h>
@@ -20,6 +21,7 @@
 #include <csignal>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace velmora::test {
@@ -194,6 +196,23 @@ TEST(LibavHelper, GivesTheSameAnswerByFileAndByBytes) {
     EXPECT_EQ(secondsIn(inMemory.answer), inFile.measured.seconds);
     EXPECT_EQ(inMemory.budgetLeft, inFile.budgetLeft);
     EXPECT_EQ(bytesRead, inFile.bytesRead);
+}
+
+TEST(LibavHelper, TellsOfAReadThatFails) {
+    for (const int access : {O_RDONLY, O_WRONLY}) { // what may only be written cannot be read
+        const FileDescriptor file(::open(realMedia().c_str(), access | O_CLOEXEC));
+        std::vector<std::pair<bool, bool>> told;
+        const ByteSource source{.size = static_cast<std::int64_t>(fs::file_size(realMedia())),
+                                .readAt = {},
+                                .descriptor = file.get(),
+                                .noteReads = [&told](std::int64_t bytes, bool hasFailed) {
+                                    told.emplace_back(bytes > 0, hasFailed);
+                                }};
+        GuardedReader reader(source, {});
+        const bool isReadable = access == O_RDONLY;
+        EXPECT_EQ(libav().duration(reader, 0, "rm", Doubt::unfinished).has_value(), isReadable);
+        EXPECT_THAT(told, testing::ElementsAre(std::pair(isReadable, !isReadable)));
+    }
 }
 
 TEST(LibavHelper, IsFoundBesideTheProgramAndMissedAlone) {

@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cstdint>
+#include <map>
 #include <string>
 #include <string_view>
 
@@ -201,6 +203,19 @@ TEST(Au, IsWhatTheFileHolds) {
     EXPECT_NEAR(secondsOf("\0ds."s + littleEndian), second, 1e-9);
 }
 
+TEST(Au, KnowsTheBitsOfEachEncoding) {
+    const std::map<std::uint32_t, std::size_t> bits = {{1, 8},  {2, 8},  {3, 16}, {4, 24}, {5, 32}, {6, 32},
+                                                       {7, 64}, {23, 4}, {24, 4}, {25, 3}, {26, 5}, {27, 8}};
+    const auto au = [](std::uint32_t encoding, std::size_t bytes) {
+        return ".snd" + be(24, 4) + be(bytes, 4) + be(encoding, 4) + be(8'000, 4) + be(1, 4) + zeros(bytes);
+    };
+    for (std::uint32_t encoding = 0; encoding < 32; ++encoding) {
+        const bool isKnown = bits.contains(encoding);
+        const std::size_t bytes = isKnown ? 1'000 * bits.at(encoding) : 8'000;
+        EXPECT_NEAR(secondsOf(au(encoding, bytes)), isKnown ? second : -1, 1e-9) << encoding;
+    }
+}
+
 TEST(Caf, IsItsBytesOrItsPacketTable) {
     const std::string pcm = cafDescription(2, 1);
     EXPECT_NEAR(secondsOf(pcm + cafChunk("data", 16'004, zeros(16'004))), second, 1e-9);
@@ -253,6 +268,32 @@ TEST(Voc, AddsSoundAndSilence) {
     EXPECT_NEAR(
         secondsOf(vocHeader + parameters + vocBlock(1, be(99, 1) + be(0, 1) + times(16'000, "x")) + zeros(1)),
         second, 1e-9);
+}
+
+TEST(Voc, KnowsTheBitsOfEachCodec) {
+    const auto voc = [](std::uint64_t codec, std::size_t bytes) {
+        const std::string head = le(9'000, 4) + le(0, 1) + le(1, 1) + le(codec, 2) + zeros(4);
+        return vocHeader + vocBlock(9, head + times(bytes, "x")) + zeros(1);
+    };
+    for (const auto& [codec, bytes] : std::map<std::uint64_t, std::size_t>{{0, 9'000},
+                                                                           {1, 4'500},
+                                                                           {2, 3'000},
+                                                                           {3, 2'250},
+                                                                           {4, 18'000},
+                                                                           {6, 9'000},
+                                                                           {7, 9'000},
+                                                                           {0x200, 4'500}}) {
+        EXPECT_NEAR(secondsOf(voc(codec, bytes)), second, 1e-9) << codec;
+    }
+    EXPECT_FALSE(is<Timed>(answerFor(voc(5, 9'000))));
+}
+
+TEST(Voc, PassesOverBlocksTooShortForTheirHead) {
+    const std::string whole = vocBlock(1, be(256 - 125, 1) + be(0, 1) + times(8'000, "x"));
+    for (const auto& [type, bytes] : std::map<int, std::size_t>{{1, 1}, {3, 2}, {8, 3}, {9, 11}}) {
+        EXPECT_NEAR(secondsOf(vocHeader + vocBlock(type, zeros(bytes)) + whole + zeros(1)), second, 1e-9)
+            << type;
+    }
 }
 
 } // namespace velmora::test

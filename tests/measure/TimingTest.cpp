@@ -8,6 +8,7 @@
 #include "measure/formats/AiffDuration.h"
 #include "measure/formats/AmrDuration.h"
 #include "measure/formats/AuDuration.h"
+#include "measure/formats/CafDuration.h"
 #include "measure/formats/DsdDuration.h"
 #include "measure/formats/WavDuration.h"
 #include "measure/frames/FrameStreamDuration.h"
@@ -15,6 +16,7 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <span>
 #include <string>
 #include <tuple>
@@ -65,6 +67,14 @@ std::string au(std::uint32_t stated) {
     return ".snd" + be(24, 4) + be(stated, 4) + be(3, 4) + be(8'000, 4) + be(1, 4) + zeros(16'000);
 }
 
+/// Packets of 100 bytes and 1,000 frames, of which so many play; the first 600 frames do not.
+std::string caf(std::uint64_t playing, std::size_t packets) {
+    const std::string table = be(9, 8) + be(playing, 8) + be(600, 4) + be(400, 4) + times(9, be(0x64, 1));
+    return "caff" + be(0x10000, 4) + "desc" + be(32, 8) + be(std::bit_cast<std::uint64_t>(8'000.0), 8) +
+           "aac " + zeros(8) + be(1'000, 4) + be(1, 4) + zeros(4) + "pakt" + be(table.size(), 8) + table +
+           "data" + be(904, 8) + zeros(4 + 100 * packets);
+}
+
 std::string dsf(std::uint64_t samples) {
     return "DSD " + le(28, 8) + zeros(16) + "fmt " + le(52, 8) + zeros(12) + le(1, 4) + le(2'822'400, 4) +
            le(1, 4) + le(samples, 8) + zeros(8) + "data" + le(0, 8) + zeros(352'800);
@@ -102,6 +112,9 @@ TEST(Timing, TellsHowEachReaderFoundIt) {
         {"aiff of a pipe", &aiffDuration, aiff(0, 16'000), {1, sized, {}, Doubt::unfinished}},
         {"au", &auDuration, au(16'000), {1, sized, 1}},
         {"au of a pipe", &auDuration, au(0xFFFFFFFF), {1, sized, {}, Doubt::unfinished}},
+        {"caf", &cafDuration, caf(8'000, 9), {1, stated, 1}},
+        {"caf cut off", &cafDuration, caf(8'000, 4), {0.425, counted, 1, Doubt::beyondEnd, 4}},
+        {"caf that does not say", &cafDuration, caf(0, 9), {1.05, counted, {}, Doubt::unfinished, 9}},
         {"dsf", &dsfDuration, dsf(1'411'200), {0.5, stated, 0.5}},
         {"dsf cut off", &dsfDuration, dsf(5'644'800), {1, sized, 2, Doubt::beyondEnd}},
         {"amr", &amrDuration, "#!AMR\n" + times(50, "\x3C" + zeros(31)), {1, counted, {}, Doubt::none, 50}},
