@@ -41,5 +41,29 @@ TEST(DiskShare, IsNineTenthsOfWhatIsFreeForItsOwnFilesAlone) {
     });
 }
 
+TEST(DiskShare, IsNineTenthsOfTheFilesThatThereIsRoomFor) {
+    inOwnMounts([] {
+        const fs::path disk = freshFolder();
+        mountSmallDisk(disk, megabyte, 101);
+        ASSERT_EQ(fs::space(disk).available, megabyte);
+        Collector::DiskShare share(disk);
+        share.count(disk / "own");
+        const auto make = [&disk](const std::string& folder, int first, int last) {
+            for (int i = first; i <= last; ++i) {
+                write(disk / folder / std::to_string(i));
+            }
+        };
+        make("other", 1, 5);
+        make("own", 1, 89); // and the folder: 90 of 100
+        EXPECT_FALSE(share.isExceeded());
+        fs::remove_all(disk / "other");
+        EXPECT_FALSE(share.isExceeded());
+        make("own", 90, 90);
+        EXPECT_TRUE(share.isExceeded());
+        fs::remove_all(disk / "own");
+        EXPECT_TRUE(share.isExceeded());
+    });
+}
+
 } // namespace
 } // namespace velmora::test
