@@ -1,4 +1,4 @@
-// MPEG audio, ADTS and AMR: streams of frames, built header by header.
+// MPEG audio and ADTS: streams of frames, built header by header.
 
 #include "measure/frames/FrameStreamDuration.h"
 #include "tests/measure/MediaBytes.h"
@@ -37,6 +37,8 @@ struct XingFields {
     std::uint32_t bytes = 101 * layer3Bytes;
     std::uint32_t delay = 576;
     std::uint32_t padding = 1000;
+    std::uint32_t header = layer3;
+    std::size_t sideInformation = 32; ///< bytes
 };
 
 /// A layer 3 frame that holds a statement, with LAME's addition.
@@ -44,13 +46,13 @@ std::string xingFrame(const XingFields& fields) {
     std::string statement = std::string(fields.name) + be(0x0F, 4) + be(fields.frames, 4) +
                             be(fields.bytes, 4) + zeros(100) + be(50, 4) + "LAME3.100" + zeros(12) +
                             be(fields.delay << 12 | fields.padding, 3);
-    std::string whole = frame(layer3, layer3Bytes);
-    return whole.replace(4 + 32, statement.size(), statement);
+    std::string whole = frame(fields.header, layer3Bytes);
+    return whole.replace(4 + fields.sideInformation, statement.size(), statement);
 }
 
 std::string id3v2(std::size_t content) {
     return "ID3\x04"s + zeros(2) + be(content >> 21 & 0x7F, 1) + be(content >> 14 & 0x7F, 1) +
-           be(content >> 7 & 0x7F, 1) + be(content & 0x7F, 1) + times(content, "\xFF\xFB");
+           be(content >> 7 & 0x7F, 1) + be(content & 0x7F, 1) + times(content / 2, "\xFF\xFB");
 }
 
 std::string id3v1() {
@@ -68,6 +70,11 @@ std::string adts(std::uint32_t rateIndex, std::size_t bytes, std::uint32_t block
     return "\xFF\xF1" + be(0x40 | rateIndex << 2, 1) + be(0x80 | length >> 11, 1) +
            be(length >> 3 & 0xFF, 1) + be((length & 7) << 5 | 0x1F, 1) + be(0xFC | (blocks - 1), 1) +
            times(bytes - 7, be(0x21, 1));
+}
+
+/// An ADTS frame at 44.1 kHz with `block` after its header.
+std::string adtsWith(const std::string& block) {
+    return adts(4, 7 + block.size(), 1).replace(7, block.size(), block);
 }
 
 struct HeaderRow {
@@ -149,6 +156,41 @@ TEST(FrameStream, CountsWhereTheStatementDoesNotFitTheFile) {
                 1e-9);
 }
 
+TEST(FrameStream, FindsTheStatementWhateverItsHeaderSaysOfChannels) {
+    constexpr std::uint32_t mono = 0xFB90C0;
+    const double seconds = secondsOf(xingFrame({.frames = 99}) + layer3Frames(100));
+    for (const std::size_t sideInformation : {32, 17, 9, 34, 19, 11}) {
+        for (const std::uint32_t header : {layer3, mono}) {
+            const XingFields fields{.frames = 99, .header = header, .sideInformation = sideInformation};
+            EXPECT_NEAR(secondsOf(xingFrame(fields) + layer3Frames(100)), seconds, 1e-9) << sideInformation;
+        }
+    }
+}
+
+TEST(FrameStream, TakesOffTheFrameThatCountsItself) {
+    const double trimmed = (576.0 + 529 + 1000 - 529) / 44'100;
+    const double seconds = 100 * layer3Seconds - trimmed;
+    EXPECT_NEAR(secondsOf(xingFrame({.frames = 100}) + layer3Frames(100)), seconds, 1e-9);
+    EXPECT_NEAR(secondsOf(xingFrame({.frames = 101}) + layer3Frames(100)), seconds, 1e-9);
+
+    // Padded by a real encoder, so that the frames keep the bit rate.
+    const AudioShape shape{.frames = 220'821};
+    std::string file =
+        read(encodeAudio(freshFolder() / "track.mp3", R"(lame --quiet -b 128 "$IN" "$OUT")", shape));
+    const std::size_t lowestByteOfFrames = file.find("Info") + 11;
+    ++file.at(lowestByteOfFrames);
+    EXPECT_NEAR(secondsOf(file), shape.seconds(), 1e-6);
+}
+
+TEST(FrameStream, BelievesNoMoreFramesThanItsBytesHold) {
+    const double trim = (576.0 + 529) / 44'100;
+    for (const std::uint32_t frames : {0xFFFFFFFFU, 10'000U}) {
+        EXPECT_NEAR(secondsOf(xingFrame({.frames = frames}) + layer3Frames(100)), 100 * layer3Seconds - trim,
+                    1e-9)
+            << frames;
+    }
+}
+
 TEST(FrameStream, BelievesVbri) {
     std::string vbri = frame(layer3, layer3Bytes);
     vbri.replace(36, 18, "VBRI" + be(1, 2) + zeros(4) + be(101 * layer3Bytes, 4) + be(98, 4));
@@ -161,6 +203,52 @@ TEST(FrameStream, CountsBlocksOfAdts) {
             << blocks;
     }
     EXPECT_NEAR(secondsOf(zeros(5'000) + times(40, adts(8, 300, 1))), 40 * 1024 / 16'000.0, 1e-9);
+}
+
+TEST(FrameStream, CountsNoBlockOfAdtsThatHoldsOnlyFilling) {
+    const std::string sound = times(40, adts(4, 300, 1));
+    const double seconds = 40 * 1024 / 44'100.0;
+    for (const std::string& filling : {
+             be(0xE0, 1),                               // the end of the block at once
+             be(0xC1C0, 2),                             // filling of 0 bytes
+             be(0xC40001C0, 4),                         // of 2 bytes
+             be(0xDE02, 2) + zeros(14) + be(0x01C0, 2), // of 15: their number has a byte of its own
+         }) {
+        EXPECT_NEAR(secondsOf(adtsWith(filling) + sound), seconds, 1e-9) << filling.size();
+    }
+    const std::string namedFirst = be(0xC4, 1) + zeros(2) + be(0x20, 1); // the sound comes after it
+    EXPECT_NEAR(secondsOf(adtsWith(namedFirst) + sound), seconds + 1024 / 44'100.0, 1e-9);
+    EXPECT_EQ(secondsOf(times(40, adtsWith(be(0xE0, 1)))), -1);
+}
+
+TEST(FrameStream, CountsTheFewFramesThatEndAtATagOrAtTheEnd) {
+    const std::string junk = times(999, "junk");
+    for (const std::size_t count : {1, 2, 4}) {
+        const std::string frames = layer3Frames(count);
+        const double seconds = static_cast<double>(count) * layer3Seconds;
+        for (const std::string& tag : {std::string(), id3v1(), id3v2(9'000), apeTag(700)}) {
+            EXPECT_NEAR(secondsOf(frames + tag), seconds, 1e-9) << count;
+            EXPECT_NEAR(secondsOf(junk + frames + tag), seconds, 1e-9) << count;
+        }
+    }
+}
+
+TEST(FrameStream, CountsTheFewFramesThatStandFirst) {
+    const std::string frames = layer3Frames(2);
+    EXPECT_NEAR(secondsOf(frames + zeros(9'000)), 2 * layer3Seconds, 1e-9);
+    EXPECT_NEAR(secondsOf(frames.substr(0, 800)), layer3Seconds, 1e-9) << "the second cut off";
+    EXPECT_EQ(secondsOf(layer3Frames(1) + zeros(9'000)), -1) << "a header alone may be chance";
+}
+
+TEST(FrameStream, BelievesALongRunOfFramesInWhateverJunk) {
+    const std::string junk = times(999, "junk");
+    EXPECT_NEAR(secondsOf(junk + layer3Frames(100) + zeros(500'000)), 100 * layer3Seconds, 1e-9);
+    EXPECT_EQ(secondsOf(junk + layer3Frames(99) + zeros(500'000)), -1);
+    const std::string twice = layer3Frames(60) + junk + layer3Frames(60);
+    EXPECT_EQ(secondsOf(junk + twice + zeros(500'000)), -1) << "two runs, none of them long";
+    EXPECT_NEAR(secondsOf(junk + layer3Frames(100) + zeros(GuardedReader::searchBytes + 1)),
+                100 * layer3Seconds, 1e-9)
+        << "more zeros than are searched";
 }
 
 TEST(FrameStream, FindsNoFramesInWhatIsNoAudio) {
@@ -192,23 +280,6 @@ TEST(FrameStream, TimesRealEncodersOfEveryKind) {
     EXPECT_NEAR(seconds(R"(lame --quiet -V2 -t "$IN" "$OUT")"), shape.seconds() + 0.04, 0.03);
     EXPECT_NEAR(seconds(R"(ffmpeg -v error -y -i "$IN" -c:a mp2 -ar 24000 -b:a 64k -f mp2 "$OUT")"),
                 shape.seconds() + 0.03, 0.03);
-}
-
-TEST(AmrFrames, CountsSilenceAndMissingFrames) {
-    const std::string speech = be(0x3C, 1) + times(31, "x"); // 12.2 kbit/s
-    const std::string silence = be(0x44, 1) + times(5, "x");
-    const std::string missing = be(0x7C, 1);
-    const std::string file = "#!AMR\n" + times(10, speech) + silence + times(8, missing) + times(10, speech);
-    EXPECT_NEAR(secondsOf(file), 29 * 0.02, 1e-9);
-    EXPECT_NEAR(secondsOf(file.substr(0, file.size() - 1)), 28 * 0.02, 1e-9);
-    EXPECT_NEAR(secondsOf(file + zeros(1'000)), 29 * 0.02, 1e-9);
-}
-
-TEST(AmrFrames, CountsWideBand) {
-    const std::string speech = be(0x44, 1) + times(60, "x"); // 23.85 kbit/s
-    const std::string silence = be(0x4C, 1) + times(5, "x");
-    EXPECT_NEAR(secondsOf("#!AMR-WB\n" + times(100'000, speech) + times(50, silence)), 100'050 * 0.02, 1e-6);
-    EXPECT_NEAR(secondsOf("#!AMR-WB_MC1.0\n"s + zeros(3) + "\x02" + times(100, speech)), 50 * 0.02, 1e-9);
 }
 
 } // namespace velmora::test

@@ -37,6 +37,11 @@ namespace {
 //     13  bytes of the frame, header included
 //     11  buffer fullness
 //      2  blocks of 1024 samples less one
+//     16  checksum, unless there is none
+//
+// After it comes a block of elements (ISO/IEC 14496-3 section 4.4.2.1), each with three bits that say what it
+// is: 6 filling, 7 the end of the block, others sound or what belongs to it. Filling: 4 bits of size in
+// bytes; 15 means that 8 bits follow, which say how many bytes there are beyond 14.
 
 // Byte 1, bits 3 and 4.
 enum class Version : std::uint8_t { v25 = 0, reserved = 1, v2 = 2, v1 = 3 };
@@ -44,6 +49,7 @@ enum class Version : std::uint8_t { v25 = 0, reserved = 1, v2 = 2, v1 = 3 };
 constexpr std::uint8_t syncByte = 0xFF;
 constexpr std::uint8_t syncMask = 0xE0;
 constexpr std::size_t mpegHeaderBytes = 4;
+constexpr std::size_t checksumBytes = 2;
 
 using KilobitRow = std::array<std::int16_t, 15>; // by bit rate index; 0 is free format
 
@@ -68,6 +74,11 @@ const KilobitRow& kilobitsOf(bool isVersion1, int layer) {
     }
 }
 
+std::size_t adtsHeaderBytes(std::span<const std::uint8_t> frame) {
+    const bool hasChecksum = (frame[1] & 0x01) == 0;
+    return frameHeaderBytes + (hasChecksum ? checksumBytes : 0);
+}
+
 std::optional<AudioFrame> parseAdts(std::span<const std::uint8_t> bytes) {
     constexpr std::int32_t samplesOfBlock = 1024;
     if (bytes.size() < frameHeaderBytes || bytes[1] < 0xF0) {
@@ -75,13 +86,12 @@ std::optional<AudioFrame> parseAdts(std::span<const std::uint8_t> bytes) {
     }
     const std::size_t rateIndex = bytes[2] >> 2 & 0x0F;
     const std::int32_t length = (bytes[3] & 0x03) << 11 | bytes[4] << 3 | bytes[5] >> 5;
-    const bool hasChecksum = (bytes[1] & 0x01) == 0;
-    if (rateIndex >= adtsRates.size() || length <= (hasChecksum ? 9 : 7)) {
+    if (rateIndex >= adtsRates.size() || length <= static_cast<std::int32_t>(adtsHeaderBytes(bytes))) {
         return std::nullopt;
     }
     const std::int32_t blocks = (bytes[6] & 0x03) + 1;
     const std::uint32_t kind = static_cast<std::uint32_t>(bytes[1] & 0x1E) << 8 | (bytes[2] & 0xFCU);
-    return AudioFrame{length, blocks * samplesOfBlock, adtsRates[rateIndex], kind, false};
+    return AudioFrame{length, blocks * samplesOfBlock, adtsRates[rateIndex], 0, kind, false, true};
 }
 
 } // namespace
@@ -112,7 +122,32 @@ std::optional<AudioFrame> parseFrame(std::span<const std::uint8_t> bytes, std::i
         return std::nullopt;
     }
     const std::uint32_t kind = static_cast<std::uint32_t>(bytes[1] & 0x1E) << 8 | (bytes[2] & 0x0CU);
-    return AudioFrame{length + padding, samples, rate, kind, layer == 3};
+    return AudioFrame{length + padding, samples, rate, bits, kind, layer == 3};
+}
+
+bool holdsOnlyFilling(std::span<const std::uint8_t> frame) {
+    constexpr std::uint32_t filling = 6;
+    constexpr std::uint32_t endOfBlock = 7;
+    if (frame.size() < frameHeaderBytes) {
+        return false;
+    }
+    std::size_t at = 8 * adtsHeaderBytes(frame); // in bits
+    const auto take = [frame, &at](int bits) {
+        std::uint32_t value = 0;
+        for (; bits > 0; --bits, ++at) {
+            const std::uint32_t byte = at / 8 < frame.size() ? frame[at / 8] : 0U;
+            value = value << 1 | (byte >> (7 - at % 8) & 1U);
+        }
+        return value;
+    };
+    std::uint32_t element = take(3);
+    while (element == filling) {
+        std::uint32_t size = take(4);
+        size += size == 15 ? take(8) - 1 : 0;
+        at += 8 * std::size_t{size};
+        element = take(3);
+    }
+    return element == endOfBlock;
 }
 
 std::optional<std::int32_t> freeFormatBytes(std::span<const std::uint8_t> bytes) {

@@ -15,10 +15,13 @@ struct AudioFrame {
     std::int32_t bytes = 0;   ///< with its header, always positive
     std::int32_t samples = 0; ///< of one channel, always positive
     std::int32_t rate = 0;    ///< samples a second, always positive
+    std::int32_t bitRate = 0; ///< bits a second; 0 where a frame does not say: free format, ADTS
     std::uint32_t kind = 0;   ///< equal for frames of one stream: version, layer, rate
 
     /// MPEG layer 3, the one that may begin with a frame of statements instead of sound.
     bool isLayer3 = false;
+
+    bool isAdts = false;
 };
 
 inline constexpr std::size_t frameHeaderBytes = 7; ///< the longer of the two, ADTS
@@ -26,6 +29,10 @@ inline constexpr std::size_t frameHeaderBytes = 7; ///< the longer of the two, A
 /// The frame whose header `bytes` begin with. `freeBytes` is the length of a frame of "free format", which
 /// does not state its own, without padding; 0 refuses such frames. Absent if `bytes` are no header.
 std::optional<AudioFrame> parseFrame(std::span<const std::uint8_t> bytes, std::int32_t freeBytes = 0);
+
+/// True if `frame`, a whole one of ADTS, holds nothing but filling, as some encoders start with: it decodes
+/// to no samples.
+bool holdsOnlyFilling(std::span<const std::uint8_t> frame);
 
 /// The `freeBytes` of the stream that `bytes`, a few frames, begin with, learnt from the distance of its
 /// headers. Absent if it is no free format.

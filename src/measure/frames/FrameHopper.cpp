@@ -22,10 +22,12 @@ constexpr std::size_t lookAhead = 64 << 10; // more than a chain of the longest 
 // A tag is stepped over, at the price of one read at most.
 constexpr std::int64_t maxTagPrice = SlidingWindow::windowBytes;
 
-constexpr int expectedChain = 3; // frames in a row where one is expected
-constexpr int searchedChain = 6; // frames in a row anywhere; tables of numbers make shorter chains
+constexpr int firstChain = 2;    // frames in a row at the very start
+constexpr int nextChain = 3;     // after a gap between frames
+constexpr int searchedChain = 6; // anywhere; tables of numbers make shorter chains
 
-/// True if `bytes` begin with `count` frames of one kind, or with at least one and end exactly with a frame.
+/// True if `bytes` begin with `count` frames of one kind, or with fewer that end exactly where `bytes` do or
+/// where a tag begins: chance seldom meets such a place.
 bool beginsChain(Bytes bytes, int count, std::int32_t freeBytes) {
     const auto first = parseFrame(bytes, freeBytes);
     std::optional<AudioFrame> frame = first;
@@ -38,6 +40,9 @@ bool beginsChain(Bytes bytes, int count, std::int32_t freeBytes) {
             return false;
         }
         bytes = bytes.subspan(length);
+        if (tagBytesAt(bytes) > 0) {
+            return true;
+        }
         frame = parseFrame(bytes, freeBytes);
     }
     return false;
@@ -70,8 +75,9 @@ public:
             if (bytes.empty()) {
                 return false;
             }
-            const std::int64_t tag = tagBytesAt(bytes);
+            const std::int64_t tag = std::min(tagBytesAt(bytes), m_window.end() - m_position);
             const std::int64_t skipped = tag > 0 ? tag : junkBytes(bytes);
+            m_tagBytes += tag;
             m_position += skipped;
             if (!m_reader.spend(std::min<std::int64_t>(skipped, maxTagPrice))) {
                 return false;
@@ -82,7 +88,9 @@ public:
 
     FrameSum sum(const FrameVisit& visit) {
         FrameSum sum;
+        const std::int64_t start = m_position;
         std::int64_t samples = 0; // since the rate last changed
+        std::int64_t run = 0;
         AudioFrame last;
         while (const auto frame = next(last.kind)) {
             if (frame->rate != last.rate && last.rate != 0) {
@@ -90,30 +98,31 @@ public:
                 samples = 0;
             }
             if (visit) {
-                const std::int64_t at = m_position - frame->bytes;
-                const auto length = static_cast<std::size_t>(frame->bytes);
-                const Bytes bytes = m_window.from(at, length);
-                visit(at, *frame, bytes.first(std::min(bytes.size(), length)));
+                visit(m_position - frame->bytes, *frame, passedBytes(*frame));
             }
+            run = m_hasLeapt ? 1 : run + 1;
+            sum.longestRun = std::max(sum.longestRun, run);
             last = *frame;
-            samples += frame->samples;
+            samples += frame->isAdts && holdsOnlyFilling(passedBytes(*frame)) ? 0 : frame->samples;
             ++sum.frames;
             sum.bytes += frame->bytes;
         }
         if (last.rate != 0) {
             sum.seconds += static_cast<double>(samples) / last.rate;
         }
+        sum.junkBytes = m_window.end() - start - sum.bytes - m_tagBytes;
         return sum;
     }
 
 private:
     /// The whole frame at the position, or at the next one where frames go on; the position is then after
-    /// it.
+    /// it. `kind` is that of the frame before, 0 if there is none.
     std::optional<AudioFrame> next(std::uint32_t kind) {
         Bytes bytes = m_window.from(m_position, frameHeaderBytes);
         std::optional<AudioFrame> frame = parseFrame(bytes, m_freeBytes);
-        if (!frame || frame->kind != kind) {
-            if (!synchronise(expectedChain)) {
+        m_hasLeapt = !frame || (frame->kind != kind && kind != 0);
+        if (m_hasLeapt) {
+            if (!synchronise(nextChain)) {
                 return std::nullopt;
             }
             bytes = m_window.from(m_position, frameHeaderBytes);
@@ -124,6 +133,13 @@ private:
         }
         m_position += frame->bytes;
         return frame;
+    }
+
+    /// `frame`, which ends at the position.
+    Bytes passedBytes(const AudioFrame& frame) {
+        const auto length = static_cast<std::size_t>(frame.bytes);
+        const Bytes bytes = m_window.from(m_position - frame.bytes, length);
+        return bytes.first(std::min(bytes.size(), length));
     }
 
     /// How far to the next byte that can begin a frame or a tag. Positive.
@@ -140,12 +156,14 @@ private:
     SlidingWindow m_window;
     std::int64_t m_position;
     std::int32_t m_freeBytes = 0;
+    std::int64_t m_tagBytes = 0; // stepped over
+    bool m_hasLeapt = false;     // over something, to the last frame
 };
 
 } // namespace
 
 bool isFrameAt(GuardedReader& reader, std::int64_t start, std::int64_t end) {
-    return Hopper(reader, start, end).isAtChain(expectedChain);
+    return Hopper(reader, start, end).isAtChain(firstChain);
 }
 
 std::optional<std::int64_t> findFrame(GuardedReader& reader, std::int64_t start, std::int64_t end) {

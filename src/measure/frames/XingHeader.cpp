@@ -4,6 +4,7 @@
 #include "measure/bytes/Magic.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 namespace velmora {
@@ -25,7 +26,9 @@ using Bytes = std::span<const std::uint8_t>;
 //       10     4  bytes
 //       14     4  frames
 //
-// Xing, after the frame header and the side information:
+// Xing, after the frame header and the side information, whose size depends on the version, on the channels
+// and on whether a checksum stands before it. Encoders disagree about the last, and some leave a frame of one
+// channel before the frames of two: so each place is looked at, whatever the frame header says.
 //
 //   offset  size  field
 //        0     4  "Xing" or "Info"
@@ -60,13 +63,19 @@ constexpr std::size_t lameSize = 24;
 constexpr std::int64_t decoderDelay =
     529; // samples that every layer 3 decoder adds, not counted by the encoder
 
-/// Bytes between the frame header and the audio (ISO/IEC 11172-3 section 2.4.1.7, 13818-3 section 2.4.1.7).
-std::size_t sideInformationBytes(Bytes frame) {
-    constexpr std::uint8_t version1 = 0x18;      // of byte 1
-    constexpr std::uint8_t singleChannel = 0xC0; // of byte 3
-    const bool isVersion1 = (frame[1] & version1) == version1;
-    const bool isMono = (frame[3] & singleChannel) == singleChannel;
-    return isVersion1 ? (isMono ? 17 : 32) : (isMono ? 9 : 17);
+/// Bytes that may stand between the frame header and the statement (ISO/IEC 11172-3 section 2.4.1.7, 13818-3
+/// section 2.4.1.7): the side information of one and of two channels, with and without two of checksum.
+constexpr auto bytesBeforeXing = std::to_array<std::size_t>({32, 17, 9, 34, 19, 11});
+
+/// From "Xing" or "Info" on; empty if neither stands in `frame`, which is long enough for the last place.
+Bytes findXing(Bytes frame) {
+    for (const std::size_t before : bytesBeforeXing) {
+        const Bytes xing = frame.subspan(layer3HeaderBytes + before);
+        if (matches(xing, "Xing") || matches(xing, "Info")) {
+            return xing;
+        }
+    }
+    return {};
 }
 
 void parseLame(Bytes lame, XingHeader& header) {
@@ -88,8 +97,8 @@ std::optional<XingHeader> parseXing(Bytes frame) {
     if (const Bytes vbri = frame.subspan(vbriAt); matches(vbri, "VBRI")) {
         return XingHeader{be32(vbri, vbriFramesAt), be32(vbri, vbriBytesAt), 0, 0};
     }
-    Bytes xing = frame.subspan(layer3HeaderBytes + sideInformationBytes(frame));
-    if ((!matches(xing, "Xing") && !matches(xing, "Info")) || xing.size() < xingFieldsAt) {
+    Bytes xing = findXing(frame);
+    if (xing.empty()) {
         return std::nullopt;
     }
     const std::uint32_t flags = be32(xing, xingFlagsAt);

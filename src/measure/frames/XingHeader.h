@@ -12,7 +12,7 @@
 namespace velmora {
 
 struct XingHeader {
-    std::optional<std::int64_t> frames; ///< not counting this one
+    std::optional<std::int64_t> frames; ///< not counting this one, as most encoders mean it
     std::optional<std::int64_t> bytes;  ///< from the start of this frame to the end of the audio
     std::int64_t startTrim = 0;         ///< samples that a player leaves out at the start
     std::int64_t endTrim = 0;           ///< and at the end
