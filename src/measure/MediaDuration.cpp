@@ -2,6 +2,7 @@
 
 #include "measure/bytes/AudioTags.h"
 #include "measure/bytes/GuardedReader.h"
+#include "measure/formats/FlacDuration.h"
 #include "measure/formats/FormatTable.h"
 #include "measure/formats/Sd2Duration.h"
 #include "measure/frames/FrameStreamDuration.h"
@@ -86,6 +87,9 @@ MediaAnswer contentAnswer(GuardedReader& reader, const std::filesystem::path& na
     }
     if (const auto timing = frameStreamDuration(reader, start, findTrailingTags(reader, start))) {
         return answerOf(timing, bareFrames, reader);
+    }
+    if (const auto timing = bareFlacDuration(reader, start)) {
+        return answerOf(timing, "FLAC", reader);
     }
     return probedAnswer(reader, start, name);
 }

@@ -40,11 +40,17 @@ std::uint64_t checksum(const std::string& bytes, unsigned bits, std::uint64_t po
 
 enum class Blocks : std::uint8_t { ofFixedSize, ofAnySize };
 
-/// A frame that says it holds `samples` of the stream's rate; `number` is below 0x800.
-std::string frame(std::uint64_t number, std::uint64_t samples, Blocks blocks = Blocks::ofFixedSize) {
+// Codes of sample rates.
+constexpr std::uint64_t ofStream = 0;
+constexpr std::uint64_t of44k = 9;
+constexpr std::uint64_t of48k = 10;
+
+/// A frame that says it holds `samples`; `number` is below 0x800.
+std::string frame(std::uint64_t number, std::uint64_t samples, Blocks blocks = Blocks::ofFixedSize,
+                  std::uint64_t rate = ofStream) {
     const std::string coded = be(0xC0 | number >> 6, 1) + be(0x80 | (number & 0x3F), 1);
-    const std::string header = (blocks == Blocks::ofFixedSize ? "\xFF\xF8"s : "\xFF\xF9"s) + be(0x70, 1) +
-                               be(0x18, 1) + coded + be(samples - 1, 2);
+    const std::string header = (blocks == Blocks::ofFixedSize ? "\xFF\xF8"s : "\xFF\xF9"s) +
+                               be(0x70 | rate, 1) + be(0x18, 1) + coded + be(samples - 1, 2);
     const std::string bytes = header + be(checksum(header, 8, 0x07), 1) + times(40, "x");
     return bytes + be(checksum(bytes, 16, 0x8005), 2);
 }
@@ -67,13 +73,28 @@ std::optional<FlacFrame> frameOf(int codes, const std::string& extra, std::int32
     return parsed(frameHeader(codes, extra, coded, sync), rate);
 }
 
+/// The rate that a frame of no stream states; 0 if it is none.
+std::int32_t rateOf(int codes, const std::string& extra) {
+    const std::optional<FlacFrame> frame = frameOf(codes, extra, 0);
+    return frame ? frame->rate : 0;
+}
+
+/// `count` frames of 4,096 samples of the rate `rate`, numbered from 0.
+std::string framesOf(std::uint64_t count, std::uint64_t rate) {
+    std::string frames;
+    for (std::uint64_t number = 0; number < count; ++number) {
+        frames += frame(number, 4'096, Blocks::ofFixedSize, rate);
+    }
+    return frames;
+}
+
 std::string block(std::uint8_t type, const std::string& content, bool isLast = false) {
     return be(type | (isLast ? 0x80U : 0U), 1) + be(content.size(), 3) + content;
 }
 
 /// The content of STREAMINFO: 44.1 kHz, 16 bits, stereo.
-std::string streamInfo(std::uint64_t blockSamples, std::uint64_t samples) {
-    return be(blockSamples, 2) + be(blockSamples, 2) + zeros(6) +
+std::string streamInfo(std::uint64_t blockSamples, std::uint64_t samples, std::uint64_t maxFrameBytes = 0) {
+    return be(blockSamples, 2) + be(blockSamples, 2) + zeros(3) + be(maxFrameBytes, 3) +
            be(44'100ULL << 44 | 1ULL << 41 | 15ULL << 36 | samples, 8) + zeros(16);
 }
 
@@ -153,6 +174,78 @@ TEST(Flac, FindsStreaminfoAfterOtherBlocks) {
                              block(0, streamInfo(4'096, 4'196), true) + frames;
     EXPECT_NEAR(secondsOf(file), 4'196 / 44'100.0, 1e-9);
     EXPECT_TRUE(is<Unknown>(answerFor("fLaC" + block(4, zeros(8), true) + frames))) << "without any";
+    EXPECT_NEAR(secondsOf("fLaC" + block(4, zeros(8), true) + framesOf(3, of48k)), 3 * 4'096 / 48'000.0, 1e-9)
+        << "whose place a frame takes";
+}
+
+TEST(Flac, HasTheRateThatItsFramesState) {
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 0, framesOf(5, of48k))), 5 * 4'096 / 48'000.0, 1e-9);
+}
+
+TEST(Flac, WhoseRateChangesAddsItsParts) {
+    const std::string changing = framesOf(30, of44k) + framesOf(20, of48k) + framesOf(10, of44k);
+    const double seconds = 40 * 4'096 / 44'100.0 + 20 * 4'096 / 48'000.0;
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 0, changing + framesOf(4, of48k))), seconds + 4 * 4'096 / 48'000.0,
+                1e-9);
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 30 * 4'096, changing)), seconds, 1e-9)
+        << "and comes back, where the header states less";
+    std::string numberedOn = frame(0, 50, Blocks::ofAnySize, of44k) + frame(50, 50, Blocks::ofAnySize, of44k);
+    numberedOn += frame(100, 50, Blocks::ofAnySize, of48k) + frame(150, 50, Blocks::ofAnySize, of48k);
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 0, numberedOn)), 100 / 44'100.0 + 100 / 48'000.0, 1e-9)
+        << "and the numbers go on";
+}
+
+TEST(Flac, ThatWasJoinedIsTheSumOfItsParts) {
+    const std::string one = encoded("flac");
+    const std::string other = madeOfFlac(R"(ffmpeg -v error -t 7 -i "$IN" -c:a flac "$OUT")");
+    const std::string small = madeOfFlac(R"(flac -s -b 1152 --until=400000 -o "$OUT" "$IN")");
+    const double both = secondsOf(one) + secondsOf(other);
+    EXPECT_NEAR(secondsOf(one + other), both, 1e-9);
+    EXPECT_NEAR(secondsOf(other + one), both, 1e-9);
+    EXPECT_NEAR(secondsOf(one + small + other), both + secondsOf(small), 1e-9) << "of other blocks";
+    EXPECT_NEAR(secondsOf(one + other + "TAG" + zeros(125)), both, 1e-9);
+    const std::string frames = framesOf(100, of44k);
+    const std::string even =
+        "fLaC" + block(0, streamInfo(4'096, 100 * 4'096, frames.size() / 100), true) + frames;
+    EXPECT_NEAR(secondsOf(even + even), 2 * secondsOf(even), 1e-9) << "more bytes than one of them can have";
+}
+
+TEST(Flac, WithoutAFileHeaderIsItsFrames) {
+    const std::string file = encoded("flac");
+    const std::string frames = file.substr(file.find("\xFF\xF8"));
+    EXPECT_NEAR(secondsOf(frames), twelveSeconds.seconds(), 1e-9);
+    EXPECT_NEAR(secondsOf(frames + "TAG" + zeros(125)), twelveSeconds.seconds(), 1e-9);
+    const std::string half = frames.substr(0, frames.size() / 2);
+    EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 1e-6) << "cut off";
+    EXPECT_NEAR(secondsOf(frame(0, 900, Blocks::ofFixedSize, of48k)), 900 / 48'000.0, 1e-9) << "only one";
+    const std::string unknown = framesOf(3, ofStream);
+    const Bytes bytes(unknown.begin(), unknown.end());
+    GuardedReader reader(sourceOf(std::span(bytes)), {});
+    EXPECT_FALSE(bareFlacDuration(reader, 0)) << "which none of them states";
+}
+
+TEST(Flac, IsNotTakenForAdts) {
+    // ADTS of MPEG-2 begins with the sync word of FLAC.
+    const std::string command = R"(ffmpeg -v error -i "$IN" -c:a aac -f adts "$OUT")";
+    std::string file = encoded("aac", command);
+    const double seconds = secondsOf(file);
+    EXPECT_NEAR(seconds, twelveSeconds.seconds(), 0.1);
+    for (std::size_t at = 0; at + 6 < file.size();) {
+        const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(file[at + i]); };
+        const std::size_t length = (byte(3) & 3U) << 11 | byte(4) << 3U | byte(5) >> 5U;
+        file[at + 1] = '\xF9';
+        at += length;
+    }
+    EXPECT_NEAR(secondsOf(file), seconds, 1e-9);
+}
+
+TEST(Flac, CostsNoReadMoreWhereItsClockRunsThrough) {
+    const std::string file = encoded("flac", R"(flac -s -o "$OUT" "$IN")");
+    std::vector<Read> reads;
+    const Bytes bytes(file.begin(), file.end());
+    GuardedReader reader(counted(bytes, reads), {});
+    ASSERT_TRUE(flacDuration(reader, 0));
+    EXPECT_EQ(reads.size(), 3U) << "the head, what follows the padding, the tail";
 }
 
 TEST(Flac, CostsOneReadMoreForAPictureAndPadding) {
@@ -183,21 +276,27 @@ TEST(FlacFrame, SaysItsSamplesInEachWay) {
     EXPECT_FALSE(frameOf(0, "")) << "a reserved code";
 }
 
-TEST(FlacFrame, HasTheRateOfItsStream) {
+TEST(FlacFrame, HasItsRateOrThatOfItsStream) {
     const std::vector<std::int32_t> byCode = {0,      88'200, 176'400, 192'000, 8'000,  16'000,
                                               22'050, 24'000, 32'000,  44'100,  48'000, 96'000};
     for (int code = 1; code < std::ssize(byCode); ++code) {
         const std::int32_t rate = byCode[static_cast<std::size_t>(code)];
-        EXPECT_TRUE(frameOf(0x10 | code, "", rate)) << code;
-        EXPECT_FALSE(frameOf(0x10 | code, "", rate + 50)) << code;
+        EXPECT_EQ(rateOf(0x10 | code, ""), rate) << code;
     }
-    EXPECT_TRUE(frameOf(0x1C, be(44, 1), 44'000));
-    EXPECT_FALSE(frameOf(0x1C, be(45, 1), 44'000));
-    EXPECT_TRUE(frameOf(0x1D, be(44'056, 2), 44'056));
-    EXPECT_FALSE(frameOf(0x1D, be(44'057, 2), 44'056));
-    EXPECT_TRUE(frameOf(0x1E, be(9'600, 2), 96'000));
-    EXPECT_FALSE(frameOf(0x1E, be(9'601, 2), 96'000));
-    EXPECT_FALSE(frameOf(0x1F, "")) << "a forbidden code";
+    EXPECT_EQ(rateOf(0x1C, be(45, 1)), 45'000);
+    EXPECT_EQ(rateOf(0x1D, be(44'057, 2)), 44'057);
+    EXPECT_EQ(rateOf(0x1E, be(9'601, 2)), 96'010);
+    EXPECT_EQ(frameOf(0x10, "", 12'345)->rate, 12'345) << "of its stream";
+    EXPECT_EQ(rateOf(0x1F, ""), 0) << "a forbidden code";
+    EXPECT_EQ(rateOf(0x1C, be(0, 1)), 0);
+}
+
+TEST(FlacFrame, HasNoReservedBits) {
+    for (const auto& [codes, isFrame] :
+         {std::pair(0x18, true), {0x16, false}, {0x19, false}, {0xB8, false}}) {
+        const std::string header = "\xFF\xF8\x19"s + be(static_cast<std::uint64_t>(codes), 1) + "\x05";
+        EXPECT_EQ(parsed(header + be(checksum(header, 8, 0x07), 1), 44'100).has_value(), isFrame) << codes;
+    }
 }
 
 TEST(FlacFrame, IsNumberedLikeTextInUtf8) {

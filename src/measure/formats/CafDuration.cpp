@@ -94,7 +94,8 @@ std::optional<Description> parseDescription(Bytes chunk) {
 }
 
 std::optional<FlacFrame> flacFrameAt(GuardedReader& reader, std::int64_t at, const FlacStreamInfo& stream) {
-    return parseFlacFrame(reader.headerUpTo(at, maxFlacHeaderBytes), stream);
+    const auto frame = parseFlacFrame(reader.headerUpTo(at, maxFlacHeaderBytes), stream);
+    return frame && frame->rate == stream.rate ? frame : std::nullopt;
 }
 
 /// FLAC numbers its frames.

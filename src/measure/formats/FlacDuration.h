@@ -11,8 +11,14 @@
 
 namespace velmora {
 
-/// Times the FLAC stream at `start`. Of a file that was cut off only the whole frames count. Zero if neither
-/// a statement nor a frame is found; absent without STREAMINFO.
+/// Times the FLAC stream at `start`. Of a file that was cut off only the whole frames count; files that were
+/// joined and rates that change add up (FlacClock.h). Zero if neither a statement nor a frame is found;
+/// absent if neither STREAMINFO nor the first frame tells the sample rate.
 std::optional<Timing> flacDuration(GuardedReader& reader, std::int64_t start);
+
+/// Times the frames of FLAC that begin at `start` without a file header, as a cut stream has them. Absent if
+/// none does, or if it does not tell its sample rate. Their sync word is that of ADTS, too, which is to be
+/// asked before.
+std::optional<Timing> bareFlacDuration(GuardedReader& reader, std::int64_t start);
 
 } // namespace velmora

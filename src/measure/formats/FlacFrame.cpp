@@ -12,7 +12,8 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// A frame is recognised by its sync word, the sample rate of the stream, and the checksum of its header.
+// A frame is recognised by its sync word, the checksum of its header, and the sample rate of the stream or a
+// frame before that it follows.
 //
 // STREAMINFO (RFC 9639, section 8.2), the highest byte of a number first:
 //
@@ -54,6 +55,7 @@ constexpr std::uint8_t fixedSync = 0xF8;
 constexpr std::uint8_t variableSync = 0xF9;
 constexpr std::size_t codedNumberAt = 4;
 constexpr int maxChannelsCode = 10;
+constexpr int reservedBitsCode = 3;
 
 // Block size codes (section 9.1.1, table 14).
 constexpr int reservedBlockCode = 0;
@@ -151,21 +153,26 @@ std::optional<std::int64_t> blockSamples(int code, HeaderCursor& cursor) {
     }
 }
 
-/// Whether the sample rate that `code` stands for is `rate`.
-bool hasRate(int code, HeaderCursor& cursor, std::int32_t rate) {
+/// The sample rate that `code` stands for; absent if it is none, or not stated by the stream either.
+std::optional<std::int32_t> sampleRate(int code, HeaderCursor& cursor, std::int32_t streamRate) {
+    std::int64_t rate = 0;
     switch (code) {
     case streamRateCode:
-        return true;
+        rate = streamRate;
+        break;
     case kilohertzCode:
-        return cursor.integer(1) == rate / 1000;
+        rate = cursor.integer(1).value_or(0) * 1000;
+        break;
     case hertzCode:
-        return cursor.integer(2) == rate;
+        rate = cursor.integer(2).value_or(0);
+        break;
     case tenHertzCode:
-        return cursor.integer(2) == rate / 10;
+        rate = cursor.integer(2).value_or(0) * 10;
+        break;
     default:
-        return code < static_cast<int>(ratesByCode.size()) &&
-               ratesByCode[static_cast<std::size_t>(code)] == rate;
+        rate = code < static_cast<int>(ratesByCode.size()) ? ratesByCode[static_cast<std::size_t>(code)] : 0;
     }
+    return rate > 0 ? std::optional(static_cast<std::int32_t>(rate)) : std::nullopt;
 }
 
 } // namespace
@@ -175,22 +182,22 @@ std::optional<FlacStreamInfo> parseStreamInfo(Bytes block) {
         return std::nullopt;
     }
     const std::uint64_t packed = be64(block, packedAt);
-    const FlacStreamInfo info{
+    return FlacStreamInfo{
         be16(block, maxBlockAt), static_cast<std::int32_t>(be32(block, maxFrameAt) & 0xFF'FFFF),
         static_cast<std::int32_t>(packed >> rateShift), static_cast<std::int64_t>(packed & samplesMask)};
-    return info.rate > 0 ? std::optional(info) : std::nullopt;
 }
 
 std::optional<FlacFrame> parseFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {
     if (bytes.size() < minHeaderBytes || bytes[0] != firstSync ||
         (bytes[1] != fixedSync && bytes[1] != variableSync) || (bytes[3] & 0x01) != 0 ||
-        bytes[3] >> 4 > maxChannelsCode) {
+        bytes[3] >> 4 > maxChannelsCode || (bytes[3] >> 1 & 0x07) == reservedBitsCode) {
         return std::nullopt;
     }
     HeaderCursor cursor(bytes);
     const auto number = cursor.codedNumber();
     const auto samples = number ? blockSamples(bytes[2] >> 4, cursor) : std::nullopt;
-    if (!samples || !hasRate(bytes[2] & 0x0F, cursor, stream.rate)) {
+    const auto rate = samples ? sampleRate(bytes[2] & 0x0F, cursor, stream.rate) : std::nullopt;
+    if (!rate) {
         return std::nullopt;
     }
     const std::size_t length = cursor.position();
@@ -199,12 +206,14 @@ std::optional<FlacFrame> parseFlacFrame(Bytes bytes, const FlacStreamInfo& strea
     }
     const bool isFixed = bytes[1] == fixedSync;
     return FlacFrame{.firstSample = isFixed ? *number * stream.blockSamples : *number,
+                     .number = *number,
                      .samples = *samples,
+                     .rate = *rate,
                      .hasFixedSize = isFixed};
 }
 
-std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {
-    for (std::size_t at = bytes.size(); at-- > 0;) {
+std::optional<FlacFrame> flacFrameBefore(Bytes bytes, std::size_t end, const FlacStreamInfo& stream) {
+    for (std::size_t at = end; at-- > 0;) {
         if (bytes[at] != firstSync) {
             continue;
         }
@@ -215,6 +224,24 @@ std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream
         }
     }
     return std::nullopt;
+}
+
+bool follows(const FlacFrame& next, const FlacFrame& frame) {
+    return next.rate == frame.rate && next.hasFixedSize == frame.hasFixedSize &&
+           next.number == frame.number + (frame.hasFixedSize ? 1 : frame.samples) &&
+           (!frame.hasFixedSize || next.samples <= frame.samples);
+}
+
+std::optional<FlacFrame> lastFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {
+    auto frame = flacFrameBefore(bytes, bytes.size(), stream);
+    while (frame && frame->rate != stream.rate) {
+        const auto before = flacFrameBefore(bytes, frame->at, stream);
+        if (before && follows(*frame, *before)) {
+            break;
+        }
+        frame = before;
+    }
+    return frame;
 }
 
 bool isWholeFlacFrame(Bytes frame) {

@@ -66,14 +66,16 @@ private:
     std::int64_t m_offset = 0;
 };
 
-/// The frame at `at`, which decides how many samples the blocks have: STREAMINFO may be of another file.
-std::optional<FlacFrame> firstFrame(HeadReader& head, std::int64_t at, FlacStreamInfo& stream) {
-    const auto bytes = head.bytes(at, maxFlacHeaderBytes);
+/// The frame that `bytes` begin with. What it states outranks `stream`, which may be of another file.
+std::optional<FlacFrame> firstFrame(std::span<const std::uint8_t> bytes, FlacStreamInfo& stream) {
     const auto frame = parseFlacFrame(bytes, stream);
-    if (!frame || !frame->hasFixedSize) {
-        return frame;
+    if (!frame) {
+        return std::nullopt;
     }
-    stream.blockSamples = static_cast<std::int32_t>(frame->samples);
+    stream.rate = frame->rate;
+    if (frame->hasFixedSize) {
+        stream.blockSamples = static_cast<std::int32_t>(frame->samples);
+    }
     return parseFlacFrame(bytes, stream);
 }
 
@@ -81,7 +83,7 @@ std::optional<FlacFrame> firstFrame(HeadReader& head, std::int64_t at, FlacStrea
 
 std::optional<FlacHead> readFlacHead(GuardedReader& reader, std::int64_t start) {
     HeadReader head(reader, start);
-    std::optional<FlacStreamInfo> stream;
+    std::optional<FlacStreamInfo> info;
     std::int64_t at = start + magicBytes;
     for (bool isLast = false; !isLast;) {
         const auto block = head.bytes(at, blockHeaderBytes);
@@ -93,17 +95,24 @@ std::optional<FlacHead> readFlacHead(GuardedReader& reader, std::int64_t start) 
         const bool isStreamInfo = (block[0] & ~lastBlockBit) == streamInfoType;
         const std::int64_t content = at + static_cast<std::int64_t>(blockHeaderBytes);
         at = content + (be32(block, 0) & sizeMask);
-        if (isStreamInfo && !stream) {
-            stream = parseStreamInfo(head.bytes(content, streamInfoBytes));
+        if (isStreamInfo && !info) {
+            info = parseStreamInfo(head.bytes(content, streamInfoBytes));
         }
     }
-    if (!stream) {
-        return std::nullopt;
-    }
-    FlacHead found{*stream, std::min(at, reader.size()), 0};
-    if (const auto frame = firstFrame(head, found.audioAt, found.stream)) {
+    FlacHead found{info.value_or(FlacStreamInfo()), std::min(at, reader.size()), 0};
+    if (const auto frame = firstFrame(head.bytes(found.audioAt, maxFlacHeaderBytes), found.stream)) {
         found.firstSample = frame->firstSample;
     }
+    return found.stream.rate > 0 ? std::optional(found) : std::nullopt;
+}
+
+std::optional<FlacHead> readBareFlacHead(GuardedReader& reader, std::int64_t start) {
+    FlacHead found{.stream = {}, .audioAt = start};
+    const auto frame = firstFrame(reader.headerUpTo(start, maxFlacHeaderBytes), found.stream);
+    if (!frame) {
+        return std::nullopt;
+    }
+    found.firstSample = frame->firstSample;
     return found;
 }
 
