@@ -50,6 +50,8 @@ constexpr std::uint8_t syncByte = 0xFF;
 constexpr std::uint8_t syncMask = 0xE0;
 constexpr std::size_t mpegHeaderBytes = 4;
 constexpr std::size_t checksumBytes = 2;
+constexpr std::uint32_t filling = 6;
+constexpr std::uint32_t endOfBlock = 7;
 
 using KilobitRow = std::array<std::int16_t, 15>; // by bit rate index; 0 is free format
 
@@ -86,12 +88,14 @@ std::optional<AudioFrame> parseAdts(std::span<const std::uint8_t> bytes) {
     }
     const std::size_t rateIndex = bytes[2] >> 2 & 0x0F;
     const std::int32_t length = (bytes[3] & 0x03) << 11 | bytes[4] << 3 | bytes[5] >> 5;
-    if (rateIndex >= adtsRates.size() || length <= static_cast<std::int32_t>(adtsHeaderBytes(bytes))) {
+    const std::size_t header = adtsHeaderBytes(bytes);
+    if (rateIndex >= adtsRates.size() || length <= static_cast<std::int32_t>(header)) {
         return std::nullopt;
     }
     const std::int32_t blocks = (bytes[6] & 0x03) + 1;
     const std::uint32_t kind = static_cast<std::uint32_t>(bytes[1] & 0x1E) << 8 | (bytes[2] & 0xFCU);
-    return AudioFrame{length, blocks * samplesOfBlock, adtsRates[rateIndex], 0, kind, false, true};
+    const bool mayBeFilling = bytes.size() <= header || bytes[header] >= filling << 5;
+    return AudioFrame{length, blocks * samplesOfBlock, adtsRates[rateIndex], 0, kind, false, mayBeFilling};
 }
 
 } // namespace
@@ -126,8 +130,6 @@ std::optional<AudioFrame> parseFrame(std::span<const std::uint8_t> bytes, std::i
 }
 
 bool holdsOnlyFilling(std::span<const std::uint8_t> frame) {
-    constexpr std::uint32_t filling = 6;
-    constexpr std::uint32_t endOfBlock = 7;
     if (frame.size() < frameHeaderBytes) {
         return false;
     }

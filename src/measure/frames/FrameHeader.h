@@ -21,7 +21,8 @@ struct AudioFrame {
     /// MPEG layer 3, the one that may begin with a frame of statements instead of sound.
     bool isLayer3 = false;
 
-    bool isAdts = false;
+    /// ADTS of which `holdsOnlyFilling` may be true.
+    bool mayBeFilling = false;
 };
 
 inline constexpr std::size_t frameHeaderBytes = 7; ///< the longer of the two, ADTS

@@ -87,31 +87,30 @@ public:
     }
 
     FrameSum sum(const FrameVisit& visit) {
-        FrameSum sum;
         const std::int64_t start = m_position;
         std::int64_t samples = 0; // since the rate last changed
-        std::int64_t run = 0;
-        AudioFrame last;
-        while (const auto frame = next(last.kind)) {
-            if (frame->rate != last.rate && last.rate != 0) {
-                sum.seconds += static_cast<double>(samples) / last.rate;
+        std::int32_t rate = 0;
+        std::uint32_t kind = 0;
+        while (const auto frame = next(kind)) {
+            if (frame->rate != rate && rate != 0) {
+                m_sum.seconds += static_cast<double>(samples) / rate;
                 samples = 0;
             }
             if (visit) {
                 visit(m_position - frame->bytes, *frame, passedBytes(*frame));
             }
-            run = m_hasLeapt ? 1 : run + 1;
-            sum.longestRun = std::max(sum.longestRun, run);
-            last = *frame;
-            samples += frame->isAdts && holdsOnlyFilling(passedBytes(*frame)) ? 0 : frame->samples;
-            ++sum.frames;
-            sum.bytes += frame->bytes;
+            rate = frame->rate;
+            kind = frame->kind;
+            samples += frame->mayBeFilling && holdsOnlyFilling(passedBytes(*frame)) ? 0 : frame->samples;
+            ++m_sum.frames;
+            m_sum.bytes += frame->bytes;
         }
-        if (last.rate != 0) {
-            sum.seconds += static_cast<double>(samples) / last.rate;
+        if (rate != 0) {
+            m_sum.seconds += static_cast<double>(samples) / rate;
         }
-        sum.junkBytes = m_window.end() - start - sum.bytes - m_tagBytes;
-        return sum;
+        endRun();
+        m_sum.junkBytes = m_window.end() - start - m_sum.bytes - m_tagBytes;
+        return m_sum;
     }
 
 private:
@@ -120,8 +119,8 @@ private:
     std::optional<AudioFrame> next(std::uint32_t kind) {
         Bytes bytes = m_window.from(m_position, frameHeaderBytes);
         std::optional<AudioFrame> frame = parseFrame(bytes, m_freeBytes);
-        m_hasLeapt = !frame || (frame->kind != kind && kind != 0);
-        if (m_hasLeapt) {
+        if (!frame || (frame->kind != kind && kind != 0)) {
+            endRun();
             if (!synchronise(nextChain)) {
                 return std::nullopt;
             }
@@ -133,6 +132,11 @@ private:
         }
         m_position += frame->bytes;
         return frame;
+    }
+
+    void endRun() {
+        m_sum.longestRun = std::max(m_sum.longestRun, m_sum.frames - m_runStart);
+        m_runStart = m_sum.frames;
     }
 
     /// `frame`, which ends at the position.
@@ -157,7 +161,8 @@ private:
     std::int64_t m_position;
     std::int32_t m_freeBytes = 0;
     std::int64_t m_tagBytes = 0; // stepped over
-    bool m_hasLeapt = false;     // over something, to the last frame
+    FrameSum m_sum;
+    std::int64_t m_runStart = 0; // frames before the run
 };
 
 } // namespace
