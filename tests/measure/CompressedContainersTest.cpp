@@ -29,7 +29,40 @@ std::string apeFile(std::size_t frames, std::uint32_t lastBlocks) {
            times(frames * 1000, "x");
 }
 
+/// A book of two chapters of `bytes` each, in `codec`, with a picture as its first block.
+std::string audibleFile(const std::string& codec, std::uint32_t bytes) {
+    const auto pair = [](const std::string& key, const std::string& value) {
+        return zeros(1) + be(key.size(), 4) + be(value.size(), 4) + key + value;
+    };
+    const std::string words =
+        be(3, 4) + pair("title", times(300, "book ")) + pair("codec", codec) + pair("a", "b");
+    const std::string sound =
+        be(bytes, 4) + be(0, 4) + times(bytes, "x") + be(bytes, 4) + be(bytes, 4) + times(bytes, "x");
+    constexpr std::size_t wordsAt = 16 + 3 * 12 + 24;
+    const auto block = [](std::size_t index, std::size_t at, std::size_t size) {
+        return be(index, 4) + be(at, 4) + be(size, 4);
+    };
+    const std::string content = "\x57\x90\x75\x36"s + be(3, 4) + zeros(4) + block(0, wordsAt, 0x7FFF'FFFF) +
+                                block(1, wordsAt, words.size()) +
+                                block(2, wordsAt + words.size(), sound.size()) + zeros(24) + words + sound;
+    return be(content.size() + 4, 4) + content;
+}
+
 } // namespace
+
+TEST(Audible, IsTheBytesOfItsChapters) {
+    for (const auto& [codec, bytesInSecond] :
+         {std::pair("mp332", 4'000.0), {"acelp16", 2'000.0}, {"acelp85", 1'062.5}}) {
+        const std::string file = audibleFile(codec, 100'000);
+        EXPECT_NEAR(secondsOf(file), 200'000 / bytesInSecond, 1e-9) << codec;
+        EXPECT_NEAR(secondsOf(file.substr(0, file.size() - 60'000)), 140'000 / bytesInSecond, 1e-9)
+            << codec << ", cut off";
+        EXPECT_NEAR(secondsOf(file.substr(0, file.size() - 100'008)), 100'000 / bytesInSecond, 1e-9)
+            << codec << ", of one chapter";
+        EXPECT_TRUE(is<NothingPlays>(answerFor(file.substr(0, file.size() - 200'016), "book.aa")))
+            << codec << ", of none";
+    }
+}
 
 TEST(WavPack, IsItsSamplesWhateverItsHeaderSays) {
     const std::string file = encoded("wv");

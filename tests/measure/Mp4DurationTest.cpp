@@ -16,8 +16,8 @@ namespace {
 
 using namespace std::string_literals;
 
-constexpr std::size_t mdhdScaleAt = 16; // from the type of the box, in version 0
-constexpr std::size_t mdhdDurationAt = 20;
+constexpr int mdhdScaleAt = 16; // from the type of the box, in version 0
+constexpr int mdhdDurationAt = 20;
 
 /// Twelve seconds of AAC with the index first.
 std::string indexedFirst() {
@@ -25,8 +25,8 @@ std::string indexedFirst() {
 }
 
 /// `file` with the number of four bytes at `offset` from the type of its first box `type` replaced.
-std::string withNumber(std::string file, std::string_view type, std::size_t offset, std::uint32_t number) {
-    return file.replace(file.find(type) + offset, 4, be(number, 4));
+std::string withNumber(std::string file, std::string_view type, int offset, std::uint32_t number) {
+    return file.replace(file.find(type) + static_cast<std::size_t>(offset), 4, be(number, 4));
 }
 
 /// What iTunes notes of the samples around the sound.
@@ -137,6 +137,32 @@ TEST(Mp4, HoldsNoSampleBeyondItsEnd) {
     EXPECT_NEAR(secondsOf(withoutEdits(50, 50, "")), seconds(50), 1e-9);
     EXPECT_NEAR(secondsOf(withoutEdits(50, 7, "")), seconds(7), 1e-9)
         << "although the box of media data claims no more than there is";
+}
+
+TEST(Mp4, HoldsNoSampleBeyondItsEndInItsOnlyChunk) {
+    constexpr std::uint32_t frames = 676'000; // 15,697 seconds
+    std::string stub = withoutEdits(1, 1, "");
+    EXPECT_NEAR(secondsOf(stub), chunkFrames * 1'024 / 44'100.0, 1e-9);
+    stub = withNumber(stub, "mdhd", mdhdDurationAt, frames * 1'024);
+    stub = withNumber(withNumber(stub, "stts", 12, frames), "stsc", 16, frames);
+    stub = withNumber(stub, "stsz", 12, frames);
+    EXPECT_NEAR(secondsOf(stub), chunkFrames * 1'024 / 44'100.0, 1e-9) << "of one size";
+    EXPECT_NEAR(secondsOf(withNumber(stub, "mdhd", mdhdDurationAt, 0)), chunkFrames * 1'024 / 44'100.0, 1e-9)
+        << "as the sample table alone states";
+
+    const std::string file = indexedFirst();
+    const std::size_t data = file.find("mdat") - 4;
+    const std::string few = withNumber(file.substr(0, data + 3'000), "mdat", -4, 3'000);
+    EXPECT_NEAR(secondsOf(few), decodedSeconds(few), 0.05) << "of many sizes";
+    EXPECT_LT(secondsOf(few), 1);
+}
+
+TEST(Mp4, WhoseMediaDataStateNoSizeIsCutWhereTheFileEnds) {
+    const std::string file = withNumber(indexedFirst(), "mdat", -4, 0);
+    EXPECT_NEAR(secondsOf(file), twelveSeconds.seconds(), 0.001);
+    const std::string half = file.substr(0, file.size() / 2);
+    EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 0.05);
+    EXPECT_LT(secondsOf(half), twelveSeconds.seconds() * 0.7);
 }
 
 TEST(Mp4, LeavesOutWhatTheEncoderAdded) {

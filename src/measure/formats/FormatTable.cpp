@@ -6,6 +6,7 @@
 #include "measure/formats/ApeDuration.h"
 #include "measure/formats/AsfDuration.h"
 #include "measure/formats/AuDuration.h"
+#include "measure/formats/AudibleDuration.h"
 #include "measure/formats/CafDuration.h"
 #include "measure/formats/DsdDuration.h"
 #include "measure/formats/FlacDuration.h"
@@ -77,7 +78,7 @@ constexpr auto formatTable = std::to_array<Format>({
     {"ASF", "\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf", losslessSilence},
     {"RealMedia", ".RMF"sv, &realMediaDuration, "", slowestSpeech},
     {"RealAudio", ".ra\xFD"sv, nullptr, "rm", slowestSpeech},
-    {"Audible", "????\x57\x90\x75\x36"sv, nullptr, "aa", slowestSpeech},
+    {"Audible", "????\x57\x90\x75\x36"sv, &audibleDuration, "aa", slowestSpeech},
     {"True Audio", "TTA1"sv, nullptr, "tta", losslessSilence},
 });
 

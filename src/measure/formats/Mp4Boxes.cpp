@@ -33,6 +33,7 @@ std::optional<Mp4Box> mp4BoxAt(GuardedReader& reader, std::int64_t at, std::int6
         headerBytes = longHeader;
     } else if (size == 0) { // to the end
         size = rest;
+        box.isOpen = true;
     }
     if (size < static_cast<std::uint64_t>(headerBytes)) {
         return std::nullopt;

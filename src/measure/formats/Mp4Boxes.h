@@ -16,6 +16,7 @@ struct Mp4Box {
     std::int64_t content = 0; ///< where the content begins
     std::int64_t end = 0;     ///< where the next box begins, never beyond the parent's end
     bool isCutOff = false;    ///< the parent ends first
+    bool isOpen = false;      ///< its size is not stated: it goes on to the parent's end
 
     std::int64_t size() const { return end - content; }
 };

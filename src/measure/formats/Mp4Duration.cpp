@@ -18,7 +18,7 @@ namespace {
 /// The file's outermost boxes.
 struct Movie {
     std::optional<Mp4Box> box; ///< "moov"
-    bool isCutOff = false;     ///< media data are missing, or end after the end of the file
+    bool isCutOff = false;     ///< media data are missing, or may end after the end of the file
 };
 
 Movie readMovie(GuardedReader& reader, std::int64_t start) {
@@ -34,7 +34,7 @@ Movie readMovie(GuardedReader& reader, std::int64_t start) {
             movie.box = box;
         } else if (box->type == mp4Type("mdat")) {
             hasData = true;
-            movie.isCutOff |= box->isCutOff;
+            movie.isCutOff |= box->isCutOff || box->isOpen;
         }
         at = box->end;
     }
@@ -53,6 +53,13 @@ std::int64_t timeScaleOf(GuardedReader& reader, const Mp4Box& header) {
     return scale.empty() ? 0 : be32(scale, 0);
 }
 
+/// Whether the file is so small for what tells `seconds` that much of that may lie beyond its end: below the
+/// bit rates of music.
+bool isDoubtful(const GuardedReader& reader, double seconds) {
+    constexpr double minBytesInSecond = 1'000;
+    return seconds * minBytesInSecond > static_cast<double>(reader.size());
+}
+
 /// `movieScale` stands in for a track without a time scale of its own.
 Timing trackTiming(GuardedReader& reader, Mp4Track track, const Movie& movie, std::int64_t movieScale) {
     if (track.timeScale <= 0) {
@@ -68,8 +75,11 @@ Timing trackTiming(GuardedReader& reader, Mp4Track track, const Movie& movie, st
     };
     const auto stated =
         track.mediaDuration > 0 ? std::optional(secondsOf(track.mediaDuration)) : std::nullopt;
-    const bool isAllThere = !movie.isCutOff && beginsBefore(reader, track, reader.size());
+    bool isAllThere = !movie.isCutOff && beginsBefore(reader, track, reader.size());
     const std::int64_t all = isAllThere ? sampleTableDuration(reader, track) : 0;
+    if (isAllThere && isDoubtful(reader, secondsOf(std::max(all, track.mediaDuration)))) {
+        isAllThere = endsBefore(reader, track, reader.size());
+    }
     if (isAllThere && (all == 0 || all == track.mediaDuration) && stated) {
         return statedTiming(*stated);
     }

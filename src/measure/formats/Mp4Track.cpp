@@ -147,15 +147,6 @@ private:
     const bool m_areLong;
 };
 
-/// How many chunks begin before `end`, and where the last of them stands.
-std::pair<std::int64_t, std::int64_t> chunksBefore(GuardedReader& reader, const Mp4Box& sampleTable,
-                                                   std::int64_t end) {
-    const ChunkOffsets offsets(reader, sampleTable);
-    const std::int64_t chunks =
-        partitionPoint(offsets.count(), [&](std::int64_t i) { return offsets.at(i).value_or(end) < end; });
-    return {chunks, chunks > 0 ? offsets.at(chunks - 1).value_or(0) : 0};
-}
-
 /// The last of `chunks` chunks, by "stsc".
 Chunk lastChunk(GuardedReader& reader, const Table& runs, std::int64_t chunks, std::int64_t at) {
     Chunk chunk{at};
@@ -175,30 +166,44 @@ Chunk lastChunk(GuardedReader& reader, const Table& runs, std::int64_t chunks, s
     return chunk;
 }
 
-/// How many samples stand before `end`, by "stsz" for those of the last chunk.
-std::int64_t samplesBefore(GuardedReader& reader, const Mp4Box& sampleTable, std::int64_t end) {
-    const auto sizes = findMp4Box(reader, sampleTable, mp4Type("stsz"));
-    const auto runs = findTable(reader, sampleTable, "stsc");
-    const auto [chunks, at] = chunksBefore(reader, sampleTable, end);
-    if (!sizes || !runs || chunks == 0) {
-        return 0;
-    }
-    const Chunk chunk = lastChunk(reader, *runs, chunks, at);
-    const std::int64_t common = word(reader, *sizes, fullBoxBytes).value_or(0);
+/// How many samples of `chunk` end before `end`, by "stsz".
+std::int64_t samplesBefore(GuardedReader& reader, const Mp4Box& sizes, const Chunk& chunk, std::int64_t end) {
+    const std::int64_t common = word(reader, sizes, fullBoxBytes).value_or(0);
     if (common > 0) {
-        return chunk.firstSample + std::min(chunk.samples, (end - chunk.at) / common);
+        return std::min(chunk.samples, (end - chunk.at) / common);
     }
     std::int64_t whole = 0;
     std::int64_t position = chunk.at;
     while (whole < chunk.samples) {
-        const auto size = word(reader, *sizes, fullBoxBytes + 8 + (chunk.firstSample + whole) * 4);
+        const auto size = word(reader, sizes, fullBoxBytes + 8 + (chunk.firstSample + whole) * 4);
         if (!size || *size > end - position) {
             break;
         }
         position += *size;
         ++whole;
     }
-    return chunk.firstSample + whole;
+    return whole;
+}
+
+/// The samples that stand before a place in the file.
+struct Reach {
+    std::int64_t samples = 0;
+    bool isAll = true; ///< no chunk goes on after that place; also where there are no tables
+};
+
+Reach samplesBefore(GuardedReader& reader, const Mp4Box& sampleTable, std::int64_t end) {
+    const auto sizes = findMp4Box(reader, sampleTable, mp4Type("stsz"));
+    const auto runs = findTable(reader, sampleTable, "stsc");
+    const ChunkOffsets offsets(reader, sampleTable);
+    const std::int64_t chunks =
+        partitionPoint(offsets.count(), [&](std::int64_t i) { return offsets.at(i).value_or(end) < end; });
+    const bool isAll = chunks == offsets.count();
+    if (!sizes || !runs || chunks == 0) {
+        return {0, isAll};
+    }
+    const Chunk chunk = lastChunk(reader, *runs, chunks, offsets.at(chunks - 1).value_or(0));
+    const std::int64_t whole = samplesBefore(reader, *sizes, chunk, end);
+    return {chunk.firstSample + whole, isAll && whole == chunk.samples};
 }
 
 /// How long the first `samples` samples last, by "stts".
@@ -248,12 +253,16 @@ bool beginsBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end
     return offsets.count() == 0 || offsets.at(offsets.count() - 1).value_or(end) < end;
 }
 
+bool endsBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end) {
+    return !track.sampleTable || samplesBefore(reader, *track.sampleTable, end).isAll;
+}
+
 std::int64_t mediaDurationBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end) {
     if (!track.sampleTable) {
         return 0;
     }
-    const std::int64_t samples = std::min(samplesBefore(reader, *track.sampleTable, end), maxSamples);
-    return durationOfSamples(reader, *track.sampleTable, samples);
+    const std::int64_t samples = samplesBefore(reader, *track.sampleTable, end).samples;
+    return durationOfSamples(reader, *track.sampleTable, std::min(samples, maxSamples));
 }
 
 double editedSeconds(const Mp4Track& track, std::int64_t mediaDuration, std::int64_t movieScale) {

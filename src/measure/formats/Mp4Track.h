@@ -36,6 +36,9 @@ std::int64_t sampleTableDuration(GuardedReader& reader, const Mp4Track& track);
 /// Whether all chunks of `track` begin before `end`, by the last of its table; true where it has none.
 bool beginsBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end);
 
+/// Whether the samples of the last chunk end before `end`, too. Reads further tables; true without them.
+bool endsBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end);
+
 /// How long the samples of `track` that stand before `end` last, in its time scale, as its tables tell.
 std::int64_t mediaDurationBefore(GuardedReader& reader, const Mp4Track& track, std::int64_t end);
 
