@@ -112,9 +112,22 @@ TEST(OtherContainers, PlayRecordingsThatWereJoinedOneAfterTheOther) {
         EXPECT_NEAR(once, twelveSeconds.seconds(), 0.06);
         EXPECT_NEAR(secondsOf(recording + recording), 2 * once, 0.01) << "its time stamps jump back";
     }
+    const std::string later = encoded(
+        "mp3", R"(ffmpeg -v error -y -i "$IN" -c:a mp2 -b:a 384k -output_ts_offset 50000 -f mpegts "$OUT")");
+    for (const std::string& joined : {stream + later, later + stream}) {
+        EXPECT_NEAR(secondsOf(joined), 2 * secondsOf(stream), 0.01) << "its time stamps jump";
+    }
     const auto copies = static_cast<std::size_t>(GuardedReader::searchBytes) / stream.size() + 1;
     EXPECT_NEAR(secondsOf(times(copies, stream)), static_cast<double>(copies) * secondsOf(stream), 0.1)
         << "more bytes than a search may read without finding anything";
+}
+
+TEST(OtherContainers, PlayPacketsOneAfterTheOtherWhereTimeStampsOverlap) {
+    for (const char* const codec : {"mp2", "ac3"}) {
+        const std::string command = std::string(R"(ffmpeg -v error -y -i "$IN" -c:a )") + codec +
+                                    R"( -bsf:a setts=ts=TS/2 -f mpegts "$OUT")";
+        EXPECT_NEAR(secondsOf(encoded("mp3", command)), twelveSeconds.seconds(), 0.06) << codec;
+    }
 }
 
 } // namespace velmora::test

@@ -16,8 +16,10 @@ namespace velmora {
 
 namespace {
 
-/// A time stamp this far before the last one begins a new segment: recordings were joined.
+/// A time stamp this far before the last one, or this far after the end of its packet, begins a new segment:
+/// recordings were joined.
 constexpr double jumpBackSeconds = 0.5;
+constexpr double jumpForwardSeconds = 10;
 
 std::span<AVStream*> streamsOf(const AVFormatContext& context) {
     return {context.streams, context.nb_streams};
@@ -87,6 +89,12 @@ double secondsOf(const AVPacket& packet, const AVStream& stream) {
     return stated > 0 && std::abs(bySamples - stated) >= tick ? stated : bySamples;
 }
 
+/// Whether libavcodec can only guess, from the bit rate, how long a packet plays.
+bool isLengthGuessed(const AVStream& stream) {
+    const AVCodecID codec = stream.codecpar->codec_id;
+    return codec == AV_CODEC_ID_WMAV1 || codec == AV_CODEC_ID_WMAV2;
+}
+
 /// What one stream's packets add up to, in seconds.
 class SegmentSum {
 public:
@@ -98,31 +106,43 @@ public:
         const bool isStamped = packet.pts != AV_NOPTS_VALUE && packet.pts != m_lastStamp;
         m_lastStamp = packet.pts;
         const double begin = isStamped ? static_cast<double>(packet.pts) * timeBase : m_end;
-        if (m_isEmpty || begin < m_last - jumpBackSeconds) {
-            m_closed += m_end - m_begin;
+        if (m_isEmpty || begin < m_last - jumpBackSeconds || begin > m_end + jumpForwardSeconds) {
+            m_closed += segment();
             m_begin = std::max(begin, 0.0); // what is decoded before zero is not played
             m_end = m_begin;
+            m_lengths = 0;
             m_isEmpty = false;
         }
         m_begin = std::min(m_begin, std::max(begin, 0.0));
         m_end = std::max(m_end, begin + length);
+        m_lengths += isLengthGuessed(stream) ? 0 : std::max(length + std::min(begin, 0.0), 0.0);
         m_last = begin;
     }
 
-    void trim(double seconds) { m_end = std::max(m_begin, m_end - seconds); }
+    void trim(double seconds) {
+        m_end = std::max(m_begin, m_end - seconds);
+        m_lengths -= seconds;
+    }
 
-    double seconds() const { return m_closed + m_end - m_begin; }
+    double seconds() const { return m_closed + segment(); }
 
     double end() const { return m_end; }
 
     std::int64_t packets() const { return m_packets; }
 
 private:
+    /// By the time stamps, unless packets overlap by them: they play one after the other all the same.
+    double segment() const {
+        const double span = m_end - m_begin;
+        return m_lengths > span + jumpBackSeconds ? m_lengths : span;
+    }
+
     bool m_isEmpty = true;
     double m_closed = 0;
     double m_begin = 0;
     double m_end = 0;
     double m_last = 0;
+    double m_lengths = 0; // of the segment's packets, one after the other
     std::int64_t m_lastStamp = AV_NOPTS_VALUE;
     std::int64_t m_packets = 0;
 };
