@@ -1,6 +1,7 @@
 #include "cli/Options.h"
 
 #include "cli/Names.h"
+#include "records/Finding.h"
 #include "system/Paths.h"
 
 #include <getopt.h>
@@ -15,13 +16,16 @@ namespace {
 constexpr const char* shortOptions =
     ":lfj0:z:qVh"; // with the first colon, getopt reports a missing value as ':'
 
-constexpr int verboseOption = 256; // it has no letter
+// Those without a letter.
+constexpr int verboseOption = 256;
+constexpr int checkOption = 257;
 
-const std::array<option, 10> longOptions = {{{"list", no_argument, nullptr, 'l'},
+const std::array<option, 11> longOptions = {{{"list", no_argument, nullptr, 'l'},
                                              {"files", no_argument, nullptr, 'f'},
                                              {"json", no_argument, nullptr, 'j'},
                                              {"files0-from", required_argument, nullptr, '0'},
                                              {"zip", required_argument, nullptr, 'z'},
+                                             {"check", no_argument, nullptr, checkOption},
                                              {"quiet", no_argument, nullptr, 'q'},
                                              {"version", no_argument, nullptr, 'V'},
                                              {"verbose", no_argument, nullptr, verboseOption},
@@ -76,6 +80,18 @@ std::optional<UsageError> choose(std::optional<Output>& output, Output wanted) {
     return std::nullopt;
 }
 
+/// A line a kind of finding.
+std::string findingKindsText() {
+    std::string text;
+    for (const FindingKind kind : findingKinds) {
+        constexpr std::size_t meaningAt = 11;
+        std::string name(nameOf(kind));
+        name.resize(meaningAt, ' ');
+        text += "      " + name + std::string(meaningOf(kind)) + "\n";
+    }
+    return text;
+}
+
 /// What --version asks for: of all that follows only --verbose counts.
 CommandLine versionWanted(ArgumentReader& reader, bool isVerbose) {
     for (int letter = reader.next(); letter != -1; letter = reader.next()) {
@@ -112,6 +128,9 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
         case 'q':
             options.quiet = true;
             break;
+        case checkOption:
+            options.check = true;
+            break;
         case 'V':
             return versionWanted(reader, isVerbose);
         case 'h':
@@ -129,7 +148,10 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
     if (isVerbose) {
         return UsageError{"--verbose goes with --version alone"};
     }
-    options.output = output.value_or(Output::total);
+    if (options.check && output.value_or(Output::json) != Output::json) {
+        return UsageError{"of the other outputs only --json goes with --check"};
+    }
+    options.output = output.value_or(options.check ? Output::findings : Output::total);
     options.paths = reader.rest();
     if (options.paths.empty() && options.pathLists.empty()) {
         return UsageError{"no path given"};
@@ -142,7 +164,7 @@ std::string versionText() {
 }
 
 std::string helpText() {
-    return R"(Usage: velmora-scan [OPTION...] PATH...
+    return std::string(R"(Usage: velmora-scan [OPTION...] PATH...
 Tells how long all the audio in files, folders and archives plays.
 
   -l, --list              write the names of the measured files
@@ -151,13 +173,17 @@ Tells how long all the audio in files, folders and archives plays.
   -0, --files0-from FILE  scan the paths in FILE too, separated by NUL;
                           with - they are read from standard input
   -z, --zip FILE          pack the measured files into the zip archive FILE
-  -q, --quiet             show no progress
+      --check             read every file to its end and write a line a finding:
+                          kind, seconds stated, seconds found, path, with tabs
+                          between them; "-" for seconds that are not known:
+)") + findingKindsText() +
+           R"(  -q, --quiet             show no progress
   -V, --version           write the version; with --verbose also the libraries,
                           the wall around tools, and the tools that are found
   -h, --help              write this help
 
-Exit status: 0 everything was measured, 1 something could not be read,
-2 wrong usage, 3 nothing was measured, 4 the zip archive was not written,
+Exit status: 0 everything was measured, 1 something could not be read or was
+found by --check, 2 wrong usage, 3 nothing was measured, 4 the zip archive was not written,
 130 interrupted.
 )";
 }

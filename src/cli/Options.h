@@ -16,15 +16,17 @@ namespace velmora {
 
 /// What is written to standard output.
 enum class Output : std::uint8_t {
-    total, ///< the total in two lines
-    list,  ///< the names of the measured files
-    files, ///< a line a file: seconds, TAB, path
-    json,  ///< one object
+    total,    ///< the total in two lines
+    list,     ///< the names of the measured files
+    files,    ///< a line a file: seconds, TAB, path
+    json,     ///< one object
+    findings, ///< a line a finding of a check
 };
 
 /// A command line that asks for a scan.
 struct Options {
     Output output = Output::total;
+    bool check = false;                            ///< every file is read and checked as well
     bool quiet = false;                            ///< no progress
     Paths paths = {};                              ///< as they were given
     Paths pathLists = {};                          ///< files of further paths; "-" is standard input

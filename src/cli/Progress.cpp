@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdlib>
 
 namespace velmora {
@@ -35,13 +36,33 @@ int terminalColumns() {
 }
 
 std::string bar(const Advance& advance, int width, Colour colour) {
-    const double share = static_cast<double>(advance.done) / std::max(advance.total, 1);
+    const double share =
+        static_cast<double>(advance.done) / static_cast<double>(std::max<std::int64_t>(advance.total, 1));
     const auto filled = static_cast<std::size_t>(std::clamp(share, 0.0, 1.0) * width);
     std::string full(filled, '#');
     if (colour == Colour::on) {
         full = std::string(brightCyan) + full + std::string(plainColour);
     }
     return "  [" + full + std::string(static_cast<std::size_t>(width) - filled, '-') + "]";
+}
+
+/// "31 / 48", "1.2 / 3.4 GB".
+std::string countText(const Advance& advance) {
+    if (advance.unit == Unit::pieces) {
+        return std::to_string(advance.done) + " / " + std::to_string(advance.total);
+    }
+    constexpr std::array<const char*, 4> units = {" KB", " MB", " GB", " TB"};
+    std::size_t unit = 0;
+    std::int64_t tenth = 100; // of a unit, in bytes
+    while (advance.total / tenth >= 10'000 && unit + 1 < units.size()) {
+        tenth *= 1000;
+        ++unit;
+    }
+    const auto inUnits = [tenth](std::int64_t bytes) {
+        const std::int64_t tenths = bytes / tenth;
+        return std::to_string(tenths / 10) + "." + std::to_string(tenths % 10);
+    };
+    return inUnits(advance.done) + " / " + inUnits(advance.total) + units[unit];
 }
 
 } // namespace
@@ -51,7 +72,7 @@ std::string progressLine(std::string_view stage, const std::optional<Advance>& a
     const int room = std::max(columns - 1, 0); // a character in the last column may wrap
     std::string line(stage);
     if (advance) {
-        line += " " + std::to_string(advance->done) + " / " + std::to_string(advance->total);
+        line += " " + countText(*advance);
     }
     const int barWidth = std::min(room - static_cast<int>(line.size()) - barFrameWidth, maxBarWidth);
     if (advance && barWidth >= minBarWidth) {

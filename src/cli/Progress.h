@@ -4,6 +4,7 @@
 // gone when the program ends.
 //
 //   MEASURING 31 / 48  [#########################---------------]
+//   CHECKING 1.2 / 3.4 GB  [##############--------------------------]
 
 #include <chrono>
 #include <cstdint>
@@ -13,10 +14,13 @@
 
 namespace velmora {
 
+enum class Unit : std::uint8_t { pieces, bytes };
+
 /// How far a stage is.
 struct Advance {
-    int done = 0;
-    int total = 0;
+    std::int64_t done = 0;
+    std::int64_t total = 0;
+    Unit unit = Unit::pieces;
 };
 
 enum class Colour : std::uint8_t { off, on };

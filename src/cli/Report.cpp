@@ -72,6 +72,24 @@ Missing missing(const Measured& file) {
     return {file.url, std::string(wordsFor(file.why.value_or(Reason::cannotBeRead)))};
 }
 
+QJsonValue secondsValue(const std::optional<double>& seconds) {
+    return seconds ? QJsonValue(*seconds) : QJsonValue();
+}
+
+/// Adds what the check of a file came to.
+void addFindings(QJsonObject& object, const CheckResults& checks, std::size_t index) {
+    if (checks.empty()) {
+        return;
+    }
+    QJsonArray array;
+    for (const Finding& finding : checks[index].findings) {
+        array.append(QJsonObject{{"kind", textOf(std::string(nameOf(finding.kind)))},
+                                 {"stated", secondsValue(finding.stated)},
+                                 {"found", secondsValue(finding.found)}});
+    }
+    object["findings"] = array;
+}
+
 QJsonObject missingObject(const Missing& missing, const ScanDetails& details) {
     QJsonObject object = pathObject(details.shownPath(missing.path));
     object["why"] = textOf(missing.why);
@@ -101,7 +119,7 @@ std::string problem(std::string_view what, const Missing& missing, const ScanDet
 
 } // namespace
 
-std::string report(Output output, const ScanModel& model) {
+std::string report(Output output, const ScanModel& model, const CheckResults& checks) {
     switch (output) {
     case Output::total:
         return model.totalText() + "\n";
@@ -110,7 +128,9 @@ std::string report(Output output, const ScanModel& model) {
     case Output::files:
         return filesReport(model.details());
     case Output::json:
-        return jsonReport(model.status(), model.summary(), model.details());
+        return jsonReport(model.status(), model.summary(), model.details(), checks);
+    case Output::findings:
+        return findingsReport(model.details(), checks);
     }
     return {};
 }
@@ -124,15 +144,17 @@ std::string filesReport(const ScanDetails& details) {
     return text;
 }
 
-std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details) {
+std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details,
+                       const CheckResults& checks) {
     QJsonArray measured;
     QJsonArray unreadable;
-    for (const Measured& file : details.files) {
-        if (file.seconds < 0) {
-            unreadable.append(missingObject(missing(file), details));
-        } else {
-            measured.append(measuredObject(file, details));
-        }
+    for (std::size_t i = 0; i < details.files.size(); ++i) {
+        const Measured& file = details.files[i];
+        const bool isMissing = file.seconds < 0;
+        QJsonObject object =
+            isMissing ? missingObject(missing(file), details) : measuredObject(file, details);
+        addFindings(object, checks, i);
+        (isMissing ? unreadable : measured).append(object);
     }
     const QJsonObject object{
         {"schema", jsonSchema},
@@ -154,6 +176,21 @@ std::string jsonReport(const std::string& status, const ScanSummary& summary, co
     return QJsonDocument(object).toJson().toStdString();
 }
 
+std::string findingsReport(const ScanDetails& details, const CheckResults& checks) {
+    const auto field = [](const std::optional<double>& seconds) {
+        return (seconds ? threeDecimals(*seconds) : "-") + "\t";
+    };
+    std::string text;
+    for (std::size_t i = 0; i < checks.size(); ++i) {
+        const std::string path = fieldName(details.shownPath(details.files[i].url).native());
+        for (const Finding& finding : checks[i].findings) {
+            text += std::string(nameOf(finding.kind)) + "\t" + field(finding.stated) + field(finding.found) +
+                    path + "\n";
+        }
+    }
+    return text;
+}
+
 std::vector<std::string> problems(const ScanDetails& details) {
     std::vector<std::string> messages;
     for (const UnreadableFolder& folder : details.unreadableFolders) {
@@ -165,6 +202,17 @@ std::vector<std::string> problems(const ScanDetails& details) {
     for (const Measured& file : details.files) {
         if (file.seconds < 0) {
             messages.push_back(problem("cannot time", missing(file), details));
+        }
+    }
+    return messages;
+}
+
+std::vector<std::string> checkProblems(const ScanDetails& details, const CheckResults& checks) {
+    std::vector<std::string> messages;
+    for (std::size_t i = 0; i < checks.size(); ++i) {
+        if (checks[i].error != 0) {
+            const Missing rest{details.files[i].url, std::generic_category().message(checks[i].error)};
+            messages.push_back(problem("cannot check", rest, details));
         }
     }
     return messages;

@@ -3,6 +3,7 @@
 // What velmora-scan writes about a scan that has ended.
 
 #include "cli/Options.h"
+#include "records/Finding.h"
 #include "records/Records.h"
 #include "scan/ScanModel.h"
 
@@ -11,8 +12,11 @@
 
 namespace velmora {
 
+/// What the check of each of a scan's files came to, by its position; empty without a check.
+using CheckResults = std::vector<Checked>;
+
 /// What goes to standard output for `output`, with its last line feed.
-std::string report(Output output, const ScanModel& model);
+std::string report(Output output, const ScanModel& model, const CheckResults& checks);
 
 /// A line a file in scan order: seconds with three decimals ("-" when unreadable), TAB, path.
 std::string filesReport(const ScanDetails& details);
@@ -20,10 +24,18 @@ std::string filesReport(const ScanDetails& details);
 /// The scan as one JSON object. Numbers read back to the same value. A path is shown with U+FFFD for what is
 /// not UTF-8; `pathBytes` beside it then holds its bytes in base64. `why` stands beside the path of all that
 /// is missing in the total.
-std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details);
+std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details,
+                       const CheckResults& checks = {});
+
+/// A line a finding in scan order: kind, TAB, stated seconds, TAB, found seconds, with three decimals ("-"
+/// when absent), TAB, path.
+std::string findingsReport(const ScanDetails& details, const CheckResults& checks);
 
 /// A message for each folder that could not be listed, then for each skipped archive, then for each
 /// unreadable file, in the order they were met, with the reason.
 std::vector<std::string> problems(const ScanDetails& details);
+
+/// A message for each file that could not be read to its end.
+std::vector<std::string> checkProblems(const ScanDetails& details, const CheckResults& checks);
 
 } // namespace velmora

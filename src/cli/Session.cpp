@@ -4,6 +4,7 @@
 #include "cli/Progress.h"
 #include "cli/Report.h"
 #include "cli/Sources.h"
+#include "scan/CheckingStage.h"
 #include "scan/ScanModel.h"
 #include "system/EndingSignals.h"
 #include "system/ForcedEnd.h"
@@ -13,7 +14,9 @@
 #include <QCoreApplication>
 #include <QSocketNotifier>
 
+#include <algorithm>
 #include <array>
+#include <iterator>
 #include <optional>
 #include <utility>
 #include <variant>
@@ -56,6 +59,15 @@ public:
         return isNothing || awaitEnd();
     }
 
+    /// Checks the files of the scan that has ended. False when it was interrupted.
+    bool check() {
+        m_checks.emplace(m_model->details().files, [this] { checkMoved(); });
+        return m_checks->hasEnded() || awaitEnd();
+    }
+
+    /// Empty without a check.
+    CheckResults checkResults() const { return m_checks ? m_checks->results() : CheckResults(); }
+
     /// False when it was interrupted.
     bool zip(const fs::path& destination) {
         m_model->makeZip(destination);
@@ -68,6 +80,7 @@ public:
     /// be asked for afterwards.
     std::string end() {
         const fs::path directory = PrivateDirectory::present();
+        m_checks.reset();
         m_model.reset();
         return m_directory.remove() ? "" : "cannot remove " + quotedName(directory.native());
     }
@@ -114,6 +127,13 @@ private:
         }
     }
 
+    void checkMoved() {
+        m_progress.show("CHECKING", Advance{m_checks->bytesRead(), m_checks->bytesTotal(), Unit::bytes});
+        if (m_checks->hasEnded()) {
+            QCoreApplication::quit();
+        }
+    }
+
     void zipMoved() {
         const ZipState& state = m_model->zipState();
         if (const auto* working = std::get_if<ZipWorking>(&state)) {
@@ -130,6 +150,7 @@ private:
     Progress m_progress;
     PrivateDirectory m_directory;
     std::optional<ScanModel> m_model{std::in_place};
+    std::optional<CheckingStage> m_checks;
 };
 
 ExitStatus statusOf(const ScanModel& model) {
@@ -166,10 +187,20 @@ Outcome carryOut(Session& session, const Options& options, Paths paths, const fs
     if (!session.scan(std::move(paths))) {
         return {.status = ExitStatus::interrupted, .report = {}, .problems = {}};
     }
+    if (options.check && !session.check()) {
+        return {.status = ExitStatus::interrupted, .report = {}, .problems = {}};
+    }
     const ScanModel& model = session.model();
+    const CheckResults checks = session.checkResults();
     Outcome outcome{.status = statusOf(model),
-                    .report = report(options.output, model),
+                    .report = report(options.output, model, checks),
                     .problems = problems(model.details())};
+    std::ranges::move(checkProblems(model.details(), checks), std::back_inserter(outcome.problems));
+    const bool isFlawless =
+        std::ranges::all_of(checks, [](const Checked& file) { return file == Checked{}; });
+    if (!isFlawless && outcome.status == ExitStatus::complete) {
+        outcome.status = ExitStatus::incomplete;
+    }
     if (!session.problem().empty() && !model.details().skippedArchives.empty()) {
         outcome.problems.insert(outcome.problems.begin(), session.problem());
     }

@@ -30,6 +30,16 @@ void BackgroundTasks::run(const Task& task) {
     }
 }
 
+void BackgroundTasks::runSeveral(std::size_t count, const Task& task) {
+    for (std::size_t i = 0; i < count; ++i) {
+        if (i == 0) {
+            run(task);
+        } else if (!start(task)) {
+            return;
+        }
+    }
+}
+
 void BackgroundTasks::finish() {
     m_programEnds.request_stop();
     for (Running& running : m_running) {

@@ -3,6 +3,7 @@
 // The threads a scan model has started: they may outlive the scan they were started for, never the model.
 
 #include <atomic>
+#include <cstddef>
 #include <functional>
 #include <list>
 #include <stop_token>
@@ -26,6 +27,10 @@ public:
 
     /// As `start`; where there is no further thread, runs `task` before it returns.
     void run(const Task& task);
+
+    /// Runs `task` on `count` threads, on fewer where the system has no further one; where it has none, runs
+    /// it once before it returns.
+    void runSeveral(std::size_t count, const Task& task);
 
     /// Asks every task to end and waits until it has. No task may be started afterwards.
     void finish();

@@ -15,16 +15,10 @@ MeasuringStage::MeasuringStage(Paths files, Measure measure, Deliver deliver)
 
 void MeasuringStage::start(BackgroundTasks& background, MainThreadQueue& mainThread,
                            const std::stop_token& stop) {
-    const BackgroundTasks::Task task = [self = shared_from_this(), &mainThread,
-                                        stop](const std::stop_token&) { self->work(mainThread, stop); };
-    const std::size_t workers = std::min(m_files.size(), width);
-    for (std::size_t i = 0; i < workers; ++i) {
-        if (i == 0) {
-            background.run(task);
-        } else if (!background.start(task)) {
-            return; // those that were started measure all files
-        }
-    }
+    background.runSeveral(std::min(m_files.size(), width),
+                          [self = shared_from_this(), &mainThread, stop](const std::stop_token&) {
+                              self->work(mainThread, stop); // those that were started measure all files
+                          });
 }
 
 Measured MeasuringStage::measured(std::filesystem::path file, const std::stop_token& stop) const {

@@ -46,6 +46,10 @@ INSTANTIATE_TEST_SUITE_P(
         AcceptedCase{"CombinedShortOptions",
                      {"-qfz", "o", "a"},
                      {.output = Output::files, .quiet = true, .paths = {"a"}, .zip = "o"}},
+        AcceptedCase{
+            "ACheckAlone", {"--check", "a"}, {.output = Output::findings, .check = true, .paths = {"a"}}},
+        AcceptedCase{
+            "ACheckInJson", {"--check", "-j", "a"}, {.output = Output::json, .check = true, .paths = {"a"}}},
         AcceptedCase{"OptionsAfterPaths", {"a", "-q", "b"}, {.quiet = true, .paths = {"a", "b"}}},
         AcceptedCase{
             "NoOptionAfterTwoDashes", {"-q", "--", "-l", "--"}, {.quiet = true, .paths = {"-l", "--"}}},
@@ -75,6 +79,10 @@ INSTANTIATE_TEST_SUITE_P(
     Rows, RefusedCommandLine,
     testing::Values(
         RefusedCase{"Nothing", {}, "no path given"}, RefusedCase{"NoPath", {"-q", "--"}, "no path given"},
+        RefusedCase{
+            "ACheckWithList", {"--check", "-l", "a"}, "of the other outputs only --json goes with --check"},
+        RefusedCase{
+            "ACheckWithFiles", {"-f", "--check", "a"}, "of the other outputs only --json goes with --check"},
         RefusedCase{"UnknownShort", {"-x", "a"}, "unknown option '-x'"},
         RefusedCase{"UnknownAmongKnown", {"-qxf", "a"}, "unknown option '-x'"},
         RefusedCase{"UnknownLong", {"a", "--nope"}, "unknown option '--nope'"},

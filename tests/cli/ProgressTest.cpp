@@ -10,6 +10,17 @@ TEST(ProgressLine, ShowsCountsAndABar) {
               "MEASURING 12 / 48  [##########------------------------------]");
 }
 
+TEST(ProgressLine, CountsBytesInTheUnitOfTheirTotal) {
+    const auto line = [](std::int64_t done, std::int64_t total) {
+        return progressLine("CHECKING", Advance{done, total, Unit::bytes}, 30, Colour::off);
+    };
+    EXPECT_THAT(line(1'250'000'000, 3'400'000'000), testing::StartsWith("CHECKING 1.2 / 3.4 GB"));
+    EXPECT_THAT(line(0, 999'999), testing::StartsWith("CHECKING 0.0 / 999.9 KB"));
+    EXPECT_THAT(line(1'000'000, 1'000'000), testing::StartsWith("CHECKING 1.0 / 1.0 MB"));
+    EXPECT_THAT(line(0, 0), testing::StartsWith("CHECKING 0.0 / 0.0 KB"));
+    EXPECT_THAT(line(0, 9'000'000'000'000'000), testing::StartsWith("CHECKING 0.0 / 9000.0 TB"));
+}
+
 TEST(ProgressLine, ShowsAStageWithoutCountsByNameAlone) {
     EXPECT_EQ(progressLine("READING SOURCE", std::nullopt, 80, Colour::on), "READING SOURCE");
 }

@@ -53,6 +53,43 @@ TEST(FilesReport, IsEmptyWithoutFiles) {
     EXPECT_EQ(filesReport({}), "");
 }
 
+TEST(FindingsReport, WritesALineAFinding) {
+    ScanDetails details;
+    details.files = {{"/m/a.flac", 1, 10}, {"/m/b\tc.mp3", 2, 20}, {"/m/d.ogg", -1, 0}};
+    const CheckResults checks = {
+        {.findings = {{FindingKind::truncated, 12.0004, 4.5}, {FindingKind::foreign}}},
+        {},
+        {.findings = {{FindingKind::offset, std::nullopt, 2}}},
+    };
+    EXPECT_EQ(findingsReport(details, checks), "truncated\t12.000\t4.500\t/m/a.flac\n"
+                                               "foreign\t-\t-\t/m/a.flac\n"
+                                               "offset\t-\t2.000\t/m/d.ogg\n");
+    EXPECT_EQ(findingsReport(details, CheckResults(3)), "");
+}
+
+TEST(FindingsReport, TellsOfFilesThatCouldNotBeReadToTheirEnd) {
+    ScanDetails details;
+    details.files = {{"/m/a.flac", 1, 10}, {"/m/b.mp3", 2, 20}};
+    EXPECT_THAT(checkProblems(details, {{}, {.findings = {}, .error = EIO}}),
+                ElementsAre("cannot check '/m/b.mp3': Input/output error"));
+}
+
+TEST(JsonReport, HoldsTheFindingsOfEachFile) {
+    ScanDetails details;
+    details.files = {{"/m/a.flac", 1, 10}, {"/m/b.mp3", 2, 20}, {"/m/c.mp3", -1, 20, Reason::cutOff}};
+    const QJsonObject json = parsed(jsonReport("COMPLETE", {}, details,
+                                               {{.findings = {{FindingKind::truncated, 12.5, std::nullopt}}},
+                                                {},
+                                                {.findings = {{FindingKind::damaged, std::nullopt, 0.5}}}}));
+    EXPECT_EQ(json["files"][0]["findings"],
+              (QJsonArray{QJsonObject{{"kind", "truncated"}, {"stated", 12.5}, {"found", QJsonValue()}}}));
+    EXPECT_EQ(json["files"][1]["findings"], QJsonArray());
+    EXPECT_EQ(json["unreadableFiles"][0]["findings"],
+              (QJsonArray{QJsonObject{{"kind", "damaged"}, {"stated", QJsonValue()}, {"found", 0.5}}}));
+    const QJsonObject unchecked = parsed(jsonReport("COMPLETE", {}, details));
+    EXPECT_TRUE(unchecked["files"][0]["findings"].isUndefined());
+}
+
 TEST(JsonReport, HoldsTheWholeScan) {
     ScanDetails details;
     details.files = {{"/m/a.wav", 1.5, 10}, {"/m/b.mp3", -1.0, 20, Reason::noFrames}, {"/m/c.wav", 0.25, 30}};

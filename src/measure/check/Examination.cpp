@@ -1,0 +1,56 @@
+#include "measure/check/Examination.h"
+
+#include <algorithm>
+#include <limits>
+#include <utility>
+#include <vector>
+
+namespace velmora {
+
+namespace {
+
+constexpr GuardedReader::Bounds noBounds{.budget = std::numeric_limits<std::int64_t>::max(),
+                                         .deadline = GuardedReader::Clock::time_point::max()};
+
+} // namespace
+
+Examination::Examination(ByteSource source, std::stop_token stop)
+    : m_source(std::move(source))
+    , m_stop(std::move(stop))
+    , m_whole(m_source, m_stop) {
+    m_whole.setBounds(noBounds);
+}
+
+void Examination::note(FindingKind kind, const Lengths& lengths) {
+    if (std::ranges::find(m_findings, kind, &Finding::kind) == m_findings.end()) {
+        m_findings.push_back({kind, lengths.stated, lengths.found});
+    }
+}
+
+void Examination::compare(const Lengths& lengths, double tolerance) {
+    if (!lengths.stated || !lengths.found) {
+        return;
+    }
+    if (*lengths.stated > *lengths.found + tolerance) {
+        note(FindingKind::truncated, lengths);
+    } else if (*lengths.found > *lengths.stated + tolerance) {
+        note(FindingKind::longer, lengths);
+    }
+}
+
+void Examination::compareEnds(std::int64_t audioEnd, std::int64_t tagsAt, const Lengths& lengths) {
+    constexpr std::int64_t harmlessBytes = 64 << 10;
+    if (tagsAt - audioEnd > harmlessBytes) {
+        note(FindingKind::trailing, lengths);
+    }
+}
+
+void Examination::readThrough(std::int64_t start) {
+    constexpr std::size_t stepBytes = 1 << 20;
+    std::vector<std::uint8_t> buffer(stepBytes);
+    while (const std::size_t got = m_whole.audio(start, buffer)) {
+        start += static_cast<std::int64_t>(got);
+    }
+}
+
+} // namespace velmora
