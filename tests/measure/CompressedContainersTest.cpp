@@ -29,6 +29,20 @@ std::string apeFile(std::size_t frames, std::uint32_t lastBlocks) {
            times(frames * 1000, "x");
 }
 
+/// Version 3.97, with what `flags` announce before the seek table.
+std::string oldApeFile(int flags, std::size_t frames, std::uint32_t lastBlocks) {
+    const std::string kept = (flags & 0x20) != 0 ? "" : times(44, "w");
+    const std::string before =
+        ((flags & 0x04) != 0 ? le(32'000, 4) : "") + ((flags & 0x10) != 0 ? le(frames, 4) : "") + kept;
+    std::string table;
+    for (std::size_t i = 0; i < frames; ++i) {
+        table += le(32 + before.size() + frames * 4 + i * 1'000, 4);
+    }
+    return "MAC " + le(3'970, 2) + le(2'000, 2) + le(static_cast<std::uint64_t>(flags), 2) + le(2, 2) +
+           le(44'100, 4) + le(44, 4) + zeros(4) + le(frames, 4) + le(lastBlocks, 4) + before + table +
+           times(frames * 1'000, "x");
+}
+
 /// A book of two chapters of `bytes` each, in `codec`, with a picture as its first block.
 std::string audibleFile(const std::string& codec, std::uint32_t bytes) {
     const auto pair = [](const std::string& key, const std::string& value) {
@@ -93,9 +107,37 @@ TEST(Ape, IsItsFramesByItsRate) {
     EXPECT_NEAR(secondsOf(whole.substr(0, whole.size() - 10'000)), 10 * 73'728 / 44'100.0, 1e-9)
         << "cut off between two frames";
     EXPECT_NEAR(secondsOf(whole.substr(0, whole.size() - 10'001)), 9 * 73'728 / 44'100.0, 1e-9);
-    const std::string old = "MAC " + le(3970, 2) + le(2000, 2) + le(0, 2) + le(2, 2) + le(44'100, 4) +
-                            zeros(8) + le(3, 4) + le(100, 4) + zeros(2'000);
-    EXPECT_NEAR(secondsOf(old), (2 * 294'912 + 100) / 44'100.0, 1e-9);
+}
+
+TEST(Ape, ThatSaysNotWhereItEndsIsTheFramesThatBeginInIt) {
+    for (const int flags : {0x00, 0x04, 0x10, 0x14, 0x20, 0x34}) {
+        const std::string file = oldApeFile(flags, 20, 500);
+        EXPECT_NEAR(secondsOf(file), (19 * 294'912 + 500) / 44'100.0, 1e-9) << flags;
+        EXPECT_NEAR(secondsOf(file.substr(0, file.size() - 9'500)), 10 * 294'912 / 44'100.0, 1e-9)
+            << flags << ", cut off";
+    }
+}
+
+TEST(Ape, HasNoMoreFramesThanItsFileHolds) {
+    constexpr std::uint32_t many = 6'000'000; // 472 days
+    std::string stub = oldApeFile(0x30, 20, 500);
+    stub.replace(24, 4, le(many, 4));
+    EXPECT_TRUE(is<NothingPlays>(answerFor(stub.substr(0, 13'955), "old.ape")));
+    std::string file = apeFile(20, 500);
+    file.replace(52 + 12, 4, le(many, 4));
+    EXPECT_LE(secondsOf(file), static_cast<double>(file.size()) / 8 * 73'728 / 44'100.0);
+    file.replace(24, 4, le(21'000, 4)); // of the frames, more than there is
+    EXPECT_TRUE(is<NothingPlays>(answerFor(file, "track.ape")));
+}
+
+TEST(WavPack, NumbersNoMoreThanItsFileHolds) {
+    const std::string head = "wvpk" + le(24 + 100, 4) + le(0x410, 2);
+    const std::string rest =
+        le(0xFFFF'FFFF, 4) + le(0xFFFF'0000, 4) + le(22'050, 4) + le(9U << 23, 4) + zeros(104);
+    const std::string first =
+        head + zeros(2) + le(0xFFFF'FFFF, 4) + zeros(4) + le(22'050, 4) + le(9U << 23, 4) + zeros(104);
+    EXPECT_NEAR(secondsOf(first), 0.5, 1e-9);
+    EXPECT_FALSE(is<Timed>(answerFor(first + head + "\xFF\xFF" + rest, "track.wv"))) << "289 days";
 }
 
 TEST(Caf, IsAsLongAsItsLastPacketSays) {

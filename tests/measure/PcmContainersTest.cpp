@@ -184,6 +184,8 @@ TEST(Aiff, IsWhatItStatesForACompressionThatNobodyKnows) {
     EXPECT_FALSE(is<Timed>(answerFor(aiff(common(8'000, "DWVW"), "AIFC")))) << "without sound";
     EXPECT_FALSE(is<Timed>(answerFor(aiff(common(50, "DWVW") + sound(1'750), "AIFC"))))
         << "a count of packets";
+    EXPECT_FALSE(is<Timed>(answerFor(aiff(common(9'000'001, "DWVW") + sound(9'000), "AIFC"))))
+        << "more than bytes can hold";
 }
 
 TEST(Au, IsWhatTheFileHolds) {
@@ -231,6 +233,23 @@ TEST(Caf, IsItsBytesOrItsPacketTable) {
     EXPECT_NEAR(secondsOf(packed + cafChunk("pakt", 33, table) + cafChunk("data", 904, zeros(454))),
                 (4'000 - 600) / 8'000.0, 1e-9)
         << "cut off";
+}
+
+TEST(Caf, HoldsNoMoreFramesThanItsPackets) {
+    const auto table = [](std::uint64_t packets, std::uint64_t frames) {
+        const std::string content = be(packets, 8) + be(frames, 8) + zeros(8) + times(9, be(0x64, 1));
+        return cafChunk("pakt", 33, content);
+    };
+    const std::string pcm = cafDescription(2, 1);
+    const std::string sound = cafChunk("data", 16'004, zeros(16'004));
+    EXPECT_NEAR(secondsOf(pcm + table(4'000, 4'000) + sound), second / 2, 1e-9) << "what can be is believed";
+    EXPECT_NEAR(secondsOf(pcm + table(900'000, 900'000) + sound), second, 1e-9);
+    const std::string packed = cafDescription(0, 1'000);
+    const std::string data = cafChunk("data", 904, zeros(904));
+    EXPECT_NEAR(secondsOf(packed + table(9, 9'001) + data), 9'001 / 8'000.0, 1e-9);
+    EXPECT_NEAR(secondsOf(packed + table(9, 900'000) + data), 9'000 / 8'000.0, 1e-9);
+    EXPECT_FALSE(is<Timed>(answerFor(packed + table(900, 900'000) + data, "track.caf")))
+        << "nor than its table";
 }
 
 TEST(Dsd, IsItsBitsByItsRate) {

@@ -117,8 +117,11 @@ std::optional<Common> parseCommon(Bytes chunk) {
 std::optional<Timing> soundTiming(const Common& common, const Sound& sound) {
     const double stated = static_cast<double>(common.frames) / common.rate;
     if (common.packetBytes == 0) {
-        // Frames of more bytes than without any compression are a count of packets.
-        const bool isCredible = sound.bytes > 0 && sound.bytes <= common.frames * common.frameBytes;
+        // Frames of more bytes than without any compression are a count of packets; and a byte holds not more
+        // than any coder makes of one.
+        constexpr std::int64_t maxFramesInByte = 1'000;
+        const bool isCredible =
+            sound.bytes <= common.frames * common.frameBytes && common.frames / maxFramesInByte < sound.bytes;
         return isCredible && !sound.isCutOff ? std::optional(statedTiming(stated)) : std::nullopt;
     }
     const std::int64_t frames =

@@ -13,9 +13,9 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 // Every frame but the last has the same number of blocks, so the number of frames and the blocks of the last
-// make the length. Where the file ends before its last frame does, the seek table tells how many frames begin
-// in it. The layouts follow the files that the encoder of each version writes; numbers have the lowest byte
-// first.
+// make the length. Where the file ends before its last frame does, or where the header does not tell that,
+// the seek table tells how many frames begin in it. The layouts follow the files that the encoder of each
+// version writes; numbers have the lowest byte first.
 //
 // From version 3980 on, the descriptor:
 //
@@ -50,6 +50,10 @@ using Bytes = std::span<const std::uint8_t>;
 //       16     8  sizes of the kept WAV header and of what follows the frames
 //       24     4  frames
 //       28     4  blocks of the last frame
+//       32     4  peak                        if flag 0x04 is set
+//              4  entries of the seek table   if flag 0x10 is set
+//                 the kept WAV header         if flag 0x20 is not set
+//                 the seek table
 
 constexpr std::size_t versionAt = 4;
 constexpr int describedVersion = 3980;
@@ -69,11 +73,18 @@ constexpr std::size_t rateAt = 20;
 
 constexpr std::size_t oldHeaderBytes = 32;
 constexpr std::size_t oldCompressionAt = 6;
+constexpr std::size_t oldFlagsAt = 8;
 constexpr std::size_t oldRateAt = 12;
+constexpr std::size_t oldKeptHeaderSizeAt = 16;
 constexpr std::size_t oldFramesAt = 24;
 constexpr std::size_t oldLastBlocksAt = 28;
 
+constexpr int hasPeak = 0x04;
+constexpr int hasSeekCount = 0x10;
+constexpr int keepsNoHeader = 0x20;
+
 constexpr std::int64_t seekEntryBytes = 4; // where a frame begins, seen from the start
+constexpr std::int64_t minFrameBytes = 8;  // a checksum, and what says that all is silent
 
 struct ApeHeader {
     std::int64_t frameBlocks = 0; ///< in every frame but the last
@@ -81,7 +92,7 @@ struct ApeHeader {
     std::int64_t frames = 0;
     std::int64_t rate = 0;
     std::int64_t seekTableAt = 0;
-    double end = 0; ///< where the last frame ends; 0 if not stated
+    std::optional<double> end = {}; ///< where the last frame ends; absent if not stated
 };
 
 std::optional<ApeHeader> parseDescribed(GuardedReader& reader, std::int64_t start) {
@@ -114,20 +125,32 @@ std::optional<ApeHeader> parseOld(GuardedReader& reader, std::int64_t start, int
     }
     const bool isLong = version >= 3900 || (version >= 3800 && le16(header, oldCompressionAt) == extraHigh);
     const std::int64_t frameBlocks = version >= 3950 ? 294'912 : isLong ? 73'728 : 9'216;
+    const int flags = le16(header, oldFlagsAt);
+    const std::int64_t seekTableAt = start + static_cast<std::int64_t>(oldHeaderBytes) +
+                                     ((flags & hasPeak) != 0 ? 4 : 0) +
+                                     ((flags & hasSeekCount) != 0 ? 4 : 0) +
+                                     ((flags & keepsNoHeader) != 0 ? 0 : le32(header, oldKeptHeaderSizeAt));
     return ApeHeader{frameBlocks, le32(header, oldLastBlocksAt), le32(header, oldFramesAt),
-                     le32(header, oldRateAt)};
+                     le32(header, oldRateAt), seekTableAt};
 }
 
 /// How many frames are whole: all of them, or of a file that was cut off those whose successor begins in it
-/// or at its end.
+/// or at its end. None where not even the seek table is there, and that many frames.
 std::int64_t framesThere(GuardedReader& reader, std::int64_t start, const ApeHeader& header) {
-    if (header.end <= static_cast<double>(reader.size())) {
-        return header.frames;
+    const std::int64_t rest = reader.size() - header.seekTableAt;
+    if (header.end && *header.end <= static_cast<double>(reader.size())) {
+        return std::min(header.frames, rest / minFrameBytes);
+    }
+    if (header.frames > rest / seekEntryBytes) {
+        return 0;
     }
     const auto isReached = [&](std::int64_t frame) {
         const Bytes entry = reader.header(header.seekTableAt + frame * seekEntryBytes, seekEntryBytes);
         return !entry.empty() && start + le32(entry, 0) <= reader.size();
     };
+    if (!header.end && isReached(header.frames - 1)) {
+        return std::min(header.frames, rest / minFrameBytes);
+    }
     return std::max<std::int64_t>(0, partitionPoint(header.frames, isReached) - 1);
 }
 

@@ -144,18 +144,27 @@ std::optional<std::int64_t> framesByLastPacket(GuardedReader& reader, const Desc
     }
 }
 
-/// By the table alone. Absent if it cannot be read.
+/// Whether the packets that the table lists can hold the frames that it states, and data and table so many
+/// packets.
+bool isCredible(const CafPacketKind& packet, const Data& data, const CafPacketTable& table) {
+    const std::int64_t entries = packet.isConstant() ? table.packets : table.end - table.entriesAt;
+    const std::int64_t packetBytes = std::max<std::int64_t>(packet.bytes, 1);
+    const std::int64_t packets = std::min({table.packets, entries, data.bytes / packetBytes});
+    return packet.frames == 0 || table.validFrames / packet.frames <= packets;
+}
+
+/// By the table alone: by the frames that it states, or else by its packets. Absent if it cannot be read.
 std::optional<Timing> tableTiming(GuardedReader& reader, const Description& description, const Data& data,
-                                  const CafPacketTable& table) {
+                                  const CafPacketTable& table, bool isStated) {
     const auto stated =
         table.validFrames > 0 ? std::optional(description.secondsOf(table.validFrames)) : std::nullopt;
-    if (stated && !data.isCutOff()) {
+    if (isStated) {
         const auto frames = framesByLastPacket(reader, description, table, data);
         return frames ? Timing{.seconds = description.secondsOf(*frames),
                                .basis = Basis::counted,
                                .stated = stated,
                                .doubt = *frames == table.validFrames ? Doubt::none : Doubt::disagrees}
-                      : statedTiming(*stated);
+                      : statedTiming(description.secondsOf(table.validFrames));
     }
     const auto sum = sumWithin(reader, table, description.packet, data.bytes);
     return sum ? std::optional(Timing{.seconds = description.secondsOf(sum->frames),
@@ -192,8 +201,10 @@ std::optional<Timing> constantTiming(const Description& description, const Data&
 std::optional<Timing> timingOf(GuardedReader& reader, const Description& description, const Data& data,
                                const std::optional<CafPacketTable>& table) {
     const bool isConstant = description.packet.isConstant();
-    if (table && ((table->validFrames > 0 && !data.isCutOff()) || !isConstant)) {
-        return tableTiming(reader, description, data, *table);
+    const bool isStated =
+        table && table->validFrames > 0 && !data.isCutOff() && isCredible(description.packet, data, *table);
+    if (table && (isStated || !isConstant)) {
+        return tableTiming(reader, description, data, *table, isStated);
     }
     return isConstant ? constantTiming(description, data, table) : std::nullopt;
 }
