@@ -41,6 +41,19 @@ TEST(DiskShare, IsNineTenthsOfWhatIsFreeForItsOwnFilesAlone) {
     });
 }
 
+TEST(DiskShare, CountsAFileOfTwoNamesOnce) {
+    inOwnMounts([] {
+        const fs::path disk = freshFolder();
+        mountSmallDisk(disk, 10 * megabyte);
+        Collector::DiskShare share(disk);
+        share.count(disk / "own");
+        write(disk / "own/1", zeros(8 * megabyte));
+        fs::create_hard_link(disk / "own/1", disk / "own/2");
+        write(disk / "other", zeros(megabyte + megabyte / 2)); // so that they are counted
+        EXPECT_FALSE(share.isExceeded());
+    });
+}
+
 TEST(DiskShare, IsNineTenthsOfTheFilesThatThereIsRoomFor) {
     inOwnMounts([] {
         const fs::path disk = freshFolder();

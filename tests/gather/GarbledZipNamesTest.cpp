@@ -77,6 +77,16 @@ TEST(GarbledZipNames, FindsTheDirectoryAfterOtherBytes) {
     }
 }
 
+TEST(GarbledZipNames, LooksAtAMegabyteOfTheDirectory) {
+    constexpr std::size_t entryBytes = 46 + 78;
+    std::vector<Member> many((std::size_t{1} << 20) / entryBytes - 1, {.name = std::string(78, 'x')});
+    many.push_back(members.back());
+    const fs::path path = freshFolder() / "a.zip";
+    EXPECT_TRUE(unzipGarblesNames(write(path, test::zipArchive(many))));
+    many.insert(many.begin(), {.name = std::string(78, 'x')});
+    EXPECT_FALSE(unzipGarblesNames(write(path, test::zipArchive(many))));
+}
+
 TEST(GarbledZipNames, SaysNothingOfOtherFiles) {
     const fs::path folder = freshFolder();
     EXPECT_FALSE(unzipGarblesNames(folder / "missing.zip"));
