@@ -2,8 +2,9 @@
 //
 //   track.mp3
 //     length   12.017 s
-//     found    by our own reader of MPEG or ADTS: frames or packets were counted, 460 of them
+//     found    by our own reader of MP3: frames or packets were counted, 460 of them
 //     stated   13.000 s, not believed: the file ends before that
+//     sound    44100 Hz, channels: 2
 //     read     8192 of 192512 bytes; of the search's budget 8380416 bytes were left
 
 #include "measure/MeasurementPipeline.h"
@@ -67,8 +68,16 @@ std::string_view text(Doubt doubt) {
     return {};
 }
 
-std::string namedFormat(const std::string& format) {
-    return format.empty() ? "no format that we know" : format;
+std::string namedFormat(FormatName format) {
+    return format.isKnown() ? std::string(format.text()) : "no format that we know";
+}
+
+std::string sound(const Measured& file) {
+    if (file.sampleRate == 0) {
+        return "not known";
+    }
+    const std::string channels = file.channels > 0 ? std::to_string(file.channels) : std::string("not known");
+    return std::to_string(file.sampleRate) + " Hz, channels: " + channels;
 }
 
 /// What was learnt in process.
@@ -79,10 +88,12 @@ std::string learnt(const MediaAnswer& answer) {
                 const Timing& timing = timed.timing;
                 const std::string frames =
                     timing.frames > 0 ? ", " + std::to_string(timing.frames) + " of them" : "";
-                return std::string(text(timing.way)) + timed.format + ": " + std::string(text(timing.basis)) +
-                       frames;
+                return std::string(text(timing.way)) + std::string(timed.format.text()) + ": " +
+                       std::string(text(timing.basis)) + frames;
             },
-            [](const NothingPlays& nothing) { return nothing.format + ", in which nothing plays"; },
+            [](const NothingPlays& nothing) {
+                return namedFormat(nothing.format) + ", in which nothing plays";
+            },
             [](const NotAudio& foreign) {
                 return "no audio; libavformat would open it with its demuxer " + foreign.demuxer;
             },
@@ -125,6 +136,7 @@ void print(const Explanation& story) {
     }
     std::printf("  found    %s\n", found(story).c_str());
     std::printf("  stated   %s\n", stated(story.answer).c_str());
+    std::printf("  sound    %s\n", sound(story.measured).c_str());
     std::printf("  read     %lld of %lld bytes; of the search's budget %lld bytes were left\n",
                 static_cast<long long>(story.bytesRead), static_cast<long long>(story.measured.bytes),
                 static_cast<long long>(story.budgetLeft));

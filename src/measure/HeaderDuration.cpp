@@ -11,23 +11,16 @@ namespace {
 
 std::optional<double> readPath(HeaderReader reader, const std::filesystem::path& path) {
     const std::optional<RegularFile> file = RegularFile::open(path);
-    return file ? reader(sourceOf(*file)) : std::nullopt;
+    const std::optional<Timing> timing = file ? reader(sourceOf(*file)) : std::nullopt;
+    return timing ? std::optional(timing->seconds) : std::nullopt;
 }
 
 } // namespace
 
 std::optional<Timed> timed(const std::filesystem::path& path, const ByteSource& source) {
     const HeaderFormat* const format = headerFormatOf(path);
-    const std::optional<double> seconds = format == nullptr ? std::nullopt : format->read(source);
-    if (!seconds) {
-        return std::nullopt;
-    }
-    const bool isStated = format->basis == Basis::stated;
-    return Timed{{.seconds = *seconds,
-                  .basis = format->basis,
-                  .stated = isStated ? seconds : std::nullopt,
-                  .way = Way::headerReader},
-                 std::string(format->name)};
+    const std::optional<Timing> timing = format == nullptr ? std::nullopt : format->read(source);
+    return timing ? std::optional(Timed{*timing, format->name}) : std::nullopt;
 }
 
 std::optional<double> seconds(const std::filesystem::path& path) {
@@ -36,11 +29,11 @@ std::optional<double> seconds(const std::filesystem::path& path) {
 }
 
 std::optional<double> ogg(const std::filesystem::path& path) {
-    return readPath(&oggSeconds, path);
+    return readPath(&oggTiming, path);
 }
 
 std::optional<double> asf(const std::filesystem::path& path) {
-    return readPath(&asfSeconds, path);
+    return readPath(&asfTiming, path);
 }
 
 } // namespace velmora::HeaderDuration

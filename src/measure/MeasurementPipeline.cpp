@@ -65,9 +65,9 @@ Reason reasonFor(const MediaAnswer& answer) {
             [](const NotAudio& other) { return other.isNameAlone ? Reason::noFrames : Reason::notAudio; },
             [](const OverBudget&) { return Reason::searchEnded; },
             [](const Unknown& unknown) {
-                return unknown.isCutOff         ? Reason::cutOff
-                       : unknown.format.empty() ? Reason::noFrames
-                                                : Reason::notUnderstood;
+                return unknown.isCutOff            ? Reason::cutOff
+                       : !unknown.format.isKnown() ? Reason::noFrames
+                                                   : Reason::notUnderstood;
             },
         },
         answer);
@@ -81,18 +81,36 @@ Reason reasonFor(const Explanation& story, std::int64_t size) {
     return story.hasReadFailed ? Reason::cannotBeRead : reasonFor(*story.answer);
 }
 
+FormatName formatOf(const MediaAnswer& answer) {
+    return std::visit(Cases{
+                          [](const NotAudio&) { return FormatName(); },
+                          [](const auto& audio) { return audio.format; },
+                      },
+                      answer);
+}
+
+/// Keeps `answer` in `story`, and what it says of the sound in its record.
+void note(Explanation& story, MediaAnswer answer) {
+    story.measured.format = formatOf(answer);
+    if (const auto* const timed = std::get_if<Timed>(&answer)) {
+        story.measured.sampleRate = timed->timing.sampling.rate;
+        story.measured.channels = timed->timing.sampling.channels;
+    }
+    story.answer = std::move(answer);
+}
+
 /// Goes the ways one after the other, and notes in `story` what each comes to.
 void take(Explanation& story, const std::filesystem::path& path, const RegularFile& file,
           const std::stop_token& stop) {
     const ByteSource source = countedSource(file, story);
-    if (std::optional<Timed> timed = HeaderDuration::timed(path, source)) {
+    if (const std::optional<Timed> timed = HeaderDuration::timed(path, source)) {
         story.measured.seconds = timed->timing.seconds;
-        story.answer = *std::move(timed);
+        note(story, *timed);
         return;
     }
     MediaFinding finding = mediaDuration(source, path, stop);
     const std::optional<double> settled = settledSeconds(finding.answer);
-    story.answer = std::move(finding.answer);
+    note(story, std::move(finding.answer));
     story.budgetLeft = finding.budgetLeft;
     story.wasFfprobeAsked = !settled;
     story.measured.seconds = settled ? *settled : ffprobeSeconds(path, stop);

@@ -4,6 +4,7 @@
 // whoever looks at an answer has to say what each of them means (std::visit with `Cases`).
 
 #include "measure/bytes/Timing.h"
+#include "records/FormatName.h"
 
 #include <string>
 #include <variant>
@@ -13,12 +14,12 @@ namespace velmora {
 /// It plays for so long.
 struct Timed {
     Timing timing;
-    std::string format; ///< as the table of formats, or libavformat, calls it
+    FormatName format; ///< as the table of formats, or libavformat, calls it
 };
 
 /// It is audio, and nothing in it plays.
 struct NothingPlays {
-    std::string format;
+    FormatName format;
 };
 
 /// It is something that a general media tool would open all the same: playlist, script, picture, subtitle,
@@ -30,12 +31,12 @@ struct NotAudio {
 
 /// The search ended before an answer was found: budget spent, deadline past, or stopped.
 struct OverBudget {
-    std::string format; ///< empty if not even that was recognised
+    FormatName format; ///< not known if not even that was recognised
 };
 
 /// Nothing could be learnt. Another tool may know more.
 struct Unknown {
-    std::string format;    ///< empty if not even that was recognised
+    FormatName format;     ///< not known if not even that was recognised
     bool isCutOff = false; ///< the file ends inside the header that was to be read next
 };
 

@@ -7,6 +7,7 @@
 #include "measure/formats/Sd2Duration.h"
 #include "measure/frames/FrameStreamDuration.h"
 #include "measure/libav/Libav.h"
+#include "measure/libav/MediaDemuxers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,25 +19,23 @@ namespace velmora {
 
 namespace {
 
-constexpr const char* bareFrames = "MPEG or ADTS";
-
 /// True for the demuxers of bare frames, which we count ourselves.
 bool isFrameDemuxer(const ProbedDemuxer& demuxer) {
     return demuxer.name == "mp3" || demuxer.name == "aac";
 }
 
 /// What the timing of a file in `format` comes to.
-MediaAnswer answerOf(const std::optional<Timing>& timing, std::string format, const GuardedReader& reader) {
+MediaAnswer answerOf(const std::optional<Timing>& timing, FormatName format, const GuardedReader& reader) {
     if (!timing && reader.isOver()) {
-        return OverBudget{std::move(format)};
+        return OverBudget{format};
     }
     if (!timing) {
-        return Unknown{std::move(format)};
+        return Unknown{format};
     }
     if (!(timing->seconds > 0) || !std::isfinite(timing->seconds)) {
-        return NothingPlays{std::move(format)};
+        return NothingPlays{format};
     }
-    return Timed{*timing, std::move(format)};
+    return Timed{*timing, format};
 }
 
 MediaAnswer formatAnswer(GuardedReader& reader, std::int64_t start, const Format& format) {
@@ -51,7 +50,7 @@ MediaAnswer formatAnswer(GuardedReader& reader, std::int64_t start, const Format
     if (timing ? timing->seconds > maxSeconds : lie.has_value()) { // nothing in there is what it claims to be
         timing = Timing{.stated = timing ? timing->seconds : *lie, .doubt = Doubt::beyondEnd};
     }
-    MediaAnswer answer = answerOf(timing, std::string(format.name), reader);
+    MediaAnswer answer = answerOf(timing, format.name, reader);
     if (auto* const unknown = std::get_if<Unknown>(&answer)) {
         unknown->isCutOff = isCutOff;
     }
@@ -63,11 +62,11 @@ MediaAnswer probedAnswer(GuardedReader& reader, std::int64_t start, const std::f
     const std::optional<ProbedDemuxer> demuxer = libav().probe(reader, start, "");
     if (demuxer && demuxer->isMedia && !isFrameDemuxer(*demuxer)) {
         if (const auto timing = libav().duration(reader, start, demuxer->name, Doubt::none)) {
-            return answerOf(timing, demuxer->name, reader);
+            return answerOf(timing, knownDemuxer(demuxer->name), reader);
         }
     }
     if (const auto timing = searchedFrameDuration(reader, start, findTrailingTags(reader, start))) {
-        return answerOf(timing, bareFrames, reader);
+        return answerOf(timing, timing->sampling.coding, reader);
     }
     if (reader.isOver()) {
         return OverBudget{};
@@ -77,7 +76,7 @@ MediaAnswer probedAnswer(GuardedReader& reader, std::int64_t start, const std::f
         return NotAudio{named->name, named->isMedia};
     }
     const bool isRecognised = named && demuxer; // not by its name alone
-    return answerOf(std::nullopt, isRecognised ? named->name : "", reader);
+    return answerOf(std::nullopt, isRecognised ? knownDemuxer(named->name) : FormatName(), reader);
 }
 
 MediaAnswer contentAnswer(GuardedReader& reader, const std::filesystem::path& name) {
@@ -86,7 +85,7 @@ MediaAnswer contentAnswer(GuardedReader& reader, const std::filesystem::path& na
         return formatAnswer(reader, start, *format);
     }
     if (const auto timing = frameStreamDuration(reader, start, findTrailingTags(reader, start))) {
-        return answerOf(timing, bareFrames, reader);
+        return answerOf(timing, timing->sampling.coding, reader);
     }
     if (const auto timing = bareFlacDuration(reader, start)) {
         return answerOf(timing, "FLAC", reader);

@@ -3,6 +3,7 @@
 // The plain values that carry a scan's results from gathering and measuring to whoever shows them.
 // A path is bytes, absolute, as it was found. Durations are seconds, sizes are bytes.
 
+#include "records/FormatName.h"
 #include "records/PathList.h"
 #include "records/Reasons.h"
 #include "system/Paths.h"
@@ -25,6 +26,11 @@ struct Measured {
     double seconds = unmeasured;
     std::int64_t bytes = 0;         ///< 0 when the size could not be read
     std::optional<Reason> why = {}; ///< why it could not be measured; absent when it was
+
+    // As far as it was met on the way to the length; nothing is read for it. 0 and "": not known.
+    std::uint16_t channels = 0;
+    std::uint32_t sampleRate = 0; ///< in Hz
+    FormatName format = {};
 
     bool operator==(const Measured&) const = default;
 };

@@ -36,13 +36,14 @@ TEST(Explain, NamesOurOwnReaderAndWhatItRead) {
     const std::string text = explained(file);
     EXPECT_THAT(text, HasSubstr(file.native() + "\n  length   2 s\n"));
     EXPECT_THAT(text, HasSubstr("by our own reader of WAV: "));
+    EXPECT_THAT(text, HasSubstr("sound    44100 Hz, channels: 2\n"));
     EXPECT_THAT(text, ContainsRegex("read     [1-9][0-9]* of " + std::to_string(fs::file_size(file)) +
                                     " bytes; of the search's budget [1-9][0-9]* bytes were left\n"));
 }
 
 TEST(Explain, CountsTheFramesOfAStreamThatStatesNothing) {
     const std::string text = explained(encodeAudio(freshFolder() / "a.aac", twoSeconds));
-    EXPECT_THAT(text, ContainsRegex("by our own reader of MPEG or ADTS: frames or packets were counted"));
+    EXPECT_THAT(text, ContainsRegex("by our own reader of AAC: frames or packets were counted"));
 }
 
 TEST(Explain, NamesLibavformatAndItsDoubt) {

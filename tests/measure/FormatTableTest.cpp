@@ -29,7 +29,7 @@ const Format* formatOf(const std::vector<std::uint8_t>& bytes) {
 
 TEST(FormatTable, HasNoRowThatAnEarlierOneHides) {
     for (const Format& row : formats()) {
-        EXPECT_EQ(formatOf(bytesFor(row.pattern)), &row) << row.name << " " << row.pattern;
+        EXPECT_EQ(formatOf(bytesFor(row.pattern)), &row) << row.name.text() << " " << row.pattern;
     }
 }
 
@@ -37,16 +37,16 @@ TEST(FormatTable, RecognisesAFileOfNothingButThePattern) {
     for (const Format& row : formats()) {
         std::vector<std::uint8_t> bytes = bytesFor(row.pattern);
         bytes.resize(row.pattern.size());
-        EXPECT_EQ(formatOf(bytes), &row) << row.name << " " << row.pattern;
+        EXPECT_EQ(formatOf(bytes), &row) << row.name.text() << " " << row.pattern;
         bytes.pop_back();
-        EXPECT_NE(formatOf(bytes), &row) << row.name << " " << row.pattern;
+        EXPECT_NE(formatOf(bytes), &row) << row.name.text() << " " << row.pattern;
     }
 }
 
 TEST(FormatTable, HasANameAndSomebodyToReadEachFormat) {
     for (const Format& row : formats()) {
-        EXPECT_FALSE(row.name.empty()) << row.pattern;
-        EXPECT_TRUE(row.read != nullptr || !row.demuxer.empty()) << row.name;
+        EXPECT_TRUE(row.name.isKnown()) << row.pattern;
+        EXPECT_TRUE(row.read != nullptr || !row.demuxer.empty()) << row.name.text();
     }
 }
 

@@ -66,9 +66,11 @@ TEST(HeaderDuration, ReadsAFileThatIsOpenAlready) {
     const std::optional<Timed> counted = timed("named.opus", sourceOf(*ogg));
     const std::optional<Timed> stated = timed("named.wmv", sourceOf(*asf));
     ASSERT_TRUE(counted && stated);
-    EXPECT_EQ(counted->format, "Ogg");
-    EXPECT_EQ(counted->timing, (Timing{.seconds = 1.0, .basis = Basis::counted, .way = Way::headerReader}));
-    EXPECT_EQ(stated->format, "ASF");
+    EXPECT_EQ(counted->format.text(), "Ogg");
+    EXPECT_EQ(
+        counted->timing,
+        (Timing{.seconds = 1.0, .basis = Basis::counted, .way = Way::headerReader, .sampling = {44'100, 2}}));
+    EXPECT_EQ(stated->format.text(), "ASF");
     EXPECT_EQ(stated->timing, (Timing{.seconds = 2.0, .stated = 2.0, .way = Way::headerReader}));
 }
 

@@ -15,7 +15,8 @@ const Timing walked{.seconds = 12.5,
                     .stated = 13.0,
                     .doubt = Doubt::disagrees,
                     .frames = 7,
-                    .way = Way::libavformat};
+                    .way = Way::libavformat,
+                    .sampling = {48'000, 2}};
 
 Reply replyWith(const std::optional<Timing>& timing) {
     Reply reply;

@@ -61,10 +61,11 @@ void bindSocket(const path& at) {
 TEST(Measure, GivesPathSecondsAndSizeOfWhatTheHeaderStates) {
     const path folder = test::freshFolder();
     const path ogg = test::write(folder / "a.OGG", oggOfOneSecond());
-    EXPECT_EQ(measure(ogg), (Measured{ogg, 1.0, static_cast<std::int64_t>(oggOfOneSecond().size())}));
+    EXPECT_EQ(measure(ogg),
+              (Measured{ogg, 1.0, static_cast<std::int64_t>(oggOfOneSecond().size()), {}, 2, 44'100, "Ogg"}));
     const Bytes asf = test::asfHeader(test::AsfFileProperties{}.bytes());
     const path wma = test::write(folder / "b.wma", asf);
-    EXPECT_EQ(measure(wma), (Measured{wma, 2.0, static_cast<std::int64_t>(asf.size())}));
+    EXPECT_EQ(measure(wma), (Measured{wma, 2.0, static_cast<std::int64_t>(asf.size()), {}, 0, 0, "ASF"}));
     EXPECT_FALSE(startsAProcess(ogg));
     EXPECT_FALSE(startsAProcess(wma));
 }
@@ -104,7 +105,7 @@ TEST(Measure, GoesOnWhenTheHeaderReaderFails) {
     Bytes cut = oggOfOneSecond();
     cut.resize(64);
     const path small = test::write(folder / "small.ogg", cut);
-    EXPECT_EQ(measure(small), (Measured{small, -1.0, 64, Reason::notUnderstood}));
+    EXPECT_EQ(measure(small), (Measured{small, -1.0, 64, Reason::notUnderstood, 0, 0, "Ogg"}));
     // A live stream's header states no play duration.
     const Bytes live = test::asfHeader(test::AsfFileProperties{.playDuration = 0}.bytes());
     EXPECT_EQ(measure(test::write(folder / "live.wma", live)).seconds, -1.0);
@@ -179,8 +180,13 @@ TEST(Measure, FollowsALinkToAFile) {
     const path folder = test::freshFolder();
     const path target = test::write(folder / "target", oggOfOneSecond());
     test::fs::create_symlink("target", folder / "link.ogg");
-    EXPECT_EQ(measure(folder / "link.ogg"),
-              (Measured{folder / "link.ogg", 1.0, static_cast<std::int64_t>(test::fs::file_size(target))}));
+    EXPECT_EQ(measure(folder / "link.ogg"), (Measured{folder / "link.ogg",
+                                                      1.0,
+                                                      static_cast<std::int64_t>(test::fs::file_size(target)),
+                                                      {},
+                                                      2,
+                                                      44'100,
+                                                      "Ogg"}));
 }
 
 TEST(Measure, KeepsTheSizeOfAFileItMayNotRead) {

@@ -165,10 +165,10 @@ TEST(OggCodecs, AreKnownFromTheLengthThatTheirFieldsNeed) {
     };
 
     const std::array rows = {
-        Row{"Vorbis", test::vorbisHeader(44'100), 16, {44'100, 0}},
-        Row{"Opus", test::opusHeader(312, 44'100), 19, {48'000, 312}},
-        Row{"Speex", test::speexHeader(32'000), 40, {32'000, 0}},
-        Row{"FLAC", test::flacHeader(96'000), 31, {96'000, 0}},
+        Row{"Vorbis", test::vorbisHeader(44'100), 16, {44'100, 0, 2}},
+        Row{"Opus", test::opusHeader(312, 44'100), 19, {48'000, 312, 2}},
+        Row{"Speex", test::speexHeader(32'000), 40, {32'000, 0, 0}},
+        Row{"FLAC", test::flacHeader(96'000), 31, {96'000, 0, 8}},
     };
     for (const Row& row : rows) {
         for (std::size_t size = 0; size <= row.header.size(); ++size) {

@@ -1,9 +1,12 @@
 #pragma once
 
 // What timing a file found, and on what grounds: the value that every reader returns. The total needs only
-// the seconds; the rest says how they were found, for those who ask (`./dev explain`).
+// the seconds; the rest says how they were found and of what sound, for those who ask.
+
+#include "records/FormatName.h"
 
 #include <cstdint>
+#include <limits>
 #include <optional>
 
 namespace velmora {
@@ -30,6 +33,25 @@ enum class Way : std::uint8_t {
     libavformat,
 };
 
+/// What the sound is, as far as its reader met it on the way to the length.
+struct Sampling {
+    std::uint32_t rate = 0;     ///< samples of a channel a second; 0: not known
+    std::uint16_t channels = 0; ///< 0: not known
+    FormatName coding = {};     ///< of bare frames, which have no other format
+
+    bool operator==(const Sampling&) const = default;
+};
+
+/// `rate`, rounded to whole hertz, and `channels`; what no sound can have is not known.
+constexpr Sampling samplingOf(double rate, std::int64_t channels, FormatName coding = {}) {
+    constexpr std::uint32_t maxRate = 1'000'000'000;
+    constexpr std::int64_t maxChannels = std::numeric_limits<std::uint16_t>::max();
+    const bool isRate = rate >= 1 && rate <= maxRate;
+    const bool isCount = channels > 0 && channels <= maxChannels;
+    return {isRate ? static_cast<std::uint32_t>(rate + 0.5) : 0,
+            isCount ? static_cast<std::uint16_t>(channels) : std::uint16_t{0}, coding};
+}
+
 /// One answer of a reader.
 struct Timing {
     /// Finite and at least 0; 0 means that nothing in the file plays.
@@ -46,6 +68,8 @@ struct Timing {
     std::int64_t frames = 0;
 
     Way way = Way::ownReader;
+
+    Sampling sampling = {};
 
     bool operator==(const Timing&) const = default;
 };
@@ -83,6 +107,14 @@ constexpr Timing foundTiming(Timing found, std::optional<double> stated) {
 /// The `seconds` that the bytes of audio in the file make, whatever a header states.
 constexpr Timing sizedTiming(double seconds, std::optional<double> stated) {
     return foundTiming({.seconds = seconds, .basis = Basis::sized}, stated);
+}
+
+/// `timing`, if there is one, of such sound.
+constexpr std::optional<Timing> sampled(std::optional<Timing> timing, const Sampling& sampling) {
+    if (timing) {
+        timing->sampling = sampling;
+    }
+    return timing;
 }
 
 } // namespace velmora

@@ -26,7 +26,7 @@ constexpr auto checks = std::to_array<Row>({
 
 /// Checks content in `format`; returns up to where all bytes were read.
 std::int64_t checkFormat(Examination& file, std::int64_t start, const Format& format) {
-    const auto* const row = std::ranges::find(checks, format.name, &Row::format);
+    const auto* const row = std::ranges::find(checks, format.name.text(), &Row::format);
     if (row != checks.end()) {
         return row->check(file, start);
     }
@@ -38,7 +38,7 @@ void checkContent(Examination& file, const std::filesystem::path& name) {
     const std::int64_t start = skipLeadingTags(header);
     std::int64_t readTo = start;
     if (const Format* const format = formatAt(header, start)) {
-        if (isForeign(name, format->name)) {
+        if (isForeign(name, format->name.text())) {
             file.note(FindingKind::foreign);
         }
         readTo = checkFormat(file, start, *format);

@@ -174,7 +174,9 @@ std::optional<Timing> aiffDuration(GuardedReader& reader, std::int64_t start) {
         }
         at = chunk->next;
     }
-    return common ? soundTiming(*common, sound.value_or(Sound())) : std::nullopt;
+    return common ? sampled(soundTiming(*common, sound.value_or(Sound())),
+                            samplingOf(common->rate, common->channels))
+                  : std::nullopt;
 }
 
 } // namespace velmora

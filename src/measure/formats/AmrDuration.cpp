@@ -32,13 +32,14 @@ struct Kind {
     std::string_view magic;
     FrameSizes frameBytes;
     bool hasChannelCount;
+    int rate; ///< samples a second
 };
 
 constexpr auto kinds = std::to_array<Kind>({
-    {"#!AMR\n", {13, 14, 16, 18, 20, 21, 27, 32, 6, 7, 6, 6, 0, 0, 1, 1}, false},
-    {"#!AMR-WB\n", {18, 24, 33, 37, 41, 47, 51, 59, 61, 6, 0, 0, 0, 0, 1, 1}, false},
-    {"#!AMR_MC1.0\n", {13, 14, 16, 18, 20, 21, 27, 32, 6, 7, 6, 6, 0, 0, 1, 1}, true},
-    {"#!AMR-WB_MC1.0\n", {18, 24, 33, 37, 41, 47, 51, 59, 61, 6, 0, 0, 0, 0, 1, 1}, true},
+    {"#!AMR\n", {13, 14, 16, 18, 20, 21, 27, 32, 6, 7, 6, 6, 0, 0, 1, 1}, false, 8'000},
+    {"#!AMR-WB\n", {18, 24, 33, 37, 41, 47, 51, 59, 61, 6, 0, 0, 0, 0, 1, 1}, false, 16'000},
+    {"#!AMR_MC1.0\n", {13, 14, 16, 18, 20, 21, 27, 32, 6, 7, 6, 6, 0, 0, 1, 1}, true, 8'000},
+    {"#!AMR-WB_MC1.0\n", {18, 24, 33, 37, 41, 47, 51, 59, 61, 6, 0, 0, 0, 0, 1, 1}, true, 16'000},
 });
 
 std::int64_t countFrames(GuardedReader& reader, std::int64_t at, const FrameSizes& frameBytes) {
@@ -80,8 +81,10 @@ std::optional<Timing> amrDuration(GuardedReader& reader, std::int64_t start) {
             at += channelDescriptionBytes;
         }
         const std::int64_t frames = channels == 0 ? 0 : countFrames(reader, at, kind.frameBytes) / channels;
-        return Timing{
-            .seconds = static_cast<double>(frames) * frameSeconds, .basis = Basis::counted, .frames = frames};
+        return Timing{.seconds = static_cast<double>(frames) * frameSeconds,
+                      .basis = Basis::counted,
+                      .frames = frames,
+                      .sampling = samplingOf(kind.rate, channels)};
     }
     return std::nullopt;
 }

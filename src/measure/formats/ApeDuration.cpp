@@ -36,7 +36,8 @@ using Bytes = std::span<const std::uint8_t>;
 //        4     4  blocks of a frame
 //        8     4  blocks of the last frame
 //       12     4  frames
-//       16     4  bits of a sample, channels
+//       16     2  bits of a sample
+//       18     2  channels
 //       20     4  blocks a second
 //
 // Before version 3980; the blocks of a frame follow from version and compression:
@@ -45,7 +46,8 @@ using Bytes = std::span<const std::uint8_t>;
 //        0     4  "MAC "
 //        4     2  version, times 1,000
 //        6     2  compression
-//        8     4  flags, channels
+//        8     2  flags
+//       10     2  channels
 //       12     4  blocks a second
 //       16     8  sizes of the kept WAV header and of what follows the frames
 //       24     4  frames
@@ -69,11 +71,13 @@ constexpr std::size_t headerBytes = 24;
 constexpr std::size_t frameBlocksAt = 4;
 constexpr std::size_t lastBlocksAt = 8;
 constexpr std::size_t framesAt = 12;
+constexpr std::size_t channelsAt = 18;
 constexpr std::size_t rateAt = 20;
 
 constexpr std::size_t oldHeaderBytes = 32;
 constexpr std::size_t oldCompressionAt = 6;
 constexpr std::size_t oldFlagsAt = 8;
+constexpr std::size_t oldChannelsAt = 10;
 constexpr std::size_t oldRateAt = 12;
 constexpr std::size_t oldKeptHeaderSizeAt = 16;
 constexpr std::size_t oldFramesAt = 24;
@@ -91,6 +95,7 @@ struct ApeHeader {
     std::int64_t lastBlocks = 0;
     std::int64_t frames = 0;
     std::int64_t rate = 0;
+    std::int64_t channels = 0;
     std::int64_t seekTableAt = 0;
     std::optional<double> end = {}; ///< where the last frame ends; absent if not stated
 };
@@ -113,6 +118,7 @@ std::optional<ApeHeader> parseDescribed(GuardedReader& reader, std::int64_t star
                      le32(header, lastBlocksAt),
                      le32(header, framesAt),
                      le32(header, rateAt),
+                     le16(header, channelsAt),
                      seekTableAt,
                      end};
 }
@@ -130,8 +136,12 @@ std::optional<ApeHeader> parseOld(GuardedReader& reader, std::int64_t start, int
                                      ((flags & hasPeak) != 0 ? 4 : 0) +
                                      ((flags & hasSeekCount) != 0 ? 4 : 0) +
                                      ((flags & keepsNoHeader) != 0 ? 0 : le32(header, oldKeptHeaderSizeAt));
-    return ApeHeader{frameBlocks, le32(header, oldLastBlocksAt), le32(header, oldFramesAt),
-                     le32(header, oldRateAt), seekTableAt};
+    return ApeHeader{frameBlocks,
+                     le32(header, oldLastBlocksAt),
+                     le32(header, oldFramesAt),
+                     le32(header, oldRateAt),
+                     le16(header, oldChannelsAt),
+                     seekTableAt};
 }
 
 /// How many frames are whole: all of them, or of a file that was cut off those whose successor begins in it
@@ -173,15 +183,17 @@ std::optional<Timing> apeDuration(GuardedReader& reader, std::int64_t start) {
         return blocks / static_cast<double>(header->rate);
     };
     const double stated = secondsOf(header->frames - 1, header->lastBlocks);
+    const Sampling sampling = samplingOf(static_cast<double>(header->rate), header->channels);
     const std::int64_t there = framesThere(reader, start, *header);
     if (there == header->frames) {
-        return statedTiming(stated);
+        return sampled(statedTiming(stated), sampling);
     }
     return Timing{.seconds = secondsOf(there, 0),
                   .basis = Basis::counted,
                   .stated = stated,
                   .doubt = Doubt::beyondEnd,
-                  .frames = there};
+                  .frames = there,
+                  .sampling = sampling};
 }
 
 } // namespace velmora

@@ -114,4 +114,10 @@ std::optional<double> asfSeconds(const ByteSource& source) {
     return walkObjects(head, limit);
 }
 
+std::optional<Timing> asfTiming(const ByteSource& source) {
+    const std::optional<double> seconds = asfSeconds(source);
+    return seconds ? std::optional(Timing{.seconds = *seconds, .stated = seconds, .way = Way::headerReader})
+                   : std::nullopt;
+}
+
 } // namespace velmora::HeaderDuration

@@ -30,15 +30,19 @@
 //       88     4  flags
 
 #include "measure/bytes/ByteSource.h"
+#include "measure/bytes/Timing.h"
 
 #include <optional>
 
 namespace velmora::HeaderDuration {
 
-/// Play duration less preroll of the first File Properties Object in `source`, in seconds; positive. Absent
+/// Play duration less preroll of the first File Properties Object in `source`; positive. Absent
 /// when there is none within the header and the first mebibyte, when the objects before it do not lie one
 /// after the other, when nothing positive remains (a live stream states 0), or when it cannot be read.
 /// Reads 4 KiB, and further pieces of the first mebibyte where longer objects come first; none twice.
+std::optional<Timing> asfTiming(const ByteSource& source);
+
+/// Its seconds alone.
 std::optional<double> asfSeconds(const ByteSource& source);
 
 } // namespace velmora::HeaderDuration

@@ -79,7 +79,8 @@ std::optional<Timing> auDuration(GuardedReader& reader, std::int64_t start) {
         const std::int64_t frames = std::max<std::int64_t>(0, size) * 8 / frameBits;
         return static_cast<double>(frames) / rate;
     };
-    return sizedTiming(secondsOf(bytes), isKnown ? std::optional(secondsOf(stated)) : std::nullopt);
+    return sampled(sizedTiming(secondsOf(bytes), isKnown ? std::optional(secondsOf(stated)) : std::nullopt),
+                   samplingOf(rate, field(channelsAt)));
 }
 
 } // namespace velmora

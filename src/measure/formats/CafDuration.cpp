@@ -53,6 +53,7 @@ constexpr std::size_t rateAt = 0;
 constexpr std::size_t formatAt = 8;
 constexpr std::size_t packetBytesAt = 16;
 constexpr std::size_t packetFramesAt = 20;
+constexpr std::size_t channelsAt = 24;
 constexpr std::size_t descriptionBytes = 32;
 
 constexpr std::uint32_t flacFormat = 0x666C'6163; // "flac"
@@ -68,6 +69,7 @@ struct Description {
     double rate = 0;
     std::uint32_t format = 0;
     CafPacketKind packet;
+    std::int64_t channels = 0;
 
     double secondsOf(std::int64_t frames) const {
         return static_cast<double>(std::max<std::int64_t>(0, frames)) / rate;
@@ -88,7 +90,8 @@ std::optional<Description> parseDescription(Bytes chunk) {
     }
     const Description description{std::bit_cast<double>(be64(chunk, rateAt)),
                                   be32(chunk, formatAt),
-                                  {be32(chunk, packetBytesAt), be32(chunk, packetFramesAt)}};
+                                  {be32(chunk, packetBytesAt), be32(chunk, packetFramesAt)},
+                                  be32(chunk, channelsAt)};
     return std::isfinite(description.rate) && description.rate >= 1 ? std::optional(description)
                                                                     : std::nullopt;
 }
@@ -246,7 +249,8 @@ std::optional<Timing> cafDuration(GuardedReader& reader, std::int64_t start) {
     if (!description || !data) {
         return std::nullopt;
     }
-    return timingOf(reader, *description, *data, table);
+    return sampled(timingOf(reader, *description, *data, table),
+                   samplingOf(description->rate, description->channels));
 }
 
 } // namespace velmora

@@ -76,7 +76,9 @@ std::optional<Timing> bitTiming(const Chunk& chunk, std::int64_t channels, std::
     constexpr auto limit = static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
     const auto there = bitSeconds(chunk.size, channels, rate);
     const auto stated = static_cast<std::int64_t>(std::min(chunk.stated, limit));
-    return there ? std::optional(sizedTiming(*there, bitSeconds(stated, channels, rate))) : std::nullopt;
+    return there ? sampled(sizedTiming(*there, bitSeconds(stated, channels, rate)),
+                           samplingOf(static_cast<double>(rate), channels))
+                 : std::nullopt;
 }
 
 } // namespace
@@ -98,12 +100,13 @@ std::optional<Timing> dsfDuration(GuardedReader& reader, std::int64_t start) {
     if (!there) {
         return std::nullopt;
     }
+    const Sampling sampling = samplingOf(static_cast<double>(rate), channels);
     if (samples == 0 && bytes <= channels * std::int64_t{le32(header, blockBytesAt)}) {
-        return statedTiming(0); // one block a channel, filled up
+        return sampled(statedTiming(0), sampling); // one block a channel, filled up
     }
     const double stated = static_cast<double>(samples) / static_cast<double>(rate);
     return withinFile(samples > 0 ? std::optional(stated) : std::nullopt,
-                      {.seconds = *there, .basis = Basis::sized});
+                      {.seconds = *there, .basis = Basis::sized, .sampling = sampling});
 }
 
 std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) {
@@ -129,7 +132,10 @@ std::optional<Timing> dsdiffDuration(GuardedReader& reader, std::int64_t start) 
             const double frameRate = std::max<int>(1, be16(value, 4));
             const std::int64_t maxFrames = (reader.size() - chunk->content) / minDstFrameBytes;
             const double maxSeconds = static_cast<double>(maxFrames) / frameRate;
-            return withinFile(be32(value, 0) / frameRate, {.seconds = maxSeconds, .basis = Basis::sized});
+            return withinFile(be32(value, 0) / frameRate,
+                              {.seconds = maxSeconds,
+                               .basis = Basis::sized,
+                               .sampling = samplingOf(static_cast<double>(rate), channels)});
         }
     }
     return std::nullopt;

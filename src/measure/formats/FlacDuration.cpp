@@ -81,9 +81,10 @@ Timing timingOf(GuardedReader& reader, const FlacHead& head, const Tail& tail) {
     if (isClockDoubtful(head, tail)) {
         seconds = flacClockSeconds(reader, head.stream, {head.audioAt, tail.lastAt, tail.isWhole});
     }
-    return foundTiming(
-        {.seconds = seconds.value_or(secondsOf(tail.end - head.firstSample)), .basis = Basis::counted},
-        stated > 0 ? std::optional(secondsOf(stated)) : std::nullopt);
+    return foundTiming({.seconds = seconds.value_or(secondsOf(tail.end - head.firstSample)),
+                        .basis = Basis::counted,
+                        .sampling = samplingOf(head.stream.rate, head.stream.channels)},
+                       stated > 0 ? std::optional(secondsOf(stated)) : std::nullopt);
 }
 
 } // namespace

@@ -46,6 +46,7 @@ constexpr std::size_t maxBlockAt = 2;
 constexpr std::size_t maxFrameAt = 6; // of the four bytes whose lower three are the field
 constexpr std::size_t packedAt = 10;
 constexpr int rateShift = 44;
+constexpr int channelsShift = 41; // less one
 constexpr std::uint64_t samplesMask = 0xF'FFFF'FFFF;
 constexpr std::size_t readStreamInfoBytes = 18; // as much of STREAMINFO as is looked at
 
@@ -184,7 +185,8 @@ std::optional<FlacStreamInfo> parseStreamInfo(Bytes block) {
     const std::uint64_t packed = be64(block, packedAt);
     return FlacStreamInfo{
         be16(block, maxBlockAt), static_cast<std::int32_t>(be32(block, maxFrameAt) & 0xFF'FFFF),
-        static_cast<std::int32_t>(packed >> rateShift), static_cast<std::int64_t>(packed & samplesMask)};
+        static_cast<std::int32_t>(packed >> rateShift), static_cast<std::int64_t>(packed & samplesMask),
+        static_cast<std::int32_t>(packed >> channelsShift & 0x07) + 1};
 }
 
 std::optional<FlacFrame> parseFlacFrame(Bytes bytes, const FlacStreamInfo& stream) {

@@ -16,6 +16,7 @@ struct FlacStreamInfo {
     std::int32_t frameBytes = 0;   ///< of the largest frame; 0 if not stated
     std::int32_t rate = 0;         ///< 0 if not stated
     std::int64_t samples = 0;      ///< 0 if not stated
+    std::int32_t channels = 0;     ///< positive
 };
 
 struct FlacFrame {

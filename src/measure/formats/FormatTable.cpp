@@ -29,8 +29,8 @@ namespace velmora {
 namespace {
 
 using namespace std::string_view_literals;
-using HeaderDuration::asfSeconds;
-using HeaderDuration::oggSeconds;
+using HeaderDuration::asfTiming;
+using HeaderDuration::oggTiming;
 
 // What a byte can play. No bound is tight: it only has to tell a length that is possible from one that was
 // made up.
@@ -87,14 +87,14 @@ constexpr std::size_t maxPatternBytes = std::ranges::max(formatTable, {}, [](con
                                         }).pattern.size();
 
 constexpr auto headerTable = std::to_array<HeaderFormat>({
-    {"ogg", "Ogg", &oggSeconds, Basis::counted},
-    {"oga", "Ogg", &oggSeconds, Basis::counted},
-    {"opus", "Ogg", &oggSeconds, Basis::counted},
-    {"ogx", "Ogg", &oggSeconds, Basis::counted},
-    {"spx", "Ogg", &oggSeconds, Basis::counted},
-    {"wma", "ASF", &asfSeconds, Basis::stated},
-    {"asf", "ASF", &asfSeconds, Basis::stated},
-    {"wmv", "ASF", &asfSeconds, Basis::stated},
+    {"ogg", "Ogg", &oggTiming},
+    {"oga", "Ogg", &oggTiming},
+    {"opus", "Ogg", &oggTiming},
+    {"ogx", "Ogg", &oggTiming},
+    {"spx", "Ogg", &oggTiming},
+    {"wma", "ASF", &asfTiming},
+    {"asf", "ASF", &asfTiming},
+    {"wmv", "ASF", &asfTiming},
 });
 
 } // namespace

@@ -12,6 +12,7 @@
 #include "measure/bytes/ByteSource.h"
 #include "measure/bytes/GuardedReader.h"
 #include "measure/bytes/Timing.h"
+#include "records/FormatName.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -39,7 +40,7 @@ using FormatReader = std::optional<Timing> (*)(GuardedReader& reader, std::int64
 
 /// A format that is known by its first bytes.
 struct Format {
-    std::string_view name;    ///< for people
+    FormatName name;          ///< for people
     std::string_view pattern; ///< that the content begins with; see `matches` in Magic.h
     FormatReader read;        ///< null if libavformat alone reads it
     std::string_view demuxer; ///< libavformat's, asked where `read` cannot tell; empty: it is not asked
@@ -57,14 +58,13 @@ const Format* formatAt(GuardedReader& reader, std::int64_t start);
 
 /// Reads the length off a whole file that its extension says is of this format. Positive and finite or
 /// absent; reads a bounded part of `source` (OggDuration.h, AsfDuration.h). Any thread, many at once.
-using HeaderReader = std::optional<double> (*)(const ByteSource& source);
+using HeaderReader = std::optional<Timing> (*)(const ByteSource& source);
 
 /// A format that is known by the file's extension, and asked before any content is looked at.
 struct HeaderFormat {
     std::string_view extension; ///< in lower case, without the dot
-    std::string_view name;      ///< for people
+    FormatName name;            ///< for people
     HeaderReader read;
-    Basis basis; ///< of the reader's answer
 };
 
 std::span<const HeaderFormat> headerFormats();

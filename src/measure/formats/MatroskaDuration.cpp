@@ -37,11 +37,27 @@ double firstTime(GuardedReader& reader, const EbmlElement& cluster) {
     return std::max(0.0, static_cast<double>(clusterTime) + static_cast<double>(time.value_or(0)));
 }
 
+/// What `audio`, an element of that name, states.
+Sampling samplingIn(GuardedReader& reader, const EbmlElement& audio) {
+    double rate = 8'000;
+    std::uint64_t channels = 1;
+    forEachEbmlElement(reader, audio, [&](const EbmlElement& element) {
+        if (element.id == Matroska::samplingFrequencyId) {
+            rate = ebmlNumber(reader, element).value_or(0);
+        } else if (element.id == Matroska::channelsId) {
+            channels = ebmlInteger(reader, element).value_or(0);
+        }
+        return true;
+    });
+    return samplingOf(rate, static_cast<std::int64_t>(channels));
+}
+
 /// What stands before the media.
 struct Head {
     double timestampScale = 1e6; ///< nanoseconds
     double duration = 0;         ///< in units of the scale; 0 if not stated
     double begin = 0;            ///< when the first block begins, likewise
+    Sampling sampling = {};      ///< of the first track that tells it
     bool hasAudio = false;
     bool hasOther = false; ///< tracks that are no audio, or that do not say what they are
 
@@ -63,8 +79,10 @@ struct Head {
                 forEachEbmlElement(reader, entry, [&](const EbmlElement& element) {
                     if (element.id == Matroska::trackTypeId) {
                         type = ebmlInteger(reader, element);
+                    } else if (element.id == Matroska::audioId && sampling.rate == 0) {
+                        sampling = samplingIn(reader, element);
                     }
-                    return !type;
+                    return !type || (type == Matroska::audioTrack && sampling.rate == 0);
                 });
                 (type == Matroska::audioTrack ? hasAudio : hasOther) = true;
             }
@@ -75,7 +93,7 @@ struct Head {
 
 /// The length stated at the head, which is that of the longest track. Absent if none is, or if there are
 /// tracks other than audio, whose it could be.
-std::optional<double> statedAtHead(GuardedReader& reader, const EbmlElement& segment) {
+std::optional<Timing> statedAtHead(GuardedReader& reader, const EbmlElement& segment) {
     Head head;
     forEachEbmlElement(reader, segment, [&](const EbmlElement& element) {
         if (element.id == Matroska::infoId) {
@@ -88,7 +106,8 @@ std::optional<double> statedAtHead(GuardedReader& reader, const EbmlElement& seg
         return element.id != Matroska::clusterId;
     });
     const double seconds = (head.duration - head.begin) * head.timestampScale / 1e9;
-    return seconds > 0 && head.hasAudio && !head.hasOther ? std::optional(seconds) : std::nullopt;
+    return seconds > 0 && head.hasAudio && !head.hasOther ? sampled(statedTiming(seconds), head.sampling)
+                                                          : std::nullopt;
 }
 
 } // namespace
@@ -98,8 +117,8 @@ std::optional<Timing> matroskaDuration(GuardedReader& reader, std::int64_t start
     if (segment && isCutOff(reader, *segment)) {
         return libav().duration(reader, start, "matroska", Doubt::beyondEnd);
     }
-    const std::optional<double> stated = segment ? statedAtHead(reader, *segment) : std::nullopt;
-    return stated ? statedTiming(*stated) : libav().duration(reader, start, "matroska", Doubt::none);
+    const std::optional<Timing> stated = segment ? statedAtHead(reader, *segment) : std::nullopt;
+    return stated ? stated : libav().duration(reader, start, "matroska", Doubt::none);
 }
 
 } // namespace velmora

@@ -104,9 +104,10 @@ std::optional<Timing> mp4Duration(GuardedReader& reader, std::int64_t start) {
         if (box.type == mp4Type("mvhd")) {
             movieScale = timeScaleOf(reader, box);
         } else if (box.type == mp4Type("trak")) {
-            longest =
-                std::ranges::max(longest, trackTiming(reader, readMp4Track(reader, box), movie, movieScale),
-                                 {}, &Timing::seconds);
+            const Mp4Track track = readMp4Track(reader, box);
+            Timing timing = trackTiming(reader, track, movie, movieScale);
+            timing.sampling = track.sampling;
+            longest = std::ranges::max(longest, timing, {}, &Timing::seconds);
         } else if (box.type == mp4Type("cmov")) {
             isCompressed = true;
         }

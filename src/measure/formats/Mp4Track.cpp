@@ -2,6 +2,7 @@
 
 #include "measure/bytes/ByteOrder.h"
 #include "measure/bytes/PartitionPoint.h"
+#include "measure/formats/Mp4Sound.h"
 
 #include <algorithm>
 
@@ -94,6 +95,7 @@ void readMedia(GuardedReader& reader, const Mp4Box& media, Mp4Track& track) {
             track.isAudio = word(reader, box, handlerAt) == mp4Type("soun");
         } else if (box.type == mp4Type("minf") && track.isAudio) {
             track.sampleTable = findMp4Box(reader, box, mp4Type("stbl"));
+            track.sampling = track.sampleTable ? mp4Sampling(reader, *track.sampleTable) : Sampling();
         }
     });
 }

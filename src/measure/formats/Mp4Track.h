@@ -4,6 +4,7 @@
 // which part of them its edits play, and where its samples stand, to tell how many are left of a file that
 // was cut off.
 
+#include "measure/bytes/Timing.h"
 #include "measure/formats/Mp4Boxes.h"
 
 #include <cstdint>
@@ -25,6 +26,7 @@ struct Mp4Track {
     std::int64_t mediaDuration = 0; ///< in those, as the header states; 0 if it does not
     std::vector<Mp4Edit> edits;
     std::optional<Mp4Box> sampleTable; ///< "stbl"
+    Sampling sampling;                 ///< by its description there
 };
 
 /// Reads `box`, a "trak".

@@ -35,14 +35,17 @@ Timing version7Timing(Bytes header) {
     constexpr std::size_t framesAt = 4;
     constexpr std::size_t rateAt = 8;
     constexpr std::size_t lastAt = 20;
+    constexpr int stereo = 2; // which this version always is
     const std::int64_t frames = le32(header, framesAt);
     const std::uint32_t last = le32(header, lastAt);
     const bool isExact = last >> 31 != 0;
     const std::int64_t lastSamples = last >> 20 & 0x7FF;
     const std::int64_t samples =
         frames * musepackFrameSamples - (isExact ? musepackFrameSamples - lastSamples : decoderDelay);
-    return statedTiming(static_cast<double>(std::max<std::int64_t>(0, samples)) /
-                        musepackRates[le32(header, rateAt) >> 16 & 0x03]);
+    const int rate = musepackRates[le32(header, rateAt) >> 16 & 0x03];
+    Timing timing = statedTiming(static_cast<double>(std::max<std::int64_t>(0, samples)) / rate);
+    timing.sampling = samplingOf(rate, stereo);
+    return timing;
 }
 
 /// Whether the packet that ends every stream, "SE", stands in front of the tags.
@@ -117,14 +120,16 @@ std::optional<Timing> version8Timing(GuardedReader& reader, std::int64_t start) 
     const auto secondsOf = [&header](std::int64_t samples) {
         return static_cast<double>(std::max<std::int64_t>(0, samples - header->silence)) / header->rate;
     };
+    const Sampling sampling = samplingOf(header->rate, header->channels);
     const auto stated = header->samples > 0 ? std::optional(secondsOf(header->samples)) : std::nullopt;
     if (stated && hasItsEnd(reader, start)) {
-        return statedTiming(*stated);
+        return sampled(statedTiming(*stated), sampling);
     }
     const auto there = packetsThere(reader, at, *header);
     return there ? std::optional(withinFile(stated, {.seconds = secondsOf(there->samples),
                                                      .basis = Basis::counted,
-                                                     .frames = there->packets}))
+                                                     .frames = there->packets,
+                                                     .sampling = sampling}))
                  : std::nullopt;
 }
 

@@ -14,7 +14,7 @@ using Bytes = std::span<const std::uint8_t>;
 //
 // "SH": checksum (4), version (1), samples (number; 0: not known), of these to be left out at the start
 // (number), the sample rate in the 3 highest bits of the next byte, the frames of a packet as a power of 4 in
-// the 3 lowest of the byte after it.
+// the 3 lowest of the byte after it, the channels less one in the 4 highest of that.
 
 /// The number that `bytes` begin with; the bytes it takes are cut from them.
 std::optional<std::int64_t> takeNumber(Bytes& bytes) {
@@ -57,6 +57,7 @@ std::optional<MusepackStream> parseMusepackStream(Bytes content) {
     return MusepackStream{*samples,
                           *silence,
                           musepackRates[content[0] >> 5],
+                          (content[1] >> 4) + 1,
                           musepackFrameSamples << 2 * (content[1] & 0x07),
                           {content[0], content[1]}};
 }

@@ -27,6 +27,7 @@ struct MusepackStream {
     std::int64_t samples = 0; ///< 0: not known
     std::int64_t silence = 0; ///< samples to be left out at the start
     int rate = 0;
+    int channels = 0;
     std::int64_t packetSamples = 0;
     std::array<std::uint8_t, 2> description{}; ///< the last two bytes, all that a decoder has to know
 };

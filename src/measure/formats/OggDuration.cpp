@@ -32,17 +32,20 @@ constexpr std::size_t maxIdentification = 80;
 constexpr std::size_t minIdentification = 41;
 
 constexpr std::size_t minVorbis = 16;
+constexpr std::size_t vorbisChannels = 11;
 constexpr std::size_t vorbisRate = 12;
 constexpr std::size_t minOpus = 19;
+constexpr std::size_t opusChannels = 9;
 constexpr std::size_t opusPreSkip = 10;
 constexpr std::uint32_t opusRate = 48'000;
 constexpr std::size_t minSpeex = 40;
 constexpr std::size_t speexRate = 36;
+constexpr std::size_t speexChannels = 48;
 constexpr std::size_t minFlac = 31;
 constexpr std::size_t flacRate = 27;
 
-std::optional<OggCodec> withRate(std::uint32_t sampleRate) {
-    return sampleRate == 0 ? std::nullopt : std::optional(OggCodec{sampleRate, 0});
+std::optional<OggCodec> withRate(std::uint32_t sampleRate, std::uint32_t channels) {
+    return sampleRate == 0 ? std::nullopt : std::optional(OggCodec{sampleRate, 0, channels});
 }
 
 /// The codec named on the first page.
@@ -111,22 +114,23 @@ std::optional<std::uint64_t> lastGranule(const ByteSource& source) {
 
 std::optional<OggCodec> identifyOggCodec(Bytes packet) {
     if (packet.size() >= minVorbis && matches(packet, "\x01vorbis")) {
-        return withRate(le32(packet, vorbisRate));
+        return withRate(le32(packet, vorbisRate), packet[vorbisChannels]);
     }
     if (packet.size() >= minOpus && matches(packet, "OpusHead")) {
-        return OggCodec{opusRate, le16(packet, opusPreSkip)};
+        return OggCodec{opusRate, le16(packet, opusPreSkip), packet[opusChannels]};
     }
     if (packet.size() >= minSpeex && matches(packet, "Speex   ")) {
-        return withRate(le32(packet, speexRate));
+        const bool hasChannels = packet.size() >= speexChannels + 4;
+        return withRate(le32(packet, speexRate), hasChannels ? le32(packet, speexChannels) : 0);
     }
     if (packet.size() >= minFlac && matches(packet, "\177FLAC")) {
         const unsigned bits = packet[flacRate] << 16 | packet[flacRate + 1] << 8 | packet[flacRate + 2];
-        return withRate(bits >> 4);
+        return withRate(bits >> 4, (bits >> 1 & 0x07) + 1);
     }
     return std::nullopt;
 }
 
-std::optional<double> oggSeconds(const ByteSource& source) {
+std::optional<Timing> oggTiming(const ByteSource& source) {
     if (source.size < minFileBytes) {
         return std::nullopt;
     }
@@ -136,7 +140,16 @@ std::optional<double> oggSeconds(const ByteSource& source) {
         return std::nullopt;
     }
     const double samples = static_cast<double>(*granule) - codec->preSkip;
-    return samples > 0 ? std::optional(samples / codec->sampleRate) : std::nullopt;
+    return samples > 0 ? std::optional(Timing{.seconds = samples / codec->sampleRate,
+                                              .basis = Basis::counted,
+                                              .way = Way::headerReader,
+                                              .sampling = samplingOf(codec->sampleRate, codec->channels)})
+                       : std::nullopt;
+}
+
+std::optional<double> oggSeconds(const ByteSource& source) {
+    const std::optional<Timing> timing = oggTiming(source);
+    return timing ? std::optional(timing->seconds) : std::nullopt;
 }
 
 } // namespace velmora::HeaderDuration

@@ -20,16 +20,19 @@
 //
 // Identification header, the first packet of the first page:
 //
-//   codec   begins with      sample rate               pre-skip   described in
-//   Vorbis  1, "vorbis"      32 bits at 12             0          Vorbis I specification, section 4.2.2
-//   Opus    "OpusHead"       48000                     16 bits    RFC 7845, section 5.1
-//                                                      at 10
-//   Speex   "Speex   "       32 bits at 36             0          Speex codec manual, section 7.3
-//   FLAC    0x7F, "FLAC"     the upper 20 of the       0          RFC 9639, section 10.1
-//                            24 bits at 27, highest
-//                            byte first
+//   codec   begins with      sample rate               channels   described in
+//   Vorbis  1, "vorbis"      32 bits at 12             byte 11    Vorbis I specification, section 4.2.2
+//   Opus    "OpusHead"       48000                     byte 9     RFC 7845, section 5.1
+//   Speex   "Speex   "       32 bits at 36             32 bits    Speex codec manual, section 7.3
+//                                                      at 48
+//   FLAC    0x7F, "FLAC"     the upper 20 of the       the next   RFC 9639, section 10.1
+//                            24 bits at 27, highest    3, less
+//                            byte first                one
+//
+// The pre-skip of Opus stands in the 16 bits at 10; the others have none.
 
 #include "measure/bytes/ByteSource.h"
+#include "measure/bytes/Timing.h"
 
 #include <cstdint>
 #include <optional>
@@ -37,15 +40,19 @@
 
 namespace velmora::HeaderDuration {
 
-/// Seconds until the last page of `source` that carries a granule position, of whichever stream; positive.
+/// The time until the last page of `source` that carries a granule position, of whichever stream; positive.
 /// Absent when the source does not begin with a page of a known codec, has no such page among its last
 /// 256 KiB, or cannot be read. Reads at most 362 bytes at the start and 256 KiB at the end, none twice.
+std::optional<Timing> oggTiming(const ByteSource& source);
+
+/// Its seconds alone.
 std::optional<double> oggSeconds(const ByteSource& source);
 
 /// What an identification header says.
 struct OggCodec {
     std::uint32_t sampleRate = 0; ///< in Hz, never 0
     std::uint16_t preSkip = 0;    ///< samples to drop at the start; the granule position counts them
+    std::uint32_t channels = 0;   ///< 0 where the header is cut short before them
 
     bool operator==(const OggCodec&) const = default;
 };

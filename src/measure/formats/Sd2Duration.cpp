@@ -3,6 +3,7 @@
 #include "measure/bytes/ByteOrder.h"
 #include "measure/bytes/Magic.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 #include <vector>
@@ -14,6 +15,7 @@ namespace {
 using Bytes = std::span<const std::uint8_t>;
 
 constexpr std::int64_t maxForkBytes = 1 << 20;
+constexpr double maxChannels = 1e6; // and no text is taken for so many
 
 /// AppleDouble: 0 magic, 24 entries (2 bytes), 26 the entries, 12 bytes each: id, offset, length. A file
 /// without the magic is the fork itself.
@@ -138,7 +140,11 @@ std::optional<Timing> sd2Duration(GuardedReader& fork, std::int64_t dataBytes) {
     }
     const double seconds =
         static_cast<double>(dataBytes) / *description.sampleBytes / *description.channels / *description.rate;
-    return seconds > 0 ? std::optional(Timing{.seconds = seconds, .basis = Basis::sized}) : std::nullopt;
+    const Sampling sampling = samplingOf(
+        *description.rate, static_cast<std::int64_t>(std::min(*description.channels, maxChannels)));
+    return seconds > 0
+               ? std::optional(Timing{.seconds = seconds, .basis = Basis::sized, .sampling = sampling})
+               : std::nullopt;
 }
 
 } // namespace velmora

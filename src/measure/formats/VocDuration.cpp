@@ -120,12 +120,19 @@ public:
         return 0;
     }
 
+    /// Of the first block of sound.
+    const Sampling& sampling() const { return m_sampling; }
+
 private:
     void setSound(double rate, int codec, int channels) {
         const bool isKnown = rate > 0 && channels > 0;
+        if (m_sampling.rate == 0) {
+            m_sampling = samplingOf(rate, channels);
+        }
         m_byteSeconds = isKnown && bitsOf(codec) > 0 ? 8 / bitsOf(codec) / channels / rate : 0;
     }
 
+    Sampling m_sampling;
     double m_byteSeconds = 0;
     bool m_hasExtended = false;
 };
@@ -150,7 +157,7 @@ std::optional<Timing> vocDuration(GuardedReader& reader, std::int64_t start) {
         ++timing.frames;
         at = block->next;
     }
-    return timing;
+    return sampled(timing, clock.sampling());
 }
 
 } // namespace velmora

@@ -21,7 +21,8 @@ namespace {
 //       12     4  samples of the file; all ones: not known
 //       16     4  index of the first sample
 //       20     4  samples of this block
-//       24     4  flags; bits 23 to 26: sample rate, bit 31: one-bit audio
+//       24     4  flags; bit 2: mono, bits 11 and 12: the first and the last block of these samples,
+//                 bits 23 to 26: sample rate, bit 31: one-bit audio
 //       28     4  checksum
 
 constexpr std::size_t sizeAt = 4;
@@ -43,6 +44,8 @@ constexpr std::array<std::int32_t, 15> rates = {6'000,  8'000,  9'600,  11'025, 
 
 std::optional<WavPackBlock> parseWavPackBlock(std::span<const std::uint8_t> header) {
     constexpr std::uint32_t unknownTotal = 0xFFFF'FFFF;
+    constexpr std::uint32_t isMono = 0x4;
+    constexpr std::uint32_t isAlone = 0x1800;
     constexpr std::uint32_t isOneBit = 0x8000'0000;
     constexpr int rateShift = 23;
     if (header.size() < wavPackHeaderBytes || !matches(header, "wvpk") ||
@@ -62,6 +65,7 @@ std::optional<WavPackBlock> parseWavPackBlock(std::span<const std::uint8_t> head
     block.index = (std::int64_t{header[indexHighAt]} << 32) + le32(header, indexAt);
     block.samples = le32(header, samplesAt);
     block.rate = rates[rate];
+    block.channels = (flags & isAlone) != isAlone ? 0 : (flags & isMono) != 0 ? 1 : 2;
     block.flags = flags;
     return block;
 }

@@ -17,6 +17,7 @@ struct WavPackBlock {
     std::int64_t index = 0;
     std::int64_t samples = 0;
     std::int32_t rate = 0;
+    std::int32_t channels = 0; ///< 0 if further blocks hold more of them
     std::uint32_t flags = 0;
 };
 

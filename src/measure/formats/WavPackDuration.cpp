@@ -46,7 +46,8 @@ std::optional<Timing> wavPackDuration(GuardedReader& reader, std::int64_t start)
     const Timing found{.seconds = secondsOf(std::max<std::int64_t>(end - first->index, 0)),
                        .basis = Basis::counted};
     // What was cut out of another file keeps the total of that.
-    return first->index == 0 ? withinFile(stated, found) : foundTiming(found, stated);
+    return sampled(first->index == 0 ? withinFile(stated, found) : foundTiming(found, stated),
+                   samplingOf(first->rate, first->channels));
 }
 
 } // namespace velmora

@@ -93,6 +93,27 @@ std::optional<std::int64_t> framesOf(const WaveFormat& format, std::int64_t byte
     return bytes / format.blockBytes * whole + framesOfBlock(format, bytes % format.blockBytes);
 }
 
+/// By the bytes of frames or blocks.
+std::optional<Timing> blockTiming(const WaveFormat& format, const WaveData& data) {
+    const auto frames = framesOf(format, data.end - data.start);
+    if (!frames) {
+        return std::nullopt;
+    }
+    const auto secondsOf = [&format](std::int64_t count) {
+        return static_cast<double>(count) / static_cast<double>(format.rate);
+    };
+    const std::int64_t slack = 2 * framesOfBlock(format, format.blockBytes);
+    const bool mayBeFilledUp = slack > 0 && data.statedFrames.has_value();
+    if (mayBeFilledUp && *data.statedFrames <= *frames && *data.statedFrames > *frames - slack) {
+        return statedTiming(secondsOf(*data.statedFrames));
+    }
+    std::optional<std::int64_t> stated = data.statedFrames;
+    if (!mayBeFilledUp) {
+        stated = data.statedBytes ? framesOf(format, *data.statedBytes) : std::nullopt;
+    }
+    return sizedTiming(secondsOf(*frames), stated ? std::optional(secondsOf(*stated)) : std::nullopt);
+}
+
 } // namespace
 
 std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, bool isBigEndian) {
@@ -119,25 +140,9 @@ std::optional<Timing> waveTiming(GuardedReader& reader, const WaveFormat& format
     case adtsAac:
         return searchedFrameDuration(reader, data.start, data.end);
     default:
-        break;
+        return sampled(blockTiming(format, data),
+                       samplingOf(static_cast<double>(format.rate), format.channels));
     }
-    const auto frames = framesOf(format, data.end - data.start);
-    if (!frames) {
-        return std::nullopt;
-    }
-    const auto secondsOf = [&format](std::int64_t count) {
-        return static_cast<double>(count) / static_cast<double>(format.rate);
-    };
-    const std::int64_t slack = 2 * framesOfBlock(format, format.blockBytes);
-    const bool mayBeFilledUp = slack > 0 && data.statedFrames.has_value();
-    if (mayBeFilledUp && *data.statedFrames <= *frames && *data.statedFrames > *frames - slack) {
-        return statedTiming(secondsOf(*data.statedFrames));
-    }
-    std::optional<std::int64_t> stated = data.statedFrames;
-    if (!mayBeFilledUp) {
-        stated = data.statedBytes ? framesOf(format, *data.statedBytes) : std::nullopt;
-    }
-    return sizedTiming(secondsOf(*frames), stated ? std::optional(secondsOf(*stated)) : std::nullopt);
 }
 
 } // namespace velmora

@@ -1,6 +1,7 @@
 #include "measure/frames/FrameHeader.h"
 
 #include <array>
+#include <limits>
 
 namespace velmora {
 
@@ -20,7 +21,8 @@ namespace {
 //      2  sample rate index
 //      1  padding: one slot more
 //      1  private
-//      8  channel mode and others
+//      2  channel mode, 3 is mono
+//      6  others
 //
 // ADTS (ISO/IEC 14496-3 section 1.A.2.2):
 //
@@ -32,7 +34,7 @@ namespace {
 //      2  profile
 //      4  sample rate index
 //      1  private
-//      3  channels
+//      3  channels; 7: eight, 0: what the sound itself says
 //      4  others
 //     13  bytes of the frame, header included
 //     11  buffer fullness
@@ -127,6 +129,23 @@ std::optional<AudioFrame> parseFrame(std::span<const std::uint8_t> bytes, std::i
     }
     const std::uint32_t kind = static_cast<std::uint32_t>(bytes[1] & 0x1E) << 8 | (bytes[2] & 0x0CU);
     return AudioFrame{length + padding, samples, rate, bits, kind, layer == 3};
+}
+
+Sampling frameSampling(std::span<const std::uint8_t> bytes) {
+    constexpr int monoMode = 3;
+    constexpr std::int32_t eightChannels = 7;
+    constexpr auto codings =
+        std::to_array<FormatName>({"AAC", "MP3", "MP2", "MP1"}); // by the bits of the layer
+    const auto frame = parseFrame(bytes, std::numeric_limits<std::int16_t>::max());
+    if (!frame) {
+        return {};
+    }
+    const std::size_t layer = bytes[1] >> 1 & 0x03;
+    if (layer != 0) {
+        return samplingOf(frame->rate, bytes[3] >> 6 == monoMode ? 1 : 2, codings[layer]);
+    }
+    const std::int32_t channels = (bytes[2] & 0x01) << 2 | bytes[3] >> 6;
+    return samplingOf(frame->rate, channels == eightChannels ? 8 : channels, codings[layer]);
 }
 
 bool holdsOnlyFilling(std::span<const std::uint8_t> frame) {

@@ -4,6 +4,8 @@
 // the unofficial "2.5" of low rates) and ADTS, which carries AAC (ISO/IEC 14496-3 section 1.A.2.2). Each
 // frame says how long it is in bytes and in samples, so a stream is timed by hopping from one to the next.
 
+#include "measure/bytes/Timing.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -30,6 +32,9 @@ inline constexpr std::size_t frameHeaderBytes = 7; ///< the longer of the two, A
 /// The frame whose header `bytes` begin with. `freeBytes` is the length of a frame of "free format", which
 /// does not state its own, without padding; 0 refuses such frames. Absent if `bytes` are no header.
 std::optional<AudioFrame> parseFrame(std::span<const std::uint8_t> bytes, std::int32_t freeBytes = 0);
+
+/// What the frame whose header `bytes` begin with says of its sound; nothing if they do not.
+Sampling frameSampling(std::span<const std::uint8_t> bytes);
 
 /// True if `frame`, a whole one of ADTS, holds nothing but filling, as some encoders start with: it decodes
 /// to no samples.

@@ -99,6 +99,9 @@ public:
             if (visit) {
                 visit(m_position - frame->bytes, *frame, passedBytes(*frame));
             }
+            if (m_sum.frames == 0) {
+                m_sum.sampling = frameSampling(m_window.from(m_position - frame->bytes, frameHeaderBytes));
+            }
             rate = frame->rate;
             kind = frame->kind;
             samples += frame->mayBeFilling && holdsOnlyFilling(passedBytes(*frame)) ? 0 : frame->samples;

@@ -18,6 +18,7 @@ struct FrameSum {
     std::int64_t frames = 0;
     std::int64_t bytes = 0;      ///< of those frames
     std::int64_t junkBytes = 0;  ///< that are neither frames nor tags
+    Sampling sampling = {};      ///< of the first
     std::int64_t longestRun = 0; ///< frames of one kind, one directly after the other
 };
 

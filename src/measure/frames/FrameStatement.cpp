@@ -56,7 +56,7 @@ std::optional<FrameStatement> frameStatementAt(GuardedReader& reader, std::int64
     if (!header) {
         return std::nullopt;
     }
-    FrameStatement statement{*frame, *header};
+    FrameStatement statement{*frame, frameSampling(bytes), *header};
     if (countsItself(reader, statement, start, end)) {
         --*statement.header.frames;
     }

@@ -16,6 +16,7 @@ namespace velmora {
 /// A first frame that states others instead of holding sound.
 struct FrameStatement {
     AudioFrame frame;
+    Sampling sampling;
     XingHeader header;
 
     double secondsOf(std::int64_t samples) const { return static_cast<double>(samples) / frame.rate; }

@@ -23,12 +23,13 @@ template <typename SumOf>
 std::optional<Timing> timingOf(const std::optional<FrameStatement>& statement, std::int64_t size,
                                SumOf sumOf) {
     if (statement && statement->isBelieved(size)) {
-        return positive(statedTiming(*statement->seconds()));
+        return sampled(positive(statedTiming(*statement->seconds())), statement->sampling);
     }
     const FrameSum sum = sumOf();
-    return positive(statement
-                        ? countedTiming(sum, *statement, size)
-                        : Timing{.seconds = sum.seconds, .basis = Basis::counted, .frames = sum.frames});
+    return sampled(
+        positive(statement ? countedTiming(sum, *statement, size)
+                           : Timing{.seconds = sum.seconds, .basis = Basis::counted, .frames = sum.frames}),
+        statement ? statement->sampling : sum.sampling);
 }
 
 } // namespace

@@ -61,6 +61,16 @@ double maxAudio(const AVFormatContext& context, Seconds seconds) {
     return longest;
 }
 
+/// Of the first audio in the file that tells it.
+Sampling samplingIn(const AVFormatContext& context) {
+    for (const AVStream* const stream : streamsOf(context)) {
+        if (isAudio(*stream) && stream->codecpar->sample_rate > 0) {
+            return samplingOf(stream->codecpar->sample_rate, stream->codecpar->ch_layout.nb_channels);
+        }
+    }
+    return {};
+}
+
 /// Absent if nothing is stated, or only for everything together and not everything is audio.
 std::optional<double> statedSeconds(const AVFormatContext& context) {
     // Negative if it is not known.
@@ -206,6 +216,7 @@ std::optional<Timing> walkedTiming(AVFormatContext& context, GuardedReader& read
     const std::optional<double> stated = statedSeconds(context);
     learnPackets(context, reader);
     Timing timing = maxOf(sumPackets(context, reader), &SegmentSum::seconds);
+    timing.sampling = samplingIn(context);
     timing.stated = stated;
     timing.doubt = stated ? doubt : Doubt::none;
     const bool isAnswer = timing.seconds > 0 || !hasAudio(context);
@@ -219,7 +230,8 @@ std::optional<Timing> soughtTiming(AVFormatContext& context, GuardedReader& read
     if (av_seek_frame(&context, -1, context.duration, AVSEEK_FLAG_BACKWARD) < 0) {
         return std::nullopt;
     }
-    const Timing timing = maxOf(sumPackets(context, reader), &SegmentSum::end);
+    Timing timing = maxOf(sumPackets(context, reader), &SegmentSum::end);
+    timing.sampling = samplingIn(context);
     return timing.seconds > 0 && !reader.isOver() ? std::optional(timing) : std::nullopt;
 }
 
@@ -238,7 +250,10 @@ std::optional<Timing> DirectLibav::duration(GuardedReader& reader, std::int64_t 
     }
     const bool mayGetStreams = (context->ctx_flags & AVFMTCTX_NOHEADER) != 0;
     if (stated || (!hasAudio(*context) && !mayGetStreams)) {
-        return Timing{.seconds = stated.value_or(0), .stated = stated, .way = Way::libavformat};
+        return Timing{.seconds = stated.value_or(0),
+                      .stated = stated,
+                      .way = Way::libavformat,
+                      .sampling = samplingIn(*context)};
     }
     if (hasMoreThanAudio(*context) && context->duration > 0) {
         // If there is no index, all packets are read from a fresh start: a doubt makes it so.

@@ -1,15 +1,16 @@
 #include "measure/libav/LibavFile.h"
 
 #include "measure/libav/DirectLibav.h"
+#include "measure/libav/MediaDemuxers.h"
 
 extern "C" {
 #include <libavformat/avformat.h>
-#include <libavutil/avstring.h>
 }
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <string>
 #include <vector>
 
 namespace velmora {
@@ -17,15 +18,6 @@ namespace velmora {
 namespace {
 
 constexpr int ioBufferBytes = 32 << 10;
-
-// Containers that hold their audio themselves. Left out on purpose: whatever names further files (concat,
-// hls, dash, imf, sdp, rtsp, image sequences), pictures, subtitles and text, devices, raw PCM without any
-// header.
-constexpr const char* mediaDemuxers =
-    "aa,aac,ac3,act,adx,aea,afc,aiff,aix,amr,ape,apm,asf,ast,au,avi,avr,bfstm,brstm,caf,codec2,dsf,dss,dts,"
-    "dtshd,eac3,epaf,flac,flv,g729,hca,iff,ircam,lvf,matroska,mlp,mov,mp3,mpc,mpc8,mpeg,mpegts,mtaf,mxf,"
-    "nistsphere,nut,ogg,oma,paf,pvf,qcp,rm,rso,sbc,sds,shn,sln,sox,spdif,tak,truehd,tta,vag,voc,vqf,w64,wav,"
-    "wsd,wsvqa,wtv,wv,wve,xa,xwma,loas";
 
 int refuseToOpen(AVFormatContext* /*context*/, AVIOContext** /*io*/, const char* /*url*/, int /*flags*/,
                  AVDictionary** /*options*/) {
@@ -36,9 +28,18 @@ int isInterrupted(void* reader) {
     return static_cast<const GuardedReader*>(reader)->isOver() ? 1 : 0;
 }
 
+/// The list in the form that libavformat takes.
+std::string allMediaDemuxers() {
+    std::string names;
+    for (const FormatName name : mediaDemuxers) {
+        names += (names.empty() ? "" : ",") + std::string(name.text());
+    }
+    return names;
+}
+
 /// True for a demuxer that reads one self-contained file with audio in it.
 bool isMediaDemuxer(const AVInputFormat& demuxer) {
-    return av_match_list(demuxer.name, mediaDemuxers, ',') > 0;
+    return knownDemuxer(demuxer.name).isKnown();
 }
 
 } // namespace
@@ -60,7 +61,7 @@ LibavFile::LibavFile(GuardedReader& reader, std::int64_t start, const std::strin
     m_context->pb = m_io;
     m_context->io_open = &refuseToOpen;
     m_context->interrupt_callback = {&isInterrupted, &m_reader};
-    m_context->format_whitelist = av_strdup(mediaDemuxers);
+    m_context->format_whitelist = av_strdup(allMediaDemuxers().c_str());
     avformat_open_input(&m_context, "", format, nullptr); // sets m_context to null if it fails
 }
 

@@ -37,6 +37,8 @@ void putTiming(Reply& reply, const std::optional<Timing>& timing) {
         reply.stated = timing->stated.value_or(0);
         reply.doubt = timing->doubt;
         reply.frames = timing->frames;
+        reply.rate = timing->sampling.rate;
+        reply.channels = timing->sampling.channels;
     }
 }
 
@@ -50,7 +52,8 @@ std::optional<Timing> timingIn(const Reply& reply) {
                   .stated = reply.isStated != 0 ? std::optional(reply.stated) : std::nullopt,
                   .doubt = reply.doubt,
                   .frames = reply.frames,
-                  .way = Way::libavformat};
+                  .way = Way::libavformat,
+                  .sampling = samplingOf(reply.rate, reply.channels)};
 }
 
 void putDemuxer(Reply& reply, const std::optional<ProbedDemuxer>& demuxer) {

@@ -62,6 +62,8 @@ struct Reply {
     double seconds = 0;
     double stated = 0;
     std::int64_t frames = 0;
+    std::uint32_t rate = 0;         ///< of the sound; as `Sampling`
+    std::uint16_t channels = 0;     ///< likewise
     std::array<char, 64> demuxer{}; ///< padded with zeros
 };
 
