@@ -1,11 +1,15 @@
 #include "gather/DiskShare.h"
 
+#include "gather/ArchiveExtraction.h"
 #include "tests/support/OwnMounts.h"
+#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <cstdlib>
 #include <string>
+#include <vector>
 
 namespace velmora::test {
 namespace {
@@ -37,6 +41,23 @@ TEST(DiskShare, IsNineTenthsOfWhatIsFreeForItsOwnFilesAlone) {
         write(disk / "own/deep/5", zeros(megabyte / 2));
         EXPECT_TRUE(share.isExceeded());
         fs::remove_all(disk / "own");
+        EXPECT_TRUE(share.isExceeded());
+    });
+}
+
+TEST(DiskShare, IsNotAskedOfTheFilesBeforeTheDiskHasShrunkByIt) {
+    inOwnMounts([] {
+        const fs::path disk = freshFolder();
+        mountSmallDisk(disk, 20 * megabyte);
+        write(disk / "own/1", zeros(10 * megabyte)); // too much, were it counted
+        Collector::DiskShare share(disk);
+        share.count(disk / "own");
+        EXPECT_FALSE(share.isExceeded());
+        write(disk / "other/1", zeros(4 * megabyte));
+        EXPECT_FALSE(share.isExceeded());
+        write(disk / "other/2", zeros(5 * megabyte));
+        EXPECT_FALSE(share.isExceeded());
+        write(disk / "other/3", zeros(1));
         EXPECT_TRUE(share.isExceeded());
     });
 }
@@ -75,6 +96,21 @@ TEST(DiskShare, IsNineTenthsOfTheFilesThatThereIsRoomFor) {
         EXPECT_TRUE(share.isExceeded());
         fs::remove_all(disk / "own");
         EXPECT_TRUE(share.isExceeded());
+    });
+}
+
+TEST(DiskShare, IsTakenByTheWorkingCopyAsByTheContent) {
+    const fs::path folder = freshFolder();
+    shell("head -c 3M /dev/urandom >noise.wav && head -c 12M /dev/zero >zeros.wav && zip -q big.zip *.wav",
+          folder);
+    inOwnMounts([&] {
+        const fs::path disk = freshFolder();
+        ::setenv("TMPDIR", disk.c_str(), 1);
+        mountSmallDisk(disk, 18 * megabyte); // for 3 MB of copy and 15 of content; either would fit
+        EXPECT_EQ(Collector::extract(folder / "big.zip").why, Reason::noRoom);
+        EXPECT_EQ(namesIn(disk), std::vector<std::string>());
+        mountSmallDisk(disk, 24 * megabyte);
+        EXPECT_EQ(Collector::extract(folder / "big.zip").why, std::nullopt);
     });
 }
 

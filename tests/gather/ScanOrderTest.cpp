@@ -49,6 +49,11 @@ TEST_F(ScanOrder, ComparesNumbersByTheirValue) {
     expectOrder({"/m/7" + std::string(300, '0') + ".wav", "/m/8" + std::string(300, '0') + ".wav"});
 }
 
+TEST_F(ScanOrder, ComparesToTheEndOfLongPaths) {
+    const std::string folder = "/m/" + std::string(5'000, 'x');
+    expectOrder({folder + " 1.wav", folder + " 2.wav", folder + " 10.wav"});
+}
+
 TEST_F(ScanOrder, IgnoresCase) {
     expectOrder({"/m/a.wav", "/m/B.wav", "/m/c.wav"});
     expectOrder({"/m/A/1.wav", "/m/a/2.wav", "/m/A/3.wav"});
