@@ -22,7 +22,9 @@ namespace {
 //       16     2  size of what follows
 //       18     2  frames of a block (compressed formats) or valid bits (extensible)
 //       20     4  speakers (extensible)
-//       24    16  real format (extensible), a GUID; the lower half of its first four bytes is the tag
+//       24    16  real format (extensible), a GUID; one half of its first four bytes is the tag: the lower
+//       one,
+//                 but some writers of the highest byte first put the tag first
 
 constexpr std::size_t tagAt = 0;
 constexpr std::size_t channelsAt = 2;
@@ -125,7 +127,8 @@ std::optional<WaveFormat> parseWaveFormat(std::span<const std::uint8_t> chunk, b
     WaveFormat format{
         u16(tagAt), u16(channelsAt), u32(rateAt), u32(byteRateAt), u16(blockBytesAt), u16(bitsAt), 0};
     if (format.tag == extensible && chunk.size() >= subformatAt + 4) {
-        format.tag = static_cast<std::uint16_t>(u32(subformatAt));
+        const std::uint32_t halves = u32(subformatAt);
+        format.tag = static_cast<std::uint16_t>((halves & 0xFFFF) != 0 ? halves : halves >> 16);
     } else if (chunk.size() >= extensionAt + 2) {
         format.blockSamples = u16(extensionAt);
     }
