@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <optional>
 #include <string_view>
 
 namespace velmora {
@@ -36,14 +37,17 @@ std::int64_t checkFormat(Examination& file, std::int64_t start, const Format& fo
 void checkContent(Examination& file, const std::filesystem::path& name) {
     GuardedReader header = file.header();
     const std::int64_t start = skipLeadingTags(header);
-    std::int64_t readTo = start;
-    if (const Format* const format = formatAt(header, start)) {
-        if (isForeign(name, format->name.text())) {
-            file.note(FindingKind::foreign);
-        }
-        readTo = checkFormat(file, start, *format);
+    const Format* const format = formatAt(header, start);
+    std::optional<std::string_view> found;
+    if (format != nullptr) {
+        found = format->name.text();
+        file.readThrough(checkFormat(file, start, *format));
+    } else {
+        found = checkFrames(file, start);
     }
-    file.readThrough(readTo);
+    if (found && isForeign(name, *found)) {
+        file.note(FindingKind::foreign);
+    }
 }
 
 /// The bytes of `file`, whose reads are told to `read`, and a failure to `checked`. All must outlive it.

@@ -7,6 +7,8 @@
 #include "measure/formats/FormatTable.h"
 
 #include <cstdint>
+#include <optional>
+#include <string_view>
 
 namespace velmora {
 
@@ -14,6 +16,11 @@ using FormatCheck = std::int64_t (*)(Examination& file, std::int64_t start);
 
 /// Frames by their numbers and checksums.
 std::int64_t checkFlac(Examination& file, std::int64_t start);
+
+/// Bare frames of MPEG audio or ADTS by what stands between them, checksums, and the lengths that the first
+/// frame and the tag state. Returns what they are called in the table of extensions (ForeignFormat.h); absent
+/// if there are none. Reads all bytes but the tags.
+std::optional<std::string_view> checkFrames(Examination& file, std::int64_t start);
 
 /// Any other format by what its reader says of the statement in its header.
 std::int64_t checkStatement(Examination& file, std::int64_t start, FormatReader reader);
