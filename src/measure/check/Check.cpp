@@ -23,6 +23,7 @@ struct Row {
 
 constexpr auto checks = std::to_array<Row>({
     {"FLAC", &checkFlac},
+    {"Ogg", &checkOgg},
 });
 
 /// Checks content in `format`; returns up to where all bytes were read.

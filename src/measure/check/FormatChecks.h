@@ -17,6 +17,9 @@ using FormatCheck = std::int64_t (*)(Examination& file, std::int64_t start);
 /// Frames by their numbers and checksums.
 std::int64_t checkFlac(Examination& file, std::int64_t start);
 
+/// Pages by their numbers, clocks and checksums.
+std::int64_t checkOgg(Examination& file, std::int64_t start);
+
 /// Bare frames of MPEG audio or ADTS by what stands between them, checksums, and the lengths that the first
 /// frame and the tag state. Returns what they are called in the table of extensions (ForeignFormat.h); absent
 /// if there are none. Reads all bytes but the tags.

@@ -15,12 +15,12 @@ struct OggPage {
     std::size_t bytes = 0; ///< of the whole
     bool isFirst = false;  ///< of its stream
     bool isLast = false;
-    bool continues = false; ///< begins with the rest of a packet
+    bool continues = false;                   ///< begins with the rest of a packet
     std::optional<std::int64_t> granule = {}; ///< absent if no packet ends on it
     std::uint32_t serial = 0;
     std::uint32_t sequence = 0;
-    bool isWhole = false;                  ///< it holds its checksum
-    std::span<const std::uint8_t> lacing = {};  ///< sizes of the segments
+    bool isWhole = false;                      ///< it holds its checksum
+    std::span<const std::uint8_t> lacing = {}; ///< sizes of the segments
     std::span<const std::uint8_t> content = {};
 };
 
