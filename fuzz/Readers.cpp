@@ -1,6 +1,7 @@
 // The readers of formats, one target each.
 
 #include "fuzz/Targets.h"
+#include "measure/formats/AdifDuration.h"
 #include "measure/formats/AiffDuration.h"
 #include "measure/formats/AmrDuration.h"
 #include "measure/formats/ApeDuration.h"
@@ -62,7 +63,11 @@ constexpr double minBlocks = 65'536;
 
 constexpr double speechFrames = 0.02; // 20 ms in a byte, when nothing is sent
 
+/// Blocks of AAC of 1024 samples at 7350 Hz, of at least a byte.
+constexpr double blocksOfAac = 1024 / 7350.0;
+
 constexpr Reader readers[] = {
+    {"adif", &guarded<&adifDuration>, blocksOfAac},
     {"aiff", &guarded<&aiffDuration>, anything},
     {"amr", &guarded<&amrDuration>, speechFrames},
     {"ape", &guarded<&apeDuration>, anything},

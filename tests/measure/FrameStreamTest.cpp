@@ -218,6 +218,9 @@ TEST(FrameStream, CountsNoBlockOfAdtsThatHoldsOnlyFilling) {
     }
     const std::string namedFirst = be(0xC4, 1) + zeros(2) + be(0x20, 1); // the sound comes after it
     EXPECT_NEAR(secondsOf(adtsWith(namedFirst) + sound), seconds + 1024 / 44'100.0, 1e-9);
+    std::string twoBlocks = adtsWith(be(0xE0, 1) + zeros(9));
+    twoBlocks[6] = static_cast<char>(twoBlocks[6] | 1);
+    EXPECT_NEAR(secondsOf(twoBlocks + sound), seconds + 2 * 1024 / 44'100.0, 1e-9);
     EXPECT_EQ(secondsOf(times(40, adtsWith(be(0xE0, 1)))), -1);
 }
 

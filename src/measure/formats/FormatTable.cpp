@@ -1,6 +1,7 @@
 #include "measure/formats/FormatTable.h"
 
 #include "measure/bytes/Magic.h"
+#include "measure/formats/AdifDuration.h"
 #include "measure/formats/AiffDuration.h"
 #include "measure/formats/AmrDuration.h"
 #include "measure/formats/ApeDuration.h"
@@ -69,6 +70,7 @@ constexpr auto formatTable = std::to_array<Format>({
     {"DSDIFF", "FRM8????????DSD "sv, &dsdiffDuration, "iff", oneBitSamples},
     {"VOC", "Creative Voice File\x1A"sv, &vocDuration, "voc", losslessSilence},
     {"AMR", "#!AMR"sv, &amrDuration, "amr", slowestSpeech},
+    {"AAC", "ADIF"sv, &adifDuration, "", emptyFrames},
     {"MP4", "????ftyp"sv, &mp4Duration, "mov", losslessSilence},
     {"MP4", "????moov"sv, &mp4Duration, "mov", losslessSilence},
     {"MP4", "????mdat"sv, &mp4Duration, "mov", losslessSilence},

@@ -1,5 +1,7 @@
 #include "measure/frames/FrameHeader.h"
 
+#include "measure/bytes/BitReader.h"
+
 #include <array>
 #include <limits>
 
@@ -64,8 +66,8 @@ constexpr KilobitRow v2Layer1 = {0, 32, 48, 56, 64, 80, 96, 112, 128, 144, 160, 
 constexpr KilobitRow v2Layer23 = {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160};
 
 constexpr std::array<std::int32_t, 3> v1Rates = {44'100, 48'000, 32'000};
-constexpr std::array<std::int32_t, 13> adtsRates = {96'000, 88'200, 64'000, 48'000, 44'100, 32'000, 24'000,
-                                                    22'050, 16'000, 12'000, 11'025, 8'000,  7'350};
+constexpr std::array<std::int32_t, 13> aacRates = {96'000, 88'200, 64'000, 48'000, 44'100, 32'000, 24'000,
+                                                   22'050, 16'000, 12'000, 11'025, 8'000,  7'350};
 
 const KilobitRow& kilobitsOf(bool isVersion1, int layer) {
     switch (layer) {
@@ -88,16 +90,16 @@ std::optional<AudioFrame> parseAdts(std::span<const std::uint8_t> bytes) {
     if (bytes.size() < frameHeaderBytes || bytes[1] < 0xF0) {
         return std::nullopt;
     }
-    const std::size_t rateIndex = bytes[2] >> 2 & 0x0F;
+    const std::int32_t rate = aacRate(bytes[2] >> 2 & 0x0F);
     const std::int32_t length = (bytes[3] & 0x03) << 11 | bytes[4] << 3 | bytes[5] >> 5;
     const std::size_t header = adtsHeaderBytes(bytes);
-    if (rateIndex >= adtsRates.size() || length <= static_cast<std::int32_t>(header)) {
+    if (rate == 0 || length <= static_cast<std::int32_t>(header)) {
         return std::nullopt;
     }
     const std::int32_t blocks = (bytes[6] & 0x03) + 1;
     const std::uint32_t kind = static_cast<std::uint32_t>(bytes[1] & 0x1E) << 8 | (bytes[2] & 0xFCU);
-    const bool mayBeFilling = bytes.size() <= header || bytes[header] >= filling << 5;
-    return AudioFrame{length, blocks * samplesOfBlock, adtsRates[rateIndex], 0, kind, false, mayBeFilling};
+    const bool mayBeFilling = blocks == 1 && (bytes.size() <= header || bytes[header] >= filling << 5);
+    return AudioFrame{length, blocks * samplesOfBlock, rate, 0, kind, false, mayBeFilling};
 }
 
 } // namespace
@@ -148,25 +150,22 @@ Sampling frameSampling(std::span<const std::uint8_t> bytes) {
     return samplingOf(frame->rate, channels == eightChannels ? 8 : channels, codings[layer]);
 }
 
+std::int32_t aacRate(std::size_t index) {
+    return index < aacRates.size() ? aacRates[index] : 0;
+}
+
 bool holdsOnlyFilling(std::span<const std::uint8_t> frame) {
     if (frame.size() < frameHeaderBytes) {
         return false;
     }
-    std::size_t at = 8 * adtsHeaderBytes(frame); // in bits
-    const auto take = [frame, &at](int bits) {
-        std::uint32_t value = 0;
-        for (; bits > 0; --bits, ++at) {
-            const std::uint32_t byte = at / 8 < frame.size() ? frame[at / 8] : 0U;
-            value = value << 1 | (byte >> (7 - at % 8) & 1U);
-        }
-        return value;
-    };
-    std::uint32_t element = take(3);
+    BitReader bits(frame);
+    bits.skip(8 * adtsHeaderBytes(frame));
+    std::uint32_t element = bits.take(3);
     while (element == filling) {
-        std::uint32_t size = take(4);
-        size += size == 15 ? take(8) - 1 : 0;
-        at += 8 * std::size_t{size};
-        element = take(3);
+        std::uint32_t size = bits.take(4);
+        size += size == 15 ? bits.take(8) - 1 : 0;
+        bits.skip(8 * std::size_t{size});
+        element = bits.take(3);
     }
     return element == endOfBlock;
 }

@@ -36,8 +36,11 @@ std::optional<AudioFrame> parseFrame(std::span<const std::uint8_t> bytes, std::i
 /// What the frame whose header `bytes` begin with says of its sound; nothing if they do not.
 Sampling frameSampling(std::span<const std::uint8_t> bytes);
 
-/// True if `frame`, a whole one of ADTS, holds nothing but filling, as some encoders start with: it decodes
-/// to no samples.
+/// The samples a second that AAC calls by `index`; 0 if it calls none so.
+std::int32_t aacRate(std::size_t index);
+
+/// True if `frame`, a whole one of ADTS with one block, holds nothing but filling, as some encoders start
+/// with: it decodes to no samples.
 bool holdsOnlyFilling(std::span<const std::uint8_t> frame);
 
 /// The `freeBytes` of the stream that `bytes`, a few frames, begin with, learnt from the distance of its
