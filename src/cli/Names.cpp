@@ -71,8 +71,9 @@ std::string terminalLines(std::string_view text) {
     std::string result;
     while (!text.empty()) {
         const Utf8Part part = takeUtf8(text);
+        const bool isLineEnd = part.character == U'\r' && text.starts_with('\n');
         const bool stays = part.character && (layout.find(*part.character) != std::u32string_view::npos ||
-                                              isHarmless(*part.character));
+                                              isLineEnd || isHarmless(*part.character));
         result += stays ? std::string(part.bytes) : hexadecimal(part.bytes);
     }
     return result;

@@ -18,7 +18,8 @@ std::string fieldName(std::string_view name);
 /// backslash becomes \\.
 std::string terminalText(std::string_view text);
 
-/// `text` of many lines for a terminal: as `terminalText`, but line feeds, tabs and backslashes stay.
+/// `text` of many lines for a terminal: as `terminalText`, but tabs, backslashes and line feeds, also after a
+/// carriage return, stay.
 std::string terminalLines(std::string_view text);
 
 /// `name` for a message, in single quotes; else as `terminalText`.

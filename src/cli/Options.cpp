@@ -8,6 +8,9 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
+#include <string_view>
+#include <system_error>
 
 namespace velmora {
 
@@ -19,10 +22,16 @@ constexpr const char* shortOptions =
 // Those without a letter.
 constexpr int verboseOption = 256;
 constexpr int checkOption = 257;
+constexpr int foldersOption = 258;
+constexpr int csvOption = 259;
+constexpr int speedOption = 260;
 
-const std::array<option, 11> longOptions = {{{"list", no_argument, nullptr, 'l'},
+const std::array<option, 14> longOptions = {{{"list", no_argument, nullptr, 'l'},
                                              {"files", no_argument, nullptr, 'f'},
                                              {"json", no_argument, nullptr, 'j'},
+                                             {"folders", optional_argument, nullptr, foldersOption},
+                                             {"csv", no_argument, nullptr, csvOption},
+                                             {"speed", required_argument, nullptr, speedOption},
                                              {"files0-from", required_argument, nullptr, '0'},
                                              {"zip", required_argument, nullptr, 'z'},
                                              {"check", no_argument, nullptr, checkOption},
@@ -50,21 +59,29 @@ public:
 
     /// Why `next` gave '?' or ':'.
     UsageError error(int answer) const {
-        const std::string letter = optopt == 0 ? std::string() : std::string{'-', static_cast<char>(optopt)};
+        const std::string name = nameOf(optopt);
         if (answer == ':') {
-            return {"option " + quotedName(letter) + " needs a value"};
+            return {"option " + quotedName(name) + " needs a value"};
         }
         if (optopt == 0) {
             return {"unknown option " + quotedName(m_words[static_cast<std::size_t>(optind - 1)])};
         }
         const bool known = std::ranges::any_of(longOptions, [](const option& o) { return o.val == optopt; });
-        return {known ? "option " + quotedName(letter) + " takes no value"
-                      : "unknown option " + quotedName(letter)};
+        return {known ? "option " + quotedName(name) + " takes no value"
+                      : "unknown option " + quotedName(name)};
     }
 
     Paths rest() const { return {m_words.begin() + optind, m_words.end() - 1}; }
 
 private:
+    /// "-q", or "--csv" for an option without a letter; "" for none.
+    static std::string nameOf(int value) {
+        if (value < verboseOption) {
+            return value == 0 ? std::string() : std::string{'-', static_cast<char>(value)};
+        }
+        return std::string("--") + std::ranges::find(longOptions, value, &option::val)->name;
+    }
+
     int count() const { return static_cast<int>(m_words.size()) - 1; }
 
     std::string m_name = "velmora-scan";
@@ -74,10 +91,37 @@ private:
 /// Chooses `wanted`, the first time or again.
 std::optional<UsageError> choose(std::optional<Output>& output, Output wanted) {
     if (output.value_or(wanted) != wanted) {
-        return UsageError{"only one of --list, --files and --json can be given"};
+        return UsageError{"only one of --list, --files, --folders, --csv and --json can be given"};
     }
     output = wanted;
     return std::nullopt;
+}
+
+/// Puts the number that is all of `text` into `number`; false if there is none between `min` and `max`.
+template <typename Number>
+bool takeNumber(std::string_view text, Number min, Number max, Number& number) {
+    Number value{};
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    const bool isNumber = error == std::errc() && end == text.data() + text.size();
+    if (!isNumber || !(value >= min && value <= max)) {
+        return false;
+    }
+    number = value;
+    return true;
+}
+
+std::optional<UsageError> takeDepth(const char* text, int& depth) {
+    if (text == nullptr || takeNumber(text, 0, allLevels, depth)) {
+        return std::nullopt;
+    }
+    return UsageError{"--folders takes a number of levels from 0 on, not " + quotedName(text)};
+}
+
+std::optional<UsageError> takeSpeed(const char* text, double& speed) {
+    if (takeNumber(text, minSpeed, maxSpeed, speed)) {
+        return std::nullopt;
+    }
+    return UsageError{"--speed takes a number from 0.1 to 10, not " + quotedName(text)};
 }
 
 /// A line a kind of finding.
@@ -118,6 +162,16 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
             break;
         case 'j':
             error = choose(output, Output::json);
+            break;
+        case foldersOption:
+            error = choose(output, Output::folders);
+            error = error ? error : takeDepth(optarg, options.depth);
+            break;
+        case csvOption:
+            error = choose(output, Output::csv);
+            break;
+        case speedOption:
+            error = takeSpeed(optarg, options.speed);
             break;
         case '0':
             options.pathLists.emplace_back(optarg);
@@ -169,7 +223,15 @@ Tells how long all the audio in files, folders and archives plays.
 
   -l, --list              write the names of the measured files
   -f, --files             write a line a file: seconds, a tab, the path
+      --folders[=DEPTH]   write a line a folder: seconds, a tab, the number of
+                          files, a tab, the folder. A folder counts with all
+                          that is below it, an archive is a folder, and a file
+                          that is given stands for its folder. DEPTH folders
+                          are shown below each PATH; 0: the PATHs alone
+      --csv               write a table of the files for spreadsheets (RFC 4180)
   -j, --json              write everything as one JSON object
+      --speed X           divide all lengths by X, from 0.1 to 10: how long it
+                          takes to listen at this speed
   -0, --files0-from FILE  scan the paths in FILE too, separated by NUL;
                           with - they are read from standard input
   -z, --zip FILE          pack the measured files into the zip archive FILE

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
 #include <variant>
@@ -14,11 +15,20 @@
 
 namespace velmora {
 
+/// As deep as there are folders.
+inline constexpr int allLevels = std::numeric_limits<int>::max();
+
+/// What players offer and some more.
+inline constexpr double minSpeed = 0.1;
+inline constexpr double maxSpeed = 10;
+
 /// What is written to standard output.
 enum class Output : std::uint8_t {
     total,    ///< the total in two lines
     list,     ///< the names of the measured files
     files,    ///< a line a file: seconds, TAB, path
+    folders,  ///< a line a folder: seconds, TAB, files, TAB, path
+    csv,      ///< a table of the files
     json,     ///< one object
     findings, ///< a line a finding of a check
 };
@@ -27,6 +37,8 @@ enum class Output : std::uint8_t {
 struct Options {
     Output output = Output::total;
     bool check = false;                            ///< every file is read and checked as well
+    int depth = allLevels;                         ///< of the folders
+    double speed = 1;                              ///< lengths are shown divided by it
     bool quiet = false;                            ///< no progress
     Paths paths = {};                              ///< as they were given
     Paths pathLists = {};                          ///< files of further paths; "-" is standard input

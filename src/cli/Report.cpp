@@ -1,15 +1,15 @@
 #include "cli/Report.h"
 
+#include "cli/CsvReport.h"
+#include "cli/FoldersReport.h"
 #include "cli/Names.h"
+#include "cli/Seconds.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QStringDecoder>
 
-#include <array>
-#include <charconv>
-#include <limits>
 #include <string_view>
 #include <system_error>
 
@@ -21,14 +21,6 @@ namespace fs = std::filesystem;
 
 /// The version of the object's keys and their meaning.
 constexpr int jsonSchema = 1;
-
-std::string threeDecimals(double seconds) {
-    constexpr int decimals = 3;
-    std::array<char, std::numeric_limits<double>::max_exponent10 + decimals + 4> buffer{};
-    const auto result = std::to_chars(buffer.data(), buffer.data() + buffer.size(), seconds,
-                                      std::chars_format::fixed, decimals);
-    return {buffer.data(), result.ptr};
-}
 
 QString textOf(const std::string& bytes) {
     QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::ConvertInitialBom);
@@ -45,11 +37,11 @@ QJsonObject pathObject(const fs::path& path) {
     return object;
 }
 
-QJsonArray formatArray(const std::vector<FormatStat>& formats) {
+QJsonArray formatArray(const std::vector<FormatStat>& formats, double speed) {
     QJsonArray array;
     for (const FormatStat& format : formats) {
-        array.append(
-            QJsonObject{{"ext", textOf(format.ext)}, {"count", format.count}, {"seconds", format.seconds}});
+        array.append(QJsonObject{
+            {"ext", textOf(format.ext)}, {"count", format.count}, {"seconds", format.seconds / speed}});
     }
     return array;
 }
@@ -105,10 +97,19 @@ QJsonArray missingArray(const std::vector<Cause>& causes, const ScanDetails& det
     return array;
 }
 
-QJsonObject measuredObject(const Measured& file, const ScanDetails& details) {
+QJsonObject measuredObject(const Measured& file, const ScanDetails& details, double speed) {
     QJsonObject object = pathObject(details.shownPath(file.url));
-    object["seconds"] = file.seconds;
+    object["seconds"] = file.seconds / speed;
     object["bytes"] = static_cast<qint64>(file.bytes);
+    if (file.format.isKnown()) {
+        object["format"] = textOf(std::string(file.format.text()));
+    }
+    if (file.sampleRate > 0) {
+        object["sampleRate"] = static_cast<qint64>(file.sampleRate);
+    }
+    if (file.channels > 0) {
+        object["channels"] = file.channels;
+    }
     return object;
 }
 
@@ -119,40 +120,44 @@ std::string problem(std::string_view what, const Missing& missing, const ScanDet
 
 } // namespace
 
-std::string report(Output output, const ScanModel& model, const CheckResults& checks) {
-    switch (output) {
+std::string report(const Options& options, const ScanModel& model, const CheckResults& checks) {
+    switch (options.output) {
     case Output::total:
-        return model.totalText() + "\n";
+        return model.totalText(options.speed) + "\n";
     case Output::list:
         return model.fileListText() + "\n";
     case Output::files:
-        return filesReport(model.details());
+        return filesReport(model.details(), options.speed);
+    case Output::folders:
+        return foldersReport(model.details(), model.summary().dropped, options.depth, options.speed);
+    case Output::csv:
+        return csvReport(model.details(), options.speed);
     case Output::json:
-        return jsonReport(model.status(), model.summary(), model.details(), checks);
+        return jsonReport(model.status(), model.summary(), model.details(), checks, options.speed);
     case Output::findings:
         return findingsReport(model.details(), checks);
     }
     return {};
 }
 
-std::string filesReport(const ScanDetails& details) {
+std::string filesReport(const ScanDetails& details, double speed) {
     std::string text;
     for (const Measured& file : details.files) {
-        text += file.seconds < 0 ? "-" : threeDecimals(file.seconds);
+        text += file.seconds < 0 ? "-" : threeDecimals(file.seconds / speed);
         text += "\t" + fieldName(details.shownPath(file.url).native()) + "\n";
     }
     return text;
 }
 
 std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details,
-                       const CheckResults& checks) {
+                       const CheckResults& checks, double speed) {
     QJsonArray measured;
     QJsonArray unreadable;
     for (std::size_t i = 0; i < details.files.size(); ++i) {
         const Measured& file = details.files[i];
         const bool isMissing = file.seconds < 0;
         QJsonObject object =
-            isMissing ? missingObject(missing(file), details) : measuredObject(file, details);
+            isMissing ? missingObject(missing(file), details) : measuredObject(file, details, speed);
         addFindings(object, checks, i);
         (isMissing ? unreadable : measured).append(object);
     }
@@ -160,14 +165,15 @@ std::string jsonReport(const std::string& status, const ScanSummary& summary, co
         {"schema", jsonSchema},
         {"status", textOf(status)},
         {"source", textOf(summary.source)},
-        {"seconds", summary.seconds},
+        {"seconds", summary.seconds / speed},
+        {"speed", speed},
         {"fileCount", summary.fileCount},
         {"bytes", static_cast<qint64>(summary.bytes)},
         {"unreadable", summary.unreadable},
         {"skippedArchives", static_cast<qint64>(details.skippedArchives.size())},
-        {"formats", formatArray(summary.formats)},
+        {"formats", formatArray(summary.formats, speed)},
         {"longestName", textOf(summary.longestName)},
-        {"longestSeconds", summary.longestSeconds},
+        {"longestSeconds", summary.longestSeconds / speed},
         {"files", measured},
         {"unreadableFiles", unreadable},
         {"skippedArchiveFiles", missingArray(details.skippedArchives, details)},

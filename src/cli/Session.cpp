@@ -193,7 +193,7 @@ Outcome carryOut(Session& session, const Options& options, Paths paths, const fs
     const ScanModel& model = session.model();
     const CheckResults checks = session.checkResults();
     Outcome outcome{.status = statusOf(model),
-                    .report = report(options.output, model, checks),
+                    .report = report(options, model, checks),
                     .problems = problems(model.details())};
     std::ranges::move(checkProblems(model.details(), checks), std::back_inserter(outcome.problems));
     const bool isFlawless =

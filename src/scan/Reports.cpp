@@ -29,8 +29,8 @@ std::string_view withoutKnownExtensions(std::string_view name) {
 
 } // namespace
 
-std::string ScanModel::totalText() const {
-    const double seconds = displayable(m_summary.seconds);
+std::string ScanModel::totalText(double speed) const {
+    const double seconds = displayable(m_summary.seconds / speed);
     std::string text = "TOTAL RUNTIME  " + hms(seconds) + "   (" + longForm(seconds) + ")\n";
     text += std::to_string(m_summary.fileCount) + " audio file" + (m_summary.fileCount == 1 ? "" : "s");
     if (!m_summary.source.empty()) {

@@ -87,8 +87,8 @@ public:
 
     const ScanDetails& details() const { return m_details; }
 
-    /// The total in two lines, without a final line feed.
-    std::string totalText() const;
+    /// The total in two lines, without a final line feed; divided by `speed`, which is positive.
+    std::string totalText(double speed = 1) const;
 
     /// The names of the measured files in scan order, a line each, without a final line feed.
     std::string fileListText() const;

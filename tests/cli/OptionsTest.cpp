@@ -36,6 +36,18 @@ INSTANTIATE_TEST_SUITE_P(
         AcceptedCase{"LongFiles", {"--files", "a"}, {.output = Output::files, .paths = {"a"}}},
         AcceptedCase{"ShortJson", {"-j", "a"}, {.output = Output::json, .paths = {"a"}}},
         AcceptedCase{"LongJson", {"--json", "a"}, {.output = Output::json, .paths = {"a"}}},
+        AcceptedCase{"Folders", {"--folders", "a"}, {.output = Output::folders, .paths = {"a"}}},
+        AcceptedCase{
+            "FoldersOfADepth", {"--folders=0", "a"}, {.output = Output::folders, .depth = 0, .paths = {"a"}}},
+        AcceptedCase{
+            "TheWordAfterFoldersIsAPath", {"--folders", "2"}, {.output = Output::folders, .paths = {"2"}}},
+        AcceptedCase{"Csv", {"--csv", "a"}, {.output = Output::csv, .paths = {"a"}}},
+        AcceptedCase{"Speed", {"--speed", "1.25", "a"}, {.speed = 1.25, .paths = {"a"}}},
+        AcceptedCase{"LowestSpeed", {"--speed=0.1", "a"}, {.speed = 0.1, .paths = {"a"}}},
+        AcceptedCase{"HighestSpeed", {"--speed=1e1", "a"}, {.speed = 10, .paths = {"a"}}},
+        AcceptedCase{"SpeedOfAnyOutput",
+                     {"--csv", "--speed=2", "a"},
+                     {.output = Output::csv, .speed = 2, .paths = {"a"}}},
         AcceptedCase{"ShortQuiet", {"-q", "a"}, {.quiet = true, .paths = {"a"}}},
         AcceptedCase{"LongQuiet", {"--quiet", "a"}, {.quiet = true, .paths = {"a"}}},
         AcceptedCase{"ShortZip", {"-z", "o.zip", "a"}, {.paths = {"a"}, .zip = "o.zip"}},
@@ -90,11 +102,44 @@ INSTANTIATE_TEST_SUITE_P(
         RefusedCase{"UnknownByteAboveAscii", {"-\xE9", "a"}, "unknown option '-\\xE9'"},
         RefusedCase{"AmbiguousBeginning", {"--file", "a"}, "unknown option '--file'"},
         RefusedCase{"ValueNotWanted", {"--quiet=yes", "a"}, "option '-q' takes no value"},
+        RefusedCase{"ValueNotWantedWithoutALetter", {"--csv=yes", "a"}, "option '--csv' takes no value"},
+        RefusedCase{"ValueMissingWithoutALetter", {"a", "--speed"}, "option '--speed' needs a value"},
+        RefusedCase{
+            "DepthThatIsNone", {"--folders=x", "a"}, "--folders takes a number of levels from 0 on, not 'x'"},
+        RefusedCase{
+            "DepthBelow0", {"--folders=-1", "a"}, "--folders takes a number of levels from 0 on, not '-1'"},
+        RefusedCase{
+            "DepthWithMore", {"--folders=1 ", "a"}, "--folders takes a number of levels from 0 on, not '1 '"},
+        RefusedCase{"DepthBeyondCounting",
+                    {"--folders=9999999999", "a"},
+                    "--folders takes a number of levels from 0 on, not '9999999999'"},
+        RefusedCase{
+            "EmptyDepth", {"--folders=", "a"}, "--folders takes a number of levels from 0 on, not ''"},
+        RefusedCase{
+            "SpeedThatIsNone", {"--speed", "fast", "a"}, "--speed takes a number from 0.1 to 10, not 'fast'"},
+        RefusedCase{"SpeedWithACrossAfterIt",
+                    {"--speed", "2x", "a"},
+                    "--speed takes a number from 0.1 to 10, not '2x'"},
+        RefusedCase{"SpeedOf0", {"--speed", "0", "a"}, "--speed takes a number from 0.1 to 10, not '0'"},
+        RefusedCase{
+            "SpeedTooHigh", {"--speed", "10.1", "a"}, "--speed takes a number from 0.1 to 10, not '10.1'"},
+        RefusedCase{"SpeedThatIsNoNumber",
+                    {"--speed", "nan", "a"},
+                    "--speed takes a number from 0.1 to 10, not 'nan'"},
+        RefusedCase{"FoldersOfACheck",
+                    {"--check", "--folders", "a"},
+                    "of the other outputs only --json goes with --check"},
+        RefusedCase{"FoldersAndCsv",
+                    {"--folders", "--csv", "a"},
+                    "only one of --list, --files, --folders, --csv and --json can be given"},
         RefusedCase{"ShortValueMissing", {"a", "-z"}, "option '-z' needs a value"},
         RefusedCase{"LongValueMissing", {"a", "--zip"}, "option '-z' needs a value"},
-        RefusedCase{"TwoOutputs", {"-l", "-f", "a"}, "only one of --list, --files and --json can be given"},
-        RefusedCase{
-            "TwoOutputsInOneWord", {"-jl", "a"}, "only one of --list, --files and --json can be given"}),
+        RefusedCase{"TwoOutputs",
+                    {"-l", "-f", "a"},
+                    "only one of --list, --files, --folders, --csv and --json can be given"},
+        RefusedCase{"TwoOutputsInOneWord",
+                    {"-jl", "a"},
+                    "only one of --list, --files, --folders, --csv and --json can be given"}),
     &test::rowName<RefusedCase>);
 
 TEST(CommandLine, AsksForTheVersionInEitherForm) {
@@ -131,6 +176,7 @@ TEST(CommandLine, NamesProgramAndVersion) {
 TEST(CommandLine, HelpNamesEveryOptionInBothForms) {
     EXPECT_THAT(helpText(),
                 AllOf(HasSubstr("-l, --list "), HasSubstr("-f, --files "), HasSubstr("-j, --json "),
+                      HasSubstr("--folders[=DEPTH] "), HasSubstr("--csv "), HasSubstr("--speed X "),
                       HasSubstr("-0, --files0-from FILE "), HasSubstr("-z, --zip FILE "),
                       HasSubstr("-q, --quiet "), HasSubstr("-V, --version "), HasSubstr("--verbose"),
                       HasSubstr("-h, --help "), EndsWith("\n")));

@@ -1,5 +1,6 @@
 #include "cli/Progress.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 namespace velmora {

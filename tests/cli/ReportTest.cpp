@@ -108,7 +108,7 @@ TEST(JsonReport, HoldsTheWholeScan) {
                               .roots = {"/m"}};
 
     const char* expected = R"({
-        "schema": 1, "status": "COMPLETE", "source": "M", "seconds": 1.75, "fileCount": 2, "bytes": 40,
+        "schema": 1, "status": "COMPLETE", "source": "M", "seconds": 1.75, "speed": 1, "fileCount": 2, "bytes": 40,
         "unreadable": 2, "skippedArchives": 1, "formats": [{"ext": "WAV", "count": 2, "seconds": 1.75}],
         "longestName": "a.wav", "longestSeconds": 1.5,
         "files": [{"path": "/m/a.wav", "seconds": 1.5, "bytes": 10},
@@ -120,9 +120,35 @@ TEST(JsonReport, HoldsTheWholeScan) {
     EXPECT_EQ(parsed(jsonReport("COMPLETE", summary, details)), parsed(expected));
 }
 
+TEST(JsonReport, SaysWhatTheSoundIsWhereThatIsKnown) {
+    ScanDetails details;
+    details.files = {{"/a.flac", 1, 2, {}, 6, 96'000, "FLAC"}, {"/a.wma", 1, 2, {}, 0, 0, "ASF"}};
+    const QJsonValue files = parsed(jsonReport("", {}, details))["files"];
+    EXPECT_EQ(files[0].toObject(), parsed(R"({"path": "/a.flac", "seconds": 1, "bytes": 2, "format": "FLAC",
+                                              "sampleRate": 96000, "channels": 6})"));
+    EXPECT_EQ(files[1].toObject(),
+              parsed(R"({"path": "/a.wma", "seconds": 1, "bytes": 2, "format": "ASF"})"));
+}
+
+TEST(JsonReport, DividesEveryLength) {
+    ScanDetails details;
+    details.files = {{"/a.wav", 3, 2}};
+    ScanSummary summary;
+    summary.seconds = 3;
+    summary.formats = {{"WAV", 1, 3}};
+    summary.longestSeconds = 3;
+    const QJsonObject object = parsed(jsonReport("", summary, details, {}, 2));
+    EXPECT_EQ(object["speed"].toDouble(), 2);
+    EXPECT_EQ(object["seconds"].toDouble(), 1.5);
+    EXPECT_EQ(object["longestSeconds"].toDouble(), 1.5);
+    EXPECT_EQ(object["formats"][0]["seconds"].toDouble(), 1.5);
+    EXPECT_EQ(object["files"][0]["seconds"].toDouble(), 1.5);
+}
+
 TEST(JsonReport, HasEveryKeyWhenNothingWasFound) {
     const QJsonObject object = parsed(jsonReport("NO AUDIO FOUND", {}, {}));
-    EXPECT_EQ(object, parsed(R"({"schema": 1, "status": "NO AUDIO FOUND", "source": "", "seconds": 0,
+    EXPECT_EQ(object,
+              parsed(R"({"schema": 1, "status": "NO AUDIO FOUND", "source": "", "seconds": 0, "speed": 1,
         "fileCount": 0, "bytes": 0, "unreadable": 0, "skippedArchives": 0, "formats": [],
         "longestName": "", "longestSeconds": 0, "files": [], "unreadableFiles": [],
         "skippedArchiveFiles": [], "unreadableFolders": []})"));

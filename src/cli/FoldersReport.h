@@ -1,0 +1,21 @@
+#pragma once
+
+// How much each folder of a scan plays, with everything below it.
+//
+//   1228.029	5	/music                      seconds, tab, measured files, tab, the folder
+//   468.000	2	/music/Anna Björk - Live
+//   508.029	3	/music/set.zip              an archive is a folder
+
+#include "scan/ScanDetails.h"
+
+#include <string>
+
+namespace velmora {
+
+/// A line a folder in which audio was found: the sources of the scan, `dropped`, and what is below them, to
+/// `depth` folders below the nearest source. A file that was dropped stands for its folder. A folder comes
+/// before those in it, and these in the order of their first file in the scan. Lengths are divided by
+/// `speed`, which is positive; paths are written as `filesReport` writes them.
+std::string foldersReport(const ScanDetails& details, const PathList& dropped, int depth, double speed);
+
+} // namespace velmora
