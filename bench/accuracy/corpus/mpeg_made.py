@@ -49,7 +49,7 @@ def frames_of(stream: bytes) -> list[bytes]:
     return frames
 
 
-def _noise(size, seed=1) -> bytes:
+def noise(size, seed=1) -> bytes:
     """Random bytes without 0xFF, so that no frame header appears in them by chance."""
     return bytes(byte if byte != 0xFF else 0 for byte in random.Random(seed).randbytes(size))
 
@@ -69,7 +69,7 @@ def _tags(shelf, vbr, tagged):
         ("apev2", "APEv2", vbr + apev2(), bare),
         ("ape-id3v1", "APEv2 and ID3v1", vbr + apev2() + id3v1(), bare),
         ("ape-first", "APEv2 before the frames", apev2() + vbr, bare),
-        ("ape-big", "300 KB APEv2 at the end", vbr + apev2(((b"Cover Art (Front)", _noise(300_000)),)), bare),
+        ("ape-big", "300 KB APEv2 at the end", vbr + apev2(((b"Cover Art (Front)", noise(300_000)),)), bare),
         (
             "lyrics",
             "Lyrics3v2 and ID3v1",
@@ -89,7 +89,7 @@ def _junk(shelf, cbr, vbr):
     first, second = b"".join(frames[:half]), b"".join(frames[half:])
     loose = built(len(frames) * _FRAME, "frames of 1152 samples", "mpg123", 0.1)
     for name, note, content, truth in (
-        ("junk-before", "3 KB of junk before", _noise(3000) + vbr, bare),
+        ("junk-before", "3 KB of junk before", noise(3000) + vbr, bare),
         ("zeros-before", "10 KB of zeros before", bytes(10_000) + vbr, bare),
         (
             "text-before",
@@ -98,9 +98,9 @@ def _junk(shelf, cbr, vbr):
             bare,
         ),
         ("zeros-behind", "200 KB of zeros at the end", vbr + bytes(200_000), bare),
-        ("junk-behind", "20 KB of junk at the end", vbr + _noise(20_000), bare),
+        ("junk-behind", "20 KB of junk at the end", vbr + noise(20_000), bare),
         ("zeros-between", "5 KB of zeros between frames", first + bytes(5000) + second, loose),
-        ("junk-between", "5 KB of junk between frames", first + _noise(5000) + second, loose),
+        ("junk-between", "5 KB of junk between frames", first + noise(5000) + second, loose),
         ("part-frame", "the last frame cut off", vbr + same[5][:90], bare),
     ):
         shelf.put(f"mp3/{name}.mp3", note, content, truth)
@@ -112,7 +112,7 @@ def _junk(shelf, cbr, vbr):
     )
 
 
-def _length_frame(frame: bytes, name: bytes, fields: bytes) -> bytes:
+def length_frame(frame: bytes, name: bytes, fields: bytes) -> bytes:
     """A silent frame, headed as `frame` is, with a length header: Xing and Info after 32 bytes of side
     information."""
     start = 36 if name == b"VBRI" or (frame[3] >> 6) != 3 else 21
@@ -132,11 +132,11 @@ def _lengths(shelf, vbr):
         ("xing-none", "Xing without any field", b"Xing", struct.pack(">I", 0)),
         ("vbri", "VBRI", b"VBRI", vbri),
     ):
-        shelf.put(f"mp3/{name}.mp3", note, _length_frame(host, kind, fields) + vbr, truth)
+        shelf.put(f"mp3/{name}.mp3", note, length_frame(host, kind, fields) + vbr, truth)
     shelf.put(
         "mp3/xing-wrong.mp3",
         "Xing of a file three times as long",
-        _length_frame(host, b"Xing", struct.pack(">III", 3, total * 3, size * 3)) + vbr,
+        length_frame(host, b"Xing", struct.pack(">III", 3, total * 3, size * 3)) + vbr,
         built(total * _FRAME, "frames of 1152 samples", "mpg123"),
     )
 
