@@ -37,9 +37,13 @@ class Judgement:
     def group(self, name):
         return [variant for variant in self.variants if variant.group == name]
 
-    def counts(self, tool, group):
-        """How often each verdict was passed on the tool's answers for a group."""
-        return Counter(self.verdicts[tool][variant.name] for variant in self.group(group))
+    def hard(self):
+        """The variants that are marked as hard cases."""
+        return [variant for variant in self.variants if variant.hard]
+
+    def counts(self, tool, variants):
+        """How often each verdict was passed on the tool's answers for some variants."""
+        return Counter(self.verdicts[tool][variant.name] for variant in variants)
 
     def failures(self):
         """The variants for which our answer is not right."""
@@ -50,7 +54,7 @@ class Judgement:
         healthy, silent = self.group(HEALTHY), self.group(SILENT)
         audible = [variant for variant in self.variants if variant.group != SILENT]
         right = sum(self.verdicts[OURS][variant.name] == RIGHT for variant in audible)
-        false = self.counts(OURS, SILENT)[FALSE]
+        false = self.counts(OURS, silent)[FALSE]
         extensions = {variant.extension for variant in healthy}
         requirements = (
             (len(healthy) >= _VARIANTS, f"{len(healthy)} healthy variants; {_VARIANTS} are required"),

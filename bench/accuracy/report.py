@@ -1,6 +1,6 @@
 """The page docs/accuracy.md: a summary, what is not right and why, each variant with everyone's answer."""
 
-from corpus.shelf import HEALTHY, MISNAMED, SILENT, TRUNCATED
+from corpus.shelf import HEALTHY, LYING, MISNAMED, SILENT, TRUNCATED
 from judgement import FALSE, NONE, OURS, RIGHT, WRONG, Judgement
 from reasons import REASONS
 
@@ -8,6 +8,7 @@ _TITLES = {
     HEALTHY: "Healthy files",
     MISNAMED: "Wrong extension",
     TRUNCATED: "Truncated files",
+    LYING: "Files that lie",
     SILENT: "Files without audio",
 }
 
@@ -15,7 +16,8 @@ _TITLES = {
 def page(judgement: Judgement, versions) -> str:
     """The whole page in Markdown."""
     parts = [_introduction(judgement, versions), _summary(judgement), _failures(judgement)]
-    parts += [_variants(judgement, group) for group in (HEALTHY, MISNAMED, TRUNCATED)]
+    parts.append(_hard(judgement))
+    parts += [_variants(judgement, group) for group in (HEALTHY, MISNAMED, TRUNCATED, LYING)]
     parts.append(_silent(judgement))
     return "\n".join(parts)
 
@@ -28,8 +30,8 @@ def _introduction(judgement, versions):
 
 Made by `./dev bench accuracy` from files that the project makes itself: by real encoders where there is one,
 byte by byte where there is none. {sizes[HEALTHY]} healthy variants over {extensions} extensions,
-{sizes[MISNAMED]} good files with a wrong extension, {sizes[TRUNCATED]} truncated ones,
-{sizes[SILENT]} files without audio.
+{sizes[MISNAMED]} good files with a wrong extension, {sizes[TRUNCATED]} truncated ones, {sizes[LYING]} whose
+headers or clocks are not those of what they hold, {sizes[SILENT]} files without audio.
 
 - **True** is what a gapless player plays: the length of what was encoded where the file tells how much of its
   first and last frames is padding, else all that its frames decode to; of a truncated file, what is really
@@ -53,11 +55,14 @@ def _summary(judgement):
         NONE,
         "wrong extension: right",
         "truncated: right",
+        "lying: right",
         "without audio: false",
     ]
     rows = []
     for tool in judgement.tools:
-        healthy, misnamed, truncated, silent = (judgement.counts(tool, group) for group in _TITLES)
+        healthy, misnamed, truncated, lying, silent = (
+            judgement.counts(tool, judgement.group(group)) for group in _TITLES
+        )
         rows.append(
             [
                 tool,
@@ -66,6 +71,7 @@ def _summary(judgement):
                 healthy[NONE],
                 f"{misnamed[RIGHT]} of {misnamed.total()}",
                 f"{truncated[RIGHT]} of {truncated.total()}",
+                f"{lying[RIGHT]} of {lying.total()}",
                 f"{silent[FALSE]} of {silent.total()}",
             ]
         )
@@ -84,6 +90,28 @@ def _failures(judgement):
     ]
     return "## Not right\n\n" + (
         _markdown(["file", "true", OURS, "reason"], rows, 1) if rows else "Nothing.\n"
+    )
+
+
+def _hard(judgement):
+    cases = judgement.hard()
+    rows = [
+        [
+            variant.name,
+            variant.note,
+            variant.reports,
+            "nothing plays" if variant.group == SILENT else _seconds(judgement.truths[variant.name]),
+            *_cells(judgement, variant),
+        ]
+        for variant in cases
+    ]
+    heads = ["file", "what it is", "public reports", "true", *judgement.tools]
+    right = [f"{tool} {judgement.counts(tool, cases)[RIGHT]}" for tool in judgement.tools]
+    return (
+        "## Hard cases\n\n"
+        "Files of the tables below that programs are known to time wrongly, with public reports of that.\n\n"
+        + _markdown(heads, rows, 3)
+        + f"\nRight, of {len(cases)}: {', '.join(right)}.\n"
     )
 
 

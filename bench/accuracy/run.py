@@ -12,7 +12,7 @@ from pathlib import Path
 import answers
 import corpus
 import report
-from corpus.shelf import HEALTHY, MISNAMED, SILENT, TRUNCATED
+from corpus.shelf import HEALTHY, LYING, MISNAMED, SILENT, TRUNCATED
 from judgement import OURS, Judgement
 from reasons import REASONS
 from truth import all_true_seconds
@@ -35,9 +35,9 @@ def main() -> int:
     judgement = Judgement(variants, truths, _everyone(given.scan.resolve(), root, variants))
     given.out.write_text(report.page(judgement, answers.versions()))
     for tool in judgement.tools:
-        for group in (HEALTHY, MISNAMED, TRUNCATED, SILENT):
-            counts = judgement.counts(tool, group)
-            print(f"{tool:14}{group:10}", ", ".join(f"{counts[word]} {word}" for word in sorted(counts)))
+        for group in (HEALTHY, MISNAMED, TRUNCATED, LYING, SILENT):
+            _print_counts(tool, group, judgement.counts(tool, judgement.group(group)))
+        _print_counts(tool, "hard", judgement.counts(tool, judgement.hard()))
     for variant in judgement.failures():
         print(f"not right: {variant.name} ({variant.note})")
     failed = {variant.name for variant in judgement.failures()}
@@ -47,6 +47,10 @@ def main() -> int:
     for shortfall in shortfalls:
         print(f"missed: {shortfall}", file=sys.stderr)
     return 1 if shortfalls else 0
+
+
+def _print_counts(tool, name, counts):
+    print(f"{tool:14}{name:10}", ", ".join(f"{counts[word]} {word}" for word in sorted(counts)))
 
 
 def _everyone(scan, root, variants):

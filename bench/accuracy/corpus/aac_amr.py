@@ -86,6 +86,7 @@ def _adts(shelf):
     )
     encode(quiet, shelf.path("aac/quiet-first.aac"), "-c:a aac -q:a 2 -f adts")
     shelf.add("aac/quiet-first.aac", "a minute of silence, then noise", decoded())
+    shelf.hard("aac/quiet-first.aac", reports="MediaInfo #725")
     encode(shelf.tone(), shelf.path("aac/loas.aac"), "-c:a aac -f latm")
     shelf.add("aac/loas.aac", "LOAS/LATM instead of ADTS", decoded())
     encode(shelf.tone(), shelf.path("adts/id3.adts"), "-c:a aac -f adts -write_id3v2 1 -metadata title=t")

@@ -10,7 +10,7 @@ is constant and given by the codec.
 import random
 import struct
 
-from .shelf import Shelf, built
+from .shelf import TRUNCATED, Shelf, built
 
 _MAGIC = 0x57907536
 _BYTES_A_SECOND = {"mp332": 32000 / 8, "acelp16": 16000 / 8, "acelp85": 8500 / 8}
@@ -31,6 +31,17 @@ def make(shelf: Shelf):
             audible(codec, size, chapters),
             built(size / _BYTES_A_SECOND[codec], "bytes of sound / bytes a second"),
         )
+    size = 47 * 60 * 2000
+    whole = audible("acelp16", size, 1)
+    head = len(whole) - 4 - size
+    shelf.put(
+        "aa-book.aa",
+        "10 KB of a book of 47 minutes",
+        whole[:10_000],
+        built((10_000 - head) / 2000, "bytes of sound / bytes a second"),
+        TRUNCATED,
+    )
+    shelf.hard("aa-book.aa", TRUNCATED)
 
 
 def audible(codec: str, size: int, chapters: int) -> bytes:

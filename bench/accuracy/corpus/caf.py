@@ -9,7 +9,7 @@ i32 remainder frames, then each packet's size as a number of 7-bit digits.
 import struct
 
 from . import native
-from .shelf import Shelf, built, source
+from .shelf import LYING, Shelf, built, source
 from .tools import encode, ffmpeg, pcm_of
 
 
@@ -80,6 +80,17 @@ def _made(shelf):
         head + pcm + caf_chunk(b"data", data) + caf_chunk(b"free", bytes(100_000)),
         built(5.3, "data size", "ffmpeg"),
     )
+    shelf.put(
+        "caf/table-lies.caf",
+        "a packet table of ten hours before 5.3 s",
+        head
+        + pcm
+        + caf_chunk(b"pakt", struct.pack(">qqii", 36000 * 44100, 36000 * 44100, 0, 0))
+        + caf_chunk(b"data", data),
+        built(5.3, "data size"),
+        LYING,
+    )
+    shelf.hard("caf/table-lies.caf", LYING)
     _aac(shelf, head)
 
 

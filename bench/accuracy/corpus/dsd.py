@@ -24,9 +24,10 @@ def make(shelf: Shelf):
     _dsdiff(shelf)
 
 
-def dsf(seconds, rate=_RATE, channels=2, metadata=b"", metadata_at=None) -> bytes:
+def dsf(seconds, rate=_RATE, channels=2, metadata=b"", metadata_at=None, padding=0) -> bytes:
+    """`padding` blocks a channel follow those of the samples."""
     samples = round(seconds * rate)
-    blocks = -(-samples // (8 * _BLOCK))
+    blocks = -(-samples // (8 * _BLOCK)) + padding
     data = _SILENCE * (blocks * _BLOCK * channels)
     size = 28 + 52 + 12 + len(data) + len(metadata)
     at = (size - len(metadata) if metadata else 0) if metadata_at is None else metadata_at

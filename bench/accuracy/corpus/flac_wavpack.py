@@ -1,13 +1,23 @@
-"""FLAC and WavPack, by their own encoders, with the tags and the unknown totals they meet in the wild."""
+"""FLAC and WavPack, by their own encoders, with the tags and the unknown totals they meet in the wild, and
+cut, joined or headed by what is not true.
+
+FLAC (RFC 9639): "fLaC", metadata blocks of u8 type (0x80: the last), u24 size, content; STREAMINFO holds u16
+smallest and largest block, u24 smallest and largest frame, 20 bits rate, 3 channels - 1, 5 bits - 1, 36
+samples, 16 bytes MD5.
+"""
+
+import struct
 
 from .layout import apev2, id3v1, id3v2, id3v2_picture
-from .shelf import Shelf, built, source
+from .shelf import LYING, Shelf, built, decoded, source
 from .tools import call, encode, ffmpeg, pcm_of, sox
 
 
 def make(shelf: Shelf):
     _flac(shelf)
     _flac_tagged(shelf)
+    _flac_cut(shelf)
+    _flac_headed(shelf)
     _wavpack(shelf)
 
 
@@ -52,6 +62,7 @@ def _flac(shelf):
         ffmpeg("-i", stereo, "-f flac -"),
         source(5.3, "flac"),
     )
+    shelf.hard("flac/piped.flac")
     odd = shelf.root / "sources" / "variable.wav"
     sox(stereo, odd, "pad 0 0.7")
     encode(odd, shelf.path("flac/by-ffmpeg.flac"), "-compression_level 12")
@@ -71,6 +82,145 @@ def _flac_tagged(shelf):
         "flac", "-s -f -T TITLE=t --picture", shelf.cover(), "-o", shelf.path("flac/cover.flac"), shelf.tone()
     )
     shelf.add("flac/cover.flac", "a picture of some hundred KB", source(5.3, "flac"))
+
+
+def _flac_cut(shelf):
+    """Cut out of another file without encoding: the frames keep their numbers, the header its total."""
+    whole = shelf.root / "sources" / "whole.flac"
+    call("flac -s -f -o", whole, shelf.tone(21.3))
+    ffmpeg("-ss 8 -i", whole, "-c copy", shelf.path("flac/cut.flac", LYING))
+    shelf.add("flac/cut.flac", "from second 8 on, without encoding", decoded(), LYING)
+    parts = shelf.root / "sources" / "part-%d.flac"
+    ffmpeg("-i", whole, "-c copy -f segment -segment_time 8", parts)
+    for number, note in ((0, "the first 8 seconds of 21"), (1, "the next 8 seconds")):
+        content = (shelf.root / "sources" / f"part-{number}.flac").read_bytes()
+        shelf.put(f"flac/part-{number}.flac", note, content, decoded(), LYING)
+    short = call("flac -s -c", shelf.tone())
+    other = call("flac -s -c", shelf.tone(5.3, 48000))
+    for name, note, content, truth in (
+        ("joined", "two files joined", whole.read_bytes() + short, built(26.6, "sources")),
+        (
+            "rate-changes",
+            "frames of 44.1 kHz, then of 48 kHz",
+            whole.read_bytes() + flac_frames(other),
+            built(26.6, "sources", "ffmpeg"),
+        ),
+        (
+            "bare",
+            "frames without a file header",
+            flac_frames(whole.read_bytes()),
+            built(21.3, "source", "ffmpeg"),
+        ),
+    ):
+        shelf.put(f"flac/{name}.flac", note, content, truth, LYING)
+    for name, reports in (
+        ("cut", "LosslessCut #1809"),
+        ("part-0", "LosslessCut #2131"),
+        ("part-1", "LosslessCut #2131"),
+        ("joined", ""),
+        ("rate-changes", ""),
+        ("bare", ""),
+    ):
+        shelf.hard(f"flac/{name}.flac", LYING, reports)
+
+
+def flac_blocks(content: bytes):
+    """The metadata blocks of a FLAC file, as (type, content), and where its frames begin."""
+    blocks, at, last = [], 4, False
+    while not last:
+        last = bool(content[at] & 0x80)
+        size = int.from_bytes(content[at + 1:at + 4], "big")
+        blocks.append((content[at] & 0x7F, content[at + 4:at + 4 + size]))
+        at += 4 + size
+    return blocks, at
+
+
+def flac_frames(content: bytes) -> bytes:
+    """All after the metadata blocks of a FLAC file."""
+    return content[flac_blocks(content)[1]:]
+
+
+def flac_file(blocks, frames: bytes) -> bytes:
+    """A FLAC file of metadata blocks (type, content) and frames."""
+    heads = [kind | (0x80 if index == len(blocks) - 1 else 0) for index, (kind, _) in enumerate(blocks)]
+    body = b"".join(
+        bytes([head]) + len(content).to_bytes(3, "big") + content for head, (_, content) in zip(heads, blocks)
+    )
+    return b"fLaC" + body + frames
+
+
+def stream_info(block, samples, rate=44100, channels=1) -> bytes:
+    """STREAMINFO of 16 bits, blocks of one size, frames of unknown sizes."""
+    packed = rate << 44 | (channels - 1) << 41 | 15 << 36 | samples
+    return struct.pack(">HH6xQ16x", block, block, packed)
+
+
+def silent_frame(first_sample, samples) -> bytes:
+    """A frame of blocks of variable size, mono, 16 bits, all samples 0: header (sync word, codes of a 16-bit
+    block size and the stream's rate, number of the first sample as in UTF-8, block size - 1, checksum), one
+    constant subframe, checksum."""
+    number = bytes(0x80 | first_sample >> shift & 0x3F for shift in (24, 18, 12, 6, 0))
+    header = b"\xFF\xF9\x70\x08" + bytes([0xFC | first_sample >> 30]) + number
+    header += struct.pack(">H", samples - 1)
+    frame = header + _remainder(header, 8, 0x07) + bytes(3)
+    return frame + _remainder(frame, 16, 0x8005)
+
+
+def _remainder(data, bits, polynomial) -> bytes:
+    """The checksums of FLAC: what is left of `data` by x^bits + `polynomial`."""
+    left = 0
+    for byte in data:
+        left ^= byte << bits - 8
+        for _ in range(8):
+            left = (left << 1 ^ (polynomial if left >> bits - 1 else 0)) & (1 << bits) - 1
+    return left.to_bytes(bits // 8, "big")
+
+
+def _flac_headed(shelf):
+    """Frames after headers that are not theirs."""
+    whole = (shelf.root / "sources" / "whole.flac").read_bytes()
+    blocks, at = flac_blocks(whole)
+    frames, others = whole[at:], blocks[1:]
+    samples = round(21.3 * 44100)
+    first, starts = 0, []
+    for index in range(200):
+        starts.append((first, 1024 if index % 2 else 4096))
+        first += starts[-1][1]
+    variable = b"".join(silent_frame(*start) for start in starts)
+    for name, note, content, truth in (
+        (
+            "block-size",
+            "header of blocks of 1,024 samples, frames of 4,096; total 0",
+            flac_file([(0, stream_info(1024, 0, channels=2)), *others], frames),
+            built(21.3, "source", "flac"),
+        ),
+        (
+            "variable",
+            "header of one block size, frames of two; total 0",
+            flac_file([(0, stream_info(4096, 0))], variable),
+            built(first / 44100, "samples of the frames", "ffmpeg"),
+        ),
+        (
+            "total-small",
+            "total of 5 s",
+            flac_file([(0, stream_info(4096, 5 * 44100, channels=2)), *others], frames),
+            built(21.3, "source", "ffmpeg"),
+        ),
+        (
+            "total-large",
+            "total of an hour",
+            flac_file([(0, stream_info(4096, 3600 * 44100, channels=2)), *others], frames),
+            built(21.3, "source", "ffmpeg"),
+        ),
+        (
+            "info-late",
+            "STREAMINFO after other blocks",
+            flac_file([*others, (0, stream_info(4096, samples, channels=2))], frames),
+            built(21.3, "source", "flac"),
+        ),
+    ):
+        shelf.put(f"flac/{name}.flac", note, content, truth, LYING)
+        shelf.hard(f"flac/{name}.flac", LYING)
 
 
 def _wavpack(shelf):
@@ -97,9 +247,21 @@ def _wavpack(shelf):
         call("wavpack", "-q -y -i - -o -", stdin=sox(stereo, "-t wav -")),
         source(5.3, "wvunpack"),
     )
+    shelf.hard("wv/piped.wv")
     plain = shelf.path("wv/plain.wv").read_bytes()
     tagged = plain + apev2() + id3v1()
     shelf.put("wv/tagged.wv", "APEv2 and ID3v1 at the end", tagged, source(5.3, "wvunpack"))
     dsd = shelf.path("dsf/stereo.dsf")
     call("wavpack", "-q -y", dsd, "-o", shelf.path("wv/dsd.wv"))
     shelf.add("wv/dsd.wv", "DSD64", built(3.0, "source of 3 s of DSD", "ffmpeg"))
+    shelf.hard("wv/dsd.wv", reports="TagLib #962, MediaInfo #372")
+    blocks = shelf.path("wv/blocks.wv").read_bytes()
+    second = blocks.index(b"wvpk", len(blocks) // 2)
+    shelf.put(
+        "wv/cut.wv",
+        "from its middle on",
+        blocks[second:],
+        built(5.3 - struct.unpack_from("<I", blocks, second + 16)[0] / 44100, "samples of the blocks"),
+        LYING,
+    )
+    shelf.hard("wv/cut.wv", LYING)

@@ -4,7 +4,7 @@ Layout (RFC 8794, 9559): elements of an id, a size of 1 to 8 bytes, a body. The 
 holds TimestampScale (2AD7B1) and Duration (4489, a float); a size of all ones is unknown: to the end.
 """
 
-from .shelf import Shelf, built, source
+from .shelf import LYING, Shelf, built, decoded, source
 from .tools import encode, ffmpeg
 
 _DURATION = b"\x44\x89\x88"
@@ -14,6 +14,7 @@ _VOID = b"\xEC\x89"  # a filler whose nine bytes are the rest of the element
 def make(shelf: Shelf):
     _codecs(shelf)
     _without_length(shelf)
+    _cut(shelf)
 
 
 def _codecs(shelf):
@@ -84,3 +85,14 @@ def _without_length(shelf):
         shelf.path("mka/subtitles.mka"),
     )
     shelf.add("mka/subtitles.mka", "subtitles of a minute, sound of 5.3 s", source(5.3))
+
+
+def _cut(shelf):
+    """Cut without encoding: the clock goes on from the file before, and the length counts from 0."""
+    whole = shelf.root / "sources" / "whole.mka"
+    encode(shelf.tone(21.3, 48000), whole, "-c:a libopus")
+    parts = shelf.root / "sources" / "part-%d.mka"
+    ffmpeg("-i", whole, "-c copy -f segment -segment_time 8 -segment_format matroska", parts)
+    content = (shelf.root / "sources" / "part-1.mka").read_bytes()
+    shelf.put("mka/part-1.mka", "the second 8 seconds of 21, without encoding", content, decoded(), LYING)
+    shelf.hard("mka/part-1.mka", LYING, "MediaInfoLib #1491")

@@ -22,6 +22,9 @@ _ROWS = (
     ("au/s16.au", "au-as.voc", 5.3),
     ("dsf/stereo.dsf", "dsf-as.dff", 3.0),
     ("mpc/sv8.mpc", "mpc-as.ogg", 5.3),
+    ("mka/webm.mka", "webm-as.mp3", 5.3),
+    ("mka/webm.mka", "webm-as.ogg", 5.3),
+    ("mka/webm.mka", "webm-as.m4a", 5.3),
 )
 
 
@@ -29,6 +32,8 @@ def make(shelf: Shelf):
     for origin, name, seconds in _ROWS:
         shutil.copyfile(shelf.path(origin), shelf.path(name, MISNAMED))
         shelf.add(name, f"the file {origin}", built(seconds, "as the file it copies"), MISNAMED)
+    for name in ("webm-as.mp3", "webm-as.ogg", "webm-as.m4a"):
+        shelf.hard(name, MISNAMED)
     adts = shelf.path("aac/stereo.aac").read_bytes()
     shelf.put(
         "adts-as.m4a",

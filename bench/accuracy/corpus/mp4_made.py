@@ -8,7 +8,7 @@ times, u32 track, 4 reserved, u32 duration; `elst` u32 entries of u32 duration, 
 import struct
 
 from .layout import box
-from .shelf import Shelf, built, source
+from .shelf import LYING, Shelf, built, decoded, source
 from .tools import ffmpeg
 
 _DURATION_AT = {b"mvhd": 16, b"mdhd": 16, b"tkhd": 20}
@@ -19,6 +19,9 @@ def make(shelf: Shelf):
     _durations(shelf)
     _boxes(shelf)
     _tracks(shelf)
+    _headed(shelf)
+    _beyond_end(shelf)
+    _parts(shelf)
 
 
 def stated(content: bytes, duration: int, *names: bytes) -> bytes:
@@ -43,6 +46,8 @@ def _durations(shelf):
         ("mvhd-wrong", "mvhd states 100 times the length", 1130000, (b"mvhd", b"tkhd")),
     ):
         shelf.put(f"m4a/{name}.m4a", note, stated(content, duration, *names), truth)
+    shelf.hard("m4a/all-zero.m4a", reports="TagLib #1165")
+    shelf.hard("m4a/all-unknown.m4a")
     at = content.index(b"mdat") - 4
     end = at + struct.unpack_from(">I", content, at)[0]
     moved = _moved(content[:at] + content[end:] + content[at:end], len(content) - end)
@@ -110,3 +115,98 @@ def _tracks(shelf):
         shelf.path("m4a/subtitles.m4a"),
     )
     shelf.add("m4a/subtitles.m4a", "subtitle track of a minute, sound of 5.3 s", source(5.3, slack=0.06))
+
+
+def _headed(shelf):
+    """Headers and tables that say different things; what iTunes notes of the encoder's samples."""
+    plain = (shelf.root / "sources" / "plain-edit.m4a").read_bytes()
+    same = shelf.root / "sources" / "same-scale.m4a"
+    ffmpeg("-i", shelf.tone(11.3), "-c:a aac -use_editlist 0 -movie_timescale 44100 -f mp4", same)
+    unscaled = bytearray(same.read_bytes())
+    struct.pack_into(">I", unscaled, unscaled.index(b"mdhd") + 4 + 12, 0)
+    for name, note, content in (
+        ("mdhd-short", "mdhd of 4 s, samples of 11.3 s", stated(plain, 4 * 44100, b"mdhd")),
+        ("mdhd-long", "mdhd of 40 s, samples of 11.3 s", stated(plain, 40 * 44100, b"mdhd")),
+        ("no-scale", "time scale 0 in mdhd, that of mvhd is right", bytes(unscaled)),
+    ):
+        truth = built(11.3, "sample table", None if name == "no-scale" else "ffmpeg", 0.06)
+        shelf.put(f"m4a/{name}.m4a", note, content, truth, LYING)
+        shelf.hard(f"m4a/{name}.m4a", LYING)
+    times = plain.index(b"stts")
+    frames = sum(
+        struct.unpack_from(">I", plain, times + 12 + 8 * entry)[0]
+        for entry in range(struct.unpack_from(">I", plain, times + 8)[0])
+    )
+    priming, sound = 1024, round(11.3 * 44100)
+    note = f" 00000000 {priming:08X} {frames * 1024 - priming - sound:08X} {sound:016X}" + " 00000000" * 8
+    shelf.put(
+        "m4a/itunes-note.m4a",
+        "iTunSMPB instead of an edit list",
+        _noted(plain, note),
+        built(11.3, "source", "ffmpeg", 0.06),
+    )
+    shelf.hard("m4a/itunes-note.m4a")
+
+
+def _noted(content: bytes, note: str) -> bytes:
+    """`content`, whose movie box is the last, with iTunes' note of the samples around the sound."""
+    item = box(
+        b"----",
+        box(b"mean", bytes(4), b"com.apple.iTunes"),
+        box(b"name", bytes(4), b"iTunSMPB"),
+        box(b"data", bytes((0, 0, 0, 1, 0, 0, 0, 0)), note.encode()),
+    )
+    handler = box(b"hdlr", bytes(8), b"mdirappl", bytes(9))
+    data = box(b"udta", box(b"meta", bytes(4), handler, box(b"ilst", item)))
+    out = bytearray(content.replace(b"udta", b"free"))
+    at = out.index(b"moov") - 4
+    assert at + struct.unpack_from(">I", out, at)[0] == len(out), "a movie box at the end expected"
+    struct.pack_into(">I", out, at, len(out) - at + len(data))
+    return bytes(out) + data
+
+
+def _beyond_end(shelf):
+    """Index first, cut off, and the media box made as small as what is left."""
+    chunks = shelf.root / "sources" / "chunks.m4a"
+    ffmpeg("-i", shelf.tone(21.3), "-c:a alac -movflags +faststart", chunks)
+    for name, note, whole, share in (
+        ("end-lost", "two fifths of the sound", chunks, 0.4),
+        ("stub", "a 30th of the sound in one chunk", shelf.path("m4a/faststart.m4a"), 1 / 30),
+    ):
+        content = whole.read_bytes()
+        at = content.index(b"mdat") - 4
+        kept = int((len(content) - at) * share)
+        cut = content[:at] + struct.pack(">I", kept) + content[at + 4:at + kept]
+        shelf.put(f"m4a/{name}.m4a", f"{note}, tables of all of it", cut, decoded(), LYING)
+        shelf.hard(f"m4a/{name}.m4a", LYING)
+
+
+def _parts(shelf):
+    """What streams are cut into."""
+    folder = shelf.root / "sources" / "parts"
+    folder.mkdir(exist_ok=True)
+    whole = folder / "whole.m4a"
+    ffmpeg("-i", shelf.tone(21.3), "-c:a aac", whole)
+    ffmpeg("-i", whole, "-c copy -f segment -segment_time 8 -segment_format mp4", folder / "part-%d.m4a")
+    shelf.put(
+        "m4a/part-1.m4a",
+        "the second 8 seconds of 21, without encoding",
+        (folder / "part-1.m4a").read_bytes(),
+        decoded(),
+        LYING,
+    )
+    ffmpeg(
+        "-i",
+        whole,
+        "-c copy -f hls -hls_time 8 -hls_segment_type fmp4 -hls_playlist_type vod",
+        folder / "list.m3u8",
+    )
+    shelf.put(
+        "m4a/hls-part.m4a",
+        "HLS: the initialisation and the second part",
+        (folder / "init.mp4").read_bytes() + (folder / "list1.m4s").read_bytes(),
+        decoded(),
+        LYING,
+    )
+    for name in ("part-1", "hls-part"):
+        shelf.hard(f"m4a/{name}.m4a", LYING)

@@ -6,12 +6,12 @@ decoder to drop the encoder's priming and padding, else everything that the fram
 """
 
 import threading
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from pathlib import Path
 
 from .tools import ffmpeg, sox
 
-HEALTHY, MISNAMED, TRUNCATED, SILENT = "healthy", "misnamed", "truncated", "silent"
+HEALTHY, MISNAMED, TRUNCATED, LYING, SILENT = "healthy", "misnamed", "truncated", "lying", "silent"
 
 
 @dataclass(frozen=True)
@@ -46,12 +46,17 @@ NO_AUDIO = Truth("no audio", 0.0)
 
 @dataclass(frozen=True)
 class Variant:
-    """One file of the corpus. `name` is its path below the corpus, `note` one line for the table."""
+    """One file of the corpus. `name` is its path below the corpus, `note` one line for the table. `hard`
+    marks one that programs are known to time wrongly; `reports` names public reports of that, if any, as
+    project and number.
+    """
 
     name: str
     group: str
     note: str
     truth: Truth
+    hard: bool = False
+    reports: str = ""
 
     @property
     def extension(self):
@@ -113,3 +118,9 @@ class Shelf:
         """Writes `data` and registers it."""
         self.path(name, group).write_bytes(data)
         return self.add(name, note, truth, group)
+
+    def hard(self, name, group=HEALTHY, reports=""):
+        """Marks a registered file as a hard case (see `Variant`)."""
+        with self._lock:
+            at = next(i for i, row in enumerate(self.variants) if row.name == f"{group}/{name}")
+            self.variants[at] = replace(self.variants[at], hard=True, reports=reports)

@@ -4,11 +4,11 @@
 import struct
 
 from .dsd import dsdiff, dsf
-from .layout import box, chunk, iff, iff64, riff
-from .ape_musepack import ape, musepack_seven
+from .layout import box, chunk, id3v2_picture, iff, iff64, riff
+from .ape_musepack import ape, ape_old, musepack_seven
 from .aiff_au import comm, form
 from .caf import caf_chunk, desc
-from .shelf import Shelf
+from .shelf import SILENT, Shelf
 from .silent import put
 from .tools import ffmpeg
 from .wav_made import data_of, fmt
@@ -138,6 +138,11 @@ def _made(shelf):
         ("data-zero.rf64", "RF64 of no samples", riff(ds64, fmt(), data_of(0xFFFFFFFF, b""), name=b"RF64")),
         ("no-frames.aiff", "AIFF of no samples", form(comm(0), iff(b"SSND", bytes(8)))),
         ("no-sound.aif", "AIFF without SSND", form(comm(0))),
+        (
+            "picture.aiff",
+            "AIFF, an empty SSND before a picture",
+            form(comm(0), iff(b"SSND", bytes(8)), iff(b"ID3 ", id3v2_picture(90_000))),
+        ),
         ("bare-form.aifc", "FORM header only", iff(b"FORM", b"AIFC")),
         ("data-zero.au", "Sun audio of no samples", sun),
         ("short.snd", "10 bytes of a Sun audio header", sun[:10]),
@@ -149,10 +154,16 @@ def _made(shelf):
             b"Creative Voice File\x1A" + struct.pack("<HHH", 26, 0x010A, 0x1129) + b"\0",
         ),
         ("no-samples.dsf", "DSF of no samples", dsf(0)),
+        ("padding.dsf", "DSF of no samples, blocks of padding", dsf(0, padding=1)),
         ("cut.dsf", "DSF header that states 3 s, no data", dsf(3.0)[:92]),
         ("no-data.dff", "DSDIFF of no samples", dsdiff(iff64(b"DSD ", b""))),
         ("no-frames.ape", "Monkey's Audio descriptor only", ape(44100)[:52]),
         ("cut.ape", "Monkey's Audio header, no frames", ape(44100 * 9)[:76]),
+        (
+            "stub.ape",
+            "Monkey's Audio 3.97, 14 KB of a file of 83 hours",
+            ape_old(83 * 3600 * 44100)[:13_955],
+        ),
         ("no-frames.mpc", "SV7 of no frames", musepack_seven(0)[:28]),
         ("magic.mpc", "SV8 magic only", b"MPCK"),
         ("magic.mka", "EBML magic only", b"\x1A\x45\xDF\xA3\x80"),
@@ -180,5 +191,7 @@ def _made(shelf):
     )
     for name, note, data in rows:
         put(shelf, name, note, data)
+    for name in ("padding.dsf", "picture.aiff", "stub.ape"):
+        shelf.hard(name, SILENT)
     whole = shelf.path("sd2/s16.sd2").with_name("._s16.sd2").read_bytes()
     put(shelf, "fork-only.sd2", "a Sound Designer II fork without its sound", whole)

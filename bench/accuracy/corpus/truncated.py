@@ -55,3 +55,12 @@ def make(shelf: Shelf):
         built(5 * 73728 * 4 / 44100, "whole frames", "ffmpeg"),
         TRUNCATED,
     )
+    old = shelf.path("ape/old.ape").read_bytes()
+    shelf.put(
+        "ape-old.ape",
+        "5 of 10 frames of ape/old.ape",
+        old[: len(old) - 5 * 16],
+        built(5 * 73728 * 4 / 44100, "whole frames", "ffmpeg"),
+        TRUNCATED,
+    )
+    shelf.hard("ape-old.ape", TRUNCATED)

@@ -51,6 +51,9 @@ def _plain(shelf):
     shelf.add("wave/plain.wave", "PCM, 16 bit", source(5.3))
     sox(stereo, "-t wav -B", shelf.path("wav/rifx.wav"))
     shelf.add("wav/rifx.wav", "RIFX: big-endian", source(5.3))
+    sox(shelf.tone(3.7, 96000, 2, 24), "-t wav -B", shelf.path("wav/rifx-24.wav"))
+    shelf.add("wav/rifx-24.wav", "RIFX, extensible", source(3.7, "sox"))
+    shelf.hard("wav/rifx-24.wav")
 
 
 def _compressed(shelf):

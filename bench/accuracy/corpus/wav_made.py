@@ -144,6 +144,7 @@ def _big(shelf):
             ),
             built(5.3, "data size in ds64", "ffmpeg"),
         )
+    shelf.hard("wav/bw64.wav", reports="MediaInfo #822")
     shelf.put(
         "rf64/cut-short.rf64",
         "RF64 whose ds64 was never filled in",
@@ -168,6 +169,7 @@ def _big(shelf):
         whole,
         built(whole / _BYTES_A_SECOND, "bytes after the header"),
     )
+    shelf.hard("wav/wrapped.wav")
     _sparse(
         shelf,
         "rf64/five-gigabytes.rf64",
