@@ -16,8 +16,8 @@ from .tools import call, encode, ffmpeg, pcm_of, sox
 def make(shelf: Shelf):
     _flac(shelf)
     _flac_tagged(shelf)
-    _flac_cut(shelf)
-    _flac_headed(shelf)
+    _flac_cut(shelf.for_hard_cases())
+    _flac_headed(shelf.for_hard_cases())
     _wavpack(shelf)
 
 
@@ -113,15 +113,8 @@ def _flac_cut(shelf):
         ),
     ):
         shelf.put(f"flac/{name}.flac", note, content, truth, LYING)
-    for name, reports in (
-        ("cut", "LosslessCut #1809"),
-        ("part-0", "LosslessCut #2131"),
-        ("part-1", "LosslessCut #2131"),
-        ("joined", ""),
-        ("rate-changes", ""),
-        ("bare", ""),
-    ):
-        shelf.hard(f"flac/{name}.flac", LYING, reports)
+    for name in ("cut", "part-0", "part-1"):
+        shelf.hard(f"flac/{name}.flac", LYING, "FFmpeg #10287")
 
 
 def flac_blocks(content: bytes):
@@ -220,7 +213,6 @@ def _flac_headed(shelf):
         ),
     ):
         shelf.put(f"flac/{name}.flac", note, content, truth, LYING)
-        shelf.hard(f"flac/{name}.flac", LYING)
 
 
 def _wavpack(shelf):

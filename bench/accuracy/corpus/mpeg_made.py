@@ -139,6 +139,7 @@ def _lengths(shelf, vbr):
         length_frame(host, b"Xing", struct.pack(">III", 3, total * 3, size * 3)) + vbr,
         built(total * _FRAME, "frames of 1152 samples", "mpg123"),
     )
+    shelf.hard("mp3/xing-wrong.mp3")
 
 
 def _joined(shelf, cbr, vbr, tagged):

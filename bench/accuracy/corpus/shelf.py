@@ -5,6 +5,7 @@ The true playing time is what a gapless player plays: the length of the encoded 
 decoder to drop the encoder's priming and padding, else everything that the frames decode to.
 """
 
+import copy
 import threading
 from dataclasses import dataclass, replace
 from pathlib import Path
@@ -69,6 +70,7 @@ class Shelf:
     def __init__(self, root: Path):
         self.root = root
         self.variants: list[Variant] = []
+        self._is_hard = False
         self._lock = threading.Lock()
         self._sources: dict[str, threading.Lock] = {}
 
@@ -111,7 +113,7 @@ class Shelf:
         if not path.is_file():
             raise FileNotFoundError(path)
         with self._lock:
-            self.variants.append(Variant(f"{group}/{name}", group, note, truth))
+            self.variants.append(Variant(f"{group}/{name}", group, note, truth, self._is_hard))
         return path
 
     def put(self, name, note, data: bytes, truth: Truth, group=HEALTHY) -> Path:
@@ -119,8 +121,14 @@ class Shelf:
         self.path(name, group).write_bytes(data)
         return self.add(name, note, truth, group)
 
+    def for_hard_cases(self):
+        """The same shelf, which marks every file that is registered there as a hard case."""
+        shelf = copy.copy(self)
+        shelf._is_hard = True
+        return shelf
+
     def hard(self, name, group=HEALTHY, reports=""):
-        """Marks a registered file as a hard case (see `Variant`)."""
+        """Marks a registered file as a hard case, and names public reports of it (see `Variant`)."""
         with self._lock:
             at = next(i for i, row in enumerate(self.variants) if row.name == f"{group}/{name}")
             self.variants[at] = replace(self.variants[at], hard=True, reports=reports)
