@@ -132,18 +132,18 @@ def _headed(shelf):
     ):
         truth = built(11.3, "sample table", None if name == "no-scale" else "ffmpeg", 0.06)
         shelf.put(f"m4a/{name}.m4a", note, content, truth, LYING)
-    times = plain.index(b"stts")
-    frames = sum(
-        struct.unpack_from(">I", plain, times + 12 + 8 * entry)[0]
-        for entry in range(struct.unpack_from(">I", plain, times + 8)[0])
-    )
-    priming, sound = 1024, round(11.3 * 44100)
-    note = f" 00000000 {priming:08X} {frames * 1024 - priming - sound:08X} {sound:016X}" + " 00000000" * 8
+    short = shelf.root / "sources" / "short-edit.m4a"
+    ffmpeg("-i", shelf.tone(1.1), "-c:a aac -use_editlist 0 -f mp4", short)
+    content = short.read_bytes()
+    at = content.index(b"mdhd") + 4 + _DURATION_AT[b"mdhd"]
+    priming, sound = 1024, round(1.1 * 44100)
+    padding = struct.unpack_from(">I", content, at)[0] - priming - sound
+    note = f" 00000000 {priming:08X} {padding:08X} {sound:016X}" + " 00000000" * 8
     shelf.put(
         "m4a/itunes-note.m4a",
         "iTunSMPB instead of an edit list",
-        _noted(plain, note),
-        built(11.3, "source", "ffmpeg", 0.06),
+        _noted(content, note),
+        built(1.1, "source", "ffmpeg", 0.06),
     )
 
 

@@ -99,11 +99,17 @@ std::optional<Timing> flacDuration(GuardedReader& reader, std::int64_t start) {
 }
 
 std::optional<Timing> bareFlacDuration(GuardedReader& reader, std::int64_t start) {
+    constexpr std::int64_t minFrameBytes = 10; // one sample value for all
+    constexpr std::int64_t maxBlockSamples = 1 << 16;
     const auto head = readBareFlacHead(reader, start);
     const auto tail = head ? readTail(reader, start, *head) : std::nullopt;
-    const bool isProven =
-        tail && tail->lastFrame && (tail->isWhole || tail->lastFrame->firstSample > head->firstSample);
-    return isProven ? std::optional(timingOf(reader, *head, *tail)) : std::nullopt;
+    if (!tail || !tail->lastFrame || !(tail->isWhole || tail->lastFrame->firstSample > head->firstSample)) {
+        return std::nullopt;
+    }
+    const Timing timing = timingOf(reader, *head, *tail);
+    const std::int64_t maxFrames = (reader.size() - start) / minFrameBytes;
+    const double maxSeconds = static_cast<double>(maxFrames * maxBlockSamples) / head->stream.rate;
+    return timing.seconds <= maxSeconds ? std::optional(timing) : std::nullopt;
 }
 
 } // namespace velmora
