@@ -42,13 +42,20 @@ MediaAnswer formatAnswer(GuardedReader& reader, std::int64_t start, const Format
     const double maxSeconds = format.maxSecondsInByte * static_cast<double>(reader.size() - start);
     std::optional<Timing> timing = format.read == nullptr ? std::nullopt : format.read(reader, start);
     const bool isCutOff = !timing && format.read != nullptr && reader.isCutOff();
-    const auto lie = timing && timing->seconds > maxSeconds ? std::optional(timing->seconds) : std::nullopt;
-    if ((!timing || lie) && !format.demuxer.empty()) {
-        timing = libav().duration(reader, start, std::string(format.demuxer),
-                                  lie ? Doubt::beyondEnd : Doubt::none);
+    const auto ask = [&](Doubt doubt) {
+        return format.demuxer.empty() ? std::nullopt
+                                      : libav().duration(reader, start, std::string(format.demuxer), doubt);
+    };
+    const auto isLie = [maxSeconds](const std::optional<Timing>& any) {
+        return any && any->seconds > maxSeconds;
+    };
+    if (!timing) {
+        timing = ask(Doubt::none);
     }
-    if (timing ? timing->seconds > maxSeconds : lie.has_value()) { // nothing in there is what it claims to be
-        timing = Timing{.stated = timing ? timing->seconds : *lie, .doubt = Doubt::beyondEnd};
+    if (isLie(timing)) {
+        const auto counted = ask(Doubt::beyondEnd);
+        const Timing nothing{.stated = timing->seconds, .doubt = Doubt::beyondEnd};
+        timing = counted && !isLie(counted) ? counted : nothing; // nothing in there is what it claims to be
     }
     MediaAnswer answer = answerOf(timing, format.name, reader);
     if (auto* const unknown = std::get_if<Unknown>(&answer)) {
@@ -57,12 +64,19 @@ MediaAnswer formatAnswer(GuardedReader& reader, std::int64_t start, const Format
     return answer;
 }
 
+/// The most that a byte plays in any format of the table.
+double maxSecondsInAnyByte() {
+    return std::ranges::max(formats(), {}, &Format::maxSecondsInByte).maxSecondsInByte;
+}
+
 /// For what begins with no pattern of the table.
 MediaAnswer probedAnswer(GuardedReader& reader, std::int64_t start, const std::filesystem::path& name) {
     const std::optional<ProbedDemuxer> demuxer = libav().probe(reader, start, "");
     if (demuxer && demuxer->isMedia && !isFrameDemuxer(*demuxer)) {
-        if (const auto timing = libav().duration(reader, start, demuxer->name, Doubt::none)) {
-            return answerOf(timing, knownDemuxer(demuxer->name), reader);
+        const Format format{knownDemuxer(demuxer->name), "", nullptr, demuxer->name, maxSecondsInAnyByte()};
+        const MediaAnswer answer = formatAnswer(reader, start, format);
+        if (!std::holds_alternative<Unknown>(answer) && !std::holds_alternative<OverBudget>(answer)) {
+            return answer;
         }
     }
     if (const auto timing = searchedFrameDuration(reader, start, findTrailingTags(reader, start))) {

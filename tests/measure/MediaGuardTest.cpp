@@ -195,6 +195,15 @@ TEST(MediaGuard, BelievesNoLengthThatTheFileCannotHold) {
     }
 }
 
+TEST(MediaGuard, CountsWhatAProbedFormatClaimsInVain) {
+    const AudioShape shape{.frames = 2'205};
+    const fs::path path = freshFolder() / "track.mp3";
+    std::string file = read(encodeAudio(path, R"(ffmpeg -v error -y -i "$IN" -f ast "$OUT")", shape));
+    constexpr std::size_t samplesAt = 20;
+    file.replace(samplesAt, 4, be(0xFFFFFFFF, 4));
+    EXPECT_NEAR(secondsOf(file), shape.seconds(), 0.001);
+}
+
 TEST(MediaGuard, GivesEveryThreadTheSameAnswer) {
     const fs::path folder = freshFolder();
     Paths files;

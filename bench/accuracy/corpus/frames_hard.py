@@ -1,9 +1,10 @@
-"""Bare frames that many programs tell wrong: false statements, little sound beside much junk, clocks that jump.
+"""Bare frames that many programs tell wrong: false statements, little sound beside much junk, clocks that
+jump.
 
-ADIF (ISO/IEC 13818-7): "ADIF", then bits: no copyright number, 2 flags, variable bit rate, 23 of bit rate, 4 of
-programs less one; a program: 4 number, 2 profile, 4 rate index, 4 each of elements in front, at the side, at
-the back, 2 low frequencies, 3 data, 4 coupled, 3 flags, 5 for the element in front; whole bytes, size of a
-comment.
+ADIF (ISO/IEC 13818-7): "ADIF", then bits: no copyright number, 2 flags, variable bit rate, 23 of bit rate, 4
+of programs less one; a program: 4 number, 2 profile, 4 rate index, 4 each of elements in front, at the side,
+at the back, 2 low frequencies, 3 data, 4 coupled, 3 flags, 5 for the element in front; whole bytes, size of
+a comment.
 """
 
 import struct
@@ -138,11 +139,12 @@ def _little_sound(shelf, vbr):
 
 
 def _stream(shelf, vbr):
-    """A rip with the stream's titles left in: after every 8,000 bytes of sound a byte of size, in units of 16,
-    and the title."""
+    """A rip with the stream's titles left in: after every 8,000 bytes of sound a byte of size, in units of
+    16, and the title."""
     title = b"StreamTitle='title';".ljust(32, b"\0")
     parts = [vbr[at:at + 8000] for at in range(0, len(vbr), 8000)]
-    content = b"".join(part + (b"\2" + title if number % 4 == 0 else b"\0") for number, part in enumerate(parts))
+    inserted = (b"\2" + title, b"\0", b"\0", b"\0")
+    content = b"".join(part + inserted[number % 4] for number, part in enumerate(parts))
     shelf.put(
         "mp3/icy.mp3",
         "the titles of a stream between and in the frames",
