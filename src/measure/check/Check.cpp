@@ -24,6 +24,13 @@ struct Row {
 constexpr auto checks = std::to_array<Row>({
     {"FLAC", &checkFlac},
     {"Ogg", &checkOgg},
+    {"WavPack", &checkWavPack},
+    {"Musepack SV8", &checkMusepack},
+    {"MP4", &checkMp4},
+    {"Matroska", &checkMatroska},
+    {"WAV", &checkWav},
+    {"AIFF", &checkAiff},
+    {"AIFF-C", &checkAiff},
 });
 
 /// Checks content in `format`; returns up to where all bytes were read.

@@ -38,6 +38,20 @@ void Examination::compare(const Lengths& lengths, double tolerance) {
     }
 }
 
+void Examination::noteWalk(const WalkResult& result) {
+    compare(result.lengths, exactly);
+    if (result.endsInPart && !result.lengths.stated) {
+        note(FindingKind::truncated, result.lengths);
+    }
+    if (result.begin > 0) {
+        note(FindingKind::offset, {.stated = {}, .found = result.begin});
+    }
+    if (result.isDamaged) {
+        note(FindingKind::damaged, {.stated = result.lengths.stated, .found = result.wholeSeconds});
+    }
+    compareEnds(result.end, result.tagsAt, result.lengths);
+}
+
 void Examination::compareEnds(std::int64_t audioEnd, std::int64_t tagsAt, const Lengths& lengths) {
     constexpr std::int64_t harmlessBytes = 64 << 10;
     if (tagsAt - audioEnd > harmlessBytes) {

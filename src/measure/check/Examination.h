@@ -20,7 +20,19 @@ struct Lengths {
 /// How far what is stated may be from what was found, in seconds: less than two frames of any codec, which
 /// encoders add or leave out. For formats that state samples it is `exactly`.
 inline constexpr double paddingTolerance = 0.060;
+inline constexpr double packetTolerance = 0.120; ///< where whole packets of lossless coders are stated
 inline constexpr double exactly = 1e-6;
+
+/// What a walk over all numbered frames of a file came to. Seconds, and positions in the file.
+struct WalkResult {
+    Lengths lengths;
+    double begin = 0;        ///< of the clock
+    double wholeSeconds = 0; ///< in frames that hold their checksums
+    bool isDamaged = false;
+    bool endsInPart = false; ///< the last frame is not whole, and nothing follows
+    std::int64_t end = 0;    ///< of the last frame
+    std::int64_t tagsAt = 0;
+};
 
 /// Used by one thread.
 class Examination {
@@ -41,6 +53,9 @@ public:
     /// Takes note of `truncated` or `longer` where what is stated differs from what was found by more than
     /// `tolerance`; of neither where one of them is not known.
     void compare(const Lengths& lengths, double tolerance);
+
+    /// Takes note of all that `result` tells, whose numbers are exact.
+    void noteWalk(const WalkResult& result);
 
     /// Takes note of `trailing` if more than 64 KiB stand between the end of the audio and the tags after it.
     void compareEnds(std::int64_t audioEnd, std::int64_t tagsAt, const Lengths& lengths);

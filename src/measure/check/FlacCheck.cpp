@@ -2,6 +2,7 @@
 #include "measure/bytes/Crc.h"
 #include "measure/bytes/SlidingWindow.h"
 #include "measure/check/FormatChecks.h"
+#include "measure/check/SampleRuns.h"
 #include "measure/formats/FlacHead.h"
 
 #include <algorithm>
@@ -25,10 +26,9 @@ constexpr std::int64_t maxFrameBytes = 1 << 20;
 constexpr std::int64_t usualFrameBytes = 64 << 10;
 
 struct FlacSum {
-    std::int64_t samples = 0;      ///< between the first frame and the end of the last, by their numbers
+    SampleRuns runs;
     std::int64_t wholeSamples = 0; ///< of the frames that hold their checksums
     std::int64_t end = 0;          ///< of the last frame, in the file
-    std::optional<std::int64_t> first = {}; ///< the number of the first sample
     bool isDamaged = false;
     bool endsInPart = false; ///< the last frame is not whole, and nothing follows
 };
@@ -157,14 +157,7 @@ private:
         const std::int64_t expectedBytes = m_frame ? 2 * (at - m_frame->at) : usualFrameBytes;
         m_window.from(at, static_cast<std::size_t>(std::min(expectedBytes, usualFrameBytes)));
         m_frame = Open{headerAt(at).value_or(FlacFrame{}), at};
-        const FlacFrame& frame = m_frame->frame;
-        if (!m_sum.first) {
-            m_sum.first = m_firstOfRun = frame.firstSample;
-        } else if (frame.firstSample < m_endOfRun) { // the numbers begin anew: another stream was added
-            m_sum.samples += m_endOfRun - m_firstOfRun;
-            m_firstOfRun = frame.firstSample;
-        }
-        m_endOfRun = m_frame->nextSample();
+        m_sum.runs.take(m_frame->frame.firstSample, m_frame->frame.samples);
     }
 
     void close(const Open& frame, std::int64_t next) {
@@ -182,8 +175,10 @@ private:
         const auto whole = isAll ? std::optional(end) : endOfFrame(frame.at, end);
         m_sum.end = whole.value_or(end);
         m_sum.endsInPart = !whole;
-        m_sum.samples += (whole ? m_endOfRun : frame.frame.firstSample) - m_firstOfRun;
         m_sum.wholeSamples += whole ? frame.frame.samples : 0;
+        if (!whole) {
+            m_sum.runs.dropLast(frame.frame.firstSample);
+        }
     }
 
     SlidingWindow m_window;
@@ -191,8 +186,6 @@ private:
     std::int64_t m_position; // no frame begins before this
     std::int64_t m_maxFrameBytes;
     std::optional<Open> m_frame;
-    std::int64_t m_firstOfRun = 0; // samples whose numbers ascend
-    std::int64_t m_endOfRun = 0;
     FlacSum m_sum;
 };
 
@@ -211,18 +204,13 @@ std::int64_t checkFlac(Examination& file, std::int64_t start) {
     };
     const auto stated =
         head->stream.samples > 0 ? std::optional(secondsOf(head->stream.samples)) : std::nullopt;
-    const Lengths lengths{.stated = stated, .found = secondsOf(sum.samples)};
-    file.compare(lengths, exactly);
-    if (sum.endsInPart && !stated) {
-        file.note(FindingKind::truncated, lengths);
-    }
-    if (sum.first.value_or(0) > 0) {
-        file.note(FindingKind::offset, {.found = secondsOf(*sum.first)});
-    }
-    if (sum.isDamaged) {
-        file.note(FindingKind::damaged, {.stated = stated, .found = secondsOf(sum.wholeSamples)});
-    }
-    file.compareEnds(sum.end, tagsAt, lengths);
+    file.noteWalk({.lengths = {.stated = stated, .found = secondsOf(sum.runs.samples())},
+                   .begin = secondsOf(sum.runs.first().value_or(0)),
+                   .wholeSeconds = secondsOf(sum.wholeSamples),
+                   .isDamaged = sum.isDamaged,
+                   .endsInPart = sum.endsInPart,
+                   .end = sum.end,
+                   .tagsAt = tagsAt});
     return tagsAt;
 }
 
