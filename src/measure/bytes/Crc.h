@@ -6,7 +6,7 @@
 //
 //   Crc16::after(0, frame) == 0     a whole FLAC frame: it ends with the checksum of what is before
 //   OggCrc32::after(0, page)        of an Ogg page whose field for it is zero
-//   crc32(bytes)                    of zlib, Matroska and Musepack
+//   Crc32::of(bytes)                of zlib, Matroska and Musepack
 
 #include <array>
 #include <cstddef>
@@ -95,10 +95,23 @@ using Crc16 = Crc<std::uint16_t, 0x8005, BitOrder::highestFirst>;
 /// RFC 3533 section 6: no bit turned, neither at the start nor at the end.
 using OggCrc32 = Crc<std::uint32_t, 0x04C1'1DB7, BitOrder::highestFirst>;
 
-/// ISO 3309, as zlib has it.
-inline std::uint32_t crc32(std::span<const std::uint8_t> bytes) {
+/// ISO 3309, as zlib has it: all bits turned at the start and at the end.
+class Crc32 {
+public:
+    void take(std::span<const std::uint8_t> bytes) { m_sum = Reflected::after(m_sum, bytes); }
+
+    std::uint32_t value() const { return ~m_sum; }
+
+    static std::uint32_t of(std::span<const std::uint8_t> bytes) {
+        Crc32 sum;
+        sum.take(bytes);
+        return sum.value();
+    }
+
+private:
     using Reflected = Crc<std::uint32_t, 0xEDB8'8320, BitOrder::lowestFirst>;
-    return ~Reflected::after(~std::uint32_t{0}, bytes);
-}
+
+    std::uint32_t m_sum = ~std::uint32_t{0};
+};
 
 } // namespace velmora

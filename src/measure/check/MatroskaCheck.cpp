@@ -19,9 +19,6 @@ namespace {
 constexpr std::uint32_t checksumId = 0xBF;
 constexpr std::int64_t checksumBytes = 4;
 
-/// More than a cluster takes: what is larger is not held in memory, and its checksum not looked at.
-constexpr std::int64_t maxElementBytes = 32 << 20;
-
 /// What may stand in a segment (RFC 9559 section 5.1): SeekHead, Info, Tracks, Cluster, Cues, Attachments,
 /// Chapters, Tags; Void (RFC 8794 section 11.3.2); CRC-32.
 constexpr auto segmentParts =
@@ -34,22 +31,26 @@ struct SegmentWalk {
     bool isCutOff = false;
 };
 
-/// Whether `element` holds its checksum, or has none.
+/// Reads all of `element`. Whether it holds its checksum, or has none.
 bool holdsChecksum(GuardedReader& reader, const EbmlElement& element, std::vector<std::uint8_t>& buffer) {
     const auto first = ebmlElementAt(reader, element.content);
-    if (!first || first->id != checksumId || first->size != checksumBytes ||
-        *element.size > maxElementBytes) {
-        return true;
+    const bool hasChecksum = first && first->id == checksumId && first->size == checksumBytes;
+    const auto stored =
+        hasChecksum ? reader.header(first->content, checksumBytes) : std::span<const std::uint8_t>();
+    const std::uint32_t stated = stored.empty() ? 0 : le32(stored, 0);
+    std::int64_t at = hasChecksum ? first->content + checksumBytes : element.content;
+    const std::int64_t end = element.content + *element.size;
+    Crc32 sum;
+    while (at < end) {
+        const auto count = static_cast<std::size_t>(std::min(std::ssize(buffer), end - at));
+        const std::size_t got = reader.audio(at, std::span(buffer).first(count));
+        if (got == 0) {
+            return false;
+        }
+        sum.take(std::span(buffer).first(got));
+        at += static_cast<std::int64_t>(got);
     }
-    const auto stored = reader.header(first->content, checksumBytes);
-    if (stored.empty()) {
-        return false;
-    }
-    const std::uint32_t stated = le32(stored, 0);
-    const std::int64_t from = first->content + checksumBytes;
-    buffer.resize(
-        static_cast<std::size_t>(std::max<std::int64_t>(0, element.content + *element.size - from)));
-    return reader.audio(from, buffer) == buffer.size() && crc32(buffer) == stated;
+    return !hasChecksum || sum.value() == stated;
 }
 
 /// Whether the elements in `cluster` fill it to its end.
@@ -65,7 +66,8 @@ bool isFilled(GuardedReader& reader, const EbmlElement& cluster) {
 SegmentWalk walkSegment(GuardedReader& reader, const EbmlElement& segment) {
     SegmentWalk walk{.end = segment.content};
     const std::int64_t statedEnd = segment.size ? segment.content + *segment.size : reader.size();
-    std::vector<std::uint8_t> buffer;
+    constexpr std::size_t stepBytes = 256 << 10;
+    std::vector<std::uint8_t> buffer(stepBytes);
     while (walk.end < std::min(statedEnd, reader.size())) {
         const auto element = ebmlElementAt(reader, walk.end);
         const bool isPart = element && std::ranges::find(segmentParts, element->id) != segmentParts.end();
@@ -116,7 +118,7 @@ std::int64_t checkMatroska(Examination& file, std::int64_t start) {
     } else {
         checkRest(file, walk.end, file.size(), lengths);
     }
-    return start;
+    return walk.end;
 }
 
 } // namespace velmora

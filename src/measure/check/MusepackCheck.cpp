@@ -31,7 +31,7 @@ struct PacketWalk {
 
 /// Whether the stream header in `content` holds its checksum.
 bool holdsChecksum(Bytes content) {
-    return content.size() > checksumBytes && be32(content, 0) == crc32(content.subspan(checksumBytes));
+    return content.size() > checksumBytes && be32(content, 0) == Crc32::of(content.subspan(checksumBytes));
 }
 
 /// Of the packet at `at`, as much as there is.

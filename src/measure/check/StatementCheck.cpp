@@ -39,7 +39,7 @@ ChunkEnd endOfChunks(GuardedReader& reader, SizeOrder order, std::int64_t start)
     const ChunkLayout layout{.order = order, .alignment = 2};
     ChunkEnd end{.at = start + headerBytes};
     while (const auto chunk = chunkAt(reader, layout, end.at)) {
-        if (!isChunkName(chunk->name)) {
+        if (!isChunkName(chunk->name) || formatAt(reader, end.at) != nullptr) { // junk, or another file
             break;
         }
         const bool isSound = chunk->name == "data" || chunk->name == "SSND";
