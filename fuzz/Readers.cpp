@@ -10,6 +10,7 @@
 #include "measure/formats/CafDuration.h"
 #include "measure/formats/DsdDuration.h"
 #include "measure/formats/FlacDuration.h"
+#include "measure/formats/FlashDuration.h"
 #include "measure/formats/MatroskaDuration.h"
 #include "measure/formats/Mp4Duration.h"
 #include "measure/formats/MusepackDuration.h"
@@ -77,6 +78,7 @@ constexpr Reader readers[] = {
     {"dsf", &guarded<&dsfDuration>, oneBitSamples},
     {"dsdiff", &guarded<&dsdiffDuration>, oneBitSamples},
     {"flac", &guarded<&flacDuration>, minBlocks},
+    {"flash", &guarded<&flashDuration>, anything},
     {"matroska", &guarded<&matroskaDuration>, anything},
     {"mp4", &guarded<&mp4Duration>, anything},
     {"musepack", &guarded<&musepackDuration>, anything},

@@ -90,6 +90,23 @@ TEST(RealMedia, IsWalkedWhereNothingIsStated) {
     EXPECT_NEAR(secondsOf(encoded("ra", command)), twelveSeconds.seconds(), 0.05);
 }
 
+TEST(RealMedia, AndFlashVideoPlayFilesThatWereJoinedOneAfterTheOther) {
+    for (const char* const command : {
+             R"(ffmpeg -v error -y -i "$IN" -c:a ac3 -f rm "$OUT")",
+             R"(ffmpeg -v error -y -i "$IN" -c:a aac -f rm "$OUT")",
+             R"(ffmpeg -v error -y -i "$IN" -ar 8000 -ac 1 -c:a real_144 -f rm "$OUT")",
+             R"(ffmpeg -v error -y -i "$IN" -c:a aac -f flv "$OUT")",
+             R"(ffmpeg -v error -y -i "$IN" -f lavfi -i testsrc=s=64x64:d=2 -c:a libmp3lame -f flv "$OUT")",
+         }) {
+        const std::string file = encoded("mp3", command);
+        const double once = secondsOf(file);
+        EXPECT_NEAR(once, twelveSeconds.seconds(), 0.06) << command;
+        EXPECT_NEAR(secondsOf(file + file), 2 * once, 1e-6) << command;
+        EXPECT_NEAR(secondsOf(file + file + file), 3 * once, 1e-6) << command;
+        EXPECT_NEAR(secondsOf(file + zeros(9'000)), once, 0.1) << command;
+    }
+}
+
 TEST(OtherContainers, AreReadUnderAnyName) {
     for (const char* const command :
          {R"(ffmpeg -v error -y -i "$IN" -c:a libmp3lame -f avi "$OUT")",

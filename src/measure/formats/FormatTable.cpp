@@ -11,6 +11,7 @@
 #include "measure/formats/CafDuration.h"
 #include "measure/formats/DsdDuration.h"
 #include "measure/formats/FlacDuration.h"
+#include "measure/formats/FlashDuration.h"
 #include "measure/formats/MatroskaDuration.h"
 #include "measure/formats/Mp4Duration.h"
 #include "measure/formats/MusepackDuration.h"
@@ -78,6 +79,7 @@ constexpr auto formatTable = std::to_array<Format>({
     {"Ogg", "OggS"sv, nullptr, "ogg", losslessSilence},
     {"Matroska", "\x1A\x45\xDF\xA3"sv, &matroskaDuration, "", losslessSilence},
     {"ASF", "\x30\x26\xB2\x75\x8E\x66\xCF\x11"sv, nullptr, "asf", losslessSilence},
+    {"Flash video", "FLV\x01"sv, &flashDuration, "", losslessSilence},
     {"RealMedia", ".RMF"sv, &realMediaDuration, "", slowestSpeech},
     {"RealAudio", ".ra\xFD"sv, nullptr, "rm", slowestSpeech},
     {"Audible", "????\x57\x90\x75\x36"sv, &audibleDuration, "aa", slowestSpeech},

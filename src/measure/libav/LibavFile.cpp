@@ -75,8 +75,10 @@ LibavFile::~LibavFile() {
 
 int LibavFile::readBytes(void* self, std::uint8_t* buffer, int count) {
     auto& file = *static_cast<LibavFile*>(self);
-    const std::size_t got =
-        file.m_reader.search(file.m_start + file.m_position, {buffer, static_cast<std::size_t>(count)});
+    const std::int64_t at = file.m_start + file.m_position;
+    // The reader may end before the file that it reads from does.
+    const auto left = std::clamp<std::int64_t>(file.m_reader.size() - at, 0, count);
+    const std::size_t got = file.m_reader.search(at, {buffer, static_cast<std::size_t>(left)});
     file.m_position += static_cast<std::int64_t>(got);
     return got == 0 ? AVERROR_EOF : static_cast<int>(got);
 }
