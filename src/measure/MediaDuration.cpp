@@ -64,16 +64,13 @@ MediaAnswer formatAnswer(GuardedReader& reader, std::int64_t start, const Format
     return answer;
 }
 
-/// The most that a byte plays in any format of the table.
-double maxSecondsInAnyByte() {
-    return std::ranges::max(formats(), {}, &Format::maxSecondsInByte).maxSecondsInByte;
-}
-
 /// For what begins with no pattern of the table.
 MediaAnswer probedAnswer(GuardedReader& reader, std::int64_t start, const std::filesystem::path& name) {
     const std::optional<ProbedDemuxer> demuxer = libav().probe(reader, start, "");
     if (demuxer && demuxer->isMedia && !isFrameDemuxer(*demuxer)) {
-        const Format format{knownDemuxer(demuxer->name), "", nullptr, demuxer->name, maxSecondsInAnyByte()};
+        // The longest block of a lossless coder, 65,536 samples at 8 kHz, takes some ten bytes for silence.
+        constexpr double maxSecondsInByte = 1;
+        const Format format{knownDemuxer(demuxer->name), "", nullptr, demuxer->name, maxSecondsInByte};
         const MediaAnswer answer = formatAnswer(reader, start, format);
         if (!std::holds_alternative<Unknown>(answer) && !std::holds_alternative<OverBudget>(answer)) {
             return answer;

@@ -33,9 +33,8 @@ double maxSeconds(const std::string& file) {
     const std::span bytes(reinterpret_cast<const std::uint8_t*>(file.data()), file.size());
     GuardedReader reader(sourceOf(bytes), {});
     const Format* const format = formatAt(reader, 0);
-    const double inByte = format != nullptr
-                              ? format->maxSecondsInByte
-                              : std::ranges::max(formats(), {}, &Format::maxSecondsInByte).maxSecondsInByte;
+    constexpr double inUnlistedByte = 1;
+    const double inByte = format != nullptr ? format->maxSecondsInByte : inUnlistedByte;
     return inByte * static_cast<double>(file.size());
 }
 

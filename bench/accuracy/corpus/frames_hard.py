@@ -12,7 +12,7 @@ import struct
 from .aac_amr import adts_frame, raw_blocks
 from .layout import id3v1, id3v2
 from .mpeg_made import frames_of, length_frame, noise
-from .shelf import TRUNCATED, Shelf, built, decoded, source
+from .shelf import LYING, TRUNCATED, Shelf, built, decoded, source
 from .tools import call, encode, ffmpeg
 
 _FRAME = 1152 / 44100
@@ -29,6 +29,8 @@ def make(shelf: Shelf):
     _stream(shelf, vbr)
     _blocks(shelf)
     _clocks(shelf)
+    _joined_files(shelf)
+    _claim(shelf)
 
 
 def _lame(shelf, name, tone, options) -> bytes:
@@ -198,3 +200,28 @@ def _clocks(shelf):
         ),
     ):
         shelf.put(f"mp2/{name}.mp2", note, content, decoded())
+
+
+def _joined_files(shelf):
+    narrow = shelf.tone(5.3, 8000, 1)
+    for name, note, tone, options, seconds in (
+        ("ra/joined-ac3.ra", "AC-3 in RealMedia", shelf.tone(), "-c:a ac3 -f rm", 153 * 1536 / 44100),
+        ("ra/joined-lpc.ra", "14.4 in RealMedia", narrow, "-c:a real_144 -f rm", 266 * 0.02),
+        ("mp3/joined-flash.mp3", "AAC in Flash video", shelf.tone(), "-c:a aac -f flv", 230 * _BLOCK),
+    ):
+        one = shelf.root / "sources" / name.replace("/", "-")
+        encode(tone, one, options)
+        shelf.put(name, f"two files joined: {note}", one.read_bytes() * 2, built(2 * seconds, "frames"))
+
+
+def _claim(shelf):
+    """AST states its samples at byte 20."""
+    one = shelf.root / "sources" / "short.ast"
+    encode(shelf.tone(0.1, 48000), one, "-f ast")
+    shelf.put(
+        "claim.mp3",
+        "0.1 s of AST that states 25 hours",
+        _patched(one.read_bytes(), 20, b"\xFF" * 4),
+        built(0.1, "source", "ffmpeg", 0.001),
+        LYING,
+    )
