@@ -7,6 +7,7 @@
 #include "measure/formats/ApeDuration.h"
 #include "measure/formats/AsfDuration.h"
 #include "measure/formats/AuDuration.h"
+#include "measure/formats/AudibleDuration.h"
 #include "measure/formats/CafDuration.h"
 #include "measure/formats/DsdDuration.h"
 #include "measure/formats/FlacDuration.h"
@@ -74,10 +75,12 @@ constexpr Reader readers[] = {
     {"ape", &guarded<&apeDuration>, anything},
     {"asf", &unguarded<&HeaderDuration::asfSeconds>, anything},
     {"au", &guarded<&auDuration>, oneBitSamples},
+    {"audible", &guarded<&audibleDuration>, speechFrames},
     {"caf", &guarded<&cafDuration>, anything},
     {"dsf", &guarded<&dsfDuration>, oneBitSamples},
     {"dsdiff", &guarded<&dsdiffDuration>, oneBitSamples},
     {"flac", &guarded<&flacDuration>, minBlocks},
+    {"flac-frames", &guarded<&bareFlacDuration>, minBlocks},
     {"flash", &guarded<&flashDuration>, anything},
     {"matroska", &guarded<&matroskaDuration>, anything},
     {"mp4", &guarded<&mp4Duration>, anything},
