@@ -18,6 +18,14 @@ if(VELMORA_SANITIZE)
   target_link_options(standard_settings INTERFACE -fsanitize=${VELMORA_SANITIZE})
 endif()
 
+if(VELMORA_COVERAGE) # for all targets, also those that go without standard_settings
+  add_compile_options(--coverage -fprofile-update=atomic)
+  add_link_options(--coverage -Wl,--wrap=_exit)
+  add_library(velmora_counts_at_exit STATIC tools/CountsAtExit.cpp)
+  set_target_properties(velmora_counts_at_exit PROPERTIES POSITION_INDEPENDENT_CODE ON)
+  link_libraries(velmora_counts_at_exit)
+endif()
+
 add_library(standard_warnings INTERFACE)
 target_compile_options(standard_warnings INTERFACE
   -Wall -Wextra -Wconversion -Wshadow
