@@ -8,7 +8,6 @@
 #include "scan/ScanModel.h"
 #include "system/EndingSignals.h"
 #include "system/ForcedEnd.h"
-#include "system/Paths.h"
 #include "system/PrivateDirectory.h"
 
 #include <QCoreApplication>
@@ -53,9 +52,9 @@ public:
     }
 
     /// False when it was interrupted.
-    bool scan(Paths paths) {
+    bool scan(const PathList& paths) {
         const bool isNothing = paths.empty();
-        m_model->ingest(std::move(paths));
+        m_model->ingest(paths);
         return isNothing || awaitEnd();
     }
 
@@ -183,8 +182,8 @@ void makeZip(Session& session, const fs::path& destination, Outcome& outcome) {
 }
 
 /// Scans `paths`, and packs to `zip` unless that is empty.
-Outcome carryOut(Session& session, const Options& options, Paths paths, const fs::path& zip) {
-    if (!session.scan(std::move(paths))) {
+Outcome carryOut(Session& session, const Options& options, const PathList& paths, const fs::path& zip) {
+    if (!session.scan(paths)) {
         return {.status = ExitStatus::interrupted, .report = {}, .problems = {}};
     }
     if (options.check && !session.check()) {
@@ -212,10 +211,10 @@ Outcome carryOut(Session& session, const Options& options, Paths paths, const fs
 
 } // namespace
 
-Outcome runScan(const Options& options, Paths paths) {
+Outcome runScan(const Options& options, const PathList& paths) {
     const fs::path zip = options.zip ? absolutePath(*options.zip) : fs::path();
     Session session(options);
-    Outcome outcome = carryOut(session, options, std::move(paths), zip);
+    Outcome outcome = carryOut(session, options, paths, zip);
     if (const std::string problem = session.end(); !problem.empty()) {
         outcome.problems.push_back(problem);
         outcome.status = outcome.status == ExitStatus::complete ? ExitStatus::incomplete : outcome.status;

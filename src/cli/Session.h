@@ -5,7 +5,7 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/Options.h"
-#include "system/Paths.h"
+#include "records/PathList.h"
 
 #include <filesystem>
 #include <string>
@@ -23,6 +23,6 @@ struct Outcome {
 /// Scans `paths` (absolute) as `options` ask and writes the zip export when they ask for it. Blocks until all
 /// background work has ended and the private directory is gone. Where there is no directory to work in,
 /// archives and the zip export fail. Main thread; makes the QCoreApplication.
-Outcome runScan(const Options& options, Paths paths);
+Outcome runScan(const Options& options, const PathList& paths);
 
 } // namespace velmora

@@ -2,19 +2,15 @@
 
 #include "cli/Names.h"
 #include "system/FileName.h"
-#include "system/Paths.h"
 #include "system/RegularFile.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <iterator>
 #include <system_error>
-#include <utility>
 
 namespace velmora {
 
@@ -24,8 +20,35 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t readStep = std::size_t{64} << 10;
 
-std::string readAll(int descriptor) {
-    std::string text;
+/// Takes the names out of a list that comes piece by piece.
+class NameSplitter {
+public:
+    explicit NameSplitter(PathListMaker& names)
+        : m_names(names) {}
+
+    void take(std::string_view piece) {
+        for (std::size_t end = piece.find('\0'); end != std::string_view::npos; end = piece.find('\0')) {
+            m_begun += piece.substr(0, end);
+            m_names.add(m_begun);
+            m_begun.clear();
+            piece.remove_prefix(end + 1);
+        }
+        m_begun += piece;
+    }
+
+    void takeLast() {
+        if (!m_begun.empty()) {
+            m_names.add(m_begun);
+        }
+    }
+
+private:
+    PathListMaker& m_names;
+    std::string m_begun;
+};
+
+void readNames(int descriptor, PathListMaker& names) {
+    NameSplitter splitter(names);
     std::array<char, readStep> buffer{};
     for (;;) {
         const ssize_t got = ::read(descriptor, buffer.data(), buffer.size());
@@ -33,25 +56,27 @@ std::string readAll(int descriptor) {
             throw std::system_error(errno, std::generic_category());
         }
         if (got == 0) {
-            return text;
+            splitter.takeLast();
+            return;
         }
         if (got > 0) {
-            text.append(buffer.data(), static_cast<std::size_t>(got));
+            splitter.take({buffer.data(), static_cast<std::size_t>(got)});
         }
     }
 }
 
 /// A list may be a pipe: `-0 <(find ...)`.
-std::string readList(const fs::path& list) {
+void readList(const fs::path& list, PathListMaker& names) {
     try {
         if (list == "-") {
-            return readAll(STDIN_FILENO);
+            readNames(STDIN_FILENO, names);
+            return;
         }
         const FileDescriptor file(::open(list.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY));
         if (!file) {
             throw std::system_error(errno, std::generic_category());
         }
-        return readAll(file.get());
+        readNames(file.get(), names);
     } catch (const std::system_error& error) {
         throw std::system_error(error.code(), "cannot read the list " + quotedName(list.native()));
     }
@@ -71,32 +96,25 @@ int obstacle(const fs::path& path) {
 
 } // namespace
 
-Paths givenPaths(const Options& options) {
-    Paths paths = options.paths;
+PathList givenPaths(const Options& options) {
+    PathListMaker names;
+    for (const fs::path& path : options.paths) {
+        names.add(path.native());
+    }
     for (const fs::path& list : options.pathLists) {
-        std::ranges::move(splitAtNul(readList(list)), std::back_inserter(paths));
+        readList(list, names);
     }
-    return paths;
+    return names.list();
 }
 
-Paths splitAtNul(std::string_view text) {
-    Paths names;
-    while (!text.empty()) {
-        const std::size_t end = text.find('\0');
-        names.emplace_back(text.substr(0, end));
-        text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
-    }
-    return names;
-}
-
-Sources locate(Paths given) {
+Sources locate(const PathList& given) {
     Sources sources;
-    for (fs::path& next : given) {
-        const fs::path path = std::move(next); // they may be many, and are held once
+    PathListMaker found;
+    for (const fs::path& path : given) {
         std::error_code error(obstacle(path), std::generic_category());
         if (!error) {
             try {
-                sources.paths.push_back(absolutePath(path));
+                found.add(absolutePath(path).native());
             } catch (const fs::filesystem_error& failure) {
                 error = failure.code();
             }
@@ -105,12 +123,16 @@ Sources locate(Paths given) {
             sources.problems.push_back("cannot read " + quotedName(path.native()) + ": " + error.message());
         }
     }
+    sources.paths = found.list();
     return sources;
 }
 
 fs::path absolutePath(const fs::path& path) {
     fs::path asGiven = fs::absolute(path);
     fs::path resolved = standardized(asGiven);
+    if (resolved.native() == asGiven.native()) {
+        return asGiven; // nothing to ask the system
+    }
     std::error_code ignored;
     const bool samePlace = !fs::exists(asGiven, ignored) || fs::equivalent(asGiven, resolved, ignored);
     return samePlace ? resolved : asGiven;

@@ -3,31 +3,28 @@
 // From the paths of the command line to what the scan is given: absolute paths of things that are there.
 
 #include "cli/Options.h"
-#include "system/Paths.h"
+#include "records/PathList.h"
 
 #include <filesystem>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace velmora {
 
 struct Sources {
-    Paths paths;                       ///< absolute, links not resolved, in the order they were given
+    PathList paths;                    ///< absolute, links not resolved, in the order they were given
     std::vector<std::string> problems; ///< why a path was left out, a message each
 
     bool operator==(const Sources&) const = default;
 };
 
-/// The paths in `options`, then those in the files it names. Blocks until all of these have been read; throws
-/// std::system_error, which names the file, when one cannot be.
-Paths givenPaths(const Options& options);
-
-/// The names in `text`, which are separated by NUL; the last may end in one.
-Paths splitAtNul(std::string_view text);
+/// The paths in `options`, then those in the files it names, where a NUL separates each from the next and may
+/// end the last. Blocks until all of these have been read; throws std::system_error, which names the file,
+/// when one cannot be.
+PathList givenPaths(const Options& options);
 
 /// Sorts `given` into what can be scanned and what is not there or a folder that may not be entered.
-Sources locate(Paths given);
+Sources locate(const PathList& given);
 
 /// `path` in absolute form. "." and ".." are resolved where that leads to the same place: "link/.." is not
 /// the folder that holds the link. Throws std::filesystem::filesystem_error when there is no working

@@ -21,7 +21,6 @@
 #include <new>
 #include <string>
 #include <system_error>
-#include <utility>
 
 namespace velmora {
 
@@ -66,7 +65,7 @@ ExitStatus carryOut(const Options& options) {
     }
     std::ranges::for_each(sources.problems, &complain);
 
-    const Outcome outcome = runScan(options, std::move(sources.paths));
+    const Outcome outcome = runScan(options, sources.paths);
     std::ranges::for_each(outcome.problems, &complain);
     if (outcome.status == ExitStatus::interrupted) {
         return outcome.status;

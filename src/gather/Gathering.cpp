@@ -10,10 +10,9 @@
 
 namespace velmora::Collector {
 
-GatherResult gather(Paths paths, const std::stop_token& stop) {
+GatherResult gather(const PathList& paths, const std::stop_token& stop) {
     GatherResult found;
-    for (std::filesystem::path& next : paths) {
-        const std::filesystem::path path = std::move(next); // what is found holds it again
+    for (const std::filesystem::path& path : paths) {
         try {
             walk(path, 0, found, stop);
         } catch (const std::bad_alloc&) { // what it holds is not all found

@@ -11,9 +11,9 @@
 
 namespace velmora::Collector {
 
-/// Walks `paths` in their order, forgets each when it is done, and sorts what was found. Long-running; called
+/// Walks `paths` in their order, and sorts what was found. Long-running; called
 /// on a thread of its own. When `stop` is requested it ends early with what it has; the extraction
 /// directories in the result are the caller's in any case.
-GatherResult gather(Paths paths, const std::stop_token& stop = {});
+GatherResult gather(const PathList& paths, const std::stop_token& stop = {});
 
 } // namespace velmora::Collector

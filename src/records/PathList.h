@@ -1,7 +1,8 @@
 #pragma once
 
 // Many paths that are kept for later. A std::filesystem::path holds each of its components as a path of its
-// own, some 500 bytes for one of six components; here it is its bytes. Copies share them.
+// own, some 500 bytes for one of six components; here each is the bytes in which it differs from the one
+// before, some 25 in a folder of tracks. Copies share them.
 
 #include "system/Paths.h"
 
@@ -29,7 +30,8 @@ public:
         Iterator() = default;
         Iterator(std::string_view names, std::string_view more);
 
-        value_type operator*() const;
+        value_type operator*() const { return m_name; }
+
         Iterator& operator++();
         Iterator operator++(int);
 
@@ -37,8 +39,12 @@ public:
         bool operator==(const Iterator& other) const;
 
     private:
-        std::string_view m_names;
+        void readName();
+
+        std::string_view m_names; // after the one that it stands at
         std::string_view m_more;
+        std::string m_name;
+        bool m_isAtEnd = true;
     };
 
     using value_type = std::filesystem::path;
@@ -63,12 +69,32 @@ public:
 
     static Iterator end() { return {}; }
 
+    /// All at once, for where they must be.
+    Paths paths() const { return {begin(), end()}; }
+
     friend bool operator==(const PathList& one, const PathList& other);
 
 private:
-    // Paths one after the other, a NUL after each, which no path holds.
+    friend class PathListMaker;
+
+    // Paths one after the other: how many bytes it shares with the one before (7 bits a byte, the lowest
+    // first, the highest bit set in all but the last), the others, a NUL, which no path holds.
     std::shared_ptr<const std::string> m_names; // shared with other lists; null: none
-    std::string m_more;                         // after those
+    std::string m_more;                         // after those, each as if it were the first
+    std::size_t m_size = 0;
+};
+
+/// Makes a list of paths that come one by one.
+class PathListMaker {
+public:
+    void add(std::string_view path);
+
+    /// All that were added; none remain.
+    PathList list();
+
+private:
+    std::string m_names;
+    std::string m_last;
     std::size_t m_size = 0;
 };
 

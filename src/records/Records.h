@@ -83,7 +83,7 @@ struct ScanSummary {
     double longestSeconds = 0;
     int unreadable = 0; ///< files that could not be measured and archives that could not be unpacked
     std::string source; ///< what was dropped, in upper case: the one item's name, or "3 ITEMS"
-    Paths files;        ///< the measured files, in scan order
+    PathList files;     ///< the measured files, in scan order
     PathList dropped;   ///< as the user dropped them
     PathList roots;     ///< `dropped`, then the extraction directories
 

@@ -13,12 +13,13 @@ namespace velmora {
 ScanSummary summarize(const std::vector<Measured>& files) {
     ScanSummary summary;
     std::map<std::string, FormatStat> formats;
+    PathListMaker measured;
     for (const Measured& file : files) {
         if (file.seconds < 0) {
             ++summary.unreadable;
             continue;
         }
-        summary.files.push_back(file.url);
+        measured.add(file.url.native());
         summary.seconds += file.seconds;
         summary.fileCount += 1;
         summary.bytes += file.bytes;
@@ -33,6 +34,7 @@ ScanSummary summarize(const std::vector<Measured>& files) {
             summary.longestName = lastComponent(file.url);
         }
     }
+    summary.files = measured.list();
     for (const auto& [key, format] : formats) {
         summary.formats.push_back(format);
     }

@@ -68,7 +68,7 @@ ScanModel::~ScanModel() {
     TempRegistry::releaseAll();
 }
 
-void ScanModel::ingest(Paths dropped) {
+void ScanModel::ingest(PathList dropped) {
     if (dropped.empty()) {
         return;
     }
@@ -90,9 +90,8 @@ void ScanModel::ingest(Paths dropped) {
     publishSummary(std::move(summary));
 
     m_job = std::make_shared<Job>();
-    const auto given = std::make_shared<Paths>(std::move(dropped)); // they may be many
-    m_background->run([this, job = m_job, given](const std::stop_token& programEnds) {
-        GatherResult gathered = m_stages.gather(std::move(*given), programEnds);
+    m_background->run([this, job = m_job, dropped = std::move(dropped)](const std::stop_token& programEnds) {
+        GatherResult gathered = m_stages.gather(dropped, programEnds);
         m_mainThread->post([this, job, gathered = std::move(gathered)]() mutable {
             takeGathered(job, std::move(gathered));
         });
@@ -204,7 +203,7 @@ void ScanModel::makeZip(const std::filesystem::path& destination) {
                 }
             };
             try {
-                Zipper::zip(files, Paths(roots.begin(), PathList::end()), destination, progress, programEnds);
+                Zipper::zip(files.paths(), roots.paths(), destination, progress, programEnds);
                 publishLater(ZipDone{destination});
             } catch (const std::exception& error) {
                 publishLater(ZipFailed{Zipper::description(error)});

@@ -28,7 +28,7 @@ struct MeasuredFile;
 /// The two stages of a scan. Both run on background threads, `measure` on six at once, and end early when
 /// their stop token is requested. The default is the real work; a test holds and releases stages of its own.
 struct ScanStages {
-    std::function<GatherResult(Paths dropped, const std::stop_token& stop)> gather;
+    std::function<GatherResult(const PathList& dropped, const std::stop_token& stop)> gather;
     std::function<Measured(const std::filesystem::path& file, const std::stop_token& stop)> measure;
 
     static ScanStages real();
@@ -55,7 +55,7 @@ public:
     ~ScanModel() override;
 
     /// Starts a scan of `dropped` in place of any running one and returns at once. No paths: nothing changes.
-    void ingest(Paths dropped);
+    void ingest(PathList dropped);
 
     /// Cancels any running scan, forgets its result and returns to `idle`.
     void reset();

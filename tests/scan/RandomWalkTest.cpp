@@ -57,9 +57,9 @@ protected:
         m_reference = {};
         m_wakeUp.start(std::chrono::seconds(1));
         m_gate.emplace();
-        createModel({[this](const Paths& urls, const std::stop_token& stop) {
+        createModel({[this](const PathList& urls, const std::stop_token& stop) {
                          m_gate->pass(stop);
-                         const Drop drop = Drop::of(urls);
+                         const Drop drop = Drop::of(urls.paths());
                          return GatherResult{drop.files, {}, {}, drop.skipped};
                      },
                      [this](const fs::path& url, const std::stop_token& stop) {
@@ -122,7 +122,7 @@ private:
     void makeZip() {
         m_history << " zip";
         const fs::path destination = m_folder / (std::to_string(++m_zips) + ".zip");
-        const Paths& files = model->summary().files;
+        const PathList& files = model->summary().files;
         const bool filesExist = !files.empty() && files.front().parent_path() == m_folder;
         model->makeZip(destination);
         expectAtOnce(m_reference.makeZip(destination, filesExist));

@@ -14,8 +14,8 @@ protected:
     /// A model whose measuring is held; each dropped item is one file, and so is each of `more`.
     void createHeldModel(Paths more = {}) {
         createModel(
-            {[more](const Paths& dropped, const std::stop_token&) {
-                 Paths files = dropped;
+            {[more](const PathList& dropped, const std::stop_token&) {
+                 Paths files = dropped.paths();
                  files.insert(files.end(), more.begin(), more.end());
                  return gathered(files);
              },
@@ -79,7 +79,7 @@ TEST_F(ScanModelCancelTest, ANewScanSupersedesARunningOne) {
 TEST_F(ScanModelCancelTest, GatheringRunsToItsEndAndItsDirectoriesAreReleasedLater) {
     std::latch mayEnd(1);
     const fs::path unpacked = fs::temp_directory_path() / "velmora-UNPACKED";
-    createModel({[&](const Paths& dropped, const std::stop_token&) {
+    createModel({[&](const PathList& dropped, const std::stop_token&) {
                      if (dropped.front() == "/m/slow.zip") {
                          mayEnd.wait();
                          write(unpacked / "x.wav");
@@ -164,12 +164,12 @@ TEST_F(ScanModelCancelTest, LeavesNothingWhenItEndsDuringAnExtraction) {
 
 TEST_F(ScanModelCancelTest, LeavesNothingOfWhatIsUnpackedWhileItEnds) {
     const fs::path unpacked = fs::temp_directory_path() / "velmora-UNPACKED";
-    createModel({[&](const Paths& dropped, const std::stop_token& programEnds) {
+    createModel({[&](const PathList& dropped, const std::stop_token& programEnds) {
                      std::latch ending(1);
                      const std::stop_callback tell(programEnds, [&] { ending.count_down(); });
                      ending.wait();
                      write(unpacked / "x.wav");
-                     return GatherResult{{unpacked / "x.wav"}, {unpacked}, dropped, {}};
+                     return GatherResult{{unpacked / "x.wav"}, {unpacked}, dropped.paths(), {}};
                  },
                  {}});
     model->ingest({"/m/slow.zip"});

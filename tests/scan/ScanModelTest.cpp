@@ -91,7 +91,7 @@ TEST_F(ScanModelTest, EndsEmptyWhenNoFileCouldBeMeasured) {
 
 TEST_F(ScanModelTest, PublishesEveryFourthFileAndTheLast) {
     createModel(
-        {[](const Paths&, const std::stop_token&) { return gathered(tracks(10)); },
+        {[](const PathList&, const std::stop_token&) { return gathered(tracks(10)); },
          [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     record();
     std::vector<double> progress;
@@ -112,7 +112,7 @@ TEST_F(ScanModelTest, PublishesEveryFourthFileAndTheLast) {
 
 TEST_F(ScanModelTest, MeasuresSixFilesAtATimeStartedInScanOrder) {
     createModel(
-        {[](const Paths&, const std::stop_token&) { return gathered(tracks(12)); },
+        {[](const PathList&, const std::stop_token&) { return gathered(tracks(12)); },
          [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     model->ingest({"/m"});
     awaitStatus("MEASURING");
@@ -132,7 +132,7 @@ TEST_F(ScanModelTest, MeasuresSixFilesAtATimeStartedInScanOrder) {
 
 TEST_F(ScanModelTest, GoesOnMeasuringWhileTheMainThreadIsBusy) {
     createModel(
-        {[](const Paths&, const std::stop_token&) { return gathered(tracks(60)); },
+        {[](const PathList&, const std::stop_token&) { return gathered(tracks(60)); },
          [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     model->ingest({"/m"});
     awaitStatus("MEASURING");
@@ -144,7 +144,7 @@ TEST_F(ScanModelTest, GoesOnMeasuringWhileTheMainThreadIsBusy) {
 }
 
 TEST_F(ScanModelTest, CountsSkippedArchivesAsUnreadableBesideUnmeasuredFiles) {
-    createModel({[](const Paths&, const std::stop_token&) {
+    createModel({[](const PathList&, const std::stop_token&) {
                      return GatherResult{{"/m/good.wav", "/m/bad.wav"},
                                          {"/t/velmora-A"},
                                          {"/m/a.zip"},
@@ -164,7 +164,7 @@ TEST_F(ScanModelTest, CountsSkippedArchivesAsUnreadableBesideUnmeasuredFiles) {
 }
 
 TEST_F(ScanModelTest, GoesOnWhereOneFileFindsNoMemory) {
-    createModel({[](const Paths&, const std::stop_token&) { return gathered(tracks(3)); },
+    createModel({[](const PathList&, const std::stop_token&) { return gathered(tracks(3)); },
                  [](const fs::path& file, const std::stop_token&) {
                      return file == tracks(3)[1] ? throw std::bad_alloc() : Measured{file, 4.5, 7};
                  }});
