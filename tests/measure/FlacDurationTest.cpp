@@ -204,6 +204,8 @@ TEST(Flac, ThatWasJoinedIsTheSumOfItsParts) {
     EXPECT_NEAR(secondsOf(other + one), both, 1e-9);
     EXPECT_NEAR(secondsOf(one + small + other), both + secondsOf(small), 1e-9) << "of other blocks";
     EXPECT_NEAR(secondsOf(one + other + "TAG" + zeros(125)), both, 1e-9);
+    const std::string half = other.substr(0, other.size() / 2);
+    EXPECT_NEAR(secondsOf(one + half), secondsOf(one) + secondsOf(half), 1e-9) << "the last cut off";
     const std::string frames = framesOf(100, of44k);
     const std::string even =
         "fLaC" + block(0, streamInfo(4'096, 100 * 4'096, frames.size() / 100), true) + frames;

@@ -64,12 +64,13 @@ bool isClockDoubtful(const FlacHead& head, const Tail& tail) {
     if (tail.lastFrame->rate != stream.rate || tail.end < head.firstSample) {
         return true;
     }
-    const bool isOther = stream.samples > 0 && tail.end != stream.samples;
+    const bool isOther =
+        tail.end < stream.samples || (stream.samples > 0 && tail.end > stream.samples && tail.isWhole);
     // Between the first frame and the last there are more bytes than so many of the largest frames take.
     const bool isTooLarge = stream.frameBytes > 0 && stream.blockSamples > 0 &&
                             (tail.lastAt - head.audioAt) / stream.frameBytes >
                                 (tail.end - head.firstSample) / stream.blockSamples;
-    return isTooLarge || (isOther && tail.isWhole && head.firstSample == 0);
+    return isTooLarge || (isOther && head.firstSample == 0);
 }
 
 Timing timingOf(GuardedReader& reader, const FlacHead& head, const Tail& tail) {
