@@ -205,6 +205,9 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
     if (options.check && output.value_or(Output::json) != Output::json) {
         return UsageError{"of the other outputs only --json goes with --check"};
     }
+    if (options.check && options.speed != 1) {
+        return UsageError{"--speed does not go with --check: what is checked is what files state"};
+    }
     options.output = output.value_or(options.check ? Output::findings : Output::total);
     options.paths = reader.rest();
     if (options.paths.empty() && options.pathLists.empty()) {
