@@ -15,8 +15,8 @@ namespace velmora {
 /// Times the frames between `start` and `end`, the first of which stands at `start`. Absent if none does.
 std::optional<Timing> frameStreamDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
-/// The same when the first frame may stand anywhere after `start`; from there on more than half of the bytes
-/// must be frames.
+/// The same when the first frame may stand anywhere after `start`. From there on half of the bytes must be
+/// frames, tags left out, or a hundred frames must stand in a row.
 std::optional<Timing> searchedFrameDuration(GuardedReader& reader, std::int64_t start, std::int64_t end);
 
 } // namespace velmora
