@@ -1,9 +1,9 @@
-// FLAC whole, cut off, cut out of another file, and with a header that lies.
+// FLAC whole, cut off, cut out of another file, joined, and with a header that lies or without any.
 
 #include "measure/formats/FlacDuration.h"
 
 #include "measure/bytes/GuardedReader.h"
-#include "measure/formats/FlacFrame.h"
+#include "tests/measure/FlacBytes.h"
 #include "tests/measure/HeaderBytes.h"
 #include "tests/measure/MediaBytes.h"
 #include "tests/measure/TwelveSeconds.h"
@@ -12,11 +12,8 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <string>
-#include <tuple>
-#include <utility>
 #include <vector>
 
 namespace velmora::test {
@@ -25,65 +22,11 @@ namespace {
 
 using namespace std::string_literals;
 
-/// The remainder of `bytes` divided by x^bits + `polynomial`.
-std::uint64_t checksum(const std::string& bytes, unsigned bits, std::uint64_t polynomial) {
-    std::uint64_t sum = 0;
-    for (const char byte : bytes) {
-        sum ^= static_cast<std::uint64_t>(static_cast<unsigned char>(byte)) << (bits - 8);
-        for (int bit = 0; bit < 8; ++bit) {
-            sum = (sum << 1) ^ (((sum >> (bits - 1)) & 1) != 0 ? polynomial : 0);
-        }
-        sum &= (1ULL << bits) - 1;
-    }
-    return sum;
-}
-
-enum class Blocks : std::uint8_t { ofFixedSize, ofAnySize };
-
-// Codes of sample rates.
-constexpr std::uint64_t ofStream = 0;
-constexpr std::uint64_t of44k = 9;
-constexpr std::uint64_t of48k = 10;
-
-/// A frame that says it holds `samples`; `number` is below 0x800.
-std::string frame(std::uint64_t number, std::uint64_t samples, Blocks blocks = Blocks::ofFixedSize,
-                  std::uint64_t rate = ofStream) {
-    const std::string coded = be(0xC0 | number >> 6, 1) + be(0x80 | (number & 0x3F), 1);
-    const std::string header = (blocks == Blocks::ofFixedSize ? "\xFF\xF8"s : "\xFF\xF9"s) +
-                               be(0x70 | rate, 1) + be(0x18, 1) + coded + be(samples - 1, 2);
-    const std::string bytes = header + be(checksum(header, 8, 0x07), 1) + times(40, "x");
-    return bytes + be(checksum(bytes, 16, 0x8005), 2);
-}
-
-/// The header of a frame: `codes` of block size and sample rate, a `coded` number, and `extra` bytes for
-/// them.
-std::string frameHeader(int codes, const std::string& extra, const std::string& coded, int sync) {
-    const std::string header = be(0xFF, 1) + be(static_cast<std::uint64_t>(sync), 1) +
-                               be(static_cast<std::uint64_t>(codes), 1) + be(0x18, 1) + coded + extra;
-    return header + be(checksum(header, 8, 0x07), 1);
-}
-
-std::optional<FlacFrame> parsed(const std::string& header, std::int32_t rate) {
-    const std::span bytes(reinterpret_cast<const std::uint8_t*>(header.data()), header.size());
-    return parseFlacFrame(bytes, {.blockSamples = 4'096, .rate = rate});
-}
-
-std::optional<FlacFrame> frameOf(int codes, const std::string& extra, std::int32_t rate = 44'100,
-                                 const std::string& coded = "\x05", int sync = 0xF8) {
-    return parsed(frameHeader(codes, extra, coded, sync), rate);
-}
-
-/// The rate that a frame of no stream states; 0 if it is none.
-std::int32_t rateOf(int codes, const std::string& extra) {
-    const std::optional<FlacFrame> frame = frameOf(codes, extra, 0);
-    return frame ? frame->rate : 0;
-}
-
 /// `count` frames of 4,096 samples of the rate `rate`, numbered from 0.
 std::string framesOf(std::uint64_t count, std::uint64_t rate) {
     std::string frames;
     for (std::uint64_t number = 0; number < count; ++number) {
-        frames += frame(number, 4'096, Blocks::ofFixedSize, rate);
+        frames += flacFrame(number, 4'096, FlacBlocks::ofFixedSize, rate);
     }
     return frames;
 }
@@ -150,17 +93,18 @@ TEST(Flac, ThatWasCutOutOfAnotherIsWhatItHolds) {
 TEST(Flac, HasBlocksOfTheSizeThatItsFramesState) {
     std::string frames;
     for (std::uint64_t number = 0; number < 7; ++number) {
-        frames += frame(number, 16'384);
+        frames += flacFrame(number, 16'384);
     }
     EXPECT_NEAR(secondsOf(flacFile(4'096, 0, frames)), 7 * 16'384 / 44'100.0, 1e-9);
-    EXPECT_NEAR(secondsOf(flacFile(
-                    4'096, 0, frame(100, 1'000, Blocks::ofAnySize) + frame(1'100, 500, Blocks::ofAnySize))),
+    EXPECT_NEAR(secondsOf(flacFile(4'096, 0,
+                                   flacFrame(100, 1'000, FlacBlocks::ofAnySize) +
+                                       flacFrame(1'100, 500, FlacBlocks::ofAnySize))),
                 1'500 / 44'100.0, 1e-9)
         << "numbered by sample";
 }
 
 TEST(Flac, IsLongerThanItsHeaderSaysWhereTheLastFrameIsWhole) {
-    const std::string frames = frame(0, 4'096) + frame(1, 4'096) + frame(2, 100);
+    const std::string frames = flacFrame(0, 4'096) + flacFrame(1, 4'096) + flacFrame(2, 100);
     EXPECT_NEAR(secondsOf(flacFile(4'096, 5'000, frames)), 8'292 / 44'100.0, 1e-9);
     EXPECT_NEAR(secondsOf(flacFile(4'096, 5'000, frames + "TAG" + zeros(125))), 8'292 / 44'100.0, 1e-9);
     EXPECT_NEAR(secondsOf(flacFile(4'096, 5'000, frames.substr(0, frames.size() - 1))), 5'000 / 44'100.0,
@@ -169,7 +113,7 @@ TEST(Flac, IsLongerThanItsHeaderSaysWhereTheLastFrameIsWhole) {
 }
 
 TEST(Flac, FindsStreaminfoAfterOtherBlocks) {
-    const std::string frames = frame(0, 4'096) + frame(1, 100);
+    const std::string frames = flacFrame(0, 4'096) + flacFrame(1, 100);
     const std::string file = "fLaC" + block(4, zeros(8)) + block(1, zeros(9'000)) +
                              block(0, streamInfo(4'096, 4'196), true) + frames;
     EXPECT_NEAR(secondsOf(file), 4'196 / 44'100.0, 1e-9);
@@ -189,8 +133,10 @@ TEST(Flac, WhoseRateChangesAddsItsParts) {
                 1e-9);
     EXPECT_NEAR(secondsOf(flacFile(4'096, 30 * 4'096, changing)), seconds, 1e-9)
         << "and comes back, where the header states less";
-    std::string numberedOn = frame(0, 50, Blocks::ofAnySize, of44k) + frame(50, 50, Blocks::ofAnySize, of44k);
-    numberedOn += frame(100, 50, Blocks::ofAnySize, of48k) + frame(150, 50, Blocks::ofAnySize, of48k);
+    std::string numberedOn =
+        flacFrame(0, 50, FlacBlocks::ofAnySize, of44k) + flacFrame(50, 50, FlacBlocks::ofAnySize, of44k);
+    numberedOn +=
+        flacFrame(100, 50, FlacBlocks::ofAnySize, of48k) + flacFrame(150, 50, FlacBlocks::ofAnySize, of48k);
     EXPECT_NEAR(secondsOf(flacFile(4'096, 0, numberedOn)), 100 / 44'100.0 + 100 / 48'000.0, 1e-9)
         << "and the numbers go on";
 }
@@ -219,9 +165,10 @@ TEST(Flac, WithoutAFileHeaderIsItsFrames) {
     EXPECT_NEAR(secondsOf(frames + "TAG" + zeros(125)), twelveSeconds.seconds(), 1e-9);
     const std::string half = frames.substr(0, frames.size() / 2);
     EXPECT_NEAR(secondsOf(half), decodedSeconds(half), 1e-6) << "cut off";
-    EXPECT_NEAR(secondsOf(frame(0, 900, Blocks::ofFixedSize, of48k)), 900 / 48'000.0, 1e-9) << "only one";
-    const std::string far =
-        frame(0, 900, Blocks::ofFixedSize, of48k) + frame(0x7FF, 900, Blocks::ofFixedSize, of48k);
+    EXPECT_NEAR(secondsOf(flacFrame(0, 900, FlacBlocks::ofFixedSize, of48k)), 900 / 48'000.0, 1e-9)
+        << "only one";
+    const std::string far = flacFrame(0, 900, FlacBlocks::ofFixedSize, of48k) +
+                            flacFrame(0x7FF, 900, FlacBlocks::ofFixedSize, of48k);
     const std::string unknown = framesOf(3, ofStream);
     for (const std::string& impossible : {far, unknown}) { // longer than so many bytes can be; of no rate
         const Bytes bytes(impossible.begin(), impossible.end());
@@ -255,85 +202,14 @@ TEST(Flac, CostsNoReadMoreWhereItsClockRunsThrough) {
 }
 
 TEST(Flac, CostsOneReadMoreForAPictureAndPadding) {
-    const std::string frames = times(20, times(1'000, "x")) + frame(0, 4'096);
+    const std::string frames = times(20, times(1'000, "x")) + flacFrame(0, 4'096);
     const std::string file = "fLaC" + block(0, streamInfo(4'096, 4'096)) + block(6, zeros(300'000)) +
-                             block(1, zeros(8'192), true) + frame(0, 4'096) + frames;
+                             block(1, zeros(8'192), true) + flacFrame(0, 4'096) + frames;
     std::vector<Read> reads;
     const Bytes bytes(file.begin(), file.end());
     GuardedReader reader(counted(bytes, reads), {});
     ASSERT_TRUE(flacDuration(reader, 0));
     EXPECT_EQ(reads.size(), 3U) << "the head, what follows the picture, the tail";
-}
-
-TEST(FlacFrame, SaysItsSamplesInEachWay) {
-    for (const auto& [code, extra, samples] :
-         std::vector<std::tuple<int, std::string, std::int64_t>>{{0x1, "", 192},
-                                                                 {0x2, "", 576},
-                                                                 {0x5, "", 4'608},
-                                                                 {0x6, be(99, 1), 100},
-                                                                 {0x7, be(9'999, 2), 10'000},
-                                                                 {0x8, "", 256},
-                                                                 {0xF, "", 32'768}}) {
-        const std::optional<FlacFrame> frame = frameOf(code << 4, extra);
-        ASSERT_TRUE(frame) << code;
-        EXPECT_EQ(frame->samples, samples) << code;
-        EXPECT_EQ(frame->firstSample, 5 * 4'096) << code;
-    }
-    EXPECT_FALSE(frameOf(0, "")) << "a reserved code";
-}
-
-TEST(FlacFrame, HasItsRateOrThatOfItsStream) {
-    const std::vector<std::int32_t> byCode = {0,      88'200, 176'400, 192'000, 8'000,  16'000,
-                                              22'050, 24'000, 32'000,  44'100,  48'000, 96'000};
-    for (int code = 1; code < std::ssize(byCode); ++code) {
-        const std::int32_t rate = byCode[static_cast<std::size_t>(code)];
-        EXPECT_EQ(rateOf(0x10 | code, ""), rate) << code;
-    }
-    EXPECT_EQ(rateOf(0x1C, be(45, 1)), 45'000);
-    EXPECT_EQ(rateOf(0x1D, be(44'057, 2)), 44'057);
-    EXPECT_EQ(rateOf(0x1E, be(9'601, 2)), 96'010);
-    EXPECT_EQ(frameOf(0x10, "", 12'345)->rate, 12'345) << "of its stream";
-    EXPECT_EQ(rateOf(0x1F, ""), 0) << "a forbidden code";
-    EXPECT_EQ(rateOf(0x1C, be(0, 1)), 0);
-}
-
-TEST(FlacFrame, HasNoReservedBits) {
-    for (const auto& [codes, isFrame] :
-         {std::pair(0x18, true), {0x16, false}, {0x19, false}, {0xB8, false}}) {
-        const std::string header = "\xFF\xF8\x19"s + be(static_cast<std::uint64_t>(codes), 1) + "\x05";
-        EXPECT_EQ(parsed(header + be(checksum(header, 8, 0x07), 1), 44'100).has_value(), isFrame) << codes;
-    }
-}
-
-TEST(FlacFrame, IsNumberedLikeTextInUtf8) {
-    for (const auto& [coded, number] :
-         std::vector<std::pair<std::string, std::int64_t>>{{"\x7F", 0x7F},
-                                                           {"\xC2\x80", 0x80},
-                                                           {"\xE1\x80\x81", 0x1001},
-                                                           {"\xF1\x80\x80\x82", 0x4'0002},
-                                                           {"\xF9\x80\x80\x80\x83", 0x100'0003},
-                                                           {"\xFD\x80\x80\x80\x80\x84", 0x4000'0004},
-                                                           {"\xFE\xBF\xBF\xBF\xBF\xBF\xBF", 0xF'FFFF'FFFF}}) {
-        const std::optional<FlacFrame> frame = frameOf(0x10, "", 44'100, coded, 0xF9);
-        ASSERT_TRUE(frame) << number;
-        EXPECT_EQ(frame->firstSample, number);
-    }
-    for (const std::string coded : {"\x80", "\xFF", "\xC2\x40", "\xC2\xC0", "\xE1\x80"}) {
-        EXPECT_FALSE(frameOf(0x10, "", 44'100, coded, 0xF9));
-    }
-}
-
-TEST(FlacFrame, IsWholeAndCheckedByItsSum) {
-    const std::string header = frameHeader(0x71, be(4'095, 2), "\x05", 0xF8);
-    EXPECT_TRUE(parsed(header, 88'200));
-    for (std::size_t size = 0; size < header.size(); ++size) {
-        EXPECT_FALSE(parsed(header.substr(0, size), 88'200)) << size;
-    }
-    for (std::size_t bit = 0; bit < 8 * header.size(); ++bit) {
-        std::string flipped = header;
-        flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ 1 << bit % 8);
-        EXPECT_FALSE(parsed(flipped, 88'200)) << bit;
-    }
 }
 
 } // namespace velmora::test
