@@ -1,6 +1,6 @@
 """./dev bench [NAME…]: runs the benchmarks named and prints what they find; without names runs all of them
 and writes docs/performance.md. `accuracy` is a program of its own and always writes docs/accuracy.md;
-`faults` and `load` time nothing and run only by name."""
+`check` writes docs/check.md; `faults` and `load` time nothing and run only by name."""
 
 import platform
 import subprocess
@@ -8,6 +8,7 @@ import sys
 
 import archives
 import busy
+import check
 import faults
 import kinds
 import load
@@ -20,7 +21,7 @@ from measuring import DATA, ROOT, SCAN, output_of
 
 PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
                "archives": archives, "walls": walls, "window": window}
-NAMES = (*PERFORMANCE, "accuracy", "faults", "load")
+NAMES = (*PERFORMANCE, "accuracy", "check", "faults", "load")
 
 
 def main(names: list[str]) -> int:
@@ -35,6 +36,8 @@ def main(names: list[str]) -> int:
         print(page)
         if not names:
             (ROOT / "docs" / "performance.md").write_text(page)
+    if not names or "check" in names:
+        print(check.run(machine()))
     for name, trial in {"faults": faults, "load": load}.items():
         if name in names:
             print(trial.run())

@@ -28,6 +28,7 @@ constexpr auto checks = std::to_array<Row>({
     {"Musepack SV8", &checkMusepack},
     {"MP4", &checkMp4},
     {"Matroska", &checkMatroska},
+    {"ASF", &checkAsf},
     {"WAV", &checkWav},
     {"AIFF", &checkAiff},
     {"AIFF-C", &checkAiff},

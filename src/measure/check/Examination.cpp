@@ -1,5 +1,7 @@
 #include "measure/check/Examination.h"
 
+#include "measure/bytes/SlidingWindow.h"
+
 #include <algorithm>
 #include <limits>
 #include <utility>
@@ -57,6 +59,25 @@ void Examination::compareEnds(std::int64_t audioEnd, std::int64_t tagsAt, const 
     if (tagsAt - audioEnd > harmlessBytes) {
         note(FindingKind::trailing, lengths);
     }
+}
+
+bool Examination::hasZeros(std::int64_t start, std::int64_t end) {
+    constexpr std::int64_t minRun = 4 << 10;
+    SlidingWindow window(m_whole, end);
+    std::int64_t run = 0;
+    bool isFound = false;
+    while (start < window.end()) {
+        const auto bytes = window.from(start, 1);
+        for (const std::uint8_t byte : bytes) {
+            run = byte == 0 ? run + 1 : 0;
+            isFound |= run >= minRun;
+        }
+        if (bytes.empty()) {
+            break;
+        }
+        start += std::ssize(bytes);
+    }
+    return isFound;
 }
 
 void Examination::readThrough(std::int64_t start) {

@@ -60,6 +60,9 @@ public:
     /// Takes note of `trailing` if more than 64 KiB stand between the end of the audio and the tags after it.
     void compareEnds(std::int64_t audioEnd, std::int64_t tagsAt, const Lengths& lengths);
 
+    /// Whether 4 KiB of zeros in a row stand between `start` and `end`.
+    bool hasZeros(std::int64_t start, std::int64_t end);
+
     /// Reads all bytes from `start` on: of what has no checksum it is known at least that it can be read.
     void readThrough(std::int64_t start);
 

@@ -29,6 +29,9 @@ std::int64_t checkMusepack(Examination& file, std::int64_t start);
 /// The statement of the header against the tables and the size of the file, and the clock of fragments.
 std::int64_t checkMp4(Examination& file, std::int64_t start);
 
+/// The packets of the data object, and whether all of it is there.
+std::int64_t checkAsf(Examination& file, std::int64_t start);
+
 /// Elements by their checksums, the statement of the header against the size of the file, the clock.
 std::int64_t checkMatroska(Examination& file, std::int64_t start);
 

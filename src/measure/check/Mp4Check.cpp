@@ -5,6 +5,7 @@
 #include "measure/formats/Mp4Track.h"
 
 #include <algorithm>
+#include <array>
 
 namespace velmora {
 
@@ -19,6 +20,7 @@ struct Boxes {
     std::int64_t end = 0;                   ///< of the last box
     bool isCutOff = false;                  ///< the file ends before it does
     std::optional<Mp4Box> movie;            ///< the first one
+    std::optional<Mp4Box> data;             ///< the first one with media
     std::optional<Mp4Box> fragment;         ///< likewise
     std::optional<std::int64_t> secondFile; ///< where one begins that was joined
 };
@@ -35,7 +37,7 @@ bool isName(std::uint32_t type) {
 }
 
 Boxes walkBoxes(GuardedReader& reader, std::int64_t start) {
-    Boxes boxes{.end = start, .movie = {}, .fragment = {}, .secondFile = {}};
+    Boxes boxes{.end = start, .movie = {}, .data = {}, .fragment = {}, .secondFile = {}};
     while (const auto box = mp4BoxAt(reader, boxes.end, reader.size())) {
         if (!isName(box->type)) {
             break;
@@ -47,6 +49,8 @@ Boxes walkBoxes(GuardedReader& reader, std::int64_t start) {
             boxes.movie = boxes.movie ? boxes.movie : box;
         } else if (box->type == mp4Type("ftyp") && boxes.movie && !boxes.secondFile) {
             boxes.secondFile = boxes.end;
+        } else if (box->type == mp4Type("mdat") && !boxes.data) {
+            boxes.data = box;
         } else if (box->type == mp4Type("moof") && !boxes.fragment) {
             boxes.fragment = box;
         }
@@ -73,22 +77,38 @@ std::int64_t beginOf(GuardedReader& reader, const Mp4Box& fragment) {
     return bytes.empty() ? 0 : be32(bytes, 0);
 }
 
-/// Units a second of the first track of sound; 0 if there is none.
-std::int64_t soundScale(GuardedReader& reader, const Mp4Box& movie) {
-    std::int64_t scale = 0;
+/// The first track of sound.
+struct Sound {
+    std::int64_t scale = 0;  ///< units a second; 0 if there is none
+    std::uint32_t codec = 0; ///< the name of its entry in "stsd", which has 8 bytes before its entries
+};
+
+Sound soundOf(GuardedReader& reader, const Mp4Box& movie) {
+    constexpr std::int64_t firstEntryAt = 8;
+    Sound sound;
     forEachMp4Box(reader, movie.content, movie.end, [&](const Mp4Box& box) {
-        if (box.type == mp4Type("trak") && scale == 0) {
-            const Mp4Track track = readMp4Track(reader, box);
-            scale = track.isAudio ? track.timeScale : 0;
+        const Mp4Track track =
+            box.type == mp4Type("trak") && sound.scale == 0 ? readMp4Track(reader, box) : Mp4Track();
+        if (track.isAudio && track.sampleTable) {
+            const auto list = findMp4Box(reader, *track.sampleTable, mp4Type("stsd"));
+            const auto entry =
+                list ? mp4BoxAt(reader, list->content + firstEntryAt, list->end) : std::nullopt;
+            sound = {track.timeScale, entry ? entry->type : 0};
         }
     });
-    return scale;
+    return sound;
+}
+
+/// Whether silence in `codec` takes some bytes a frame that are not zero.
+bool isNeverZero(std::uint32_t codec) {
+    constexpr std::array codecs = {mp4Type("mp4a"), mp4Type("alac"), mp4Type("Opus"), mp4Type("fLaC"),
+                                   mp4Type(".mp3")};
+    return std::ranges::find(codecs, codec) != codecs.end();
 }
 
 /// Takes note of a clock of fragments that does not start at 0.
-void checkClock(Examination& file, GuardedReader& reader, const Boxes& boxes) {
-    const std::int64_t scale = boxes.movie && boxes.fragment ? soundScale(reader, *boxes.movie) : 0;
-    if (scale > 0) {
+void checkClock(Examination& file, GuardedReader& reader, const Boxes& boxes, std::int64_t scale) {
+    if (boxes.fragment && scale > 0) {
         const double begin =
             static_cast<double>(beginOf(reader, *boxes.fragment)) / static_cast<double>(scale);
         if (begin > paddingTolerance) {
@@ -110,13 +130,17 @@ std::int64_t checkMp4(Examination& file, std::int64_t start) {
     if (boxes.isCutOff) {
         file.note(FindingKind::truncated, lengths);
     }
-    checkClock(file, header, boxes);
+    const Sound sound = boxes.movie ? soundOf(header, *boxes.movie) : Sound();
+    checkClock(file, header, boxes, sound.scale);
+    if (boxes.data && isNeverZero(sound.codec) && file.hasZeros(boxes.data->content, boxes.data->end)) {
+        file.note(FindingKind::damaged, {.stated = lengths.stated, .found = {}});
+    }
     if (boxes.secondFile) {
         noteSecond(file, *boxes.secondFile, lengths);
     } else {
         checkRest(file, boxes.end, file.size(), lengths);
     }
-    return start;
+    return boxes.data && isNeverZero(sound.codec) ? boxes.data->end : start;
 }
 
 } // namespace velmora

@@ -91,10 +91,10 @@ void noteSecond(Examination& file, std::int64_t at, const Lengths& lengths) {
     const Format* const format = formatAt(header, at);
     const auto timing =
         format != nullptr && format->read != nullptr ? format->read(header, at) : std::nullopt;
-    const double more = timing ? timing->seconds : 0;
+    const bool isKnown = lengths.found && timing;
     file.note(FindingKind::longer,
               {.stated = lengths.stated,
-               .found = lengths.found ? std::optional(*lengths.found + more) : std::nullopt});
+               .found = isKnown ? std::optional(*lengths.found + timing->seconds) : std::nullopt});
 }
 
 void checkRest(Examination& file, std::int64_t at, std::int64_t tagsAt, const Lengths& lengths) {

@@ -123,6 +123,27 @@ TEST(CheckMp4, FindsClocksOfFragmentsThatDoNotStartAtZero) {
     EXPECT_NEAR(findingOf(offset, part, "a.m4a").found.value_or(0), 4, 0.1) << "a part of a stream";
 }
 
+TEST(CheckMp4, FindsBlocksOfZerosInItsMedia) {
+    const std::string file = made("m4a", tenSeconds);
+    EXPECT_THAT(kindsIn(withZeros(file, 8'192), "a.m4a"), ElementsAre(damaged));
+    const std::string pcm =
+        made("m4a", R"(ffmpeg -v error -i "$IN" -c:a pcm_s16le -f mov "$OUT")", tenSeconds);
+    EXPECT_THAT(findingsIn(pcm, "a.m4a"), IsEmpty()) << "its silence is zeros";
+}
+
+TEST(CheckAsf, FindsWhatItsDataObjectLacks) {
+    const std::string file = made("wma", tenSeconds);
+    EXPECT_THAT(findingsIn(file, "a.wma"), IsEmpty());
+    for (const double part : {0.1, 0.5, 0.8}) {
+        const Finding found = findingOf(truncated, cut(file, part), "a.wma");
+        EXPECT_NEAR(found.stated.value_or(0), 10, 0.5);
+        EXPECT_NEAR(found.found.value_or(0), 10 * (1 - part), 1) << part;
+    }
+    EXPECT_THAT(kindsIn(withZeros(file, 20'000), "a.wma"), ElementsAre(damaged));
+    EXPECT_THAT(kindsIn(file + file, "a.wma"), ElementsAre(longer));
+    EXPECT_THAT(kindsIn(file + noise(70'000), "a.wma"), ElementsAre(trailing));
+}
+
 TEST(CheckPcm, IsNotMisledByPlaceholders) {
     EXPECT_THAT(findingsIn(made("aiff", R"(cat "$IN" | sox -t wav - -t aiff - 2>/dev/null | cat > "$OUT")"),
                            "a.aiff"),
