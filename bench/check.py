@@ -5,7 +5,6 @@ import json
 import random
 import subprocess
 import sys
-import tempfile
 from collections import Counter
 from pathlib import Path
 
@@ -86,15 +85,16 @@ def speed() -> str:
                  for contender in (check, decoder, reader)]
     return ("## Speed\n\n"
             f"Every {EVERY}th FLAC and MP3 track of the library of 2,000, warm cache, in {ROUNDS}\n"
-            "interleaved rounds: the median, and the median of the ratios within a round. `cat` only reads.\n\n"
+            "interleaved rounds: the median, and the median of the ratios within a round. `cat` only\n"
+            "reads.\n\n"
             + table(["", "files", "MB", "s", "MB/s", "times"], rows))
 
 
 def listed(name: str, files: list[str], command: str) -> Contender:
     """`command` with the names of `files` on its standard input, parted by NUL."""
-    with tempfile.NamedTemporaryFile(dir=DATA, prefix="list-", delete=False) as names:
-        names.write(b"\0".join(file.encode() for file in files))
-    return Contender(name, ["sh", "-c", f"{command} <{names.name} >/dev/null"], must_succeed=False)
+    names = DATA / f"check-{len(files)}.list"
+    names.write_bytes(b"\0".join(file.encode() for file in files))
+    return Contender(name, ["sh", "-c", f"{command} <{names} >/dev/null"], must_succeed=False)
 
 
 def damage() -> str:
@@ -123,12 +123,13 @@ def damage() -> str:
 
     rows = [*(row(kind.name, (kind,)) for kind in KINDS), row("all", KINDS)]
     return ("## Damaged files\n\n"
-            f"{len(files)} files of 30 seconds that a seeded script has damaged: cut off at any place; one bit\n"
-            "of the last nine tenths turned; 4 to 64 KiB of zeros written over them; joined to themselves.\n"
-            f"How many had a finding; of the {len(undamaged)} files they were made of, {alarms} had one.\n\n"
+            f"{len(files)} files of 30 seconds that a seeded script has damaged: cut off at any place; one\n"
+            "bit of the last nine tenths turned; 4 to 64 KiB of zeros written over them; joined to\n"
+            "themselves. How many had a finding; of the "
+            f"{len(undamaged)} files they were made of, {alarms} had one.\n\n"
             + table(["", "cut", "bit turned", "zeros", "joined"], rows)
-            + "\nWhere a format has no checksums, only decoding could find a bit, or zeros inside of a frame. A\n"
-              "stream of frames without an index states no length, so that what was joined is one stream.\n")
+            + "\nWhere a format has no checksums, only decoding could find a bit; PCM may be any bytes. A\n"
+              "stream of frames without an index states no length: joined to another it is one stream.\n")
 
 
 def originals(folder: Path) -> dict[Kind, bytes]:
@@ -172,6 +173,7 @@ def healthy() -> str:
     rows = [[path.removeprefix(prefix), ", ".join(found[path]), notes.get(path, ""),
              "true" if path in expected else "FALSE ALARM"] for path in sorted(found)]
     return ("## Healthy files\n\n"
-            f"{len(notes)} files of the accuracy benchmark that can be timed rightly: {len(found)} findings,\n"
-            f"{len(found) - len(expected)} of them false alarms. The others say what their makers put there.\n\n"
+            f"{len(notes)} files of the accuracy benchmark that can be timed rightly: findings in\n"
+            f"{len(found)}, {len(found) - len(expected)} of them false alarms. The others say what their\n"
+            "makers put there.\n\n"
             + table(["file", "finding", "how it was made", ""], rows))
