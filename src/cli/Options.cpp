@@ -248,8 +248,8 @@ Tells how long all the audio in files, folders and archives plays.
   -h, --help              write this help
 
 Exit status: 0 everything was measured, 1 something could not be read or was
-found by --check, 2 wrong usage, 3 nothing was measured, 4 the zip archive was not written,
-130 interrupted.
+found by --check, 2 wrong usage, 3 nothing was measured, 4 the zip archive was
+not written, 130 interrupted.
 )";
 }
 

@@ -41,10 +41,11 @@ Objects walkObjects(GuardedReader& reader, std::int64_t start) {
     Objects found{.data = {}, .end = start};
     while (const auto object = chunkAt(reader, objects, found.end)) {
         const bool isOther = found.end > start && formatAt(reader, found.end) != nullptr; // a second file
-        if (isOther || object->stated == Chunk::unknownSize) {
+        const bool isData = object->name == dataName;
+        if (isOther || object->stated == Chunk::unknownSize || (object->isCutOff() && !isData)) {
             break;
         }
-        found.data = object->name == dataName ? object : found.data;
+        found.data = isData ? object : found.data;
         found.end = object->next;
     }
     return found;
