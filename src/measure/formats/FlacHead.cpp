@@ -85,9 +85,11 @@ std::optional<FlacHead> readFlacHead(GuardedReader& reader, std::int64_t start) 
     HeadReader head(reader, start);
     std::optional<FlacStreamInfo> info;
     std::int64_t at = start + magicBytes;
+    bool endsInBlock = false;
     for (bool isLast = false; !isLast;) {
         const auto block = head.bytes(at, blockHeaderBytes);
         if (block.empty()) { // the file ends in a block, or no frame follows
+            endsInBlock = true;
             at = start + magicBytes;
             break;
         }
@@ -103,7 +105,13 @@ std::optional<FlacHead> readFlacHead(GuardedReader& reader, std::int64_t start) 
     if (const auto frame = firstFrame(head.bytes(found.audioAt, maxFlacHeaderBytes), found.stream)) {
         found.firstSample = frame->firstSample;
     }
-    return found.stream.rate > 0 ? std::optional(found) : std::nullopt;
+    if (found.stream.rate > 0) {
+        return found;
+    }
+    if (endsInBlock) {
+        reader.noteCutOff();
+    }
+    return std::nullopt;
 }
 
 std::optional<FlacHead> readBareFlacHead(GuardedReader& reader, std::int64_t start) {
