@@ -147,4 +147,12 @@ TEST(OtherContainers, PlayPacketsOneAfterTheOtherWhereTimeStampsOverlap) {
     }
 }
 
+TEST(OtherContainers, BelieveNoLengthsThatAreGuessedFromABitRate) {
+    std::string file =
+        encoded("mp3", R"(ffmpeg -v error -y -i "$IN" -c:a wmav2 -b:a 128k -f asf - | cat > "$OUT")");
+    const std::string format = le(0x161, 2) + le(2, 2) + le(44'100, 4);
+    file.replace(file.find(format) + format.size(), 4, le(6'000, 4)); // bytes a second, 16,000 in truth
+    EXPECT_NEAR(secondsOf(file), twelveSeconds.seconds(), 0.2);
+}
+
 } // namespace velmora::test
