@@ -93,7 +93,7 @@ private:
                 i = static_cast<std::size_t>(static_cast<const std::uint8_t*>(sync) - bytes.data());
                 const auto frame = parseFlacFrame(
                     bytes.subspan(i, std::min(maxFlacHeaderBytes, bytes.size() - i)), m_stream);
-                if (frame && isWanted(*frame)) {
+                if (frame && isWanted(*frame, from + static_cast<std::int64_t>(i))) {
                     return from + static_cast<std::int64_t>(i);
                 }
             }
@@ -102,17 +102,29 @@ private:
         return std::nullopt;
     }
 
-    /// The header that ends the open frame, or the first one at all.
+    /// The header that ends the open frame, or the first one at all. Where several others come before the
+    /// expected one, that is lost: chance makes one in some hundred megabytes.
     std::optional<std::int64_t> nextHeader() {
-        const auto any = [](const FlacFrame&) { return true; };
+        constexpr int enoughOthers = 3;
+        const auto any = [](const FlacFrame&, std::int64_t) { return true; };
         if (!m_frame) {
             return search(m_position, m_window.end(), any);
         }
-        const std::int64_t from = m_frame->at + 1;
-        const auto expected = search(from, from + m_maxFrameBytes, [&](const FlacFrame& frame) {
-            return frame.firstSample == m_frame->nextSample();
+        const std::int64_t limit = m_frame->at + m_maxFrameBytes;
+        std::optional<std::int64_t> other;
+        int others = 0;
+        bool isExpected = false;
+        const auto found = search(m_frame->at + 1, limit, [&](const FlacFrame& frame, std::int64_t at) {
+            isExpected = frame.firstSample == m_frame->nextSample();
+            if (!isExpected && ++others == 1) {
+                other = at;
+            }
+            return isExpected || others == enoughOthers;
         });
-        return expected ? expected : search(from, m_window.end(), any);
+        if (isExpected) {
+            return found;
+        }
+        return other ? other : search(limit, m_window.end(), any);
     }
 
     /// The checksum of the bytes between `from` and `to`.

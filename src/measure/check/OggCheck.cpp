@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
+#include <string_view>
 
 namespace velmora {
 
@@ -63,7 +64,7 @@ private:
                 m_end = m_position;
                 return page;
             }
-            ++m_position;
+            m_position += page && m_isFollowed ? static_cast<std::int64_t>(page->bytes) : 1;
             if (!seekPattern()) {
                 return std::nullopt;
             }
@@ -71,12 +72,17 @@ private:
         return std::nullopt;
     }
 
+    /// The page at `at`, which another follows, or which stands where one has to. Others would cost a
+    /// checksum of 64 KiB for each time that their pattern occurs.
     std::optional<OggPage> pageAt(std::int64_t at) {
-        constexpr std::size_t usualPageBytes = 8 << 10;
-        if (const auto page = parseOggPage(m_window.from(at, usualPageBytes))) {
-            return page;
+        constexpr std::string_view pattern = "OggS";
+        const auto size = oggPageBytes(m_window.from(at, maxOggHeaderBytes));
+        const Bytes bytes = size ? m_window.from(at, *size + pattern.size()) : Bytes();
+        if (!size || bytes.size() < *size) {
+            return std::nullopt;
         }
-        return parseOggPage(m_window.from(at, maxOggPageBytes));
+        m_isFollowed = bytes.size() == *size || matches(bytes.subspan(*size), pattern);
+        return m_isFollowed || at == m_end ? parseOggPage(bytes) : std::nullopt;
     }
 
     /// Goes to the next byte that a page may begin with; false if there is none.
@@ -131,7 +137,8 @@ private:
     std::int64_t m_position;
     std::int64_t m_end;                           // of the last whole page
     std::map<std::uint32_t, OggStream> m_streams; // of the link, by serial number
-    bool m_isInside = false;                      // a page came that is not the first of its stream
+    bool m_isFollowed = false; // another page, or the end, comes after the one that was met last
+    bool m_isInside = false;   // a page came that is not the first of its stream
     double m_seconds = 0;
     double m_wholeSeconds = 0;
     double m_begin = 0;

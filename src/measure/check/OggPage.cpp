@@ -36,18 +36,24 @@ bool holdsChecksum(std::span<const std::uint8_t> page) {
 
 } // namespace
 
-std::optional<OggPage> parseOggPage(std::span<const std::uint8_t> bytes) {
-    constexpr std::uint64_t noGranule = ~std::uint64_t{0};
+std::optional<std::size_t> oggPageBytes(std::span<const std::uint8_t> bytes) {
     if (bytes.size() < lacingAt || !matches(bytes, "OggS\0"sv) || bytes.size() < lacingAt + bytes[countAt]) {
         return std::nullopt;
     }
-    OggPage page;
-    page.lacing = bytes.subspan(lacingAt, bytes[countAt]);
-    const std::size_t contentAt = lacingAt + page.lacing.size();
-    page.bytes = std::accumulate(page.lacing.begin(), page.lacing.end(), contentAt);
-    if (bytes.size() < page.bytes) {
+    const auto lacing = bytes.subspan(lacingAt, bytes[countAt]);
+    return std::accumulate(lacing.begin(), lacing.end(), lacingAt + lacing.size());
+}
+
+std::optional<OggPage> parseOggPage(std::span<const std::uint8_t> bytes) {
+    constexpr std::uint64_t noGranule = ~std::uint64_t{0};
+    const auto size = oggPageBytes(bytes);
+    if (!size || bytes.size() < *size) {
         return std::nullopt;
     }
+    OggPage page;
+    page.bytes = *size;
+    page.lacing = bytes.subspan(lacingAt, bytes[countAt]);
+    const std::size_t contentAt = lacingAt + page.lacing.size();
     page.content = bytes.subspan(contentAt, page.bytes - contentAt);
     page.continues = (bytes[flagsAt] & continuesFlag) != 0;
     page.isFirst = (bytes[flagsAt] & firstFlag) != 0;

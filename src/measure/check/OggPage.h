@@ -9,8 +9,6 @@
 
 namespace velmora {
 
-inline constexpr std::size_t maxOggPageBytes = 27 + 255 + 255 * 255;
-
 struct OggPage {
     std::size_t bytes = 0; ///< of the whole
     bool isFirst = false;  ///< of its stream
@@ -23,6 +21,11 @@ struct OggPage {
     std::span<const std::uint8_t> lacing = {}; ///< sizes of the segments
     std::span<const std::uint8_t> content = {};
 };
+
+inline constexpr std::size_t maxOggHeaderBytes = 27 + 255;
+
+/// How many bytes the page takes whose header `bytes` begin with; absent if there is none, or not all of it.
+std::optional<std::size_t> oggPageBytes(std::span<const std::uint8_t> bytes);
 
 /// The page that `bytes` begin with; absent if there is none, or not all of it.
 std::optional<OggPage> parseOggPage(std::span<const std::uint8_t> bytes);

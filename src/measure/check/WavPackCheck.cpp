@@ -106,7 +106,8 @@ private:
             const std::int64_t covered = block.bytes - checksumHeaderBytes - bytes;
             const std::int64_t at = m_position + covered;
             const Bytes last = m_window.from(at, static_cast<std::size_t>(checksumHeaderBytes + bytes));
-            if (covered >= static_cast<std::int64_t>(wavPackHeaderBytes) && last[0] == checksumId &&
+            if (covered >= static_cast<std::int64_t>(wavPackHeaderBytes) &&
+                std::ssize(last) >= checksumHeaderBytes + bytes && last[0] == checksumId &&
                 last[1] == bytes / 2) {
                 const std::uint32_t stated = bytes == longChecksumBytes ? le32(last, 2) : le16(last, 2);
                 return checksum(m_position + covered, bytes) == stated;
