@@ -188,6 +188,18 @@ TEST(CheckFile, ReadsEachByteAtMostTwice) {
     }
 }
 
+TEST(CheckFile, ReadsWhatIsMadeOfHeadersNoMoreOften) {
+    const std::string page = "OggS" + zeros(22) + "\xFF" + times(5, "\xFF"); // of 64 KiB, by its first sizes
+    const std::string flac = made("flac", R"(flac -s --no-padding -o "$OUT" "$IN")");
+    const std::size_t frame = flac.find("\xFF\xF8", 4'000);
+    const std::string frames = flac.substr(0, frame) + times(60'000, flac.substr(frame, 16));
+    for (const std::string& file : {times(30'000, page), frames, times(250'000, "wvpk")}) {
+        std::int64_t bytes = 0;
+        checkFile(write(freshFolder() / "a", file), {}, [&](std::int64_t more) { bytes += more; });
+        EXPECT_LE(bytes, 4 * std::ssize(file) + (1 << 20)) << file.substr(0, 4);
+    }
+}
+
 TEST(CheckFile, HasNothingToSayOfWhatCannotBeOpened) {
     EXPECT_EQ(checkFile("/nowhere/a.flac"), Checked());
     EXPECT_EQ(checkFile(freshFolder()), Checked());
