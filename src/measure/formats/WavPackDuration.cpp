@@ -18,7 +18,10 @@ using Bytes = std::span<const std::uint8_t>;
 /// them.
 std::optional<std::int64_t> endOfLastBlock(Bytes bytes, std::int64_t offset, std::int64_t fileSize) {
     for (std::size_t at = bytes.size(); at-- > 0;) {
-        const auto block = bytes[at] == 'w' ? parseWavPackBlock(bytes.subspan(at)) : std::nullopt;
+        if (bytes[at] != 'w') {
+            continue;
+        }
+        const auto block = parseWavPackBlock(bytes.subspan(at));
         if (block && block->samples > 0) {
             const bool isWhole = offset + static_cast<std::int64_t>(at) + block->bytes <= fileSize;
             return block->index + (isWhole ? block->samples : 0);
