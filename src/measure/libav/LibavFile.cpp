@@ -32,7 +32,8 @@ int isInterrupted(void* reader) {
 std::string allMediaDemuxers() {
     std::string names;
     for (const FormatName name : mediaDemuxers) {
-        names += (names.empty() ? "" : ",") + std::string(name.text());
+        names += names.empty() ? "" : ",";
+        names += name.text();
     }
     return names;
 }
