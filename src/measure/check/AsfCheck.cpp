@@ -87,7 +87,8 @@ std::int64_t checkAsf(Examination& file, std::int64_t start) {
         checkRest(file, found.end, file.size(), lengths);
     }
     const auto packetBytes = static_cast<std::int64_t>((found.data->stated - packetsAt) / packets);
-    if (packetBytes > 0 && !areAlike(file.whole(), *found.data, packetBytes)) {
+    const bool isCredible = packetBytes > 0 && packetBytes <= found.data->size;
+    if (isCredible && !areAlike(file.whole(), *found.data, packetBytes)) {
         file.note(FindingKind::damaged, {.stated = stated, .found = {}});
     }
     return start;

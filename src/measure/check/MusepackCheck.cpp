@@ -34,14 +34,14 @@ bool holdsChecksum(Bytes content) {
     return content.size() > checksumBytes && be32(content, 0) == Crc32::of(content.subspan(checksumBytes));
 }
 
-/// Of the packet at `at`, as much as there is.
+/// The packet at `at` with as much of its content as a stream header takes.
 std::optional<MusepackPacket> packetAt(SlidingWindow& window, std::int64_t at) {
     const Bytes bytes = window.from(at, packetHeadBytes);
     auto packet = parseMusepackPacket(bytes);
-    if (packet && static_cast<std::size_t>(packet->bytes) < bytes.size()) {
-        const std::size_t head = bytes.size() - packet->content.size();
-        packet->content = packet->content.first(static_cast<std::size_t>(packet->bytes) -
-                                                std::min(head, static_cast<std::size_t>(packet->bytes)));
+    if (packet) {
+        const auto head = static_cast<std::int64_t>(bytes.size() - packet->content.size());
+        const auto left = std::clamp<std::int64_t>(packet->bytes - head, 0, std::ssize(packet->content));
+        packet->content = packet->content.first(static_cast<std::size_t>(left));
     }
     return packet;
 }

@@ -94,7 +94,9 @@ bool OggStream::take(const OggPage& page) {
         m_last = *m_begin;
     }
     if (m_lacksPages) {
-        m_missing += std::max<std::int64_t>(0, granule - m_last - maxSamplesOn(page));
+        constexpr std::int64_t limit = 1LL << 60; // positions may be anything
+        const std::int64_t missing = std::max<std::int64_t>(0, granule - m_last - maxSamplesOn(page));
+        m_missing = std::min(m_missing + std::min(missing, limit), limit);
     }
     m_lacksPages = false;
     m_last = granule;
