@@ -49,7 +49,7 @@ struct TagLayout {
 /// Where the first frame of the tag stands.
 std::int64_t firstFrameAt(GuardedReader& reader, const TagLayout& layout, Bytes tag) {
     const bool isExtended = layout.version > 2 && (tag[flagsAt] & hasExtendedHeader) != 0;
-    const std::int64_t at = static_cast<std::int64_t>(id3HeaderBytes);
+    const auto at = static_cast<std::int64_t>(id3HeaderBytes);
     const Bytes size = isExtended ? reader.header(at, 4) : Bytes();
     if (size.empty()) {
         return at;
