@@ -170,6 +170,28 @@ double acceptedSeconds(const Track& track, double reported) {
     return reported > track.seconds - rounding && reported < track.seconds + most ? reported : track.seconds;
 }
 
+/// What the report has to hold of the sound of `track`. Nothing is known of the sound of Windows Media.
+QJsonObject expectedSound(const Track& track) {
+    static const std::map<std::string, const char*> otherNames = {
+        {"3ga", "MP4"},    {"adts", "AAC"},     {"aif", "AIFF"}, {"aifc", "AIFF-C"},
+        {"alac", "MP4"},   {"bwf", "WAV"},      {"m4a", "MP4"},  {"m4b", "MP4"},
+        {"m4r", "MP4"},    {"mka", "Matroska"}, {"oga", "Ogg"},  {"mpc", "Musepack SV8"},
+        {"opus", "Ogg"},   {"ogg", "Ogg"},      {"snd", "AU"},   {"sd2", "Sound Designer"},
+        {"w64", "Wave64"}, {"wave", "WAV"},     {"wma", "ASF"},  {"ra", "RealMedia"},
+        {"wv", "WavPack"}};
+    const std::string format = formatOf(track.path);
+    const auto name = otherNames.find(format);
+    QJsonObject sound{{"format", name != otherNames.end() ? QString(name->second)
+                                                          : QString::fromStdString(format).toUpper()}};
+    if (format != "wma") {
+        const bool isEncoded = track.path.find("/Formats/") != std::string::npos;
+        const bool isSpeech = !isEncoded || format == "amr";
+        sound["sampleRate"] = isSpeech ? 8000 : format == "opus" ? 48000 : 44100;
+        sound["channels"] = isSpeech ? 1 : 2;
+    }
+    return sound;
+}
+
 /// What the report has to hold of the files, with the lengths `reported` where they are right.
 QJsonArray expectedFiles(const Library& library, const QJsonArray& reported) {
     std::vector<Track> tracks = library.loose;
@@ -177,9 +199,11 @@ QJsonArray expectedFiles(const Library& library, const QJsonArray& reported) {
     QJsonArray files;
     for (const Track& track : tracks) {
         const double seconds = reported[files.size()]["seconds"].toDouble();
-        files.append(QJsonObject{{"path", QString::fromStdString(track.path)},
-                                 {"seconds", acceptedSeconds(track, seconds)},
-                                 {"bytes", static_cast<qint64>(track.bytes)}});
+        QJsonObject file = expectedSound(track);
+        file["path"] = QString::fromStdString(track.path);
+        file["seconds"] = acceptedSeconds(track, seconds);
+        file["bytes"] = static_cast<qint64>(track.bytes);
+        files.append(file);
     }
     return files;
 }
@@ -235,6 +259,7 @@ TEST(LibraryOfEverything, IsReportedWhole) {
     report["files"] = ordered(report["files"].toArray(), library.loose.size());
     expected["files"] = expectedFiles(library, report["files"].toArray());
     expected["schema"] = 1;
+    expected["speed"] = 1;
     expected["status"] = "COMPLETE";
     expected["source"] = "LIBRARY";
     expected["skippedArchives"] = static_cast<int>(library.skippedArchives.size());
