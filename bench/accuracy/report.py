@@ -42,6 +42,7 @@ headers or clocks are not those of what they hold, {sizes[SILENT]} files without
   ffprobe is asked for the file's length (`format=duration`), mediainfo for the general one, TagLib for the
   accurate one. Some answer for the file as a whole, so that a film without sound has a length too; here that
   counts as false, as nothing can be heard.
+- What `velmora-scan --check` finds in 200 damaged files and in all of these is in [check.md](check.md).
 - Left out by design: chained Ogg files (the last page of the file decides) and Windows Media files without
   sound or cut off after their header (the header's play duration decides).
 """
