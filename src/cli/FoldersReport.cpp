@@ -3,10 +3,10 @@
 #include "cli/Names.h"
 #include "cli/Seconds.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <ranges>
 #include <string_view>
 #include <unordered_map>
 #include <unordered_set>
@@ -65,12 +65,12 @@ public:
 
     /// Counts what is in a folder for those around it, once all files are in.
     void addUp() {
-        for (const Folder& folder : m_folders | std::views::reverse) {
+        std::for_each(m_folders.rbegin(), m_folders.rend(), [this](const Folder& folder) {
             if (folder.outer) {
                 m_folders[*folder.outer].seconds += folder.seconds;
                 m_folders[*folder.outer].files += folder.files;
             }
-        }
+        });
     }
 
     std::string lines(int depth, double speed) const {
