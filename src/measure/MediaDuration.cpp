@@ -71,7 +71,7 @@ MediaAnswer probedAnswer(GuardedReader& reader, std::int64_t start, const std::f
         // The longest block of a lossless coder, 65,536 samples at 8 kHz, takes some ten bytes for silence.
         constexpr double maxSecondsInByte = 1;
         const Format format{knownDemuxer(demuxer->name), "", nullptr, demuxer->name, maxSecondsInByte};
-        const MediaAnswer answer = formatAnswer(reader, start, format);
+        MediaAnswer answer = formatAnswer(reader, start, format);
         if (!std::holds_alternative<Unknown>(answer) && !std::holds_alternative<OverBudget>(answer)) {
             return answer;
         }
