@@ -98,7 +98,7 @@ void takeProgram(Bytes bytes, BitReader& bits, AdifHeader& header) {
 std::optional<AdifHeader> parseAdif(Bytes bytes) {
     BitReader bits(bytes);
     bits.skip(32);
-    bits.skip(bits.take(1) * 72);
+    bits.skip(std::size_t{72} * bits.take(1));
     bits.skip(2);
     const bool isVariable = bits.take(1) == 1;
     bits.skip(23);
