@@ -20,8 +20,6 @@ using testing::IsEmpty;
 using testing::SizeIs;
 using testing::StartsWith;
 
-constexpr std::size_t megabyte = std::size_t{1} << 20;
-
 class FullDisk : public testing::Test {
 protected:
     static constexpr std::string_view old = "an archive that was there before";

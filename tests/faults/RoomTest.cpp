@@ -20,8 +20,6 @@ namespace {
 
 using testing::IsEmpty;
 
-constexpr std::uintmax_t megabyte = std::uintmax_t{1} << 20;
-
 class Room : public testing::Test {
 protected:
     /// Scans the folder "Set" with a temporary directory that has room for so many bytes and files (0: any

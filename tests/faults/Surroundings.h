@@ -5,9 +5,12 @@
 #include "tests/cli/ScanProcess.h"
 #include "tests/support/Files.h"
 
+#include <cstdint>
 #include <string>
 
 namespace velmora::test {
+
+inline constexpr std::uintmax_t megabyte = std::uintmax_t{1} << 20; ///< in bytes
 
 /// The variables that let `fault` (FaultPlan.h) befall a scan, whose temporary directory is `temporary`.
 Launch::Variables meeting(const std::string& fault, const fs::path& temporary = fs::temp_directory_path());
