@@ -32,33 +32,22 @@ Blocks blocksOf(const std::string& adts) {
     return blocks;
 }
 
-/// Bits of AAC's tables: one program of low complexity at 44.1 kHz, a pair of channels in front.
-const std::string stereo = "0000"
-                           "01"
-                           "0100"
-                           "0001"
-                           "0000"
-                           "0000"
-                           "00"
-                           "000"
-                           "0000"
-                           "0"
-                           "0"
-                           "0"
-                           "10000";
-const std::string mono8k = "0000"
-                           "01"
-                           "1011"
-                           "0001"
-                           "0000"
-                           "0000"
-                           "00"
-                           "000"
-                           "0000"
-                           "0"
-                           "0"
-                           "0"
-                           "00000";
+/// Bits of AAC's tables: one program of low complexity at the rate of that index, with one element in front,
+/// a pair of channels or a single one.
+std::string programOf(const std::string& rateIndex, bool isPair) {
+    const std::string noOtherElements = "0000"
+                                        "0000"
+                                        "00"
+                                        "000"
+                                        "0000";
+    const std::string noMixdown = "000";
+    return "0000"
+           "01" +
+           rateIndex + "0001" + noOtherElements + noMixdown + (isPair ? "1" : "0") + "0000";
+}
+
+const std::string stereo = programOf("0100", true); // 44.1 kHz
+const std::string mono8k = programOf("1011", false);
 
 std::string bytesOf(std::string bits) {
     bits.resize((bits.size() + 7) / 8 * 8, '0');

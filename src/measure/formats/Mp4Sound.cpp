@@ -15,10 +15,9 @@ using Bytes = std::span<const std::uint8_t>;
 //   box     content
 //   "stsd"  version and flags (4), entries (4), the entries, which are         ISO/IEC 14496-12 section 8.5.2
 //           boxes named after the codec
-//   entry   reserved (6), data reference (2), version (2), reserved (6),       section 12.2.3; versions 1 and
-//   2:
-//           channels (2), bits of a sample (2), reserved (4), samples a        QuickTime File Format, "Sound
-//           second (4, of which 2 are a fraction), boxes                       Sample Descriptions"
+//   entry   reserved (6), data reference (2), version (2), reserved (6),       section 12.2.3; of versions 1
+//           channels (2), bits of a sample (2), reserved (4), samples a        and 2: QuickTime File Format,
+//           second (4, of which 2 are a fraction), boxes                       "Sound Sample Descriptions"
 //   "esds"  version and flags (4), descriptors                                 ISO/IEC 14496-14 section 6.7
 //
 // A descriptor (ISO/IEC 14496-1 section 7.2.2) is a tag (1), the size of its content in groups of 7 bits, and
