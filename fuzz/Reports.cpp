@@ -1,8 +1,8 @@
 // What is written about files whose names may hold any byte: it parses back.
 
-#include "cli/Names.h"
 #include "cli/Report.h"
 #include "fuzz/Targets.h"
+#include "system/Names.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,8 +1,14 @@
 #include "app/AppArguments.h"
 
-#include <QByteArray>
+#include "app/desktop/FileUrls.h"
+#include "system/FileName.h"
+#include "system/OptionReader.h"
+
+#include <QByteArrayView>
 
 #include <algorithm>
+#include <array>
+#include <iterator>
 
 namespace velmora {
 
@@ -10,7 +16,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// The argument after the first "--render"; absent without one.
+constexpr const char* windowOptions = ":Vh"; // with the colon, a missing value is reported as ':'
+constexpr int renderOption = firstOptionWithoutLetter;
+
+const std::array<option, 4> windowLongOptions = {{{"render", required_argument, nullptr, renderOption},
+                                                  {"version", no_argument, nullptr, 'V'},
+                                                  {"help", no_argument, nullptr, 'h'},
+                                                  {nullptr, 0, nullptr, 0}}};
+
+/// The argument after the first "--render", whatever stands before it; absent without one.
 std::optional<fs::path> renderDirectory(const std::vector<std::string>& arguments) {
     const auto option = std::ranges::find(arguments, "--render");
     if (option == arguments.end() || option + 1 == arguments.end()) {
@@ -19,30 +33,40 @@ std::optional<fs::path> renderDirectory(const std::vector<std::string>& argument
     return fs::path(*(option + 1));
 }
 
-fs::path absolutePath(const std::string& argument) {
-    const auto path = pathOfUrl(QByteArrayView(argument.data(), static_cast<qsizetype>(argument.size())));
-    return fs::absolute(path ? *path : fs::path(argument));
+/// A file that cannot be told from its place, because the working directory has gone, stays as it is given.
+fs::path givenPath(const fs::path& argument) {
+    const auto fromUrl = pathOfUrl(QByteArrayView(argument.c_str()));
+    const fs::path path = fromUrl.value_or(argument);
+    try {
+        return absolutePath(path);
+    } catch (const fs::filesystem_error&) {
+        return path;
+    }
 }
 
 } // namespace
 
-AppArguments readArguments(const std::vector<std::string>& arguments) {
+AppArguments readArguments(std::vector<std::string> arguments) {
     AppArguments result;
     result.renderInto = renderDirectory(arguments);
-    bool optionsEnded = false;
-    for (const std::string& argument : arguments) {
-        if (optionsEnded || argument.size() < 2 || argument.front() != '-') {
-            result.paths.push_back(absolutePath(argument));
-        } else if (argument == "--") {
-            optionsEnded = true;
-        } else if (argument == "--help" || argument == "-h") {
+    OptionReader reader(arguments, windowOptions, windowLongOptions);
+    for (int letter = reader.next(); letter != -1; letter = reader.next()) {
+        if (letter == 'h') {
             result.help = true;
-        } else if (argument == "--version" || argument == "-V") {
+            return result;
+        }
+        if (letter == 'V') {
             result.version = true;
-        } else if (argument != "--render" && result.unknownOption.empty()) {
-            result.unknownOption = argument;
+            return result;
+        }
+        if (letter == renderOption) {
+            result.renderInto = result.renderInto.value_or(optarg);
+        } else if (letter != ':') { // only --render wants a value
+            result.error = reader.error(letter);
+            return result;
         }
     }
+    std::ranges::transform(reader.rest(), std::back_inserter(result.paths), &givenPath);
     return result;
 }
 

@@ -1,9 +1,11 @@
 #pragma once
 
-// What the command line asks of the program. Arguments are bytes.
+// What the command line asks of the program. Arguments are bytes, read as those of velmora-scan are
+// (OptionReader).
 
-#include "app/desktop/FileUrls.h"
+#include "system/Paths.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <vector>
@@ -15,11 +17,11 @@ struct AppArguments {
     bool version = false;
     std::optional<std::filesystem::path> renderInto; ///< render pictures there and quit
     Paths paths;                                     ///< to be scanned, absolute
-    std::string unknownOption;                       ///< empty if all options are known
+    std::string error;                               ///< why nothing can be done; empty if all is right
 };
 
-/// Reads the arguments, without the program's name. "--render" as the last one is ignored; "--" ends the
-/// options; a file URL is replaced by its path.
-AppArguments readArguments(const std::vector<std::string>& arguments);
+/// Reads the arguments, without the program's name. "--render" as the last one is ignored, its directory may
+/// also be written as "--render=DIR"; a file URL is replaced by its path. One thread.
+AppArguments readArguments(std::vector<std::string> arguments);
 
 } // namespace velmora

@@ -109,8 +109,8 @@ int run(int argc, char** argv) {
         const QString version = UpdateChecker::currentVersion();
         return std::printf("velmora %s\n", qPrintable(version)) < 0 ? EXIT_FAILURE : EXIT_SUCCESS;
     }
-    if (!arguments.unknownOption.empty()) {
-        std::fprintf(stderr, "velmora: unknown option '%s'\n%s", arguments.unknownOption.c_str(), usage);
+    if (!arguments.error.empty()) {
+        std::fprintf(stderr, "velmora: %s\nvelmora: 'velmora --help' tells more\n", arguments.error.c_str());
         return usageError;
     }
     return openWindow(argc, argv, arguments.paths);

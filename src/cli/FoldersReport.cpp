@@ -1,7 +1,7 @@
 #include "cli/FoldersReport.h"
 
-#include "cli/Names.h"
 #include "cli/Seconds.h"
+#include "system/Names.h"
 
 #include <algorithm>
 #include <cstdint>

@@ -1,12 +1,9 @@
 #include "cli/Options.h"
 
-#include "cli/Names.h"
 #include "records/Finding.h"
-#include "system/Paths.h"
+#include "system/Names.h"
+#include "system/OptionReader.h"
 
-#include <getopt.h>
-
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <string_view>
@@ -20,11 +17,11 @@ constexpr const char* shortOptions =
     ":lfj0:z:qVh"; // with the first colon, getopt reports a missing value as ':'
 
 // Those without a letter.
-constexpr int verboseOption = 256;
-constexpr int checkOption = 257;
-constexpr int foldersOption = 258;
-constexpr int csvOption = 259;
-constexpr int speedOption = 260;
+constexpr int verboseOption = firstOptionWithoutLetter;
+constexpr int checkOption = firstOptionWithoutLetter + 1;
+constexpr int foldersOption = firstOptionWithoutLetter + 2;
+constexpr int csvOption = firstOptionWithoutLetter + 3;
+constexpr int speedOption = firstOptionWithoutLetter + 4;
 
 const std::array<option, 14> longOptions = {{{"list", no_argument, nullptr, 'l'},
                                              {"files", no_argument, nullptr, 'f'},
@@ -40,53 +37,6 @@ const std::array<option, 14> longOptions = {{{"list", no_argument, nullptr, 'l'}
                                              {"verbose", no_argument, nullptr, verboseOption},
                                              {"help", no_argument, nullptr, 'h'},
                                              {nullptr, 0, nullptr, 0}}};
-
-/// The arguments in the form getopt takes and permutes them, and its state set back to the beginning.
-class ArgumentReader {
-public:
-    explicit ArgumentReader(std::vector<std::string>& arguments)
-        : m_words{m_name.data()} {
-        for (std::string& argument : arguments) {
-            m_words.push_back(argument.data());
-        }
-        m_words.push_back(nullptr);
-        optind = 0; // also forgets where in a word of combined options the last reading ended
-        opterr = 0; // the messages are ours
-    }
-
-    /// The next option's letter; '?' for one that is wrong, ':' for one without its value, -1 after the last.
-    int next() { return ::getopt_long(count(), m_words.data(), shortOptions, longOptions.data(), nullptr); }
-
-    /// Why `next` gave '?' or ':'.
-    UsageError error(int answer) const {
-        const std::string name = nameOf(optopt);
-        if (answer == ':') {
-            return {"option " + quotedName(name) + " needs a value"};
-        }
-        if (optopt == 0) {
-            return {"unknown option " + quotedName(m_words[static_cast<std::size_t>(optind - 1)])};
-        }
-        const bool known = std::ranges::any_of(longOptions, [](const option& o) { return o.val == optopt; });
-        return {known ? "option " + quotedName(name) + " takes no value"
-                      : "unknown option " + quotedName(name)};
-    }
-
-    Paths rest() const { return {m_words.begin() + optind, m_words.end() - 1}; }
-
-private:
-    /// "-q", or "--csv" for an option without a letter; "" for none.
-    static std::string nameOf(int value) {
-        if (value < verboseOption) {
-            return value == 0 ? std::string() : std::string{'-', static_cast<char>(value)};
-        }
-        return std::string("--") + std::ranges::find(longOptions, value, &option::val)->name;
-    }
-
-    int count() const { return static_cast<int>(m_words.size()) - 1; }
-
-    std::string m_name = "velmora-scan";
-    std::vector<char*> m_words;
-};
 
 /// Chooses `wanted`, the first time or again.
 std::optional<UsageError> choose(std::optional<Output>& output, Output wanted) {
@@ -137,7 +87,7 @@ std::string findingKindsText() {
 }
 
 /// What --version asks for: of all that follows only --verbose counts.
-CommandLine versionWanted(ArgumentReader& reader, bool isVerbose) {
+CommandLine versionWanted(OptionReader& reader, bool isVerbose) {
     for (int letter = reader.next(); letter != -1; letter = reader.next()) {
         isVerbose |= letter == verboseOption;
     }
@@ -147,7 +97,7 @@ CommandLine versionWanted(ArgumentReader& reader, bool isVerbose) {
 } // namespace
 
 CommandLine parseCommandLine(std::vector<std::string> arguments) {
-    ArgumentReader reader(arguments);
+    OptionReader reader(arguments, shortOptions, longOptions);
     Options options;
     std::optional<Output> output;
     std::optional<UsageError> error;
@@ -193,7 +143,7 @@ CommandLine parseCommandLine(std::vector<std::string> arguments) {
             isVerbose = true;
             break;
         default:
-            error = reader.error(letter);
+            error = UsageError{reader.error(letter)};
         }
     }
     if (error) {

@@ -1,7 +1,6 @@
 #pragma once
 
-// The command line of velmora-scan, in GNU style: options and paths in any order, "--" ends the options,
-// "-qf" is "-q -f", "--zip=FILE" is "--zip FILE".
+// The command line of velmora-scan.
 
 #include "system/Paths.h"
 

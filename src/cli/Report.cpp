@@ -2,8 +2,8 @@
 
 #include "cli/CsvReport.h"
 #include "cli/FoldersReport.h"
-#include "cli/Names.h"
 #include "cli/Seconds.h"
+#include "system/Names.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>

@@ -1,6 +1,5 @@
 #include "cli/Session.h"
 
-#include "cli/Names.h"
 #include "cli/Progress.h"
 #include "cli/Report.h"
 #include "cli/Sources.h"
@@ -8,6 +7,8 @@
 #include "scan/ScanModel.h"
 #include "system/EndingSignals.h"
 #include "system/ForcedEnd.h"
+#include "system/FileName.h"
+#include "system/Names.h"
 #include "system/PrivateDirectory.h"
 
 #include <QCoreApplication>

@@ -1,7 +1,7 @@
 #include "cli/Sources.h"
 
-#include "cli/Names.h"
 #include "system/FileName.h"
+#include "system/Names.h"
 #include "system/RegularFile.h"
 
 #include <fcntl.h>
@@ -125,17 +125,6 @@ Sources locate(const PathList& given) {
     }
     sources.paths = found.list();
     return sources;
-}
-
-fs::path absolutePath(const fs::path& path) {
-    fs::path asGiven = fs::absolute(path);
-    fs::path resolved = standardized(asGiven);
-    if (resolved.native() == asGiven.native()) {
-        return asGiven; // nothing to ask the system
-    }
-    std::error_code ignored;
-    const bool samePlace = !fs::exists(asGiven, ignored) || fs::equivalent(asGiven, resolved, ignored);
-    return samePlace ? resolved : asGiven;
 }
 
 } // namespace velmora

@@ -5,7 +5,6 @@
 #include "cli/Options.h"
 #include "records/PathList.h"
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -25,10 +24,5 @@ PathList givenPaths(const Options& options);
 
 /// Sorts `given` into what can be scanned and what is not there or a folder that may not be entered.
 Sources locate(const PathList& given);
-
-/// `path` in absolute form. "." and ".." are resolved where that leads to the same place: "link/.." is not
-/// the folder that holds the link. Throws std::filesystem::filesystem_error when there is no working
-/// directory.
-std::filesystem::path absolutePath(const std::filesystem::path& path);
 
 } // namespace velmora

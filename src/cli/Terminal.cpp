@@ -1,6 +1,6 @@
 #include "cli/Terminal.h"
 
-#include "cli/Names.h"
+#include "system/Names.h"
 
 #include <fcntl.h>
 #include <poll.h>

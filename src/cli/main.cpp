@@ -1,6 +1,5 @@
 // velmora-scan: how long does all this audio play? Answered in the terminal.
 
-#include "cli/Names.h"
 #include "cli/Options.h"
 #include "cli/Session.h"
 #include "cli/Sources.h"
@@ -9,6 +8,7 @@
 #include "system/AddressSpace.h"
 #include "system/EndingSignals.h"
 #include "system/ForcedEnd.h"
+#include "system/Names.h"
 
 #include <unistd.h>
 

@@ -69,4 +69,16 @@ std::string standardized(const std::filesystem::path& path) {
     return text;
 }
 
+std::filesystem::path absolutePath(const std::filesystem::path& path) {
+    namespace fs = std::filesystem;
+    fs::path asGiven = fs::absolute(path);
+    fs::path resolved = standardized(asGiven);
+    if (resolved.native() == asGiven.native()) {
+        return asGiven; // nothing to ask the system
+    }
+    std::error_code ignored;
+    const bool samePlace = !fs::exists(asGiven, ignored) || fs::equivalent(asGiven, resolved, ignored);
+    return samePlace ? resolved : asGiven;
+}
+
 } // namespace velmora

@@ -36,4 +36,9 @@ std::vector<std::string_view> parentFolders(std::string_view path);
 /// path.
 std::string standardized(const std::filesystem::path& path);
 
+/// `path` in absolute form. "." and ".." are resolved where that leads to the same place: "link/.." is not
+/// the folder that holds the link. Throws std::filesystem::filesystem_error when there is no working
+/// directory.
+std::filesystem::path absolutePath(const std::filesystem::path& path);
+
 } // namespace velmora

@@ -23,19 +23,39 @@ TEST(AppArguments, RendersIntoTheDirectoryAfterTheFirstRender) {
               fs::path("/tmp/shots"));
 }
 
+TEST(AppArguments, RendersIntoTheDirectoryAfterAnEqualsSign) {
+    EXPECT_EQ(readArguments({"--render=/tmp/shots"}).renderInto, fs::path("/tmp/shots"));
+}
+
 TEST(AppArguments, IgnoresRenderWithoutADirectory) {
     const AppArguments arguments = readArguments({"/m/a.wav", "--render"});
     EXPECT_FALSE(arguments.renderInto);
-    EXPECT_EQ(arguments.unknownOption, "");
+    EXPECT_EQ(arguments.error, "");
     EXPECT_EQ(arguments.paths, Paths{"/m/a.wav"});
 }
 
-TEST(AppArguments, KnowsItsOptionsAndNamesOthers) {
+TEST(AppArguments, NamesAFolderByItsOwnName) {
+    const fs::path here = fs::current_path();
+    EXPECT_EQ(readArguments({"."}).paths, Paths{here});
+    EXPECT_EQ(readArguments({".."}).paths, Paths{here.parent_path()});
+    EXPECT_EQ(readArguments({"set/"}).paths, Paths{here / "set"});
+    EXPECT_EQ(readArguments({"file:///m/./set/"}).paths, Paths{"/m/set"});
+}
+
+TEST(AppArguments, KnowsItsOptionsInAllForms) {
     EXPECT_TRUE(readArguments({"--help"}).help);
     EXPECT_TRUE(readArguments({"-h"}).help);
     EXPECT_TRUE(readArguments({"--version"}).version);
     EXPECT_TRUE(readArguments({"-V"}).version);
-    EXPECT_EQ(readArguments({"--frobnicate", "--other"}).unknownOption, "--frobnicate");
+    EXPECT_TRUE(readArguments({"/m", "--vers"}).version);
+    EXPECT_TRUE(readArguments({"-Vh"}).version) << "combined";
+}
+
+TEST(AppArguments, SayWhatIsWrongWithThem) {
+    EXPECT_EQ(readArguments({"--frobnicate", "--other"}).error, "unknown option '--frobnicate'");
+    EXPECT_EQ(readArguments({"-x"}).error, "unknown option '-x'");
+    EXPECT_EQ(readArguments({"--help=me"}).error, "option '-h' takes no value");
+    EXPECT_EQ(readArguments({"--\x1B[2J"}).error, "unknown option '--\\x1B[2J'") << "fit for a terminal";
 }
 
 } // namespace

@@ -1,5 +1,7 @@
 #include "system/FileName.h"
 
+#include "tests/support/Files.h"
+
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -90,6 +92,18 @@ TEST(FileName, ParentFoldersAreListedFromTheOutermost) {
 
 TEST(FileName, RelativePathsAreStandardizedFromTheWorkingDirectory) {
     EXPECT_EQ(standardized("x/../y.wav"), (std::filesystem::current_path() / "y.wav").native());
+}
+
+TEST(AbsolutePath, ResolvesDotsWhereThatLeadsToTheSamePlace) {
+    const std::filesystem::path folder = test::freshFolder();
+    test::write(folder / "elsewhere" / "inner" / "x.wav");
+    std::filesystem::create_directory_symlink("elsewhere/inner", folder / "link");
+
+    EXPECT_EQ(absolutePath(folder / "elsewhere" / "inner" / ".." / "."), folder / "elsewhere");
+    EXPECT_EQ(absolutePath(folder / "link" / "x.wav" / ""), folder / "link" / "x.wav");
+    EXPECT_EQ(absolutePath("/" + (folder / "link").native()).native(), (folder / "link").native());
+    EXPECT_EQ(absolutePath(folder / "link" / ".."), folder / "link" / "..") << "this is elsewhere/";
+    EXPECT_EQ(absolutePath(folder / "not" / ".." / "made.zip"), folder / "made.zip");
 }
 
 } // namespace

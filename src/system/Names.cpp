@@ -1,4 +1,4 @@
-#include "cli/Names.h"
+#include "system/Names.h"
 
 #include "system/Utf8.h"
 
