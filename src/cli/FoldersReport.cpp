@@ -1,135 +1,20 @@
 #include "cli/FoldersReport.h"
 
 #include "cli/Seconds.h"
+#include "scan/FolderTotals.h"
 #include "system/Names.h"
-
-#include <algorithm>
-#include <cstdint>
-#include <filesystem>
-#include <optional>
-#include <string_view>
-#include <unordered_map>
-#include <unordered_set>
-#include <vector>
 
 namespace velmora {
 
-namespace {
-
-using Names = std::unordered_set<std::string>;
-
-/// The folder that holds `path`, without a final "/": that of all is "".
-std::string parentOf(const std::string& path) {
-    return path.substr(0, path.rfind('/'));
-}
-
-/// `dropped` as folders, whether they are folders or not.
-Names namesOf(const PathList& dropped) {
-    Names names;
-    for (const std::filesystem::path& path : dropped) {
-        std::string name = path.native();
-        while (name.ends_with('/')) {
-            name.pop_back();
-        }
-        names.insert(std::move(name));
-    }
-    return names;
-}
-
-/// What was dropped, with its folder in place of a file: below these, folders are counted.
-Names sourcesOf(const ScanDetails& details, const PathList& dropped) {
-    Names names = namesOf(dropped);
-    Names folders;
-    for (const Measured& file : details.files) {
-        if (names.contains(file.url.native())) {
-            folders.insert(parentOf(file.url.native()));
-        }
-    }
-    names.merge(folders);
-    return names;
-}
-
-class FolderTree {
-public:
-    explicit FolderTree(Names sources)
-        : m_sources(std::move(sources)) {}
-
-    /// Counts `file`, which is shown as `path`.
-    void add(const Measured& file, const std::string& path) {
-        const std::optional<std::size_t> index = folderAt(parentOf(path));
-        if (index && file.seconds >= 0) {
-            m_folders[*index].seconds += file.seconds;
-            m_folders[*index].files += 1;
-        }
-    }
-
-    /// Counts what is in a folder for those around it, once all files are in.
-    void addUp() {
-        std::for_each(m_folders.rbegin(), m_folders.rend(), [this](const Folder& folder) {
-            if (folder.outer) {
-                m_folders[*folder.outer].seconds += folder.seconds;
-                m_folders[*folder.outer].files += folder.files;
-            }
-        });
-    }
-
-    std::string lines(int depth, double speed) const {
-        std::string text;
-        std::vector<std::size_t> pending(m_outermost.rbegin(), m_outermost.rend());
-        while (!pending.empty()) {
-            const Folder& folder = m_folders[pending.back()];
-            pending.pop_back();
-            if (folder.depth <= depth) {
-                text += threeDecimals(folder.seconds / speed) + "\t" + std::to_string(folder.files) + "\t" +
-                        fieldName(folder.name->empty() ? "/" : *folder.name) + "\n";
-            }
-            pending.insert(pending.end(), folder.inner.rbegin(), folder.inner.rend());
-        }
-        return text;
-    }
-
-private:
-    struct Folder {
-        const std::string* name = nullptr; ///< the key in m_indices
-        std::optional<std::size_t> outer;  ///< its place comes before this one's
-        int depth = 0;                     ///< below the nearest source
-        double seconds = 0;
-        std::int64_t files = 0;
-        std::vector<std::size_t> inner = {}; ///< in the order of their first files
-    };
-
-    /// Absent above all sources.
-    std::optional<std::size_t> folderAt(const std::string& name) {
-        if (const auto known = m_indices.find(name); known != m_indices.end()) {
-            return known->second;
-        }
-        const std::optional<std::size_t> outer = name.empty() ? std::nullopt : folderAt(parentOf(name));
-        const bool isSource = m_sources.contains(name);
-        if (!outer && !isSource) {
-            return std::nullopt;
-        }
-        const std::size_t index = m_folders.size();
-        const auto place = m_indices.emplace(name, index).first;
-        m_folders.push_back({&place->first, outer, isSource ? 0 : m_folders[*outer].depth + 1});
-        (outer ? m_folders[*outer].inner : m_outermost).push_back(index);
-        return index;
-    }
-
-    const Names m_sources;
-    std::vector<Folder> m_folders;
-    std::unordered_map<std::string, std::size_t> m_indices;
-    std::vector<std::size_t> m_outermost;
-};
-
-} // namespace
-
 std::string foldersReport(const ScanDetails& details, const PathList& dropped, int depth, double speed) {
-    FolderTree tree(sourcesOf(details, dropped));
-    for (const Measured& file : details.files) {
-        tree.add(file, details.shownPath(file.url).native());
+    std::string text;
+    for (const FolderTotal& folder : folderTotals(details, dropped)) {
+        if (folder.depth <= depth) {
+            text += threeDecimals(folder.seconds / speed) + "\t" + std::to_string(folder.files) + "\t" +
+                    fieldName(folder.path) + "\n";
+        }
     }
-    tree.addUp();
-    return tree.lines(depth, speed);
+    return text;
 }
 
 } // namespace velmora

@@ -12,9 +12,7 @@
 
 namespace velmora {
 
-/// A line a folder in which audio was found: the sources of the scan, `dropped`, and what is below them, to
-/// `depth` folders below the nearest source. A file that was dropped stands for its folder. A folder comes
-/// before those in it, and these in the order of their first file in the scan. Lengths are divided by
+/// A line for each of `folderTotals` to `depth` folders below the nearest source. Lengths are divided by
 /// `speed`, which is positive; paths are written as `filesReport` writes them.
 std::string foldersReport(const ScanDetails& details, const PathList& dropped, int depth, double speed);
 

@@ -3,6 +3,7 @@
 #include "cli/CsvReport.h"
 #include "cli/FoldersReport.h"
 #include "cli/Seconds.h"
+#include "scan/Missing.h"
 #include "system/Names.h"
 
 #include <QJsonArray>
@@ -44,24 +45,6 @@ QJsonArray formatArray(const std::vector<FormatStat>& formats, double speed) {
             {"ext", textOf(format.ext)}, {"count", format.count}, {"seconds", format.seconds / speed}});
     }
     return array;
-}
-
-/// One thing that is missing in the total.
-struct Missing {
-    fs::path path;
-    std::string why;
-};
-
-Missing missing(const UnreadableFolder& folder) {
-    return {folder.path, std::generic_category().message(folder.error)};
-}
-
-Missing missing(const SkippedArchive& archive) {
-    return {archive.path, std::string(wordsFor(archive.why))};
-}
-
-Missing missing(const Measured& file) {
-    return {file.url, std::string(wordsFor(file.why.value_or(Reason::cannotBeRead)))};
 }
 
 QJsonValue secondsValue(const std::optional<double>& seconds) {

@@ -21,6 +21,12 @@ struct ScanDetails {
     /// `path` as the user knows it: what lies in an extraction directory is shown below its archive's own
     /// path, nested archives likewise ("/music/set.zip/Disc 1/01.wav").
     std::filesystem::path shownPath(const std::filesystem::path& path) const;
+
+    /// The same as bytes.
+    std::string shownName(const std::string& path) const;
+
+    /// Where the user finds `path`: itself, or the archive of the user's in which it lies, however deep.
+    std::filesystem::path placeOf(const std::filesystem::path& path) const;
 };
 
 } // namespace velmora

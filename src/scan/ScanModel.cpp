@@ -74,7 +74,7 @@ void ScanModel::ingest(PathList dropped) {
     }
     cancelJob();
     TempRegistry::releaseAll();
-    m_details = {};
+    m_details = std::make_shared<ScanDetails>();
 
     publishPhase(Phase::scanning);
     publishSummary({});
@@ -105,10 +105,10 @@ void ScanModel::takeGathered(const std::shared_ptr<Job>& job, GatherResult gathe
     }
     Paths files = std::exchange(gathered.files, {});
     job->gathered = std::move(gathered);
-    m_details.skippedArchives = job->gathered.skippedArchives;
-    m_details.unreadableFolders = job->gathered.unreadableFolders;
+    m_details->skippedArchives = job->gathered.skippedArchives;
+    m_details->unreadableFolders = job->gathered.unreadableFolders;
     for (std::size_t i = 0; i < job->gathered.temps.size(); ++i) {
-        m_details.archiveOf.emplace(job->gathered.temps[i], job->gathered.archives[i]);
+        m_details->archiveOf.emplace(job->gathered.temps[i], job->gathered.archives[i]);
     }
     publishFound(static_cast<int>(files.size()));
     if (files.empty()) {
@@ -155,7 +155,7 @@ void ScanModel::takeMeasured(Job& job, std::vector<MeasuredFile> batch) {
 void ScanModel::finish(Job& job) {
     ScanSummary summary = summarize(job.results);
     summary.unreadable += static_cast<int>(job.gathered.skippedArchives.size());
-    m_details.files = std::move(job.results);
+    m_details->files = std::move(job.results);
 
     const bool nothing = summary.fileCount <= 0;
     publishProcessed(m_found);
@@ -170,7 +170,7 @@ void ScanModel::finish(Job& job) {
 void ScanModel::reset() {
     cancelJob();
     TempRegistry::releaseAll();
-    m_details = {};
+    m_details = std::make_shared<ScanDetails>();
     publishPhase(Phase::idle);
     publishSummary({});
     publishProcessed(0);

@@ -85,7 +85,11 @@ public:
 
     const ZipState& zipState() const { return m_zipState; }
 
-    const ScanDetails& details() const { return m_details; }
+    const ScanDetails& details() const { return *m_details; }
+
+    /// The same for whoever goes on reading them, in any thread, when the next scan begins. They change until
+    /// the phase is `done` or `empty`, and never again.
+    std::shared_ptr<const ScanDetails> sharedDetails() const { return m_details; }
 
     /// The total in two lines, without a final line feed; divided by `speed`, which is positive.
     std::string totalText(double speed = 1) const;
@@ -130,7 +134,7 @@ private:
     int m_found = 0;
     std::string m_status;
     ZipState m_zipState;
-    ScanDetails m_details;
+    std::shared_ptr<ScanDetails> m_details = std::make_shared<ScanDetails>();
     std::shared_ptr<Job> m_job;
 
     std::unique_ptr<MainThreadQueue> m_mainThread;

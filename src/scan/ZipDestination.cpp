@@ -51,9 +51,9 @@ std::optional<std::string> ScanModel::objectionToZip(const fs::path& destination
     const bool isSource =
         present &&
         (std::ranges::any_of(m_summary.dropped, isPresent) ||
-         std::ranges::any_of(m_details.files, isPresent, &Measured::url) ||
-         std::ranges::any_of(m_details.skippedArchives, isPresent, &SkippedArchive::path) ||
-         std::ranges::any_of(m_details.archiveOf, isPresent,
+         std::ranges::any_of(m_details->files, isPresent, &Measured::url) ||
+         std::ranges::any_of(m_details->skippedArchives, isPresent, &SkippedArchive::path) ||
+         std::ranges::any_of(m_details->archiveOf, isPresent,
                              [](const auto& unpacked) -> const fs::path& { return unpacked.second; }));
     return isSource ? std::optional(name + " would replace a source of this scan") : std::nullopt;
 }

@@ -184,6 +184,9 @@ TEST_F(ScanModelTest, ShowsExtractedFilesUnderTheirArchivesOwnPaths) {
     EXPECT_EQ(details.shownPath("/t/velmora-B/x.mp3"), "/music/set.zip/more/inner.tar.gz/x.mp3");
     EXPECT_EQ(details.shownPath("/t/velmora-AB/x.mp3"), "/t/velmora-AB/x.mp3");
     EXPECT_EQ(details.shownPath("/t/velmora-B"), "/music/set.zip/more/inner.tar.gz");
+    EXPECT_EQ(details.placeOf("/t/velmora-B/x.mp3"), "/music/set.zip");
+    EXPECT_EQ(details.placeOf("/t/velmora-A/Disc 1/01.wav"), "/music/set.zip");
+    EXPECT_EQ(details.placeOf("/t/velmora-AB/x.mp3"), "/t/velmora-AB/x.mp3");
 }
 
 TEST_F(ScanModelTest, KeepsProgressBetweenZeroAndOne) {
