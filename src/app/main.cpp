@@ -53,7 +53,8 @@ void endInOrder() {
 }
 
 int openWindow(int argc, char** argv, const Paths& paths) {
-    const PrivateDirectory directory; // before the application, which starts threads
+    int status = EXIT_FAILURE;
+    PrivateDirectory directory; // before the application, which starts threads
     std::atexit(&endInOrder);
     if (directory.failure()) {
         std::fprintf(stderr, "velmora: cannot make a directory in '%s': %s\n", directory.parent().c_str(),
@@ -77,6 +78,12 @@ int openWindow(int argc, char** argv, const Paths& paths) {
         endingSignals.take();
         QCoreApplication::exit(EXIT_SUCCESS); // an open panel's event loop ends as well
     });
+    // When the application has gone everything is in order. Qt would then wait for a name that is still being
+    // resolved, which can take 20 seconds.
+    QObject::connect(&application, &QObject::destroyed, [&] {
+        directory.remove();
+        endNow(status);
+    });
     Views::prepare();
     AppDelegate delegate;
     delegate.open(paths);
@@ -91,7 +98,7 @@ int openWindow(int argc, char** argv, const Paths& paths) {
                              delegate.open(requested);
                          }
                      });
-    const int status = QApplication::exec();
+    status = QApplication::exec();
     instance.giveUp(); // from here on a start opens a window of its own
     endSoon(endingSignals.descriptor(), status);
     return status;

@@ -33,6 +33,13 @@ protected:
         return event.isAccepted();
     }
 
+    /// Goes on dragging `data`; whether it would be taken.
+    bool move(const QMimeData& data) {
+        QDragMoveEvent event({20, 10}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(window.get(), &event);
+        return event.isAccepted();
+    }
+
     /// Drops `data`; whether it was taken, and as a copy.
     bool drop(const QMimeData& data) {
         QDropEvent event({10, 10}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, {});
@@ -79,7 +86,46 @@ TEST_F(DropTargetTest, DoesNotHoverForOtherDrags) {
     QMimeData text;
     text.setText("hello");
     EXPECT_FALSE(enter(text));
-    EXPECT_EQ(hovers, std::vector<bool>{false});
+    EXPECT_FALSE(move(text));
+    EXPECT_FALSE(enter(*uriList("# a page\r\nhttp://x.example/a.wav\r\nfile://elsewhere.example/a.wav\r\n")));
+    EXPECT_EQ(hovers, (std::vector<bool>{false, false}));
+}
+
+TEST_F(DropTargetTest, HoversForFilesAmongOtherUrls) {
+    const auto mixed = uriList("http://x.example/a.wav\r\nfile:///m/a.wav\r\n");
+    EXPECT_TRUE(enter(*mixed));
+    EXPECT_TRUE(move(*mixed));
+    EXPECT_EQ(hovers, std::vector<bool>{true});
+}
+
+TEST_F(DropTargetTest, HoversForWhatIsNotHandedOutBeforeTheDrop) {
+    EXPECT_TRUE(enter(*uriList("")));
+    QMimeData confined;
+    confined.setData("application/vnd.portal.filetransfer", "key");
+    EXPECT_TRUE(enter(confined));
+}
+
+/// Counts how often it is asked for its URLs.
+class CountingData : public QMimeData {
+public:
+    mutable int fetched = 0;
+
+protected:
+    QVariant retrieveData(const QString& format, QMetaType type) const override {
+        ++fetched;
+        return QMimeData::retrieveData(format, type);
+    }
+};
+
+TEST_F(DropTargetTest, FetchesTheUrlsOnceHoweverFarTheDragMoves) {
+    CountingData data;
+    data.setData("text/uri-list", "file:///m/a.wav\r\n");
+    EXPECT_TRUE(enter(data));
+    const int fetched = data.fetched;
+    EXPECT_GT(fetched, 0);
+    EXPECT_TRUE(move(data));
+    EXPECT_TRUE(move(data));
+    EXPECT_EQ(data.fetched, fetched);
 }
 
 TEST(AppDelegate, KeepsFilesUntilTheWindowTakesThem) {

@@ -2,6 +2,7 @@
 
 #include "tests/faults/Replacing.h"
 
+#include <netdb.h>
 #include <poll.h>
 #include <pthread.h>
 #include <spawn.h>
@@ -115,6 +116,18 @@ pid_t waitpid(pid_t child, int* status, int options) {
 int poll(pollfd* descriptors, nfds_t count, int timeout) {
     const Fault fault = faultOf("poll");
     return fault ? failed(fault, -1) : VELMORA_REAL(poll)(descriptors, count, timeout);
+}
+
+int getaddrinfo(const char* host, const char* service, const addrinfo* hints, addrinfo** found) {
+    const Fault fault = faultOf("getaddrinfo", host);
+    return fault ? EAI_AGAIN : VELMORA_REAL(getaddrinfo)(host, service, hints, found);
+}
+
+/// Which thread ended the program stands in the log.
+[[noreturn]] void _exit(int status) {
+    faultOf("_exit", ::getpid() == ::gettid() ? "main thread" : "another thread");
+    VELMORA_REAL(_exit)(status);
+    __builtin_unreachable();
 }
 
 } // extern "C"

@@ -70,13 +70,15 @@ TEST_F(DropTest, ReplacesARunningScan) {
     awaitShown("00:00:03");
 }
 
-TEST_F(DropTest, OfTextIsNoneAndChangesNothing) {
+TEST_F(DropTest, OfTextOrAPageIsNoneAndChangesNothing) {
     open({tone("a.wav", 3)});
     awaitShown("00:00:03");
-    dragOver({"text/plain", "hello"});
-    desktop.letGo();
-    EXPECT_EQ(source->nextLine(), "ended ignore");
-    drop({"https://x.example/picture.png"});
+    for (const QStringList& other :
+         {QStringList{"text/plain", "hello"}, {"text/uri-list", "https://x.example/picture.png\r\n"}}) {
+        dragOver(other);
+        desktop.letGo();
+        EXPECT_EQ(source->nextLine(), "ended ignore");
+    }
     EXPECT_TRUE(reader.find("00:00:03"));
     drop({url(tone("b.wav", 4).toStdString())});
     awaitShown("00:00:04");

@@ -45,6 +45,9 @@ protected:
         EXPECT_TRUE(comesTrue([this] { return read(m_calls).find("\n! ") != std::string::npos; }));
     }
 
+    /// Whether the program itself has ended its run: where the main thread is held up, another one does.
+    bool endedInOrder() const { return read(m_calls).find("_exit 1 main thread\n") != std::string::npos; }
+
     /// Opens the window on a file on a share that stops answering.
     void openOnASilentShare() {
         meet("pread:1:block:1.wav");
@@ -94,6 +97,16 @@ TEST_F(EndTest, ComesThoughAShareDoesNotAnswer) {
     openOnASilentShare();
     desktop.press("ctrl+q");
     expectEndWithoutATrace();
+}
+
+TEST_F(EndTest, ComesAtOnceThoughTheNameOfTheServerIsNotResolved) {
+    environment.remove("VELMORA_MANIFEST_URL"); // the maker's server, which is asked for by its name
+    meet("getaddrinfo:1+:block");
+    open();
+    awaitFault();
+    desktop.press("ctrl+q");
+    expectEndWithoutATrace();
+    EXPECT_TRUE(endedInOrder());
 }
 
 TEST_F(EndTest, GivesTheNameOnTheBusBackAtOnce) {

@@ -26,11 +26,12 @@ DropTarget::DropTarget(QWindow* window)
 bool DropTarget::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
     case QEvent::DragEnter:
+        m_carriesFiles = carriesFiles(*static_cast<QDropEvent&>(*event).mimeData());
+        emit hovered(m_carriesFiles);
+        [[fallthrough]];
     case QEvent::DragMove: {
         auto& drag = static_cast<QDropEvent&>(*event);
-        const bool carries = carriesFiles(*drag.mimeData());
-        carries ? accept(drag) : drag.ignore();
-        emit hovered(carries);
+        m_carriesFiles ? accept(drag) : drag.ignore();
         return true;
     }
     case QEvent::DragLeave:

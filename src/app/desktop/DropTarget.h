@@ -26,6 +26,9 @@ signals:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    bool m_carriesFiles = false; ///< what is dragged over the window; asked once, when it comes over it
 };
 
 } // namespace velmora

@@ -44,7 +44,14 @@ QByteArray keyOf(const QMimeData& data) {
 } // namespace
 
 bool carriesFiles(const QMimeData& data) {
-    return data.hasFormat(uriList) || data.hasFormat(fileTransfer);
+    if (data.hasFormat(fileTransfer)) {
+        return true;
+    }
+    if (!data.hasFormat(uriList)) {
+        return false;
+    }
+    const QByteArray list = data.data(uriList);
+    return list.isEmpty() || holdsFileUrl(list);
 }
 
 Paths droppedFiles(const QMimeData& data) {

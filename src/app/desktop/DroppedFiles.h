@@ -8,7 +8,9 @@ class QMimeData;
 
 namespace velmora {
 
-/// Whether the drag carries files, as far as its formats tell: nothing is fetched.
+/// Whether the drag carries files: those of a sandboxed program, as far as the formats tell, or a list of
+/// URLs with at least one of a file. The list is fetched from the program that the drag comes from; one that
+/// is not handed out before the drop counts as one of files.
 bool carriesFiles(const QMimeData& data);
 
 /// The files a drop carries, in order; none when it carries no file URL. The files of a sandboxed

@@ -5,6 +5,7 @@
 
 #include <string>
 #include <string_view>
+#include <utility>
 
 namespace velmora {
 
@@ -40,6 +41,17 @@ std::optional<QByteArrayView> encodedPath(QByteArrayView url) {
     return authority.sliced(slash);
 }
 
+/// Takes the lines up to the next file URL off `list`. Its path; absent when there is none left.
+std::optional<std::filesystem::path> takePath(QByteArrayView& list) {
+    std::optional<std::filesystem::path> path;
+    while (!path && !list.isEmpty()) {
+        const qsizetype lineFeed = list.indexOf('\n');
+        path = pathOfUrl((lineFeed < 0 ? list : list.first(lineFeed)).trimmed());
+        list = lineFeed < 0 ? QByteArrayView() : list.sliced(lineFeed + 1);
+    }
+    return path;
+}
+
 } // namespace
 
 std::optional<std::filesystem::path> pathOfUrl(QByteArrayView url) {
@@ -56,15 +68,14 @@ std::optional<std::filesystem::path> pathOfUrl(QByteArrayView url) {
 
 Paths pathsOfUriList(QByteArrayView list) {
     Paths paths;
-    while (!list.isEmpty()) {
-        const qsizetype lineFeed = list.indexOf('\n');
-        const QByteArrayView line = (lineFeed < 0 ? list : list.first(lineFeed)).trimmed();
-        list = lineFeed < 0 ? QByteArrayView() : list.sliced(lineFeed + 1);
-        if (const auto path = pathOfUrl(line)) {
-            paths.push_back(*path);
-        }
+    while (std::optional<std::filesystem::path> path = takePath(list)) {
+        paths.push_back(std::move(*path));
     }
     return paths;
+}
+
+bool holdsFileUrl(QByteArrayView list) {
+    return takePath(list).has_value();
 }
 
 QByteArray urlOfPath(const std::filesystem::path& path) {

@@ -21,6 +21,9 @@ std::optional<std::filesystem::path> pathOfUrl(QByteArrayView url);
 /// The paths of the file URLs in a text/uri-list, in order; comments and other URLs are left out.
 Paths pathsOfUriList(QByteArrayView list);
 
+/// Whether a text/uri-list holds a file URL at all; reads no further than the first.
+bool holdsFileUrl(QByteArrayView list);
+
 /// The file URL of `path`, which is absolute.
 QByteArray urlOfPath(const std::filesystem::path& path);
 
