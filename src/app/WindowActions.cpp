@@ -76,7 +76,13 @@ void WindowActions::reset() {
 
 void WindowActions::revealZip() {
     if (const auto* saved = std::get_if<ZipDone>(&m_model.zipState())) {
-        revealFile(saved->path);
+        revealFile(saved->path, [this, path = QString::fromStdString(saved->path.native())] {
+            m_alerts.show({.title = QStringLiteral("No file manager answers"),
+                           .body = QStringLiteral("The file is here:\n\n") + path,
+                           .acceptTitle = QStringLiteral("Copy path"),
+                           .dismissTitle = QStringLiteral("OK"),
+                           .accepted = [path] { QGuiApplication::clipboard()->setText(path); }});
+        });
     }
 }
 

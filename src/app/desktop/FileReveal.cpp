@@ -8,9 +8,8 @@
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusUnixFileDescriptor>
-#include <QDesktopServices>
+#include <QProcess>
 #include <QStringList>
-#include <QUrl>
 #include <QVariantMap>
 
 #include <functional>
@@ -40,31 +39,50 @@ void ask(const QDBusMessage& call, std::function<void()> otherwise) {
                      });
 }
 
-void openFolderOf(const std::filesystem::path& file) {
-    QDesktopServices::openUrl(QUrl::fromEncoded(urlOfPath(file.parent_path())));
+/// The opener has no parent, so that what it starts outlives the program.
+void openFolderOf(const std::filesystem::path& file, std::function<void()> failed) {
+    auto* opener = new QProcess;
+    opener->setStandardInputFile(QProcess::nullDevice());
+    opener->setStandardOutputFile(QProcess::nullDevice());
+    opener->setStandardErrorFile(QProcess::nullDevice());
+    const auto end = [opener, failed = std::move(failed)](bool opened) {
+        opener->deleteLater();
+        if (!opened) {
+            failed();
+        }
+    };
+    QObject::connect(opener, &QProcess::finished, opener, [end](int code, QProcess::ExitStatus status) {
+        end(status == QProcess::NormalExit && code == 0);
+    });
+    QObject::connect(opener, &QProcess::errorOccurred, opener, [end](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart) { // then it does not finish
+            end(false);
+        }
+    });
+    opener->start(QStringLiteral("xdg-open"), {QString::fromLatin1(urlOfPath(file.parent_path()))});
 }
 
-void askPortal(const std::filesystem::path& file) {
+void askPortal(const std::filesystem::path& file, std::function<void()> failed) {
     const std::optional<RegularFile> open = RegularFile::open(file);
     if (!open) {
-        openFolderOf(file);
+        openFolderOf(file, std::move(failed));
         return;
     }
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.portal.Desktop"), QStringLiteral("/org/freedesktop/portal/desktop"),
         QStringLiteral("org.freedesktop.portal.OpenURI"), QStringLiteral("OpenDirectory"));
     call << QString() << QVariant::fromValue(QDBusUnixFileDescriptor(open->descriptor())) << QVariantMap();
-    ask(call, [file] { openFolderOf(file); });
+    ask(call, [file, failed = std::move(failed)] { openFolderOf(file, failed); });
 }
 
 } // namespace
 
-void revealFile(const std::filesystem::path& file) {
+void revealFile(const std::filesystem::path& file, std::function<void()> failed) {
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
     call << QStringList(QString::fromLatin1(urlOfPath(file))) << QString();
-    ask(call, [file] { askPortal(file); });
+    ask(call, [file, failed = std::move(failed)] { askPortal(file, failed); });
 }
 
 } // namespace velmora

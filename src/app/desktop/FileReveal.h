@@ -3,12 +3,14 @@
 // Shows a file in the file manager.
 
 #include <filesystem>
+#include <functional>
 
 namespace velmora {
 
 /// Opens the file manager with `file` selected. Without a file manager on the session bus, the desktop's
-/// portal shows the file's folder; without a portal, the folder is opened like any other document.
-/// Returns at once.
-void revealFile(const std::filesystem::path& file);
+/// portal shows the file's folder; without a portal, xdg-open opens the folder like any other document.
+/// Returns at once. `failed` is called later, on the main thread, when none of the three could be had: a
+/// service counts as absent after 5 seconds, xdg-open has failed when it says so.
+void revealFile(const std::filesystem::path& file, std::function<void()> failed);
 
 } // namespace velmora
