@@ -123,9 +123,9 @@ struct Region {
 /// What was seen, and found good, in pictures that people looked at.
 const std::vector<Region>& regions() {
     static const std::vector<Region> all = {
-        {"1-result.png", "the near corner", {0, 0, 40, 40}, {17.5, 11.4, 28.0}},
+        {"1-result.png", "the near corner", {0, 0, 40, 40}, {22.9, 16.7, 33.4}},
         {"1-result.png", "the far corner", {1400, 860, 40, 40}, {7.7, 6.2, 20.2}},
-        {"1-result.png", "the mark", {26, 26, 54, 54}, {71.3, 63.3, 82.9}},
+        {"1-result.png", "the mark", {26, 26, 54, 54}, {92.3, 84.3, 103.7}},
         {"1-result.png", "the wordmark", {94, 36, 110, 22}, {57.4, 49.8, 71.5}},
         {"1-result.png", "the pill", {1350, 40, 66, 26}, {33.5, 18.4, 53.1}},
         {"1-result.png", "the card's upper edge", {400, 99, 200, 4}, {27.6, 16.2, 47.8}},
@@ -133,7 +133,7 @@ const std::vector<Region>& regions() {
         {"1-result.png", "the card's ground", {100, 150, 200, 100}, {12.2, 7.1, 20.7}},
         {"1-result.png", "the ribbons at the left edge", {0, 460, 20, 20}, {35.1, 19.9, 56.1}},
         {"1-result.png", "the ribbons in the middle", {300, 380, 200, 140}, {12.0, 7.5, 22.8}},
-        {"1-result.png", "the clock", {550, 380, 340, 80}, {75.5, 44.8, 130.2}},
+        {"1-result.png", "the clock", {550, 380, 340, 80}, {71.6, 42.4, 123.5}},
         {"1-result.png", "the words", {630, 468, 180, 22}, {16.1, 12.3, 38.9}},
         {"1-result.png", "the count", {650, 500, 140, 18}, {32.9, 30.3, 43.3}},
         {"1-result.png", "the bars", {26, 790, 300, 38}, {18.8, 10.9, 33.0}},
@@ -147,7 +147,7 @@ const std::vector<Region>& regions() {
         {"2-drop.png", "the room beside it", {200, 840, 300, 36}, {5.9, 3.8, 13.8}},
         {"3-scanning.png", "the pill", {1325, 40, 95, 26}, {21.8, 17.4, 54.8}},
         {"3-scanning.png", "the status", {660, 370, 120, 20}, {34.5, 19.2, 55.8}},
-        {"3-scanning.png", "the count", {640, 405, 160, 50}, {53.6, 38.5, 117.3}},
+        {"3-scanning.png", "the count", {640, 405, 160, 50}, {53.0, 38.1, 116.1}},
         {"3-scanning.png", "the filled part", {512, 470, 260, 6}, {119.0, 76.6, 221.9}},
         {"3-scanning.png", "the rest of the bar", {800, 470, 120, 6}, {19.2, 17.5, 28.4}},
         {"3-scanning.png", "the source", {660, 488, 120, 16}, {18.2, 15.1, 30.3}},

@@ -75,6 +75,19 @@ TEST_F(KeyboardTest, GivesTheFocusBackWhenTheMenuCloses) {
     EXPECT_EQ(focused(), "chooseButton");
 }
 
+TEST_F(KeyboardTest, GivesTheFocusToTheFirstButtonOfTheNextPhase) {
+    scan.show(savedState);
+    openWindow();
+    tabs(4);
+    ASSERT_EQ(focused(), "resetButton");
+    scan.show({});
+    EXPECT_EQ(focused(), "chooseButton");
+    scan.show({.phase = Phase::scanning});
+    EXPECT_EQ(focused(), "chooseButton") << "it stays where its button stays";
+    scan.show(savedState);
+    EXPECT_EQ(focused(), "copyRuntimeButton");
+}
+
 TEST_F(KeyboardTest, LeadsThePointersRowOfTheMenu) {
     openWindow();
     press(Qt::Key_F10);

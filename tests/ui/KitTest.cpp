@@ -1,4 +1,5 @@
 #include "tests/ui/UiTest.h"
+#include "ui/kit/DigitCells.h"
 #include "ui/kit/Neon.h"
 #include "ui/kit/PaintedGlowText.h"
 #include "ui/kit/PaintedText.h"
@@ -8,6 +9,8 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <cmath>
 
 namespace velmora::test {
 namespace {
@@ -50,6 +53,28 @@ TEST_F(KitTest, BlursAndTracksGlowingTextByItsSize) {
     EXPECT_EQ(text.style().weight, QFont::Bold);
 }
 
+TEST_F(KitTest, KeepsEverythingInItsPlaceWhileGlowingDigitsCount) {
+    const TextStyle style = PaintedGlowText().style();
+    const auto starts = [&](const QString& text) {
+        std::vector<double> all;
+        for (const TextPiece& piece : inDigitCells(text, style).pieces) {
+            const double middle = piece.x + (style.width(piece.text) + style.tracking) / 2;
+            all.push_back(std::round(1000 * middle));
+        }
+        return all;
+    };
+    EXPECT_NE(style.width("1"), style.width("0")) << "the typeface's own digits differ in width";
+    EXPECT_EQ(starts("01:11:11").size(), 8U);
+    EXPECT_EQ(starts("01:11:11"), starts("97:48:05"));
+    EXPECT_EQ(inDigitCells("1 / 48", style).width, inDigitCells("8 / 48", style).width);
+    EXPECT_EQ(inDigitCells("READY", style).width, style.width("READY")) << "only digits are moved";
+    PaintedGlowText one;
+    PaintedGlowText eight;
+    one.setProperty("text", "1");
+    eight.setProperty("text", "8");
+    EXPECT_EQ(one.implicitWidth(), eight.implicitWidth());
+}
+
 TEST_F(KitTest, PadsAButtonAroundItsTitle) {
     const QQuickItem* button = showButton(true);
     const auto* words = button->findChild<PaintedText*>();
@@ -69,6 +94,19 @@ TEST_F(KitTest, LightsAButtonUnderThePointer) {
     hover(button);
     EXPECT_LE(distance(ground(), Neon::violet), 1);
     EXPECT_EQ(button->findChild<PaintedText*>()->color(), QColor(Qt::black));
+}
+
+TEST_F(KitTest, ShowsWhileAButtonIsHeldDown) {
+    const QQuickItem* button = showButton(true);
+    window->resize(200, 100); // with room beside the button
+    hover(button);
+    QTest::mousePress(window.get(), Qt::LeftButton, {}, place(button).center());
+    EXPECT_LE(distance(ground(), over(Qt::black, Neon::violet, 0.7)), 1);
+    QTest::mouseMove(window.get(), {150, 80}); // away: to release it there does nothing
+    EXPECT_LE(distance(ground(), over(Qt::black, Neon::violet, 0.1)), 1);
+    QTest::mouseMove(window.get(), place(button).center());
+    QTest::mouseRelease(window.get(), Qt::LeftButton, {}, place(button).center());
+    EXPECT_LE(distance(ground(), Neon::violet), 1);
 }
 
 TEST_F(KitTest, NeverLightsADisabledButton) {
@@ -150,6 +188,9 @@ TEST_F(KitTest, ShowsTheMakersMarkWithALightAroundIt) {
     const QImage image = grab();
     EXPECT_EQ(image.size(), QSize(54, 54));
     EXPECT_GT(image.pixelColor(27, 27).lightness(), 240) << "the middle stroke is white";
+    for (const QPoint& edge : {QPoint(1, 27), QPoint(27, 1), QPoint(52, 28), QPoint(27, 52)}) {
+        EXPECT_GT(image.pixelColor(edge).lightness(), 200) << "the ring fills the box";
+    }
     EXPECT_GT(image.pixelColor(36, 36).blue(), image.pixelColor(36, 36).green()) << "the shadow is violet";
 }
 
@@ -166,7 +207,11 @@ TEST_F(KitTest, EndsTextThatIsTooLongInAnEllipsis) {
         show<PaintedText>("Caption", {{"text", "A VERY LONG NAME OF A VERY LONG RECORDING"}}, {60, 20});
     ASSERT_NE(text, nullptr);
     EXPECT_GT(text->implicitWidth(), 200);
-    EXPECT_LT(text->style().width(text->style().elided(text->text(), 60)), 60);
+    EXPECT_LT(text->style().width(text->shownText()), 60);
+    EXPECT_TRUE(text->shownText().startsWith("A") && text->shownText().endsWith(QChar(0x2026)));
+    text->setProperty("keepsEnd", true);
+    EXPECT_LT(text->style().width(text->shownText()), 60);
+    EXPECT_TRUE(text->shownText().startsWith("A") && text->shownText().endsWith("G"));
 }
 
 } // namespace

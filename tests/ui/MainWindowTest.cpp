@@ -20,7 +20,8 @@ TEST_F(MainWindowTest, IsFramelessAndLeavesTheContentItsMinimumSize) {
     EXPECT_TRUE(window->flags().testFlag(Qt::FramelessWindowHint));
     EXPECT_EQ(window->minimumSize(), QSize(880, 660 + 28));
     EXPECT_EQ(window->size(), QSize(940, 700 + 28));
-    EXPECT_EQ(place(find("backdrop")), QRect(0, 28, 940, 700));
+    EXPECT_EQ(place(find("card")).left(), 26);
+    EXPECT_EQ(place(find("brandLogo")).topLeft(), QPoint(26, 28 + 26));
 }
 
 TEST_F(MainWindowTest, DoesWithKeysWhatTheButtonsDo) {

@@ -21,7 +21,8 @@ class PlacementTest : public UiTest {};
 
 TEST_F(PlacementTest, KeepsALongSourceOnOneLineInTheCard) {
     showState({.phase = Phase::scanning, .source = std::string(400, 'W')}, {880, 660});
-    EXPECT_LE(find("scanningDetail")->width(), 880 - 2 * 26 - 2 * 30);
+    EXPECT_LE(place(find("scanningDetail")).width(), 420) << "no wider than the bar";
+    EXPECT_TRUE(find("scanningDetail")->property("keepsEnd").toBool());
 }
 
 TEST_F(PlacementTest, CentresThePanelInTheCard) {
@@ -48,6 +49,25 @@ TEST_F(PlacementTest, LaysItselfOutAtEverySize) {
         EXPECT_GT(card.top(), 26 + 54);
         EXPECT_LT(card.bottom(), place(find("spectrumStrip")).top());
         EXPECT_LT(place(find("spectrumStrip")).bottom(), place(find("zipButton")).top());
+    }
+}
+
+TEST_F(PlacementTest, CentresTheBarsBelowTheCard) {
+    for (const int width : {880, 940, 1437, 2560}) {
+        showState(done, {width, 700});
+        const QImage image = grab();
+        const int floor = place(find("spectrumStrip")).bottom() - 1;
+        const auto isLit = [&](int x) { return image.pixelColor(x, floor).lightness() > 40; };
+        int first = 0;
+        int last = width - 1;
+        while (first < last && !isLit(first)) {
+            ++first;
+        }
+        while (last > first && !isLit(last)) {
+            --last;
+        }
+        EXPECT_LE(std::abs(first - (width - 1 - last)), 1) << width;
+        EXPECT_LE(first, 26 + 5) << "no further bar has room";
     }
 }
 

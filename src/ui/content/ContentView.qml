@@ -9,6 +9,7 @@ Item {
     required property Actions actions
     required property real time
     property bool animated: true
+    property real headroom: 0 ///< how far the backdrop goes on above, in points
 
     implicitWidth: 940
     implicitHeight: 700
@@ -16,6 +17,7 @@ Item {
     Backdrop {
         objectName: "backdrop"
         anchors.fill: parent
+        anchors.topMargin: -content.headroom
     }
 
     WaveField {
@@ -51,15 +53,14 @@ Item {
         animated: content.animated
     }
 
+    // It ends with the room after its last bar: moved by half of that, the bars are centred below the card.
     SpectrumStrip {
         id: spectrum
 
         objectName: "spectrumStrip"
-        anchors.left: parent.left
-        anchors.right: parent.right
+        x: 26 + Math.floor(roomAfterBars / 2)
+        width: parent.width - 52
         anchors.bottom: footer.top
-        anchors.leftMargin: 26
-        anchors.rightMargin: 26
         anchors.bottomMargin: 16
         height: 34
         intensity: content.scan.intensity

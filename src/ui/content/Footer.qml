@@ -10,12 +10,26 @@ Item {
 
     implicitHeight: buttons.implicitHeight
 
+    /// A button of one phase.
+    component PhaseButton: NeonButton {
+        signal goneWithFocus
+
+        onVisibleChanged: if (!visible && focus)
+            goneWithFocus()
+    }
+
+    function focusFirst() {
+        (scan.done ? copyRuntime : choose).forceActiveFocus(Qt.OtherFocusReason);
+    }
+
     Row {
         id: buttons
 
         spacing: 10
 
-        NeonButton {
+        PhaseButton {
+            id: copyRuntime
+
             objectName: "copyRuntimeButton"
             visible: footer.scan.done
             title: footer.scan.copyRuntimeTitle
@@ -23,9 +37,10 @@ Item {
             tint: Neon.violet
             toolTip: "Copy the total  \u00b7  Ctrl+C"
             onPressed: footer.actions.copyRuntime()
+            onGoneWithFocus: footer.focusFirst()
         }
 
-        NeonButton {
+        PhaseButton {
             objectName: "copyFileListButton"
             visible: footer.scan.done
             title: footer.scan.copyFileListTitle
@@ -33,9 +48,10 @@ Item {
             tint: Neon.violet
             toolTip: "Copy the names of the files  \u00b7  Ctrl+Shift+C"
             onPressed: footer.actions.copyFileList()
+            onGoneWithFocus: footer.focusFirst()
         }
 
-        NeonButton {
+        PhaseButton {
             objectName: "zipButton"
             visible: footer.scan.done
             enabled: !footer.scan.zipWorking
@@ -43,24 +59,29 @@ Item {
             tint: Neon.indigo
             toolTip: "Pack the audio files into a zip archive  \u00b7  Ctrl+S"
             onPressed: footer.actions.zip()
+            onGoneWithFocus: footer.focusFirst()
         }
 
-        NeonButton {
+        PhaseButton {
+            id: choose
+
             objectName: "chooseButton"
             visible: !footer.scan.done
             title: "CHOOSE\u2026"
             tint: Neon.indigo
             toolTip: "Choose files, folders or archives  \u00b7  Ctrl+O"
             onPressed: footer.actions.choose()
+            onGoneWithFocus: footer.focusFirst()
         }
 
-        NeonButton {
+        PhaseButton {
             objectName: "resetButton"
             visible: !footer.scan.idle
             title: "RESET"
             tint: Neon.inkDim
             toolTip: "Start anew  \u00b7  Esc"
             onPressed: footer.actions.reset()
+            onGoneWithFocus: footer.focusFirst()
         }
     }
 

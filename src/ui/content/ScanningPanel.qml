@@ -27,6 +27,13 @@ Column {
     }
 
     ProgressCapsule {
+        id: bar
+
+        // What assistive technology reads of a progress bar.
+        readonly property real value: progress
+        readonly property real minimumValue: 0
+        readonly property real maximumValue: 1
+
         objectName: "progressBar"
         anchors.horizontalCenter: parent.horizontalCenter
         width: Math.min(420, panel.width)
@@ -39,8 +46,9 @@ Column {
     Caption {
         objectName: "scanningDetail"
         anchors.horizontalCenter: parent.horizontalCenter
-        width: Math.min(implicitWidth, panel.width)
+        width: Math.min(implicitWidth, bar.width)
         text: panel.scan.source
+        keepsEnd: true
         size: 11
         monospaced: true
         tracking: 1.2

@@ -25,7 +25,7 @@ Pressable {
     Plate {
         anchors.fill: parent
         fill: button.tint
-        fillOpacity: button.lit ? 1 : 0.1
+        fillOpacity: button.down ? 0.7 : button.lit ? 1 : 0.1
         border: button.tint
         borderOpacity: button.lit ? 1 : 0.5
         radius: 9
@@ -35,7 +35,7 @@ Pressable {
         id: words
 
         text: button.title
-        color: button.lit ? "black" : button.tint
+        color: button.lit || button.down ? "black" : button.tint
     }
 
     Words {

@@ -1,5 +1,6 @@
 #include "ui/kit/PaintedGlowText.h"
 
+#include "ui/kit/DigitCells.h"
 #include "ui/kit/Glow.h"
 #include "ui/kit/Neon.h"
 
@@ -23,8 +24,9 @@ constexpr int glowCopies = 2;
 PaintedGlowText::PaintedGlowText(QQuickItem* parent)
     : PaintedItem(parent)
     , m_tint(Neon::violet) {
-    connect(this, &PaintedGlowText::changed, this,
-            [this] { setImplicitSize(std::ceil(style().width(m_text)), std::ceil(style().lineHeight())); });
+    connect(this, &PaintedGlowText::changed, this, [this] {
+        setImplicitSize(std::ceil(inDigitCells(m_text, style()).width), std::ceil(style().lineHeight()));
+    });
 }
 
 double PaintedGlowText::blurRadius() const {
@@ -42,19 +44,24 @@ QMarginsF PaintedGlowText::overflow() const {
 
 void PaintedGlowText::paint(QPainter& painter) const {
     const TextStyle style = this->style();
-    const QRectF box(0, 0, style.width(m_text), style.lineHeight());
-    const QPointF start(0, style.baseline());
+    const QFont font = style.font();
+    const CellText placed = inDigitCells(m_text, style);
+    const QRectF box(0, 0, placed.width, style.lineHeight());
     // The glow is made from outlines: at its coarse resolution, a painter would move letters to whole pixels.
     QPainterPath letters;
-    letters.addText(start, style.font(), m_text);
+    for (const TextPiece& piece : placed.pieces) {
+        letters.addText({piece.x, style.baseline()}, font, piece.text);
+    }
     drawBlurred(painter, box, blurRadius(), Neon::faded(m_tint, glowOpacity), glowCopies,
                 [&letters](QPainter& target) { target.fillPath(letters, Qt::black); });
     QLinearGradient gradient(box.topLeft(), box.topRight());
     gradient.setColorAt(0, Neon::violet);
     gradient.setColorAt(1, Neon::indigo);
-    painter.setFont(style.font());
+    painter.setFont(font);
     painter.setPen(QPen(gradient, 1));
-    painter.drawText(start, m_text);
+    for (const TextPiece& piece : placed.pieces) {
+        painter.drawText(QPointF(piece.x, style.baseline()), piece.text);
+    }
 }
 
 } // namespace velmora

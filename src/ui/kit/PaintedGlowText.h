@@ -1,6 +1,7 @@
 #pragma once
 
-// Text that glows: two blurred copies in its tint, and a sharp one in the accents' gradient above them.
+// Text that glows: two blurred copies in its tint, and a sharp one in the accents' gradient above them. Its
+// digits are equally wide.
 
 #include "ui/kit/PaintedItem.h"
 #include "ui/kit/TextStyle.h"

@@ -20,10 +20,14 @@ QMarginsF PaintedText::overflow() const {
     return {room, room, room, room};
 }
 
+QString PaintedText::shownText() const {
+    return m_style.elided(m_text, width(), m_keepsEnd ? Qt::ElideMiddle : Qt::ElideRight);
+}
+
 void PaintedText::paint(QPainter& painter) const {
     painter.setFont(m_style.font());
     painter.setPen(m_color);
-    painter.drawText(QPointF(0, m_style.baseline()), m_style.elided(m_text, width()));
+    painter.drawText(QPointF(0, m_style.baseline()), shownText());
 }
 
 } // namespace velmora

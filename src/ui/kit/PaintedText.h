@@ -1,6 +1,7 @@
 #pragma once
 
-// A line of text. Where the text is wider than the item, it is cut and ends in an ellipsis.
+// A line of text. Where the text is wider than the item, an ellipsis stands for its end or, on request, its
+// middle.
 
 #include "ui/kit/PaintedItem.h"
 #include "ui/kit/TextStyle.h"
@@ -19,6 +20,7 @@ class PaintedText : public velmora::PaintedItem {
     Q_PROPERTY(int size READ size WRITE setSize NOTIFY changed)
     Q_PROPERTY(int weight READ weight WRITE setWeight NOTIFY changed)
     Q_PROPERTY(double tracking READ tracking WRITE setTracking NOTIFY changed)
+    Q_PROPERTY(bool keepsEnd MEMBER m_keepsEnd NOTIFY changed)
     Q_PROPERTY(bool monospaced READ monospaced WRITE setMonospaced NOTIFY changed)
 
 public:
@@ -27,6 +29,9 @@ public:
     QString text() const { return m_text; }
 
     QColor color() const { return m_color; }
+
+    /// `text` as it is shown.
+    QString shownText() const;
 
     const TextStyle& style() const { return m_style; }
 
@@ -56,6 +61,7 @@ private:
     QString m_text;
     QColor m_color;
     TextStyle m_style;
+    bool m_keepsEnd = false; ///< what is too long is cut in its middle
 };
 
 } // namespace velmora

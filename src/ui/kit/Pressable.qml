@@ -12,14 +12,15 @@ FocusScope {
     property real ringRadius: 12
     property real ringInset: -3 ///< from the edge inwards
     readonly property bool hovered: area.containsMouse
+    readonly property bool down: area.containsPress
 
     signal pressed
 
-    activeFocusOnTab: true
+    activeFocusOnTab: enabled
     Accessible.role: Accessible.Button
     Accessible.name: label
     Accessible.description: toolTip
-    Accessible.focusable: true
+    Accessible.focusable: enabled
     Accessible.onPressAction: pressable.pressed()
     Keys.onSpacePressed: pressable.pressed()
     Keys.onReturnPressed: pressable.pressed()

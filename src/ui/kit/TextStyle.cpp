@@ -28,8 +28,8 @@ double TextStyle::baseline() const {
     return QFontMetricsF(font()).ascent();
 }
 
-QString TextStyle::elided(const QString& text, double width) const {
-    return QFontMetricsF(font()).elidedText(text, Qt::ElideRight, width + tracking);
+QString TextStyle::elided(const QString& text, double width, Qt::TextElideMode cut) const {
+    return QFontMetricsF(font()).elidedText(text, cut, width + tracking);
 }
 
 void loadTypefaces() {

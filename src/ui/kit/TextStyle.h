@@ -22,8 +22,8 @@ struct TextStyle {
     double lineHeight() const;
     double baseline() const;
 
-    /// `text`, its end replaced by an ellipsis as far as needed to fit into `width` points.
-    QString elided(const QString& text, double width) const;
+    /// `text`, its end or middle replaced by an ellipsis as far as needed to fit into `width` points.
+    QString elided(const QString& text, double width, Qt::TextElideMode cut = Qt::ElideRight) const;
 
     bool operator==(const TextStyle&) const = default;
 };

@@ -12,10 +12,19 @@ namespace {
 constexpr double minStrength = 0.16;
 constexpr double minHeight = 2; // points
 
+int barCount(double width) {
+    return static_cast<int>(width / barPitch);
+}
+
 } // namespace
 
+double roomAfterBars(double width) {
+    const int count = barCount(width);
+    return count < 1 ? width : width - barPitch * (count - 1) - barWidth;
+}
+
 std::vector<Bar> spectrumBars(double width, double height, double intensity, double time) {
-    const int count = static_cast<int>(width / barPitch);
+    const int count = barCount(width);
     const double shares = std::max(count, 2) - 1;
     const double strength = std::max(intensity, minStrength);
     const double a = smallAngle(1.1 * time);

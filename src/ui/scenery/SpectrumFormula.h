@@ -17,6 +17,9 @@ struct Bar {
     double opacity = 0; ///< from 0.3 to 0.85
 };
 
+/// The room to the right of the last bar in a strip of that width; all of it where there is no bar.
+double roomAfterBars(double width);
+
 /// The bars of a strip at `time`, from left to right; none in a strip narrower than 7 points. An
 /// `intensity` below 0.16 counts as 0.16.
 std::vector<Bar> spectrumBars(double width, double height, double intensity, double time);

@@ -15,9 +15,12 @@ namespace velmora {
 class SpectrumStrip : public velmora::AnimatedItem {
     Q_OBJECT
     QML_ELEMENT
+    Q_PROPERTY(double roomAfterBars READ roomAfterBars NOTIFY widthChanged)
 
 public:
     using AnimatedItem::AnimatedItem;
+
+    double roomAfterBars() const { return velmora::roomAfterBars(width()); }
 
 protected:
     Picture picture(double scale) override;

@@ -38,6 +38,7 @@ Window {
     ContentView {
         anchors.fill: parent
         anchors.topMargin: titleBar.height
+        headroom: titleBar.height
         scan: window.scan
         actions: window.actions
         time: clock.time
@@ -68,9 +69,15 @@ Window {
         actions: window.actions
     }
 
+    WindowEdge {
+        objectName: "windowEdge"
+        anchors.fill: parent
+        visible: !titleBar.filling
+    }
+
     ResizeFrame {
         anchors.fill: parent
-        visible: window.visibility !== Window.Maximized && window.visibility !== Window.FullScreen
+        visible: !titleBar.filling
         window: window
     }
 

@@ -20,7 +20,7 @@ Pressable {
     Plate {
         anchors.fill: parent
         fill: Neon.indigo
-        fillOpacity: row.activeFocus ? 0.35 : 0
+        fillOpacity: row.down ? 0.6 : row.activeFocus ? 0.35 : 0
         radius: 6
     }
 

@@ -6,6 +6,8 @@ Item {
     id: bar
 
     required property Window window
+    // Along the edges of a screen the first and the last button reach its vertices, where they are hit blindly.
+    readonly property bool filling: window.visibility === Window.Maximized || window.visibility === Window.FullScreen
 
     signal menuPressed
 
@@ -18,11 +20,6 @@ Item {
 
     implicitHeight: 28
 
-    Rectangle {
-        anchors.fill: parent
-        color: Neon.bgMid
-    }
-
     WindowMover {
         anchors.fill: parent
         window: bar.window
@@ -31,7 +28,7 @@ Item {
 
     TitleBarButton {
         objectName: "menuButton"
-        x: 4
+        x: bar.filling ? 0 : 4
         sign: TitleBarGlyph.Menu
         label: "Menu"
         toolTip: "Menu  \u00b7  F10"
@@ -40,7 +37,7 @@ Item {
 
     Row {
         anchors.right: parent.right
-        anchors.rightMargin: 4
+        anchors.rightMargin: bar.filling ? 0 : 4
 
         TitleBarButton {
             objectName: "minimizeButton"

@@ -14,6 +14,15 @@ Pressable {
     toolTip: label
     toolTipBelow: true
 
+    Plate {
+        anchors.fill: parent
+        anchors.margins: 2
+        fill: Neon.ink
+        fillOpacity: 0.14
+        radius: 7
+        visible: button.down
+    }
+
     TitleBarGlyph {
         anchors.fill: parent
         sign: button.sign
