@@ -46,11 +46,10 @@ void AppWindow::raise(const QByteArray& activationToken) {
     if (!activationToken.isEmpty()) {
         qputenv("XDG_ACTIVATION_TOKEN", activationToken); // where Qt's Wayland plug-in looks for it
     }
-    if (m_window->visibility() == QWindow::Minimized) {
-        m_window->showNormal();
-    }
+    m_window->setWindowStates(m_window->windowStates() & ~Qt::WindowMinimized); // if need be
     m_window->raise();
     m_window->requestActivate();
+    m_window->alert(0); // until it gets the focus
 }
 
 } // namespace velmora

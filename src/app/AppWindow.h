@@ -30,8 +30,8 @@ public:
     /// Whether the window could be made.
     bool isShown() const { return m_window != nullptr; }
 
-    /// Brings the window to the front. `activationToken` is the desktop's permission to take the focus; it
-    /// may be empty.
+    /// Brings the window to the front, or has it ask for the user's attention where the desktop leaves it
+    /// where it is. `activationToken` is the desktop's permission to take the focus; it may be empty.
     void raise(const QByteArray& activationToken);
 
 private:
@@ -41,7 +41,7 @@ private:
     ScanView m_view{m_model};
     Alerts m_alerts;
     WindowActions m_actions{m_model, m_view, m_alerts};
-    UpdateAlerts m_updates{m_alerts};
+    UpdateAlerts m_updates{m_alerts, [this] { raise({}); }};
     ReducedMotion m_motion;
     QQuickWindow* m_window = nullptr;
     QQmlApplicationEngine m_engine; // last: the views need the others

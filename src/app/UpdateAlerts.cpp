@@ -6,6 +6,7 @@
 #include <QHostAddress>
 
 #include <chrono>
+#include <utility>
 
 namespace velmora {
 
@@ -34,10 +35,15 @@ AlertText textOf(const UpdateChecker::Alert& alert) {
 
 } // namespace
 
-UpdateAlerts::UpdateAlerts(Alerts& alerts)
-    : m_program{
-          m_network,         m_preferences,
-          manifestAddress(), UpdateChecker::currentVersion(),
-          &secondsSince1970, [&alerts](const UpdateChecker::Alert& alert) { alerts.show(textOf(alert)); }} {}
+UpdateAlerts::UpdateAlerts(Alerts& alerts, std::function<void()> bringToFront)
+    : m_program{m_network,
+                m_preferences,
+                manifestAddress(),
+                UpdateChecker::currentVersion(),
+                &secondsSince1970,
+                [&alerts, bringToFront = std::move(bringToFront)](const UpdateChecker::Alert& alert) {
+                    bringToFront();
+                    alerts.show(textOf(alert));
+                }} {}
 
 } // namespace velmora

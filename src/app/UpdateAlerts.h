@@ -7,6 +7,8 @@
 #include <QNetworkAccessManager>
 #include <QSettings>
 
+#include <functional>
+
 namespace velmora {
 
 class Alerts;
@@ -14,8 +16,9 @@ class Alerts;
 /// Main thread.
 class UpdateAlerts {
 public:
-    /// Tells what it finds through `alerts`, which outlives this.
-    explicit UpdateAlerts(Alerts& alerts);
+    /// Tells what it finds through `alerts`, which outlives this, once `bringToFront` has brought their
+    /// window to the user.
+    UpdateAlerts(Alerts& alerts, std::function<void()> bringToFront);
 
     void checkQuietly() { UpdateChecker::checkQuietly(m_program); }
 

@@ -4,6 +4,8 @@
 
 #include <QDateTime>
 
+#include <csignal>
+
 namespace velmora::test {
 namespace {
 
@@ -71,6 +73,17 @@ TEST_F(UpdateTest, OffersTheNewerVersionThroughTheMenuAndTakesALaterForAnAnswer)
     click("Later");
     awaitGone(offered);
     EXPECT_FALSE(fs::exists(opened));
+}
+
+TEST_F(UpdateTest, BringsTheWindowBackWithItsOffer) {
+    publish("good");
+    server->send(SIGSTOP); // the answer comes later
+    open();
+    desktop.minimise();
+    EXPECT_TRUE(comesTrue([this] { return desktop.activeTitle().isEmpty(); }));
+    server->send(SIGCONT);
+    awaitActive("Velmora");
+    awaitShown(offered);
 }
 
 TEST_F(UpdateTest, SaysThroughTheMenuThatThereIsNothingNewer) {
