@@ -4,7 +4,9 @@
 #include "app/desktop/DropTarget.h"
 #include "ui/Views.h"
 
+#include <QGuiApplication>
 #include <QQuickWindow>
+#include <QScreen>
 #include <QVariant>
 
 namespace velmora {
@@ -16,6 +18,7 @@ AppWindow::AppWindow(AppDelegate& delegate) {
         {"actions", QVariant::fromValue<Actions*>(&m_actions)},
         {"alerts", QVariant::fromValue(&m_alerts)},
         {"animated", m_motion.animated()},
+        {"workArea", QSizeF(QGuiApplication::primaryScreen()->availableSize())},
         {"visible", true},
     });
     m_engine.load(Views::url("MainWindow"));

@@ -69,11 +69,12 @@ void Desktop::startBus() {
 void Desktop::startDisplay(Display display) {
     switch (display) {
     case Display::x11:
-        startXServer();
+    case Display::smallX11:
+        startXServer(display == Display::x11 ? "1280x1024" : "1024x700");
         startWindowManager();
         break;
     case Display::wayland:
-        startXServer(); // the compositor's screen, pointer and keyboard
+        startXServer("1280x1024"); // the compositor's screen, pointer and keyboard
         startCompositor({"--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024"});
         break;
     case Display::small:
@@ -82,10 +83,10 @@ void Desktop::startDisplay(Display display) {
     }
 }
 
-void Desktop::startXServer() {
+void Desktop::startXServer(const QString& screen) {
     m_xServer = std::make_unique<Process>(
         "Xvfb",
-        QStringList{"-displayfd", "1", "-screen", "0", "1280x1024x24", "-nolisten", "tcp", "-noreset"},
+        QStringList{"-displayfd", "1", "-screen", "0", screen + "x24", "-nolisten", "tcp", "-noreset"},
         m_environment);
     m_environment.insert("DISPLAY", ":" + m_xServer->nextLine());
 }

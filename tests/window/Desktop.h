@@ -17,6 +17,7 @@ namespace velmora::test {
 
 enum class Display : std::uint8_t {
     x11,
+    smallX11, ///< a screen of 1024 x 700
     wayland,
     small, ///< Wayland on a screen smaller than the window, and without pointer and keyboard
 };
@@ -83,7 +84,7 @@ private:
     void prepareFolders();
     void startBus();
     void startDisplay(Display display);
-    void startXServer();
+    void startXServer(const QString& screen);
     void startWindowManager();
     void startCompositor(const QStringList& options);
     QByteArray xdotool(const QStringList& arguments) const;

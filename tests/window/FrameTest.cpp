@@ -117,5 +117,18 @@ TEST_F(FrameTest, MinimisesByItsButton) {
     EXPECT_TRUE(comesTrue([this] { return desktop.activeTitle().isEmpty(); }));
 }
 
+class SmallScreenTest : public WindowTest {
+protected:
+    SmallScreenTest()
+        : WindowTest(Bus::present, Display::smallX11) {}
+};
+
+TEST_F(SmallScreenTest, HasRoomForAllButtons) {
+    open();
+    EXPECT_TRUE(comesTrue([this] { return window().size() == QSize(940, 700); }));
+    EXPECT_TRUE(QRect(0, 0, 1024, 700).contains(awaitShown("CHOOSE…").place));
+    EXPECT_TRUE(QRect(0, 0, 1024, 700).contains(awaitShown("Close").place));
+}
+
 } // namespace
 } // namespace velmora::test

@@ -9,14 +9,15 @@ Window {
     required property Actions actions
     required property Alerts alerts
     property bool animated: true
+    property size workArea: Qt.size(Infinity, Infinity) ///< what the first size has to fit into
 
     // A Wayland compositor ends a program whose maximised window is larger than the compositor asked for.
     // Where the screen has no room for the minimum size beside a taskbar, the minimum is lowered.
     readonly property bool lowersMinimum: Qt.platform.pluginName.startsWith("wayland")
     readonly property int taskbar: 64 ///< points, an estimate
 
-    width: 940
-    height: 728
+    width: Math.max(minimumWidth, Math.min(940, workArea.width - (lowersMinimum ? taskbar : 0)))
+    height: Math.max(minimumHeight, Math.min(728, workArea.height - (lowersMinimum ? taskbar : 0)))
     minimumWidth: lowersMinimum ? Math.min(880, Screen.width - taskbar) : 880
     minimumHeight: lowersMinimum ? Math.min(688, Screen.height - taskbar) : 688
     color: "black"
