@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/desktop/DropTarget.h"
+#include "app/desktop/WindowCover.h"
 #include "ui/Views.h"
 
 #include <QGuiApplication>
@@ -41,6 +42,9 @@ void AppWindow::take(QQuickWindow* window) {
     const auto* drops = new DropTarget(window);
     connect(drops, &DropTarget::hovered, &m_view, &ScanView::setTargeted);
     connect(drops, &DropTarget::dropped, &m_actions, &WindowActions::start);
+    const auto* cover = new WindowCover(window);
+    connect(cover, &WindowCover::changed, window,
+            [window, cover] { window->setProperty("covered", cover->covered()); });
     connect(&m_motion, &ReducedMotion::changed, window,
             [this, window] { window->setProperty("animated", m_motion.animated()); });
 }

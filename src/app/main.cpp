@@ -14,6 +14,7 @@
 #include "update/UpdateChecker.h"
 
 #include <QApplication>
+#include <QIcon>
 #include <QSocketNotifier>
 
 #include <algorithm>
@@ -44,6 +45,15 @@ int render(int argc, char** argv, const std::filesystem::path& into) {
     return EXIT_SUCCESS;
 }
 
+/// What window managers show for the window; a Wayland compositor takes the icon of the desktop file.
+QIcon windowIcon() {
+    QIcon icon;
+    for (const int size : {16, 32, 48, 64, 128}) {
+        icon.addFile(QStringLiteral(":/velmora/icon/%1.png").arg(size), {size, size});
+    }
+    return icon;
+}
+
 /// Called when the program exits. In order, its private directory has gone by then; but Qt exits at once when
 /// the X server has ended.
 void endInOrder() {
@@ -67,6 +77,7 @@ int openWindow(int argc, char** argv, const Paths& paths) {
     QApplication::setOrganizationName(QStringLiteral("Orventa"));
     QApplication::setApplicationName(QStringLiteral("Velmora"));
     const QApplication application(argc, argv);
+    QApplication::setWindowIcon(windowIcon());
 
     SingleInstance instance;
     if (!instance.claim(paths)) {

@@ -9,6 +9,7 @@ Window {
     required property Actions actions
     required property Alerts alerts
     property bool animated: true
+    property bool covered: false ///< nothing of the window can be seen
     property size workArea: Qt.size(Infinity, Infinity) ///< what the first size has to fit into
 
     // A Wayland compositor ends a program whose maximised window is larger than the compositor asked for.
@@ -28,7 +29,7 @@ Window {
         id: clock
 
         window: window
-        animated: window.animated
+        animated: window.animated && !window.covered
     }
 
     WindowMover {

@@ -1,0 +1,63 @@
+#include "tests/window/XClient.h"
+
+#include <gtest/gtest.h>
+#include <xcb/xcb.h>
+
+#include <array>
+#include <cstdlib>
+
+namespace velmora::test {
+
+XClient::XClient(const QByteArray& display)
+    : m_connection(xcb_connect(display.constData(), nullptr)) {
+    EXPECT_EQ(xcb_connection_has_error(m_connection), 0);
+}
+
+XClient::~XClient() {
+    xcb_disconnect(m_connection);
+}
+
+void XClient::cover(const QRect& area) {
+    const xcb_screen_t* const screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
+    const std::array<std::uint32_t, 2> values = {screen->white_pixel, 1}; // no window manager is asked
+    m_cover = xcb_generate_id(m_connection);
+    xcb_create_window(m_connection, XCB_COPY_FROM_PARENT, m_cover, screen->root,
+                      static_cast<std::int16_t>(area.x()), static_cast<std::int16_t>(area.y()),
+                      static_cast<std::uint16_t>(area.width()), static_cast<std::uint16_t>(area.height()), 0,
+                      XCB_WINDOW_CLASS_INPUT_OUTPUT, screen->root_visual,
+                      XCB_CW_BACK_PIXEL | XCB_CW_OVERRIDE_REDIRECT, values.data());
+    xcb_map_window(m_connection, m_cover);
+    xcb_flush(m_connection);
+}
+
+void XClient::uncover() {
+    xcb_destroy_window(m_connection, m_cover);
+    xcb_flush(m_connection);
+}
+
+void XClient::setHidden(std::uint32_t window, bool hidden) {
+    const std::uint32_t state = atom("_NET_WM_STATE_HIDDEN");
+    xcb_change_property(m_connection, XCB_PROP_MODE_REPLACE, window, atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32,
+                        hidden ? 1 : 0, &state);
+    xcb_flush(m_connection);
+}
+
+std::uint32_t XClient::lengthOf(const QByteArray& property, std::uint32_t window) const {
+    xcb_get_property_reply_t* const answer = xcb_get_property_reply(
+        m_connection,
+        xcb_get_property(m_connection, 0, window, atom(property), XCB_GET_PROPERTY_TYPE_ANY, 0, 0), nullptr);
+    const std::uint32_t length = answer->bytes_after;
+    std::free(answer);
+    return length;
+}
+
+std::uint32_t XClient::atom(const QByteArray& name) const {
+    xcb_intern_atom_reply_t* const answer = xcb_intern_atom_reply(
+        m_connection,
+        xcb_intern_atom(m_connection, 0, static_cast<std::uint16_t>(name.size()), name.constData()), nullptr);
+    const std::uint32_t atom = answer->atom;
+    std::free(answer);
+    return atom;
+}
+
+} // namespace velmora::test
