@@ -18,6 +18,7 @@ AppWindow::AppWindow(AppDelegate& delegate) {
         {"scan", QVariant::fromValue(&m_view)},
         {"actions", QVariant::fromValue<Actions*>(&m_actions)},
         {"alerts", QVariant::fromValue(&m_alerts)},
+        {"details", QVariant::fromValue(&m_details)},
         {"animated", m_motion.animated()},
         {"workArea", QSizeF(QGuiApplication::primaryScreen()->availableSize())},
         {"visible", true},

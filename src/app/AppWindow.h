@@ -8,6 +8,7 @@
 #include "app/desktop/ReducedMotion.h"
 #include "scan/ScanModel.h"
 #include "ui/content/ScanView.h"
+#include "ui/details/Details.h"
 #include "ui/window/Alerts.h"
 
 #include <QByteArray>
@@ -39,6 +40,7 @@ private:
 
     ScanModel m_model;
     ScanView m_view{m_model};
+    Details m_details{m_model};
     Alerts m_alerts;
     WindowActions m_actions{m_model, m_view, m_alerts};
     UpdateAlerts m_updates{m_alerts, [this] { raise({}); }};

@@ -8,6 +8,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QMimeData>
 #include <QWindow>
 
 #include <utility>
@@ -76,14 +77,27 @@ void WindowActions::reset() {
 
 void WindowActions::revealZip() {
     if (const auto* saved = std::get_if<ZipDone>(&m_model.zipState())) {
-        revealFile(saved->path, [this, path = QString::fromStdString(saved->path.native())] {
-            m_alerts.show({.title = QStringLiteral("No file manager answers"),
-                           .body = QStringLiteral("The file is here:\n\n") + path,
-                           .acceptTitle = QStringLiteral("Copy path"),
-                           .dismissTitle = QStringLiteral("OK"),
-                           .accepted = [path] { QGuiApplication::clipboard()->setText(path); }});
-        });
+        reveal(QByteArray::fromStdString(saved->path.native()));
     }
+}
+
+void WindowActions::reveal(const QByteArray& path) {
+    if (path.isEmpty()) {
+        return;
+    }
+    revealFile(path.toStdString(), [this, path] {
+        m_alerts.show({.title = QStringLiteral("No file manager answers"),
+                       .body = QStringLiteral("The file is here:\n\n") + QString::fromUtf8(path),
+                       .acceptTitle = QStringLiteral("Copy path"),
+                       .dismissTitle = QStringLiteral("OK"),
+                       .accepted = [this, path] { copyText(path); }});
+    });
+}
+
+void WindowActions::copyText(const QByteArray& text) {
+    auto* const data = new QMimeData;                  // the clipboard's own
+    data->setData(QStringLiteral("text/plain"), text); // as a text, it would lose bytes that are not UTF-8
+    QGuiApplication::clipboard()->setMimeData(data);
 }
 
 void WindowActions::checkForUpdates() {

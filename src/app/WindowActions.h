@@ -40,6 +40,8 @@ public:
     void zip() override;
     void reset() override;
     void revealZip() override;
+    void copyText(const QByteArray& text) override;
+    void reveal(const QByteArray& path) override;
     void checkForUpdates() override;
     void about() override;
     void quit() override;

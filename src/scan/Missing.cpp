@@ -1,5 +1,6 @@
 #include "scan/Missing.h"
 
+#include <algorithm>
 #include <system_error>
 
 namespace velmora {
@@ -14,6 +15,18 @@ Missing missing(const SkippedArchive& archive) {
 
 Missing missing(const Measured& file) {
     return {file.url, std::string(wordsFor(file.why.value_or(Reason::cannotBeRead)))};
+}
+
+std::optional<Missing> firstMissing(const ScanDetails& details) {
+    if (!details.unreadableFolders.empty()) {
+        return missing(details.unreadableFolders.front());
+    }
+    if (!details.skippedArchives.empty()) {
+        return missing(details.skippedArchives.front());
+    }
+    const auto file =
+        std::ranges::find_if(details.files, [](const Measured& each) { return each.seconds < 0; });
+    return file == details.files.end() ? std::nullopt : std::optional(missing(*file));
 }
 
 } // namespace velmora

@@ -52,6 +52,10 @@ public:
 
     void revealZip() override {}
 
+    void copyText(const QByteArray& /*text*/) override {}
+
+    void reveal(const QByteArray& /*path*/) override {}
+
     void checkForUpdates() override {}
 
     void about() override {}

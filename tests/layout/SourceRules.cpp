@@ -42,14 +42,15 @@ const std::array floors = {
     Floor{"ui/kit", {}, {"*"}},
     Floor{"ui/scenery", {"ui/kit"}, {"*"}},
     Floor{"ui/content", {"ui/kit", "ui/scenery", "scan", "records", "system"}, {"*"}},
-    Floor{"ui/window", {"ui/kit", "ui/scenery", "ui/content"}, {"*"}},
+    Floor{"ui/details", {"ui/kit", "ui/content", "scan", "records", "system"}, {"*"}},
+    Floor{"ui/window", {"ui/kit", "ui/scenery", "ui/content", "ui/details"}, {"*"}},
     Floor{"ui", {"ui/kit"}, {"*"}},
     Floor{"screenshots", {"ui", "ui/kit", "ui/content", "scan", "records", "system"}, {"*"}},
     Floor{"app/desktop", {"system"}, {"*"}},
     Floor{"app/dialogs", {"app/desktop", "ui/kit", "system"}, {"*"}},
     Floor{"app",
-          {"app/desktop", "app/dialogs", "screenshots", "ui", "ui/kit", "ui/content", "ui/window", "update",
-           "scan", "records", "system"},
+          {"app/desktop", "app/dialogs", "screenshots", "ui", "ui/kit", "ui/content", "ui/details",
+           "ui/window", "update", "scan", "records", "system"},
           {"*"}},
 };
 

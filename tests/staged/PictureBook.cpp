@@ -6,10 +6,12 @@
 #include "app/WindowActions.h"
 #include "screenshots/Screenshots.h"
 #include "tests/staged/RecordingActions.h"
+#include "tests/staged/SampleDetails.h"
 #include "tests/staged/StagedWindow.h"
 #include "tests/support/ComesTrue.h"
 #include "ui/Views.h"
 #include "ui/content/ScanView.h"
+#include "ui/details/Details.h"
 #include "ui/window/Alerts.h"
 
 #include <QGuiApplication>
@@ -33,9 +35,10 @@ namespace {
 struct Stage {
     ScanView scan;
     Alerts alerts;
+    Details details;
     RecordingActions actions;
     QQmlEngine engine;
-    std::unique_ptr<QQuickWindow> window = stageWindow(engine, scan, actions, alerts, false);
+    std::unique_ptr<QQuickWindow> window = stageWindow(engine, scan, actions, alerts, false, &details);
     bool complete = true; ///< whether everything that the page shows has appeared
 
     QQuickItem* item(const char* name) { return window->findChild<QQuickItem*>(name); }
@@ -51,6 +54,13 @@ struct Stage {
         QTest::mouseMove(window.get(),
                          target->mapToScene({target->width() / 2, target->height() / 2}).toPoint());
         QTest::qWait(1);
+    }
+
+    void showDetails(Details::List list) {
+        const auto [found, summary] = sampleDetails();
+        details.show(found, summary);
+        details.openOn(list);
+        complete = complete && comesTrue([this] { return details.rows()->count() > 0; });
     }
 
     void awaitToolTip() {
@@ -195,6 +205,42 @@ std::map<std::string, Page> alertPages() {
     };
 }
 
+std::map<std::string, Page> detailsPages() {
+    const ScanState state = done({}, 4);
+    const ScanState nothing = {.phase = ScanModel::Phase::empty,
+                               .status = "NO READABLE AUDIO",
+                               .source = "SET.ZIP",
+                               .missing = "set.zip: archive is damaged"};
+    return {
+        {"details",
+         {state,
+          [](Stage& stage) {
+              stage.showDetails(Details::Files);
+              for (const int row : {2, 3, 24}) {
+                  stage.details.rows()->toggle(row);
+              }
+          }}},
+        {"details-folders", {state, [](Stage& stage) { stage.showDetails(Details::Folders); }}},
+        {"details-unreadable", {state, [](Stage& stage) { stage.showDetails(Details::Unreadable); }}},
+        {"details-sorted",
+         {state,
+          [](Stage& stage) {
+              stage.showDetails(Details::Files);
+              stage.press(Qt::Key_W);
+              stage.details.rows()->sortBy(2);
+              stage.complete =
+                  stage.complete && comesTrue([&] { return stage.details.rows()->count() < 30; });
+          }}},
+        {"link-lit", {state, [](Stage& stage) { stage.hover("unreadableLine"); }}},
+        {"tip-empty",
+         {nothing,
+          [](Stage& stage) {
+              stage.hover("emptyStatus");
+              stage.awaitToolTip();
+          }}},
+    };
+}
+
 bool write(const Page& page, const QSize& points, const std::filesystem::path& path) {
     Stage stage;
     stage.scan.show(page.state);
@@ -223,6 +269,7 @@ int writeAll(const std::filesystem::path& directory, const QSize& points,
     std::map<std::string, Page> pages = scanPages();
     pages.merge(controlPages());
     pages.merge(alertPages());
+    pages.merge(detailsPages());
     int failures = 0;
     for (const auto& [name, page] : pages) {
         if (wanted.empty() || wanted.contains(name)) {

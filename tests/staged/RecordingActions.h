@@ -4,6 +4,7 @@
 
 #include "ui/content/Actions.h"
 
+#include <QByteArrayList>
 #include <QStringList>
 
 namespace velmora::test {
@@ -22,6 +23,10 @@ public:
 
     void revealZip() override { asked << "revealZip"; }
 
+    void copyText(const QByteArray& text) override { copied = text; }
+
+    void reveal(const QByteArray& path) override { revealed << path; }
+
     void checkForUpdates() override { asked << "checkForUpdates"; }
 
     void about() override { asked << "about"; }
@@ -29,6 +34,8 @@ public:
     void quit() override { asked << "quit"; }
 
     QStringList asked;
+    QByteArray copied;
+    QByteArrayList revealed;
 };
 
 } // namespace velmora::test

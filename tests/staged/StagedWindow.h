@@ -14,14 +14,16 @@ namespace velmora {
 
 class Actions;
 class Alerts;
+class Details;
 class ScanView;
 
 namespace test {
 
 /// The window, not yet shown; without one the program ends with the reason. The arguments outlive it.
-/// `animated` lets the scenery move.
+/// `animated` lets the scenery move;
+/// without `details` there are none to open.
 std::unique_ptr<QQuickWindow> stageWindow(QQmlEngine& engine, ScanView& scan, Actions& actions,
-                                          Alerts& alerts, bool animated);
+                                          Alerts& alerts, bool animated, Details* details = nullptr);
 
 /// The tool tips that `window` shows.
 QList<QQuickItem*> visibleToolTips(const QQuickWindow& window);

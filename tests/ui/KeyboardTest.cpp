@@ -46,9 +46,10 @@ protected:
 TEST_F(KeyboardTest, ReachesEveryControlOfTheWindowInTurn) {
     scan.show(savedState);
     openWindow();
-    EXPECT_THAT(tabs(10), ElementsAre("copyRuntimeButton", "copyFileListButton", "zipButton", "resetButton",
-                                      "zipStatus", "menuButton", "minimizeButton", "maximizeButton",
-                                      "closeButton", "copyRuntimeButton"));
+    EXPECT_THAT(tabs(12),
+                ElementsAre("countLink", "unreadableLink", "copyRuntimeButton", "copyFileListButton",
+                            "zipButton", "resetButton", "zipStatus", "menuButton", "minimizeButton",
+                            "maximizeButton", "closeButton", "countLink"));
     EXPECT_THAT(tabs(2, Qt::ShiftModifier), ElementsAre("closeButton", "maximizeButton"));
     scan.show({});
     EXPECT_THAT(tabs(4), ElementsAre("closeButton", "chooseButton", "menuButton", "minimizeButton"));
@@ -206,7 +207,9 @@ TEST_F(SpeechTest, NamesEveryControl) {
     scan.show(savedState);
     openWindow();
     for (const auto& [item, name] :
-         std::vector<std::pair<const char*, std::string>>{{"copyRuntimeButton", "COPY RUNTIME"},
+         std::vector<std::pair<const char*, std::string>>{{"countLink", "12 FILES · ZERO KB"},
+                                                          {"unreadableLink", "2 files could not be read"},
+                                                          {"copyRuntimeButton", "COPY RUNTIME"},
                                                           {"copyFileListButton", "COPY FILE LIST"},
                                                           {"zipButton", "ZIP…"},
                                                           {"resetButton", "RESET"},
@@ -223,7 +226,6 @@ TEST_F(SpeechTest, NamesEveryControl) {
          std::vector<std::pair<const char*, std::string>>{{"wordmark", "VELMORA"},
                                                           {"totalClock", "01:02:05"},
                                                           {"totalWords", "1 hr  2 min  5 sec"},
-                                                          {"unreadableLine", "2 files could not be read"},
                                                           {"phasePill", "READY"}}) {
         EXPECT_EQ(nameOf(accessible(item)), name);
         EXPECT_EQ(accessible(item)->role(), QAccessible::StaticText) << name;

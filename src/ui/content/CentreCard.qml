@@ -7,6 +7,10 @@ Card {
 
     required property ScanView scan
     property bool animated: true
+    property bool covered: false ///< by something that stands in its place
+
+    signal filesWanted
+    signal unreadableWanted
 
     highlight: scan.targeted ? 1 : 0
 
@@ -23,6 +27,8 @@ Card {
 
     Item {
         id: inside
+
+        visible: !card.covered
 
         anchors.fill: parent
         anchors.margins: 30
@@ -48,6 +54,8 @@ Card {
             anchors.centerIn: parent
             visible: card.scan.done
             scan: card.scan
+            onFilesWanted: card.filesWanted()
+            onUnreadableWanted: card.unreadableWanted()
         }
 
         EmptyPanel {
@@ -55,6 +63,7 @@ Card {
             anchors.centerIn: parent
             visible: card.scan.empty
             scan: card.scan
+            onUnreadableWanted: card.unreadableWanted()
         }
     }
 }

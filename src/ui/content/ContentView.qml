@@ -10,6 +10,11 @@ Item {
     required property real time
     property bool animated: true
     property real headroom: 0 ///< how far the backdrop goes on above, in points
+    property bool cardCovered: false
+    readonly property Item card: card
+
+    signal filesWanted
+    signal unreadableWanted
 
     implicitWidth: 940
     implicitHeight: 700
@@ -40,6 +45,8 @@ Item {
     }
 
     CentreCard {
+        id: card
+
         objectName: "card"
         anchors.left: parent.left
         anchors.right: parent.right
@@ -51,6 +58,9 @@ Item {
         anchors.bottomMargin: 16
         scan: content.scan
         animated: content.animated
+        covered: content.cardCovered
+        onFilesWanted: content.filesWanted()
+        onUnreadableWanted: content.unreadableWanted()
     }
 
     // It ends with the room after its last bar: moved by half of that, the bars are centred below the card.

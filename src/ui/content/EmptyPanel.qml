@@ -6,6 +6,8 @@ Column {
 
     required property ScanView scan
 
+    signal unreadableWanted
+
     spacing: 14
 
     SlashEmblem {
@@ -26,11 +28,27 @@ Column {
         color: Neon.ink
     }
 
-    Caption {
-        objectName: "emptyStatus"
+    Item {
         anchors.horizontalCenter: parent.horizontalCenter
-        text: panel.scan.status
-        size: 11
-        color: Neon.inkDim
+        width: status.implicitWidth
+        height: status.implicitHeight
+
+        TextLink {
+            objectName: "emptyLink"
+            enabled: panel.scan.missingLine !== ""
+            words: status
+            toolTip: panel.scan.missingLine
+            onPressed: panel.unreadableWanted()
+        }
+
+        Caption {
+            id: status
+
+            objectName: "emptyStatus"
+            text: panel.scan.status
+            size: 11
+            color: Neon.inkDim
+            Accessible.ignored: true
+        }
     }
 }

@@ -6,6 +6,9 @@ Column {
 
     required property ScanView scan
 
+    signal filesWanted
+    signal unreadableWanted
+
     spacing: 10
 
     Caption {
@@ -33,6 +36,17 @@ Column {
             size: Math.min(76, Math.floor(76 * 15 / Math.max(1, panel.scan.totalClock.length)))
             tint: Neon.violet
         }
+
+        HoverHandler {
+            id: pointer
+        }
+
+        NeonToolTip {
+            objectName: "totalToolTip"
+            y: -height
+            text: panel.scan.windowTitle
+            wanted: pointer.hovered
+        }
     }
 
     Caption {
@@ -50,6 +64,14 @@ Column {
         width: count.implicitWidth + 12
         height: count.implicitHeight + 12
 
+        TextLink {
+            objectName: "countLink"
+            anchors.centerIn: parent
+            words: count
+            toolTip: "Which files?  \u00b7  Ctrl+D"
+            onPressed: panel.filesWanted()
+        }
+
         Caption {
             id: count
 
@@ -60,17 +82,33 @@ Column {
             weight: Font.Bold
             tracking: 2.2
             color: Neon.ink
+            Accessible.ignored: true
         }
     }
 
-    Caption {
-        objectName: "unreadableLine"
+    Item {
         anchors.horizontalCenter: parent.horizontalCenter
-        visible: text !== ""
-        text: panel.scan.unreadableLine
-        size: 10
-        monospaced: true
-        color: Neon.alert
-        opacity: 0.85
+        width: unreadable.implicitWidth
+        height: unreadable.implicitHeight
+        visible: unreadable.text !== ""
+
+        TextLink {
+            objectName: "unreadableLink"
+            words: unreadable
+            toolTip: "Which, and why?"
+            onPressed: panel.unreadableWanted()
+        }
+
+        Caption {
+            id: unreadable
+
+            objectName: "unreadableLine"
+            text: panel.scan.unreadableLine
+            size: 10
+            monospaced: true
+            color: Neon.alert
+            opacity: 0.85
+            Accessible.ignored: true
+        }
     }
 }

@@ -21,7 +21,8 @@ struct ScanState {
     double seconds = 0;      ///< total playing time
     int fileCount = 0;       ///< measured files
     std::int64_t bytes = 0;
-    int unreadable = 0; ///< files and archives that could not be read
+    int unreadable = 0;       ///< files and archives that could not be read
+    std::string missing = {}; ///< of an empty scan: what could not be read first, and why; bytes
     ZipState zip = {};
 
     /// What `model` publishes at this moment.

@@ -28,7 +28,8 @@ auto counts(const ScanState& state) {
 }
 
 auto summary(const ScanState& state) {
-    return std::tie(state.source, state.seconds, state.fileCount, state.bytes, state.unreadable);
+    return std::tie(state.source, state.seconds, state.fileCount, state.bytes, state.unreadable,
+                    state.missing);
 }
 
 struct ZipLine {
@@ -78,6 +79,9 @@ void ScanView::show(ScanState state) {
     std::swap(m_state, state);
     if (state.phase != m_state.phase) {
         emit phaseChanged();
+    }
+    if (state.phase != m_state.phase || summary(state) != summary(m_state)) {
+        emit titleChanged();
     }
     if (state.status != m_state.status) {
         emit statusChanged();
@@ -183,6 +187,14 @@ QString ScanView::unreadableLine() const {
     return QStringLiteral("%1 file%2 could not be read")
         .arg(m_state.unreadable)
         .arg(QLatin1String(m_state.unreadable == 1 ? "" : "s"));
+}
+
+QString ScanView::missingLine() const {
+    return text(m_state.missing);
+}
+
+QString ScanView::windowTitle() const {
+    return done() ? source() + QStringLiteral(" \u2013 ") + totalClock() : QStringLiteral("Velmora");
 }
 
 QString ScanView::zipText() const {

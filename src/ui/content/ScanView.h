@@ -37,6 +37,9 @@ class ScanView : public QObject {
     Q_PROPERTY(QString countLine READ countLine NOTIFY summaryChanged)
     Q_PROPERTY(QString unreadableLine READ unreadableLine NOTIFY summaryChanged)
 
+    Q_PROPERTY(QString missingLine READ missingLine NOTIFY summaryChanged)
+    Q_PROPERTY(QString windowTitle READ windowTitle NOTIFY titleChanged)
+
     Q_PROPERTY(QString zipText READ zipText NOTIFY zipChanged)
     Q_PROPERTY(QColor zipTint READ zipTint NOTIFY zipChanged)
     Q_PROPERTY(double zipTracking READ zipTracking NOTIFY zipChanged)
@@ -96,6 +99,11 @@ public:
     QString countLine() const;      ///< "14 FILES · 1.29 GB"
     QString unreadableLine() const; ///< "2 files could not be read"; empty when all could
 
+    QString missingLine() const; ///< "set.zip: archive is damaged"; empty when all could, or some audio was
+
+    /// "MUSIC – 101:02:05" once there is a total, else "Velmora".
+    QString windowTitle() const;
+
     QString zipText() const; ///< empty while no packing was asked for
     QColor zipTint() const;
     double zipTracking() const;
@@ -117,6 +125,7 @@ signals:
     void statusChanged();
     void countChanged();
     void summaryChanged();
+    void titleChanged();
     void zipChanged();
     void flashChanged();
     void targetedChanged();

@@ -6,13 +6,14 @@ FocusScope {
     id: menu
 
     required property Actions actions
+    required property Details details
     property Item focusBefore: null
 
     function open() {
         if (!visible)
             focusBefore = Window.activeFocusItem;
         visible = true;
-        about.forceActiveFocus(Qt.PopupFocusReason);
+        (details.available ? which : about).forceActiveFocus(Qt.PopupFocusReason);
     }
 
     function close() {
@@ -47,11 +48,25 @@ FocusScope {
         width: parent.width - 12
 
         MenuRow {
+            id: which
+
+            objectName: "detailsRow"
+            visible: menu.details.available
+            title: "Details"
+            KeyNavigation.up: quit
+            KeyNavigation.down: about
+            onPressed: {
+                menu.close();
+                menu.details.openOn(Details.Files);
+            }
+        }
+
+        MenuRow {
             id: about
 
             objectName: "aboutRow"
             title: "About Velmora"
-            KeyNavigation.up: quit
+            KeyNavigation.up: which.visible ? which : quit
             KeyNavigation.down: updates
             onPressed: {
                 menu.close();
@@ -78,7 +93,7 @@ FocusScope {
             objectName: "quitRow"
             title: "Quit"
             KeyNavigation.up: updates
-            KeyNavigation.down: about
+            KeyNavigation.down: which.visible ? which : about
             onPressed: {
                 menu.close();
                 menu.actions.quit();

@@ -8,6 +8,7 @@ Window {
     required property ScanView scan
     required property Actions actions
     required property Alerts alerts
+    required property Details details
     property bool animated: true
     property bool covered: false ///< nothing of the window can be seen
     property size workArea: Qt.size(Infinity, Infinity) ///< what the first size has to fit into
@@ -23,7 +24,7 @@ Window {
     minimumHeight: lowersMinimum ? Math.min(688, Screen.height - taskbar) : 688
     color: "black"
     flags: Qt.Window | Qt.FramelessWindowHint
-    title: "Velmora"
+    title: scan.windowTitle
 
     FrameClock {
         id: clock
@@ -38,6 +39,8 @@ Window {
     }
 
     ContentView {
+        id: content
+
         anchors.fill: parent
         anchors.topMargin: titleBar.height
         headroom: titleBar.height
@@ -45,6 +48,19 @@ Window {
         actions: window.actions
         time: clock.time
         animated: window.animated
+        cardCovered: window.details.open
+        onFilesWanted: window.details.openOn(Details.Files)
+        onUnreadableWanted: window.details.openOn(Details.Unreadable)
+    }
+
+    DetailsPlace {
+        x: content.x + content.card.x
+        y: content.y + content.card.y
+        width: content.card.width
+        height: content.card.height
+        details: window.details
+        actions: window.actions
+        blocked: window.alerts.open
     }
 
     TitleBar {
@@ -69,6 +85,7 @@ Window {
         x: 6
         y: titleBar.height + 2
         actions: window.actions
+        details: window.details
     }
 
     WindowEdge {
@@ -88,6 +105,7 @@ Window {
         blocked: window.alerts.open
         scan: window.scan
         actions: window.actions
+        details: window.details
         onMenuPressed: menu.visible ? menu.close() : menu.open()
     }
 

@@ -8,6 +8,7 @@ Item {
 
     required property ScanView scan
     required property Actions actions
+    required property Details details
     property bool menuOpen: false
     property bool blocked: false
 
@@ -21,7 +22,7 @@ Item {
 
     Shortcut {
         sequence: "Ctrl+C"
-        enabled: !shortcuts.blocked && shortcuts.scan.done
+        enabled: !shortcuts.blocked && shortcuts.scan.done && !shortcuts.details.open
         onActivated: shortcuts.actions.copyRuntime()
     }
 
@@ -38,8 +39,25 @@ Item {
     }
 
     Shortcut {
+        sequence: "Ctrl+D"
+        enabled: !shortcuts.blocked && shortcuts.details.available
+        onActivated: {
+            if (shortcuts.details.open)
+                shortcuts.details.close();
+            else
+                shortcuts.details.openOn(Details.Files);
+        }
+    }
+
+    Shortcut {
         sequence: "Escape"
-        enabled: !shortcuts.blocked && !shortcuts.menuOpen && !shortcuts.scan.idle
+        enabled: !shortcuts.blocked && !shortcuts.menuOpen && shortcuts.details.open
+        onActivated: shortcuts.details.close()
+    }
+
+    Shortcut {
+        sequence: "Escape"
+        enabled: !shortcuts.blocked && !shortcuts.menuOpen && !shortcuts.details.open && !shortcuts.scan.idle
                  && !shortcuts.scan.zipWorking
         onActivated: shortcuts.actions.reset()
     }

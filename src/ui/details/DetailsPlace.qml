@@ -1,0 +1,38 @@
+import QtQuick
+import Velmora
+
+// Where the details appear. They exist only while they are open, and give the focus back when they close.
+Loader {
+    id: place
+
+    required property Details details
+    required property Actions actions
+    property bool blocked: false
+    property Item focusBefore: null
+
+    active: false
+
+    sourceComponent: DetailsView {
+        details: place.details
+        actions: place.actions
+        blocked: place.blocked
+        focus: true
+    }
+
+    Connections {
+        target: place.details
+
+        function onOpenChanged() {
+            if (place.details.open && !place.active) {
+                place.focusBefore = place.Window.activeFocusItem;
+                place.active = true;
+                place.forceActiveFocus(Qt.PopupFocusReason);
+            } else if (!place.details.open) {
+                const hadFocus = place.activeFocus;
+                place.active = false;
+                if (hadFocus && place.focusBefore)
+                    place.focusBefore.forceActiveFocus(Qt.PopupFocusReason);
+            }
+        }
+    }
+}
