@@ -79,7 +79,7 @@ TEST_F(KeyboardTest, GivesTheFocusBackWhenTheMenuCloses) {
 TEST_F(KeyboardTest, GivesTheFocusToTheFirstButtonOfTheNextPhase) {
     scan.show(savedState);
     openWindow();
-    tabs(4);
+    tabs(6);
     ASSERT_EQ(focused(), "resetButton");
     scan.show({});
     EXPECT_EQ(focused(), "chooseButton");
