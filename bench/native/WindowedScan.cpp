@@ -30,7 +30,7 @@ using Seconds = std::chrono::duration<double>;
 std::optional<double> secondsToScan(ScanModel& model, const Paths& folders) {
     QObject::connect(&model, &ScanModel::phaseChanged, &model, [](ScanModel::Phase phase) {
         if (phase != ScanModel::Phase::scanning) {
-            QCoreApplication::quit();
+            QCoreApplication::exit(); // `quit` would close the window
         }
     });
     const auto begin = std::chrono::steady_clock::now();
@@ -55,7 +55,7 @@ std::optional<double> secondsInWindow(const Paths& folders) {
     int frames = 10; // by then it stands and moves
     const auto settled = QObject::connect(window.get(), &QQuickWindow::frameSwapped, window.get(), [&frames] {
         if (--frames == 0) {
-            QCoreApplication::quit();
+            QCoreApplication::exit(); // `quit` would close the window
         }
     });
     window->show();

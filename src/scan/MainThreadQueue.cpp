@@ -23,7 +23,7 @@ int openWakeUp() {
 MainThreadQueue::MainThreadQueue()
     : m_wakeUp(openWakeUp())
     , m_notifier(m_wakeUp.get(), QSocketNotifier::Read) {
-    QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier, [this] { runPending(); });
+    QObject::connect(&m_notifier, &QSocketNotifier::activated, &m_notifier, [this] { runTurn(); });
 }
 
 void MainThreadQueue::post(Task task) {
@@ -31,7 +31,24 @@ void MainThreadQueue::post(Task task) {
         const std::lock_guard guard(m_lock);
         m_tasks.push_back(std::move(task));
     }
+    wakeUp();
+}
+
+void MainThreadQueue::wakeUp() {
     ::eventfd_write(m_wakeUp.get(), 1);
+}
+
+void MainThreadQueue::runTurn() {
+    const auto end = std::chrono::steady_clock::now() + turn;
+    eventfd_t count = 0;
+    ::eventfd_read(m_wakeUp.get(), &count);
+    while (const std::optional<Task> task = next()) {
+        (*task)();
+        if (std::chrono::steady_clock::now() >= end) {
+            wakeUp(); // for what is left
+            return;
+        }
+    }
 }
 
 void MainThreadQueue::runPending() {

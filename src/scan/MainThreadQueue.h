@@ -1,7 +1,8 @@
 #pragma once
 
 // The way from the background to the main thread: any thread posts, the main thread's event loop runs what
-// was posted, in the order it was posted.
+// was posted, in the order it was posted. However much is posted, input and frames have their turn in
+// between.
 //
 // Qt's own way, QMetaObject::invokeMethod with Qt::QueuedConnection, does the same. It was measured and is
 // not used for two reasons. Six threads that post in batches hand over 44 to 47 million results a second
@@ -13,6 +14,7 @@
 
 #include <QSocketNotifier>
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <mutex>
@@ -23,6 +25,10 @@ namespace velmora {
 class MainThreadQueue {
 public:
     using Task = std::function<void()>;
+
+    /// Once this much time has passed in one turn of the event loop, no further task is begun in it: half a
+    /// frame.
+    static constexpr std::chrono::milliseconds turn{8};
 
     /// Created and destroyed on the main thread. Throws std::system_error when the process has no descriptor
     /// left.
@@ -35,7 +41,9 @@ public:
     void runPending();
 
 private:
+    void runTurn();
     std::optional<Task> next();
+    void wakeUp();
 
     std::mutex m_lock; // guards m_tasks
     std::deque<Task> m_tasks;

@@ -44,8 +44,11 @@ void MeasuringStage::handOver(MeasuredFile result, MainThreadQueue& mainThread) 
     bool first = false;
     {
         const std::lock_guard guard(m_lock);
-        first = m_batch.empty();
-        m_batch.push_back(std::move(result));
+        first = m_batches.empty() || m_batches.back().size() == maxBatch;
+        if (first) {
+            m_batches.emplace_back();
+        }
+        m_batches.back().push_back(std::move(result));
     }
     if (first) {
         mainThread.post([self = shared_from_this()] { self->m_deliver(self->takeBatch()); });
@@ -54,7 +57,9 @@ void MeasuringStage::handOver(MeasuredFile result, MainThreadQueue& mainThread) 
 
 MeasuringStage::Batch MeasuringStage::takeBatch() {
     const std::lock_guard guard(m_lock);
-    return std::exchange(m_batch, {});
+    Batch batch = std::move(m_batches.front());
+    m_batches.pop_front();
+    return batch;
 }
 
 } // namespace velmora

@@ -2,7 +2,7 @@
 
 // The second stage of a scan: measures files six at a time. Workers take the next file from one counter, so
 // files are started in scan order and no worker ever waits for the main thread; results travel there in
-// batches, one hand-over under way at most, so a busy main thread finds more results instead of more work.
+// batches, each as large as the main thread is busy, up to a bound that leaves it time for other things.
 
 #include "records/Records.h"
 #include "scan/BackgroundTasks.h"
@@ -11,6 +11,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -35,6 +36,9 @@ public:
     /// Files measured at the same time: the bound on open files and child processes.
     static constexpr std::size_t width = 6;
 
+    /// The largest number of results in a batch.
+    static constexpr std::size_t maxBatch = 256;
+
     /// `measure` is called on the workers; where it throws, for want of memory, its file stays unmeasured.
     /// `deliver` is called on the main thread with results in the order of their completion.
     MeasuringStage(Paths files, Measure measure, Deliver deliver);
@@ -55,8 +59,8 @@ private:
     const Measure m_measure;
     const Deliver m_deliver;
     std::atomic<std::size_t> m_next = 0;
-    std::mutex m_lock; // guards m_batch
-    Batch m_batch;     // not empty: its hand-over is under way
+    std::mutex m_lock;           // guards m_batches
+    std::deque<Batch> m_batches; // a hand-over is under way for each; all but the last are full
 };
 
 } // namespace velmora

@@ -74,7 +74,7 @@ void ScanModel::ingest(PathList dropped) {
     }
     cancelJob();
     TempRegistry::releaseAll();
-    m_details = std::make_shared<ScanDetails>();
+    forgetDetails();
 
     publishPhase(Phase::scanning);
     publishSummary({});
@@ -92,6 +92,7 @@ void ScanModel::ingest(PathList dropped) {
     m_job = std::make_shared<Job>();
     m_background->run([this, job = m_job, dropped = std::move(dropped)](const std::stop_token& programEnds) {
         GatherResult gathered = m_stages.gather(dropped, programEnds);
+        job->results.resize(gathered.files.size()); // here, for it takes a while
         m_mainThread->post([this, job, gathered = std::move(gathered)]() mutable {
             takeGathered(job, std::move(gathered));
         });
@@ -124,36 +125,45 @@ void ScanModel::takeGathered(const std::shared_ptr<Job>& job, GatherResult gathe
 }
 
 void ScanModel::startMeasuring(const std::shared_ptr<Job>& job, Paths files) {
-    job->results.resize(files.size());
     const auto stage = std::make_shared<MeasuringStage>(
         std::move(files), m_stages.measure,
-        [this, job](MeasuringStage::Batch batch) { takeMeasured(*job, std::move(batch)); });
+        [this, job](MeasuringStage::Batch batch) { takeMeasured(job, std::move(batch)); });
     stage->start(*m_background, *m_mainThread, job->cancelled.get_token());
 }
 
-void ScanModel::takeMeasured(Job& job, std::vector<MeasuredFile> batch) {
-    const int total = static_cast<int>(job.results.size());
+void ScanModel::takeMeasured(const std::shared_ptr<Job>& job, std::vector<MeasuredFile> batch) {
+    const int total = static_cast<int>(job->results.size());
     for (MeasuredFile& result : batch) {
-        if (job.ended) {
+        if (job->ended) {
             return;
         }
-        job.results[result.index] = std::move(result.measured);
-        job.done += 1;
-        if (job.done % processedStep == 0 || job.done == total) {
-            publishProcessed(job.done);
+        job->results[result.index] = std::move(result.measured);
+        job->done += 1;
+        if (job->done % processedStep == 0 || job->done == total) {
+            publishProcessed(job->done);
         }
         // Cancellation is looked at after the count was published: one stray count of a cancelled scan may
         // follow.
-        job.ended = job.cancelled.stop_requested();
-        if (!job.ended && job.done == total) {
-            job.ended = true;
-            finish(job);
+        job->ended = job->cancelled.stop_requested();
+        if (!job->ended && job->done == total) {
+            job->ended = true;
+            sumUp(job);
         }
     }
 }
 
-void ScanModel::finish(Job& job) {
-    ScanSummary summary = summarize(job.results);
+/// In the background: many files take a while.
+void ScanModel::sumUp(const std::shared_ptr<Job>& job) {
+    m_background->run([this, job](const std::stop_token&) {
+        m_mainThread->post([this, job, summary = summarize(job->results)]() mutable {
+            if (!job->cancelled.stop_requested()) {
+                finish(*job, std::move(summary));
+            }
+        });
+    });
+}
+
+void ScanModel::finish(Job& job, ScanSummary summary) {
     summary.unreadable += static_cast<int>(job.gathered.skippedArchives.size());
     m_details->files = std::move(job.results);
 
@@ -170,13 +180,22 @@ void ScanModel::finish(Job& job) {
 void ScanModel::reset() {
     cancelJob();
     TempRegistry::releaseAll();
-    m_details = std::make_shared<ScanDetails>();
+    forgetDetails();
     publishPhase(Phase::idle);
     publishSummary({});
     publishProcessed(0);
     publishFound(0);
     publishStatus("");
     publishZipState(ZipIdle{});
+}
+
+/// In the background: to free the memory of many files takes a while.
+void ScanModel::forgetDetails() {
+    const auto details = std::make_shared<std::shared_ptr<const ScanDetails>>(
+        std::exchange(m_details, std::make_shared<ScanDetails>()));
+    if (!(*details)->files.empty()) {
+        m_background->run([details](const std::stop_token&) { details->reset(); });
+    }
 }
 
 void ScanModel::cancelJob() {

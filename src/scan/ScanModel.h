@@ -117,8 +117,10 @@ private:
     void cancelJob();
     void takeGathered(const std::shared_ptr<Job>& job, GatherResult gathered);
     void startMeasuring(const std::shared_ptr<Job>& job, Paths files);
-    void takeMeasured(Job& job, std::vector<MeasuredFile> batch);
-    void finish(Job& job);
+    void takeMeasured(const std::shared_ptr<Job>& job, std::vector<MeasuredFile> batch);
+    void sumUp(const std::shared_ptr<Job>& job);
+    void finish(Job& job, ScanSummary summary);
+    void forgetDetails();
 
     void publishPhase(Phase phase);
     void publishSummary(ScanSummary summary);

@@ -2,6 +2,10 @@
 
 #include "tests/scan/ScanModelFixture.h"
 
+#include <QTimer>
+
+#include <chrono>
+#include <functional>
 #include <thread>
 
 namespace velmora::test {
@@ -60,6 +64,35 @@ TEST_F(MainThreadQueueTest, RunsNothingBeforeTheEventLoopHasItsTurn) {
     EXPECT_FALSE(ran);
     queue.runPending();
     EXPECT_TRUE(ran);
+}
+
+TEST_F(MainThreadQueueTest, LetsOtherEventsHaveTheirTurnWhileTasksAreWaiting) {
+    MainThreadQueue queue;
+    constexpr int tasks = 100;
+    int ran = 0;
+    int ranBeforeTimer = tasks;
+    for (int i = 0; i < tasks; ++i) {
+        queue.post([&] {
+            ++ran;
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        });
+    }
+    QTimer::singleShot(0, [&] { ranBeforeTimer = ran; });
+    awaitThat([&] { return ran == tasks; });
+    EXPECT_LT(ranBeforeTimer, tasks / 2);
+}
+
+TEST_F(MainThreadQueueTest, LetsOtherEventsHaveTheirTurnWhileEachTaskPostsAnother) {
+    MainThreadQueue queue;
+    bool timer = false;
+    std::function<void()> again = [&] {
+        if (!timer) {
+            queue.post(again);
+        }
+    };
+    queue.post(again);
+    QTimer::singleShot(0, [&] { timer = true; });
+    awaitThat([&] { return timer; });
 }
 
 } // namespace

@@ -2,7 +2,11 @@
 #include "tests/support/Files.h"
 #include "tests/support/Shell.h"
 
+#include <QTimer>
+
+#include <chrono>
 #include <latch>
+#include <thread>
 
 namespace velmora::test {
 namespace {
@@ -37,6 +41,30 @@ TEST_F(ScanModelCancelTest, ResetReturnsToIdleAtOnceAndNothingOfTheScanFollows) 
     EXPECT_EQ(takeRecordOf("phase"), Lines{});
     EXPECT_EQ(model->phase(), ScanModel::Phase::idle);
     EXPECT_EQ(model->status(), "");
+}
+
+TEST_F(ScanModelCancelTest, AResetWhileResultsStreamInIsObeyedBeforeTheyEnd) {
+    constexpr int files = 20'000;
+    createModel({[](const PathList&, const std::stop_token&) { return gathered(Paths(files, "/m/1.wav")); },
+                 [](const fs::path& file, const std::stop_token&) {
+                     return Measured{file, 1.0, 10};
+                 }});
+    int counts = 0; // each takes so long that the workers are done with all files before the main thread
+    QObject::connect(model.get(), &ScanModel::processedChanged, [&counts] {
+        ++counts;
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    });
+    bool reset = false;
+    model->ingest({"/m"});
+    awaitStatus("MEASURING");
+    QTimer::singleShot(0, [&] {
+        model->reset();
+        reset = true;
+    });
+    counts = 0;
+    awaitThat([&] { return reset; });
+    EXPECT_LT(counts, 1000) << "of " << files / 4;
+    EXPECT_EQ(model->phase(), ScanModel::Phase::idle);
 }
 
 TEST_F(ScanModelCancelTest, OneStrayCountOfACancelledScanMayFollowAndNoMore) {

@@ -11,6 +11,7 @@
 
 #include <limits>
 #include <string>
+#include <vector>
 
 namespace velmora::test {
 namespace {
@@ -128,6 +129,31 @@ TEST_F(ScanViewTest, FollowsAModel) {
     EXPECT_EQ(follower.status(), "NO AUDIO FOUND");
     model.reset();
     EXPECT_TRUE(follower.idle());
+}
+
+TEST_F(ScanViewTest, ShowsACountThatStreamsInOnceAFrame) {
+    constexpr int files = 4000;
+    ScanModel model(
+        {.gather =
+             [](const auto&, const auto&) {
+                 return GatherResult{Paths(files), {}, {}, {}};
+             },
+         .measure = [](const auto& path, const auto&) { return Measured{.url = path, .seconds = 1}; }});
+    const ScanView follower(model);
+    std::vector<QString> shown;
+    int published = 0;
+    QObject::connect(&model, &ScanModel::processedChanged, [&] { ++published; });
+    QObject::connect(&follower, &ScanView::countChanged, [&] { shown.push_back(follower.countText()); });
+    QElapsedTimer clock;
+    clock.start();
+    model.ingest({"/music"});
+    ASSERT_TRUE(comesTrue([&] { return follower.done(); }));
+    const auto frames = static_cast<std::size_t>(clock.elapsed() / 16);
+    EXPECT_GE(published, files / 4);
+    EXPECT_LE(shown.size(), 2 * frames + 2) << "the number found, and the last; timers may be a little early";
+    ASSERT_GE(shown.size(), 2U);
+    EXPECT_EQ(shown.front(), "0 / 4000") << "MEASURING is shown before the first file is done";
+    EXPECT_EQ(shown.back(), "4000 / 4000");
 }
 
 TEST_F(ScanViewTest, SaysCopiedOnTheButtonThatCopiedLast) {

@@ -69,10 +69,19 @@ ScanView::ScanView(const ScanModel& model, QObject* parent)
     const auto refresh = [this, &model] { show(ScanState::of(model)); };
     connect(&model, &ScanModel::phaseChanged, this, refresh);
     connect(&model, &ScanModel::summaryChanged, this, refresh);
-    connect(&model, &ScanModel::processedChanged, this, refresh);
     connect(&model, &ScanModel::foundChanged, this, refresh);
     connect(&model, &ScanModel::statusChanged, this, refresh);
     connect(&model, &ScanModel::zipStateChanged, this, refresh);
+
+    m_countShows.setSingleShot(true);
+    m_countShows.setTimerType(Qt::PreciseTimer);
+    m_countShows.setInterval(countMilliseconds);
+    connect(&m_countShows, &QTimer::timeout, this, refresh);
+    connect(&model, &ScanModel::processedChanged, &m_countShows, [this] {
+        if (!m_countShows.isActive()) {
+            m_countShows.start();
+        }
+    });
 }
 
 void ScanView::show(ScanState state) {

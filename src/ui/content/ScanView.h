@@ -8,6 +8,7 @@
 #include <QColor>
 #include <QObject>
 #include <QString>
+#include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
 namespace velmora {
@@ -59,7 +60,8 @@ public:
 
     explicit ScanView(QObject* parent = nullptr);
 
-    /// Shows `model` and every change of it. `model` outlives the view.
+    /// Shows `model` and every change of it; the count of measured files, which changes far more often than
+    /// a window is drawn, once a frame. `model` outlives the view.
     explicit ScanView(const ScanModel& model, QObject* parent = nullptr);
 
     /// Shows `state`; announces only what differs from what was shown.
@@ -131,7 +133,11 @@ signals:
     void targetedChanged();
 
 private:
+    /// How long a new count waits for later ones: a frame.
+    static constexpr int countMilliseconds = 16;
+
     ScanState m_state;
+    QTimer m_countShows;
     Copied m_flashing = Copied::nothing;
     bool m_targeted = false;
 };
