@@ -12,6 +12,8 @@
 #include "system/TempRegistry.h"
 #include "system/UnicodeCase.h"
 
+#include <malloc.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -194,7 +196,10 @@ void ScanModel::forgetDetails() {
     const auto details = std::make_shared<std::shared_ptr<const ScanDetails>>(
         std::exchange(m_details, std::make_shared<ScanDetails>()));
     if (!(*details)->files.empty()) {
-        m_background->run([details](const std::stop_token&) { details->reset(); });
+        m_background->run([details](const std::stop_token&) {
+            details->reset();
+            ::malloc_trim(0); // what was freed goes back to the system
+        });
     }
 }
 

@@ -7,7 +7,9 @@
 #include "tests/support/Shell.h"
 
 #include <malloc.h>
+#include <unistd.h>
 
+#include <fstream>
 #include <iostream>
 #include <iterator>
 
@@ -66,6 +68,43 @@ TEST_F(LoadTest, ManyScansInARowLeaveNothing) {
     EXPECT_EQ(openDescriptors(), descriptors);
     EXPECT_EQ(temporaryItems(), std::vector<std::string>());
 }
+
+#if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__) // which keep what is freed
+
+/// In bytes.
+double resident() {
+    std::ifstream file("/proc/self/statm");
+    double all = 0;
+    double pages = 0;
+    file >> all >> pages;
+    return pages * static_cast<double>(::sysconf(_SC_PAGESIZE));
+}
+
+class MemoryTest : public ScanModelTest {};
+
+TEST_F(MemoryTest, AResetGivesTheMemoryOfManyFilesBack) {
+    constexpr int files = 100'000;
+    createModel({[](const PathList&, const std::stop_token&) {
+                     GatherResult found;
+                     for (int i = 0; i < files; ++i) {
+                         found.files.push_back(fs::path("/home/somebody/Music/Artist/Album") /
+                                               ("Track number " + std::to_string(i) + ".flac"));
+                     }
+                     return found;
+                 },
+                 [](const fs::path& file, const std::stop_token&) {
+                     return Measured{file, 1.0, 10};
+                 }});
+    const double before = resident();
+    model->ingest({"/m"});
+    awaitStatus("COMPLETE");
+    const double taken = resident() - before;
+    model->reset();
+    EXPECT_GT(taken, 50e6);
+    awaitThat([&] { return resident() - before < taken / 2; });
+}
+
+#endif
 
 } // namespace
 } // namespace velmora::test
