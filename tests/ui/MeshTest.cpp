@@ -80,7 +80,8 @@ Canvas drawn(const QSGGeometry& mesh, const QSize& points, double scale) {
         return vertices[mesh.indexType() == QSGGeometry::UnsignedShortType ? mesh.indexDataAsUShort()[i]
                                                                            : mesh.indexDataAsUInt()[i]];
     };
-    for (int i = 0; i < mesh.indexCount(); i += 3) {
+    const int step = mesh.drawingMode() == QSGGeometry::DrawTriangleStrip ? 1 : 3;
+    for (int i = 0; i + 2 < mesh.indexCount(); i += step) {
         drawTriangle(canvas, vertex(i), vertex(i + 1), vertex(i + 2), scale);
     }
     return canvas;

@@ -22,37 +22,50 @@ MeshColor accentColor(double violet, double indigo) {
     return {a.red + b.red, a.green + b.green, a.blue + b.blue, a.opacity + b.opacity};
 }
 
-void MeshWriter::start(std::size_t layout) {
-    m_keepsIndices = m_layout == layout;
+void MeshWriter::start(QSGGeometryNode& node, double layout) {
+    m_node = &node;
+    m_next = m_layout == layout ? node.geometry()->vertexDataAsColoredPoint2D() : nullptr;
     m_layout = layout;
+    m_count = 0;
     m_vertices.clear();
-    if (!m_keepsIndices) {
-        m_indices.clear();
+    m_indices.clear();
+}
+
+void MeshWriter::addStrip(quint32 first, quint32 count, quint32 distance) {
+    if (keepsLayout()) {
+        return;
+    }
+    m_mode = QSGGeometry::DrawTriangleStrip;
+    if (!m_indices.empty()) { // triangles without area lead to it from the strip before
+        m_indices.insert(m_indices.end(), {m_indices.back(), first});
+    }
+    for (quint32 i = 0; i < count; ++i) {
+        m_indices.insert(m_indices.end(), {first + i * distance, first + i * distance + 1});
     }
 }
 
-void MeshWriter::finish(QSGGeometryNode& node) {
-    if (!m_keepsIndices) {
-        node.setGeometry(newGeometry());
+void MeshWriter::finish() {
+    if (!keepsLayout()) {
+        m_node->setGeometry(newGeometry());
     }
-    std::ranges::copy(m_vertices, node.geometry()->vertexDataAsColoredPoint2D());
-    node.markDirty(QSGNode::DirtyGeometry);
+    m_node->markDirty(QSGNode::DirtyGeometry);
 }
 
-/// Qt sends the indices to the GPU with every frame: 16-bit ones are used where the vertices are few enough.
+/// With indices of 16 bits where the vertices are few enough.
 QSGGeometry* MeshWriter::newGeometry() const {
     const bool fits16Bits = m_vertices.size() <= 1U << 16U;
     auto* geometry =
         new QSGGeometry(QSGGeometry::defaultAttributes_ColoredPoint2D(), static_cast<int>(m_vertices.size()),
                         static_cast<int>(m_indices.size()),
                         fits16Bits ? QSGGeometry::UnsignedShortType : QSGGeometry::UnsignedIntType);
-    geometry->setDrawingMode(QSGGeometry::DrawTriangles);
+    geometry->setDrawingMode(m_mode);
     if (fits16Bits) {
         std::ranges::transform(m_indices, geometry->indexDataAsUShort(),
                                [](quint32 index) { return static_cast<quint16>(index); });
     } else {
         std::ranges::copy(m_indices, geometry->indexDataAsUInt());
     }
+    std::ranges::copy(m_vertices, geometry->vertexDataAsColoredPoint2D());
     return geometry;
 }
 

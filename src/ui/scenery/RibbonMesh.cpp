@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cmath>
+#include <cstddef>
 #include <span>
 
 namespace velmora {
@@ -14,23 +15,41 @@ struct Rib {
     double share = 0;    ///< of the band's colour
 };
 
-/// Draws a band along `curve` with a vertex on every rib every `step` points.
-void drawBand(MeshWriter& mesh, const RibbonSet& ribbons, const RibbonCurve& curve, double step,
-              std::span<const Rib> ribs, bool glows) {
-    const auto ribCount = static_cast<quint32>(ribs.size());
-    for (double x = 0; x <= curve.end(); x += step) {
+/// What one band consists of.
+struct Band {
+    std::size_t stride = 1; ///< steps of the ribbon's path from one row of vertices to the next
+    std::span<const Rib> ribs;
+    bool glows = false;
+};
+
+/// Draws a band along `curve`. The colours depend on the field's width alone, so that in a mesh of the same
+/// layout the vertices only move.
+void drawBand(MeshWriter& mesh, const RibbonSet& ribbons, const RibbonCurve& curve, const Band& band) {
+    quint32 rows = 0;
+    quint32 end = 0; // the index after that of the last vertex
+    for (std::size_t i = 0; i < curve.path.size(); i += band.stride) {
+        const double x = static_cast<double>(i) * ribbonStep;
         const RibbonPoint point = curve.at(x);
-        const double length = std::sqrt(1 + point.slope * point.slope);
-        const AccentMix mix = ribbons.color(curve, x);
-        const MeshColor color = accentColor(mix.violet, mix.indigo).faded(glows ? ribbons.glowPeak(x) : 1);
-        quint32 here = 0;
-        for (const Rib& rib : ribs) {
-            here = mesh.addVertex(x - rib.distance * point.slope / length, point.y + rib.distance / length,
-                                  color.faded(rib.share));
-            if (x > 0 && rib.distance > ribs.front().distance) {
-                mesh.addQuad(here - 1 - ribCount, here - 1, here, here - ribCount);
+        const double down = 1 / std::sqrt(1 + point.slope * point.slope); // across the ribbon
+        const double left = point.slope * down;
+        if (mesh.keepsLayout()) {
+            for (const Rib& rib : band.ribs) {
+                mesh.moveVertex(x - rib.distance * left, point.y + rib.distance * down);
             }
+            continue;
         }
+        const AccentMix mix = ribbons.color(curve, x);
+        const MeshColor color =
+            accentColor(mix.violet, mix.indigo).faded(band.glows ? ribbons.glowPeak(x) : 1);
+        for (const Rib& rib : band.ribs) {
+            end = 1 + mesh.addVertex(x - rib.distance * left, point.y + rib.distance * down,
+                                     color.faded(rib.share));
+        }
+        ++rows;
+    }
+    const auto ribCount = static_cast<quint32>(band.ribs.size());
+    for (quint32 rib = 0; rib + 1 < ribCount; ++rib) {
+        mesh.addStrip(end - rows * ribCount + rib, rows, ribCount);
     }
 }
 
@@ -61,16 +80,17 @@ RibbonMesh::RibbonMesh() {
 }
 
 void RibbonMesh::draw(const RibbonSet& ribbons, double scale) {
-    constexpr int glowSteps = 4; // the glow needs fewer vertices along the path than the stroke
+    constexpr std::size_t glowStride = 4; // the glow needs fewer vertices along the path than the stroke
     static const GlowRibs glow = glowRibs();
-    m_mesh.start(ribbons.curves.front().path.size());
+    const auto stroke = strokeRibs(scale);
+    m_mesh.start(*this, ribbons.size.width());
     for (const RibbonCurve& curve : ribbons.curves) {
-        drawBand(m_mesh, ribbons, curve, glowSteps * ribbonStep, glow, true);
+        drawBand(m_mesh, ribbons, curve, {.stride = glowStride, .ribs = glow, .glows = true});
     }
     for (const RibbonCurve& curve : ribbons.curves) {
-        drawBand(m_mesh, ribbons, curve, ribbonStep, strokeRibs(scale), false);
+        drawBand(m_mesh, ribbons, curve, {.ribs = stroke});
     }
-    m_mesh.finish(*this);
+    m_mesh.finish();
 }
 
 } // namespace velmora

@@ -131,11 +131,11 @@ QSGGeometryNode* SpectrumStrip::mesh(QSGGeometryNode* mesh, double scale) {
         m_mesh = {};
     }
     const std::vector<Bar> all = bars();
-    m_mesh.start(all.size());
+    m_mesh.start(*mesh, static_cast<double>(all.size()));
     for (const Bar& bar : all) {
         drawBar(m_mesh, bar, height(), scale);
     }
-    m_mesh.finish(*mesh);
+    m_mesh.finish();
     return mesh;
 }
 
