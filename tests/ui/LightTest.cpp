@@ -34,7 +34,7 @@ protected:
 };
 
 struct CardCase {
-    double highlight;
+    bool lit;
     double shadowOpacity;
     double shadowRadius;
     double lineOpacity;
@@ -42,15 +42,15 @@ struct CardCase {
 };
 
 TEST_F(LightTest, ShinesAroundTheCard) {
-    for (const CardCase& row : {CardCase{0, 0.12, 14, 0.35, 1}, CardCase{1, 0.35, 26, 0.95, 2}}) {
-        showOn(Qt::black, "Card", {{"highlight", row.highlight}}, {600, 400}, 90);
+    for (const CardCase& row : {CardCase{false, 0.12, 14, 0.35, 1}, CardCase{true, 0.35, 26, 0.95, 2}}) {
+        showOn(Qt::black, "Card", {{"lit", row.lit}}, {600, 400}, 90);
         const QImage image = grab();
         for (const int away : {5, 15, 30}) {
             const double share = below(-(away + 0.5), row.shadowRadius);
             EXPECT_LE(distance(image.pixelColor(90 + 300, 90 - 1 - away),
                                over(Qt::black, Neon::violet, row.shadowOpacity * share)),
                       2)
-                << away << " points above the card at " << row.highlight;
+                << away << " points above the card, lit: " << row.lit;
         }
         for (int depth = 0; depth < row.lineWidth; ++depth) {
             const double left = (0.5 * 600 + 200.0 * 400) / (600.0 * 600 + 400 * 400); // along the diagonal
@@ -63,7 +63,7 @@ TEST_F(LightTest, ShinesAroundTheCard) {
 }
 
 TEST_F(LightTest, DarkensTheCardsGround) {
-    showOn(Qt::white, "Card", {{"highlight", 0.0}}, {600, 400});
+    showOn(Qt::white, "Card", {{"lit", false}}, {600, 400});
     const QImage image = grab();
     EXPECT_LE(distance(image.pixelColor(60 + 300, 60 + 200), over(Qt::white, Qt::black, 0.42)), 1);
     // A corner of radius 18 leaves the point (5, 5) outside, and takes (6, 6) in.

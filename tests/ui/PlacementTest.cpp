@@ -84,6 +84,23 @@ TEST_F(PlacementTest, BrightensTheCardWhileADragHovers) {
     EXPECT_LT(resting, 130);
 }
 
+TEST_F(PlacementTest, BlendsTheCardAtRestAndLitWithoutPaintingItAgain) {
+    showContent();
+    QQuickItem* const card = find("card");
+    const QPoint edge = place(card).topLeft() + QPoint(0, 40);
+    const auto blueAt = [&](double highlight) {
+        card->setProperty("highlight", highlight);
+        return grab().pixelColor(edge).blue();
+    };
+    const int resting = blueAt(0);
+    const int lit = blueAt(1);
+    EXPECT_NEAR(blueAt(0.5), (resting + lit) / 2.0, 25);
+    EXPECT_EQ(find("litCard")->opacity(), 0.5);
+    EXPECT_TRUE(find("litCard")->property("lit").toBool());
+    EXPECT_EQ(blueAt(0), resting);
+    EXPECT_FALSE(find("litCard")->isVisible());
+}
+
 TEST_F(PlacementTest, EasesTheCardOut) {
     showContent()->setProperty("animated", true);
     scan.setTargeted(true); // the animation is made when it is needed

@@ -22,12 +22,8 @@ QPainterPath rounded(const QRectF& box, double radius) {
 
 } // namespace
 
-double Card::between(double resting, double lit) const {
-    return resting + m_highlight * (lit - resting);
-}
-
 QMarginsF Card::overflow() const {
-    const double reach = blurReach(between(14, 26));
+    const double reach = blurReach(either(14, 26));
     return {reach, reach, reach, reach};
 }
 
@@ -40,14 +36,14 @@ void Card::paint(QPainter& painter) const {
     outside.addRect(box.marginsAdded(overflow()));
     painter.save();
     painter.setClipPath(outside.subtracted(shape));
-    drawBlurred(painter, box, between(14, 26), Neon::faded(Neon::violet, between(0.12, 0.35)), 1,
+    drawBlurred(painter, box, either(14, 26), Neon::faded(Neon::violet, either(0.12, 0.35)), 1,
                 [&shape](QPainter& target) { target.fillPath(shape, Qt::black); });
     painter.restore();
 
     painter.fillPath(shape, Neon::faded(Qt::black, fillOpacity));
 
-    const double opacity = between(0.35, 0.95);
-    const double line = between(1, 2);
+    const double opacity = either(0.35, 0.95);
+    const double line = either(1, 2);
     QLinearGradient gradient(box.topLeft(), box.bottomRight());
     gradient.setColorAt(0, Neon::faded(Neon::violet, opacity));
     gradient.setColorAt(1, Neon::faded(Neon::indigo, opacity));

@@ -1,7 +1,6 @@
 #pragma once
 
-// The card in the middle of the window, which holds the panel of the present phase. It brightens while a drag
-// hovers.
+// The ground of the card in the middle of the window, at rest or lit, as it is while a drag hovers.
 
 #include "ui/kit/PaintedItem.h"
 
@@ -12,7 +11,7 @@ namespace velmora {
 class Card : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
-    Q_PROPERTY(double highlight MEMBER m_highlight NOTIFY changed)
+    Q_PROPERTY(bool lit MEMBER m_lit NOTIFY changed)
 
 public:
     using PaintedItem::PaintedItem;
@@ -23,10 +22,10 @@ protected:
     void paint(QPainter& painter) const override;
 
 private:
-    /// The value on the way from `resting` to `lit`.
-    double between(double resting, double lit) const;
+    /// Of the values for the two states, the one for this.
+    double either(double resting, double lit) const { return m_lit ? lit : resting; }
 
-    double m_highlight = 0; ///< from 0, at rest, to 1
+    bool m_lit = false;
 };
 
 } // namespace velmora

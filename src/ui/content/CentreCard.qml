@@ -1,8 +1,8 @@
 import QtQuick
 import Velmora
 
-// The card with the panel of the present phase in its middle.
-Card {
+// The card with the panel of the present phase in its middle. It brightens while a drag hovers.
+Item {
     id: card
 
     required property ScanView scan
@@ -12,7 +12,7 @@ Card {
     signal filesWanted
     signal unreadableWanted
 
-    highlight: scan.targeted ? 1 : 0
+    property real highlight: scan.targeted ? 1 : 0 ///< from 0, at rest, to 1
 
     Behavior on highlight {
         objectName: "brightening"
@@ -23,6 +23,21 @@ Card {
             easing.type: Easing.BezierSpline
             easing.bezierCurve: [0, 0, 0.58, 1, 1, 1] // ease-out
         }
+    }
+
+    // One fades into the other: each is painted once, which takes longer than a frame.
+    Card {
+        anchors.fill: parent
+        opacity: 1 - card.highlight
+        visible: opacity > 0
+    }
+
+    Card {
+        objectName: "litCard"
+        anchors.fill: parent
+        lit: true
+        opacity: card.highlight
+        visible: opacity > 0
     }
 
     Item {
