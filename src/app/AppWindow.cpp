@@ -19,6 +19,7 @@ AppWindow::AppWindow(AppDelegate& delegate) {
         {"actions", QVariant::fromValue<Actions*>(&m_actions)},
         {"alerts", QVariant::fromValue(&m_alerts)},
         {"details", QVariant::fromValue(&m_details)},
+        {"panel", QVariant::fromValue(&m_panel)},
         {"animated", m_motion.animated()},
         {"workArea", QSizeF(QGuiApplication::primaryScreen()->availableSize())},
         {"visible", true},

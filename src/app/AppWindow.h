@@ -6,9 +6,11 @@
 #include "app/UpdateAlerts.h"
 #include "app/WindowActions.h"
 #include "app/desktop/ReducedMotion.h"
+#include "app/panels/Panels.h"
 #include "scan/ScanModel.h"
 #include "ui/content/ScanView.h"
 #include "ui/details/Details.h"
+#include "ui/panel/FilePanel.h"
 #include "ui/window/Alerts.h"
 
 #include <QByteArray>
@@ -42,7 +44,9 @@ private:
     ScanView m_view{m_model};
     Details m_details{m_model};
     Alerts m_alerts;
-    WindowActions m_actions{m_model, m_view, m_alerts};
+    FilePanel m_panel;
+    Panels m_panels{m_panel, m_alerts};
+    WindowActions m_actions{m_model, m_view, m_alerts, m_panels};
     UpdateAlerts m_updates{m_alerts, [this] { raise({}); }};
     ReducedMotion m_motion;
     QQuickWindow* m_window = nullptr;

@@ -1,7 +1,7 @@
 #include "app/WindowActions.h"
 
 #include "app/desktop/FileReveal.h"
-#include "app/dialogs/FileDialogs.h"
+#include "app/panels/Panels.h"
 #include "scan/ScanModel.h"
 #include "ui/content/ScanView.h"
 #include "update/UpdateChecker.h"
@@ -30,17 +30,21 @@ AlertText aboutText() {
                            "window and read the total.\n\nBy Orventa, under the MIT licence.")};
 }
 
-WindowActions::WindowActions(ScanModel& model, ScanView& view, Alerts& alerts)
+WindowActions::WindowActions(ScanModel& model, ScanView& view, Alerts& alerts, Panels& panels)
     : m_model(model)
     , m_view(view)
-    , m_alerts(alerts) {}
+    , m_alerts(alerts)
+    , m_panels(panels) {}
 
 void WindowActions::start(const Paths& paths) {
+    if (!paths.empty()) {
+        m_panels.close(); // what it asks may be about the scan that ends here
+    }
     m_model.ingest(paths);
 }
 
 void WindowActions::choose() {
-    start(chooseSources(m_window));
+    m_panels.chooseSources([this](const Paths& paths) { start(paths); });
 }
 
 void WindowActions::copyRuntime() {
@@ -56,19 +60,9 @@ void WindowActions::copyFileList() {
 void WindowActions::zip() {
     const ZipProposal proposal{m_model.suggestedZipName(), m_model.suggestedZipDirectory(),
                                static_cast<int>(m_model.summary().files.size())};
-    const auto destination = chooseZip(m_window, proposal);
-    if (!destination) {
-        return;
-    }
-    if (const std::optional<std::string> objection = m_model.objectionToZip(*destination)) {
-        m_alerts.show({.title = QStringLiteral("Choose another name"),
-                       .body = QString::fromStdString(*objection) + QStringLiteral("."),
-                       .acceptTitle = QStringLiteral("Choose"),
-                       .dismissTitle = QStringLiteral("Cancel"),
-                       .accepted = [this] { zip(); }});
-        return;
-    }
-    m_model.makeZip(*destination);
+    m_panels.chooseZip(
+        proposal, [this](const std::filesystem::path& path) { return m_model.objectionToZip(path); },
+        [this](const std::filesystem::path& path) { m_model.makeZip(path); });
 }
 
 void WindowActions::reset() {

@@ -12,6 +12,7 @@ class QWindow;
 
 namespace velmora {
 
+class Panels;
 class ScanModel;
 class ScanView;
 
@@ -23,15 +24,15 @@ class WindowActions : public Actions {
 
 public:
     /// All of these outlive the actions.
-    WindowActions(ScanModel& model, ScanView& view, Alerts& alerts);
+    WindowActions(ScanModel& model, ScanView& view, Alerts& alerts, Panels& panels);
 
-    /// The window over which dialogs are shown; none until it exists.
+    /// The window that these are the actions of; none until it exists.
     void setWindow(QWindow* window) { m_window = window; }
 
     /// What "Check for Updates…" does.
     void setUpdateCheck(std::function<void()> check) { m_checkForUpdates = std::move(check); }
 
-    /// Scans `paths`. Every scan starts here.
+    /// Scans `paths`; a file panel that is open closes. Every scan starts here.
     void start(const velmora::Paths& paths);
 
     void choose() override;
@@ -50,6 +51,7 @@ private:
     ScanModel& m_model;
     ScanView& m_view;
     Alerts& m_alerts;
+    Panels& m_panels;
     QWindow* m_window = nullptr;
     std::function<void()> m_checkForUpdates;
 };

@@ -13,7 +13,7 @@
 #include "ui/Views.h"
 #include "update/UpdateChecker.h"
 
-#include <QApplication>
+#include <QGuiApplication>
 #include <QIcon>
 #include <QSocketNotifier>
 
@@ -73,11 +73,11 @@ int openWindow(int argc, char** argv, const Paths& paths) {
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && isBetterInSoftware()) {
         qputenv("QT_QUICK_BACKEND", "software");
     }
-    QApplication::setDesktopFileName(applicationId);
-    QApplication::setOrganizationName(QStringLiteral("Orventa"));
-    QApplication::setApplicationName(QStringLiteral("Velmora"));
-    const QApplication application(argc, argv);
-    QApplication::setWindowIcon(windowIcon());
+    QGuiApplication::setDesktopFileName(applicationId);
+    QGuiApplication::setOrganizationName(QStringLiteral("Orventa"));
+    QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
+    const QGuiApplication application(argc, argv);
+    QGuiApplication::setWindowIcon(windowIcon());
 
     SingleInstance instance;
     if (!instance.claim(paths)) {
@@ -87,7 +87,7 @@ int openWindow(int argc, char** argv, const Paths& paths) {
     const QSocketNotifier endingNotifier(endingSignals.descriptor(), QSocketNotifier::Read);
     QObject::connect(&endingNotifier, &QSocketNotifier::activated, &application, [&] {
         endingSignals.take();
-        QCoreApplication::exit(EXIT_SUCCESS); // an open panel's event loop ends as well
+        QCoreApplication::exit(EXIT_SUCCESS);
     });
     // When the application has gone everything is in order. Qt would then wait for a name that is still being
     // resolved, which can take 20 seconds.
@@ -109,7 +109,7 @@ int openWindow(int argc, char** argv, const Paths& paths) {
                              delegate.open(requested);
                          }
                      });
-    status = QApplication::exec();
+    status = QGuiApplication::exec();
     instance.giveUp(); // from here on a start opens a window of its own
     endSoon(endingSignals.descriptor(), status);
     return status;

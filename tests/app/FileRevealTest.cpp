@@ -3,10 +3,12 @@
 #include "app/desktop/FileReveal.h"
 
 #include "app/WindowActions.h"
+#include "app/panels/Panels.h"
 #include "scan/ScanModel.h"
 #include "tests/support/ComesTrue.h"
 #include "tests/support/Files.h"
 #include "ui/content/ScanView.h"
+#include "ui/panel/FilePanel.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -68,7 +70,9 @@ TEST_F(FileRevealTest, OfASavedZipThatFailsTellsThePathAndCopiesIt) {
                                    const auto&) { return Measured{.url = path, .seconds = 3, .bytes = 5}; }});
     ScanView view(model);
     Alerts alerts;
-    WindowActions actions(model, view, alerts);
+    FilePanel panel;
+    Panels panels(panel, alerts);
+    WindowActions actions(model, view, alerts, panels);
     actions.start({folder / "a.wav"});
     ASSERT_TRUE(comesTrue([&] { return view.done(); }));
     model.makeZip(folder / "out.zip");

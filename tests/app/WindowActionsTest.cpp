@@ -1,8 +1,10 @@
 #include "app/WindowActions.h"
 
+#include "app/panels/Panels.h"
 #include "scan/ScanModel.h"
 #include "tests/support/ComesTrue.h"
 #include "ui/content/ScanView.h"
+#include "ui/panel/FilePanel.h"
 
 #include <QClipboard>
 #include <QGuiApplication>
@@ -34,7 +36,9 @@ protected:
                        const auto&) { return Measured{.url = path, .seconds = 3, .bytes = 10}; }}};
     ScanView view{model};
     Alerts alerts;
-    WindowActions actions{model, view, alerts};
+    FilePanel panel;
+    Panels panels{panel, alerts};
+    WindowActions actions{model, view, alerts, panels};
 };
 
 TEST_F(WindowActionsTest, CopyTheTotalAndSaySo) {

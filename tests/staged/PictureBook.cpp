@@ -5,74 +5,22 @@
 
 #include "app/WindowActions.h"
 #include "screenshots/Screenshots.h"
-#include "tests/staged/RecordingActions.h"
-#include "tests/staged/SampleDetails.h"
-#include "tests/staged/StagedWindow.h"
-#include "tests/support/ComesTrue.h"
+#include "tests/staged/PanelPages.h"
 #include "ui/Views.h"
-#include "ui/content/ScanView.h"
-#include "ui/details/Details.h"
-#include "ui/window/Alerts.h"
 
 #include <QGuiApplication>
 #include <QImage>
-#include <QQmlEngine>
-#include <QQuickItem>
-#include <QQuickWindow>
+#include <QLocale>
 #include <QTest>
 
 #include <cstdlib>
 #include <filesystem>
-#include <functional>
 #include <map>
 #include <set>
 #include <string>
 
 namespace velmora::test {
 namespace {
-
-/// One state of the window while it is arranged.
-struct Stage {
-    ScanView scan;
-    Alerts alerts;
-    Details details;
-    RecordingActions actions;
-    QQmlEngine engine;
-    std::unique_ptr<QQuickWindow> window = stageWindow(engine, scan, actions, alerts, false, &details);
-    bool complete = true; ///< whether everything that the page shows has appeared
-
-    QQuickItem* item(const char* name) { return window->findChild<QQuickItem*>(name); }
-
-    void press(Qt::Key key, int times = 1) {
-        for (int i = 0; i < times; ++i) {
-            QTest::keyClick(window.get(), key);
-        }
-    }
-
-    void hover(const char* name) {
-        const QQuickItem* target = item(name);
-        QTest::mouseMove(window.get(),
-                         target->mapToScene({target->width() / 2, target->height() / 2}).toPoint());
-        QTest::qWait(1);
-    }
-
-    void showDetails(Details::List list) {
-        const auto [found, summary] = sampleDetails();
-        details.show(found, summary);
-        details.openOn(list);
-        complete = complete && comesTrue([this] { return details.rows()->count() > 0; });
-    }
-
-    void awaitToolTip() {
-        const bool shown = comesTrue([this] { return !visibleToolTips(*window).isEmpty(); });
-        complete = complete && shown;
-    }
-};
-
-struct Page {
-    ScanState state = {};
-    std::function<void(Stage& stage)> arrange = {};
-};
 
 ScanState scanning(int processed, const std::string& source) {
     return {.phase = ScanModel::Phase::scanning,
@@ -270,6 +218,7 @@ int writeAll(const std::filesystem::path& directory, const QSize& points,
     pages.merge(controlPages());
     pages.merge(alertPages());
     pages.merge(detailsPages());
+    pages.merge(panelPages(done()));
     int failures = 0;
     for (const auto& [name, page] : pages) {
         if (wanted.empty() || wanted.contains(name)) {
@@ -287,11 +236,13 @@ int main(int argc, char** argv) {
         return 2;
     }
     velmora::Screenshots::prepareEnvironment();
+    qputenv("TZ", "UTC");
     if (argc > 4) {
         qputenv("QT_SCALE_FACTOR", argv[4]);
     }
     const QGuiApplication application(argc, argv);
     velmora::Views::prepare();
+    QLocale::setDefault(QLocale::c()); // dates look the same everywhere
     const QSize points = argc > 3 ? QSize(std::atoi(argv[2]), std::atoi(argv[3])) : QSize(940, 700);
     return velmora::test::writeAll(argv[1], points, {argv + std::min(argc, 5), argv + argc});
 }

@@ -15,6 +15,7 @@ namespace velmora {
 class Actions;
 class Alerts;
 class Details;
+class FilePanel;
 class ScanView;
 
 namespace test {
@@ -24,6 +25,9 @@ namespace test {
 /// without `details` there are none to open.
 std::unique_ptr<QQuickWindow> stageWindow(QQmlEngine& engine, ScanView& scan, Actions& actions,
                                           Alerts& alerts, bool animated, Details* details = nullptr);
+
+/// The file panel of `window`. The folders that it shows are made up: nothing is read.
+FilePanel& panelOf(const QQuickWindow& window);
 
 /// The tool tips that `window` shows.
 QList<QQuickItem*> visibleToolTips(const QQuickWindow& window);

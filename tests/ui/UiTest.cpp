@@ -6,6 +6,7 @@
 #include <QTest>
 
 #include <algorithm>
+#include <iterator>
 
 namespace velmora::test {
 
@@ -92,6 +93,22 @@ QQuickItem* UiTest::find(const char* objectName) {
     auto* const item = window->findChild<QQuickItem*>(objectName);
     EXPECT_NE(item, nullptr) << objectName;
     return item;
+}
+
+QList<QQuickItem*> UiTest::shown() const {
+    QList<QQuickItem*> items = {window->contentItem()};
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const QList<QQuickItem*> children = items[i]->childItems();
+        std::ranges::copy_if(children, std::back_inserter(items), &QQuickItem::isVisible);
+    }
+    return items;
+}
+
+QQuickItem* UiTest::labelled(const char* property, const QString& value) const {
+    const QList<QQuickItem*> items = shown();
+    const auto found = std::ranges::find_if(
+        items, [&](const QQuickItem* item) { return item->property(property).toString() == value; });
+    return found == items.end() ? nullptr : *found;
 }
 
 QRect UiTest::place(const QQuickItem* item) {

@@ -48,6 +48,12 @@ protected:
     /// The item of that object name; a failure if there is none.
     QQuickItem* find(const char* objectName);
 
+    /// Everything that is shown, lists' rows included.
+    QList<QQuickItem*> shown() const;
+
+    /// The item that is shown whose `property` is `value`; null if there is none.
+    QQuickItem* labelled(const char* property, const QString& value) const;
+
     /// Where `item` is in the window, in points.
     static QRect place(const QQuickItem* item);
 

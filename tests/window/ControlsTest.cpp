@@ -32,17 +32,17 @@ TEST_F(ControlsTest, StartAnew) {
     awaitShown("STANDBY");
 }
 
-TEST_F(ControlsTest, OpenTheDialogForSources) {
+TEST_F(ControlsTest, OpenThePanelForSources) {
     open();
     click("CHOOSE…");
-    awaitActive("Choose a folder, archive, or audio files");
+    awaitShown("Choose a folder, archive, or audio files");
     awaitShown("Measure");
 }
 
-TEST_F(ControlsTest, OpenTheDialogForTheZip) {
+TEST_F(ControlsTest, OpenThePanelForTheZip) {
     openOnResult();
     click("ZIP…");
-    awaitActive("Save a zip of the 2 audio files");
+    awaitShown("Save a zip of the 2 audio files");
     awaitShown("Zip");
 }
 

@@ -165,10 +165,10 @@ TEST_P(SignalTest, EndsItThoughAShareDoesNotAnswer) {
     expectEndWithoutATrace();
 }
 
-TEST_P(SignalTest, EndsItUnderAnOpenDialog) {
+TEST_P(SignalTest, EndsItUnderAnOpenPanel) {
     openOnResult();
     desktop.press("ctrl+o");
-    awaitActive("Choose");
+    awaitShown("Measure");
     velmora->send(GetParam().number);
     expectEndWithoutATrace();
 }

@@ -61,7 +61,7 @@ TEST_F(WaylandTest, MaximisesAndRestoresByItsButton) {
     EXPECT_TRUE(comesTrue([this] { return window().size() == firstSize; }));
 }
 
-TEST_F(WaylandTest, TakesWhatIsTypedInItsDialog) {
+TEST_F(WaylandTest, TakesWhatIsTypedInItsPanel) {
     const QString other = tone("b.wav", 4);
     desktop.press("ctrl+o");
     awaitShown("Measure");
@@ -84,6 +84,18 @@ protected:
 TEST_F(SmallWaylandTest, ShowsTheTotalWithoutPointerAndKeyboard) {
     EXPECT_LT(window().width(), 840);
     EXPECT_LT(window().height(), 640);
+    act("Close");
+    expectEndWithoutATrace();
+}
+
+TEST_F(SmallWaylandTest, OpensItsPanelWithoutPointerAndKeyboard) {
+    act("ZIP…");
+    awaitShown("Save a zip of the 1 audio files");
+    act("Cancel");
+    awaitGone("Cancel");
+    act("RESET");
+    act("CHOOSE…");
+    awaitShown("Choose a folder, archive, or audio files");
     act("Close");
     expectEndWithoutATrace();
 }

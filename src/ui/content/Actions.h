@@ -1,7 +1,7 @@
 #pragma once
 
 // What the window's controls ask of the program. The views call these, and know nothing of the
-// dialogs, the clipboard, the files and the network that do the work.
+// panels, the clipboard, the files and the network that do the work.
 
 #include <QByteArray>
 #include <QObject>
@@ -9,7 +9,7 @@
 
 namespace velmora {
 
-/// Called on the main thread; every operation returns at once or after a modal dialog has closed.
+/// Called on the main thread; every operation returns at once.
 class Actions : public QObject {
     Q_OBJECT
     QML_ELEMENT
@@ -19,10 +19,10 @@ public:
     using QObject::QObject;
 
 public slots:
-    virtual void choose() = 0;                         ///< the open dialog, then a scan of what was chosen
+    virtual void choose() = 0;                         ///< asks which, then a scan of what was chosen
     virtual void copyRuntime() = 0;                    ///< the total to the clipboard, with its flash
     virtual void copyFileList() = 0;                   ///< the names to the clipboard, with its flash
-    virtual void zip() = 0;                            ///< the save dialog, then the packing
+    virtual void zip() = 0;                            ///< asks where, then the packing
     virtual void reset() = 0;                          ///< back to the start
     virtual void revealZip() = 0;                      ///< shows the saved archive in the file manager
     virtual void copyText(const QByteArray& text) = 0; ///< these bytes to the clipboard, usually UTF-8

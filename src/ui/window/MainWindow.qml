@@ -9,6 +9,7 @@ Window {
     required property Actions actions
     required property Alerts alerts
     required property Details details
+    required property FilePanel panel
     property bool animated: true
     property bool covered: false ///< nothing of the window can be seen
     property size workArea: Qt.size(Infinity, Infinity) ///< what the first size has to fit into
@@ -30,7 +31,7 @@ Window {
         id: clock
 
         window: window
-        animated: window.animated && !window.covered
+        animated: window.animated && !window.covered && !panelHost.active // nothing else moves then
     }
 
     WindowMover {
@@ -44,6 +45,7 @@ Window {
         anchors.fill: parent
         anchors.topMargin: titleBar.height
         headroom: titleBar.height
+        enabled: !panelHost.active
         scan: window.scan
         actions: window.actions
         time: clock.time
@@ -60,7 +62,16 @@ Window {
         height: content.card.height
         details: window.details
         actions: window.actions
-        blocked: window.alerts.open
+        enabled: !panelHost.active
+        blocked: window.alerts.open || panelHost.active
+    }
+
+    PanelHost {
+        id: panelHost
+
+        anchors.fill: parent
+        anchors.topMargin: titleBar.height
+        panel: window.panel
     }
 
     TitleBar {
@@ -102,7 +113,7 @@ Window {
 
     Shortcuts {
         menuOpen: menu.visible
-        blocked: window.alerts.open
+        blocked: window.alerts.open || panelHost.active
         scan: window.scan
         actions: window.actions
         details: window.details

@@ -1,4 +1,4 @@
-// The open and the save dialog, worked with the keyboard and the pointer.
+// The file panel in the real window, worked with the keyboard and the pointer.
 
 #include "system/RegularFile.h"
 #include "tests/support/Archives.h"
@@ -16,19 +16,19 @@
 namespace velmora::test {
 namespace {
 
-class OpenDialogTest : public WindowTest {
+class OpenPanelTest : public WindowTest {
 protected:
-    void openDialog() {
+    void openPanel() {
         open();
         desktop.press("ctrl+o");
-        awaitActive("Choose a folder, archive, or audio files");
-        awaitShown("Measure");
+        awaitShown("Choose a folder, archive, or audio files");
+        awaitShown("Files");
     }
 };
 
-TEST_F(OpenDialogTest, TakesAFileThatIsTyped) {
+TEST_F(OpenPanelTest, TakesAFileThatIsTyped) {
     const QString file = tone("a.wav", 3);
-    openDialog();
+    openPanel();
     desktop.type(file);
     desktop.press("Return");
     awaitShown("00:00:03");
@@ -36,54 +36,79 @@ TEST_F(OpenDialogTest, TakesAFileThatIsTyped) {
     awaitClipboard("TOTAL RUNTIME  00:00:03   (3 sec)\n1 audio file — A.WAV");
 }
 
-TEST_F(OpenDialogTest, TakesAFolderThatIsTyped) {
+TEST_F(OpenPanelTest, OpensAFolderThatIsTypedAndMeasuresItByCtrlEnter) {
     tone("set/a.wav", 3);
-    openDialog();
+    openPanel();
     desktop.type(text(folder / "set"));
     desktop.press("Return");
+    awaitShown("a.wav");
+    desktop.type(text(folder / "set"));
+    desktop.press("ctrl+Return");
     awaitShown("00:00:03");
     desktop.press("ctrl+c");
     awaitClipboard("TOTAL RUNTIME  00:00:03   (3 sec)\n1 audio file — SET");
 }
 
-TEST_F(OpenDialogTest, BeginsWithTheMusicAndTakesFilesAndFoldersTogether) {
+TEST_F(OpenPanelTest, MeasuresNothingForANameThatIsNotThere) {
+    openPanel();
+    desktop.type("/nowhere/a.ogg");
+    desktop.press("Return");
+    awaitShown("“/nowhere/a.ogg”: not there");
+    click("Measure");
+    desktop.press("Escape");
+    desktop.press("Escape");
+    awaitGone("Choose a folder, archive, or audio files");
+    awaitShown("STANDBY");
+}
+
+TEST_F(OpenPanelTest, TakesANameThatIsNoText) {
+    fs::create_directory(desktop.home() / "Music");
+    tone("a.wav", 3);
+    fs::copy(folder / "a.wav", desktop.home() / "Music" / "\xff.wav");
+    openPanel();
+    click("\uFFFD.wav");
+    click("Measure");
+    awaitShown("00:00:03");
+}
+
+TEST_F(OpenPanelTest, BeginsWithTheMusicAndTakesFilesAndFoldersTogether) {
     const fs::path music = desktop.home() / "Music";
     fs::create_directories(music / "set");
     tone("a.wav", 3);
     fs::copy(folder / "a.wav", music / "a.wav");
     fs::copy(folder / "a.wav", music / "set" / "b.wav");
-    openDialog();
+    openPanel();
     click("a.wav");
     desktop.press("ctrl+a");
     click("Measure");
     awaitShown("00:00:06");
+    awaitGone("Measure");
     desktop.press("ctrl+c");
     awaitClipboard("TOTAL RUNTIME  00:00:06   (6 sec)\n2 audio files — 2 ITEMS");
 }
 
-TEST_F(OpenDialogTest, LooksIntoNoFileThatItLists) {
+TEST_F(OpenPanelTest, LooksIntoNoFileThatItLists) {
     const fs::path music = desktop.home() / "Music";
     fs::create_directory(music);
     const fs::path file = write(music / "unknown", "content");
     const FileDescriptor watch(::inotify_init1(IN_CLOEXEC | IN_NONBLOCK));
     ASSERT_GE(::inotify_add_watch(watch.get(), file.c_str(), IN_OPEN), 0);
-    openDialog();
+    openPanel();
+    click("All files");
     awaitShown("unknown");
-    desktop.press("Escape");
-    awaitActive("Velmora");
     std::array<char, 256> events{};
     EXPECT_LT(::read(watch.get(), events.data(), events.size()), 0) << "the file was opened";
     EXPECT_EQ(errno, EAGAIN);
 }
 
-TEST_F(OpenDialogTest, ChangesNothingWhenItIsCancelled) {
-    openDialog();
+TEST_F(OpenPanelTest, ChangesNothingWhenItIsCancelled) {
+    openPanel();
     desktop.press("Escape");
-    awaitActive("Velmora");
+    awaitGone("Choose a folder, archive, or audio files");
     awaitShown("STANDBY");
 }
 
-class SaveDialogTest : public WindowTest {
+class SavePanelTest : public WindowTest {
 protected:
     void SetUp() override {
         tone("set/a.wav", 3);
@@ -92,10 +117,10 @@ protected:
         awaitShown("READY");
     }
 
-    void openDialog() {
+    void openPanel() {
         desktop.press("ctrl+s");
-        awaitActive("Save a zip of the 2 audio files");
-        awaitShown("Zip");
+        awaitShown("Save a zip of the 2 audio files");
+        awaitShown("set"); // the folder is read
     }
 
     /// Tests the archive with another program and expects both files in it, in a folder named as it.
@@ -109,16 +134,16 @@ protected:
     fs::path zip = folder / "set.zip"; ///< the proposal
 };
 
-TEST_F(SaveDialogTest, SavesAsProposed) {
-    openDialog();
+TEST_F(SavePanelTest, SavesAsProposed) {
+    openPanel();
     desktop.press("Return");
     awaitShown("ZIP SAVED · set.zip");
     expectArchive(zip);
 }
 
-TEST_F(SaveDialogTest, SavesWhereOneTypesAndAddsTheExtension) {
+TEST_F(SavePanelTest, SavesWhereOneTypesAndAddsTheExtension) {
     const fs::path elsewhere = freshFolder();
-    openDialog();
+    openPanel();
     desktop.press("ctrl+a");
     desktop.type(text(elsewhere / "my mix"));
     desktop.press("Return");
@@ -126,47 +151,54 @@ TEST_F(SaveDialogTest, SavesWhereOneTypesAndAddsTheExtension) {
     expectArchive(elsewhere / "my mix.zip");
 }
 
-TEST_F(SaveDialogTest, AsksBeforeItReplaces) {
+TEST_F(SavePanelTest, AsksBeforeItReplaces) {
     write(zip, "old");
-    openDialog();
+    openPanel();
     desktop.press("Return");
-    awaitShown("set.zip already exists.\nDo you want to replace it?");
+    awaitShown("Replace “set.zip”?");
     desktop.press("Escape");
-    awaitGone("set.zip already exists.\nDo you want to replace it?");
+    awaitGone("Replace “set.zip”?");
     EXPECT_EQ(read(zip), "old");
     desktop.press("Return");
-    awaitShown("set.zip already exists.\nDo you want to replace it?");
-    desktop.press("alt+y");
+    awaitShown("Replace “set.zip”?");
+    desktop.press("Return");
     awaitShown("ZIP SAVED · set.zip");
     expectArchive(zip);
 }
 
-TEST_F(SaveDialogTest, TakesNoNameOfAnAudioFile) {
-    openDialog();
+TEST_F(SavePanelTest, ReplacesNoSourceOfTheScan) {
+    const fs::path source = pack(folder / "source.zip", folder / "set");
+    desktop.press("Escape");
+    awaitShown("STANDBY");
+    EXPECT_EQ(startAgain({text(source)}), 0);
+    awaitShown("READY");
+    const std::string before = read(source);
+    openPanel();
     desktop.press("ctrl+a");
-    desktop.type(text(folder / "new.wav"));
+    desktop.type("source");
     desktop.press("Return");
     awaitShown("Choose another name");
     desktop.press("Return");
-    awaitActive("Save a zip of the 2 audio files");
-    desktop.press("Return");
-    awaitShown("ZIP SAVED · set.zip");
     awaitGone("Choose another name");
-    EXPECT_FALSE(fs::exists(folder / "new.wav"));
+    desktop.press("ctrl+a");
+    desktop.type("other");
+    desktop.press("Return");
+    awaitShown("ZIP SAVED · other.zip");
+    EXPECT_EQ(read(source), before);
 }
 
-TEST_F(SaveDialogTest, ChangesNothingWhenItIsCancelled) {
-    openDialog();
+TEST_F(SavePanelTest, ChangesNothingWhenItIsCancelled) {
+    openPanel();
     desktop.press("Escape");
-    awaitActive("Velmora");
+    awaitGone("Save a zip of the 2 audio files");
     awaitShown("READY");
     EXPECT_FALSE(fs::exists(zip));
 }
 
-TEST_F(SaveDialogTest, SaysWhatFailed) {
-    openDialog();
+TEST_F(SavePanelTest, SaysWhatFailed) {
+    openPanel();
     desktop.press("ctrl+a");
-    desktop.type(text(folder / "gone" / "no.zip"));
+    desktop.type("/proc/no.zip"); // nobody can make a file there
     desktop.press("Return");
     EXPECT_TRUE(comesTrue([this] {
         const QList<Element> all = reader.shown();
@@ -174,18 +206,31 @@ TEST_F(SaveDialogTest, SaysWhatFailed) {
     }));
 }
 
-TEST_F(SaveDialogTest, ShowsWhatItSavedInTheFileManager) {
+TEST_F(SavePanelTest, BeginsNextTimeWithTheFolderAmongThosePlaces) {
+    const fs::path elsewhere = freshFolder() / "elsewhere";
+    fs::create_directory(elsewhere);
+    openPanel();
+    desktop.press("ctrl+a");
+    desktop.type(text(elsewhere / "mix"));
+    desktop.press("Return");
+    awaitShown("ZIP SAVED · mix.zip");
+    openPanel();
+    click("elsewhere");
+    awaitShown("mix.zip");
+}
+
+TEST_F(SavePanelTest, ShowsWhatItSavedInTheFileManager) {
     FileManager fileManager(desktop.bus());
-    openDialog();
+    openPanel();
     desktop.press("Return");
     click("ZIP SAVED · set.zip");
     EXPECT_TRUE(comesTrue([&] { return !fileManager.shown.isEmpty(); }));
     EXPECT_EQ(fileManager.shown, QStringList(url(zip)));
 }
 
-TEST_F(SaveDialogTest, OpensTheFolderWhereThereIsNoFileManagerToAsk) {
+TEST_F(SavePanelTest, OpensTheFolderWhereThereIsNoFileManagerToAsk) {
     const fs::path opened = recordOpening();
-    openDialog();
+    openPanel();
     desktop.press("Return");
     click("ZIP SAVED · set.zip");
     EXPECT_TRUE(comesTrue([&] { return fs::exists(opened); }));

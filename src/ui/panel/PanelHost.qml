@@ -1,0 +1,32 @@
+import QtQuick
+import Velmora
+
+// Shows the file panel while it is open, and gives the focus back to what had it before.
+Loader {
+    id: host
+
+    required property FilePanel panel
+    property Item focusBefore: null
+
+    active: false
+    focus: active
+
+    sourceComponent: FilePanelBox {
+        panel: host.panel
+    }
+
+    Connections {
+        target: host.panel
+
+        function onOpenChanged() {
+            if (host.panel.open) {
+                host.focusBefore = host.Window.activeFocusItem;
+                host.active = true;
+            } else {
+                host.active = false;
+                if (host.focusBefore)
+                    host.focusBefore.forceActiveFocus(Qt.PopupFocusReason);
+            }
+        }
+    }
+}
