@@ -57,24 +57,47 @@ constexpr int subSteps = 64;
 /// Two rows are blended in this many steps, which are those of the dither pattern, too.
 constexpr int blendSteps = 16;
 
+/// The first pixel whose middle is at or after the knot that follows `knot`.
+std::size_t firstPixelAfter(int knot, double cellPixels) {
+    return static_cast<std::size_t>(std::ceil((knot + 1) * cellPixels - 0.5));
+}
+
+/// For each pixel of a row, how far it is from the knot on its left to that on its right, from 0 to 1.
+std::vector<float> sharesOfRow(int pixels, double cellPixels) {
+    std::vector<float> shares(static_cast<std::size_t>(pixels));
+    int knot = 0;
+    for (std::size_t pixel = 0; pixel < shares.size(); ++pixel) {
+        while (pixel >= firstPixelAfter(knot, cellPixels)) {
+            ++knot;
+        }
+        shares[pixel] = static_cast<float>((static_cast<double>(pixel) + 0.5) / cellPixels - knot);
+    }
+    return shares;
+}
+
 /// Divides the weighted sum of two fixed-point channels by `subSteps * blendSteps`.
 constexpr unsigned sumShift = 10;
 
-/// One row of the glow's grid at full width: four channels a pixel.
-void expandRow(const AccentMix* knots, int knotCount, int pixels, double cellPixels,
+/// One row of the glow's grid at full width: four channels a pixel. A pixel's share is that of the knot to
+/// its right.
+void expandRow(const AccentMix* knots, double cellPixels, const std::vector<float>& shares,
                std::vector<std::uint16_t>& row) {
-    row.resize(static_cast<std::size_t>(pixels) * 4);
-    std::size_t out = 0;
-    int pixel = 0;
-    for (int knot = 0; knot + 1 < knotCount && pixel < pixels; ++knot) {
-        const Channels left = channels(knots[knot]);
-        const Channels right = channels(knots[knot + 1]);
-        const int end = std::min(pixels, static_cast<int>(std::ceil((knot + 1) * cellPixels - 0.5)));
+    row.resize(shares.size() * 4);
+    std::uint16_t* out = row.data();
+    std::size_t pixel = 0;
+    Channels right = channels(knots[0]);
+    for (int knot = 0; pixel < shares.size(); ++knot) {
+        const Channels left = right;
+        right = channels(knots[knot + 1]);
+        Channels rise{};
+        for (std::size_t channel = 0; channel < 4; ++channel) {
+            rise[channel] = right[channel] - left[channel];
+        }
+        const auto end = std::min(shares.size(), firstPixelAfter(knot, cellPixels));
         for (; pixel < end; ++pixel) {
-            const auto share = static_cast<float>((pixel + 0.5) / cellPixels - knot);
             for (std::size_t channel = 0; channel < 4; ++channel) {
-                const float value = left[channel] + share * (right[channel] - left[channel]);
-                row[out++] = static_cast<std::uint16_t>(value * subSteps);
+                const float value = left[channel] + shares[pixel] * rise[channel];
+                *out++ = static_cast<std::uint16_t>(value * subSteps);
             }
         }
     }
@@ -185,6 +208,7 @@ void RibbonImage::gatherGlow(const RibbonSet& ribbons) {
 
 void RibbonImage::drawGlow(double scale) {
     const double cellPixels = cell * scale;
+    const std::vector<float> shares = sharesOfRow(m_image.width(), cellPixels);
     std::vector<std::uint16_t> upper;
     std::vector<std::uint16_t> lower;
     int expanded = -1; // the grid's row that `upper` holds
@@ -197,9 +221,9 @@ void RibbonImage::drawGlow(double scale) {
             if (row == expanded + 1 && expanded >= 0) {
                 upper.swap(lower);
             } else {
-                expandRow(knots, m_columns, m_image.width(), cellPixels, upper);
+                expandRow(knots, cellPixels, shares, upper);
             }
-            expandRow(knots + m_columns, m_columns, m_image.width(), cellPixels, lower);
+            expandRow(knots + m_columns, cellPixels, shares, lower);
             expanded = row;
         }
         blendRows(upper, lower, static_cast<int>(std::lround((at - row) * blendSteps)),
@@ -208,6 +232,8 @@ void RibbonImage::drawGlow(double scale) {
 }
 
 void RibbonImage::drawRibbon(const RibbonSet& ribbons, const RibbonCurve& curve, double scale) {
+    uchar* const bytes = m_image.bits();
+    const auto bytesPerLine = m_image.bytesPerLine();
     const int columns =
         std::min(m_image.width(), static_cast<int>((curve.end() + ribbonWidth / 2) * scale) + 1);
     for (int column = 0; column < columns; ++column) {
@@ -222,7 +248,7 @@ void RibbonImage::drawRibbon(const RibbonSet& ribbons, const RibbonCurve& curve,
         double above = areaAbove(first - middle, half, lean);
         for (int row = first; row <= last; ++row) {
             const double next = areaAbove(row + 1 - middle, half, lean);
-            auto* pixels = reinterpret_cast<QRgb*>(m_image.scanLine(row));
+            auto* pixels = reinterpret_cast<QRgb*>(bytes + row * bytesPerLine);
             drawOver(pixels[column], color, static_cast<float>(next - above));
             above = next;
         }

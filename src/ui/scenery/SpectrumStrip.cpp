@@ -20,8 +20,9 @@ MeshColor colorOf(const Bar& bar) {
 double distanceFromEdge(double x, double y, double halfWidth, double halfHeight, double radius) {
     const double outX = std::abs(x) - (halfWidth - radius);
     const double outY = std::abs(y) - (halfHeight - radius);
-    return std::hypot(std::max(outX, 0.0), std::max(outY, 0.0)) + std::min(std::max(outX, outY), 0.0) -
-           radius;
+    const double out = std::max(outX, outY);
+    const bool isAtCorner = outX > 0 && outY > 0;
+    return (isAtCorner ? std::hypot(outX, outY) : out) - radius;
 }
 
 void drawBar(QImage& image, const Bar& bar, double scale) {
