@@ -83,7 +83,7 @@ def linked_tracks(data: Path) -> list[Path]:
 
 def made(folder: Path, fill: Callable[[Path], None]) -> list[Path]:
     if not folder.exists():
-        print(f"making 100,000 files in {folder}", flush=True)
+        print(f"making the files in {folder}", flush=True)
         unfinished = folder.with_suffix(".unfinished")
         shutil.rmtree(unfinished, ignore_errors=True)
         fill(unfinished)
