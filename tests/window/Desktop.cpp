@@ -75,10 +75,13 @@ void Desktop::startDisplay(Display display) {
         break;
     case Display::wayland:
         startXServer("1280x1024"); // the compositor's screen, pointer and keyboard
-        startCompositor({"--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024"});
+        startCompositor(
+            {"--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024",
+             "--config=" + text(write(m_folder / "weston.ini",
+                                      "[shell]\npanel-position=none\nstartup-animation=none\nbackground-color=0xff204060\n"))});
         break;
     case Display::small:
-        startCompositor({"--backend=headless-backend.so", "--width=840", "--height=640"});
+        startCompositor({"--backend=headless-backend.so", "--width=840", "--height=640", "--no-config"});
         break;
     }
 }
@@ -101,8 +104,8 @@ void Desktop::startWindowManager() {
 
 void Desktop::startCompositor(const QStringList& options) {
     const QString socket = "velmora-test";
-    m_windowManager = std::make_unique<Process>(
-        "weston", options + QStringList{"--no-config", "--socket=" + socket}, m_environment);
+    m_windowManager =
+        std::make_unique<Process>("weston", options + QStringList{"--socket=" + socket}, m_environment);
     m_environment.insert("WAYLAND_DISPLAY", socket);
     m_environment.insert("QT_QPA_PLATFORM", "wayland");
     EXPECT_TRUE(comesTrue([&] { return fs::exists(m_folder / "runtime" / socket.toStdString()); }));
@@ -164,6 +167,10 @@ void Desktop::loseDisplay() {
 }
 
 QString Desktop::clipboard() const {
+    if (m_environment.contains("WAYLAND_DISPLAY")) {
+        Process question("wl-paste", {"--no-newline"}, m_environment);
+        return question.wait() == 0 ? QString::fromUtf8(question.output()) : QString();
+    }
     Process question("xclip", {"-out", "-selection", "clipboard", "-target", "UTF8_STRING"}, m_environment);
     return question.wait() == 0 ? QString::fromUtf8(question.output()) : QString();
 }

@@ -1,11 +1,13 @@
-// A program to drag from: a window in the corner of the screen that offers the data given by its arguments,
-// in pairs of format and bytes. Tells on standard output when it can be dragged from ("ready"), which action
-// its target offers ("offered copy"), and how the drag ended ("ended copy", "ended ignore").
+// A program to drag from: a magenta window, on X11 in the corner of the screen, that offers the data given by
+// its arguments, in pairs of format and bytes. Tells on standard output when it can be dragged from
+// ("ready"), which action its target offers ("offered copy"), and how the drag ended ("ended copy", "ended
+// ignore").
 
 #include <QDrag>
 #include <QGuiApplication>
 #include <QMimeData>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QRasterWindow>
 
 #include <cstdio>
@@ -31,7 +33,9 @@ void tell(const char* what, Qt::DropAction action) {
 class Source : public QRasterWindow {
 public:
     Source() {
-        setFlags(Qt::BypassWindowManagerHint); // stays where it is
+        if (QGuiApplication::platformName() == "xcb") {
+            setFlags(Qt::BypassWindowManagerHint); // stays where it is
+        }
         setGeometry(0, 0, 80, 80);
     }
 
@@ -42,6 +46,10 @@ protected:
             std::puts("ready");
             std::fflush(stdout);
         }
+    }
+
+    void paintEvent(QPaintEvent* /*event*/) override {
+        QPainter(this).fillRect(0, 0, width(), height(), Qt::magenta);
     }
 
     void mousePressEvent(QMouseEvent* /*event*/) override {

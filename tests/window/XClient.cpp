@@ -5,8 +5,20 @@
 
 #include <array>
 #include <cstdlib>
+#include <cstring>
 
 namespace velmora::test {
+
+QRect Picture::around(const std::function<bool(std::size_t pixel)>& counts) const {
+    QRect area;
+    for (std::size_t i = 0; i < pixels.size(); ++i) {
+        if (counts(i)) {
+            const auto width = static_cast<std::size_t>(size.width());
+            area |= QRect(static_cast<int>(i % width), static_cast<int>(i / width), 1, 1);
+        }
+    }
+    return area;
+}
 
 XClient::XClient(const QByteArray& display)
     : m_connection(xcb_connect(display.constData(), nullptr)) {
@@ -49,6 +61,25 @@ std::uint32_t XClient::lengthOf(const QByteArray& property, std::uint32_t window
     const std::uint32_t length = answer->bytes_after;
     std::free(answer);
     return length;
+}
+
+Picture XClient::screen() const {
+    const xcb_screen_t* const screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
+    xcb_get_image_reply_t* const answer =
+        xcb_get_image_reply(m_connection,
+                            xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, screen->root, 0, 0,
+                                          screen->width_in_pixels, screen->height_in_pixels, ~0U),
+                            nullptr);
+    Picture picture{{screen->width_in_pixels, screen->height_in_pixels}, {}};
+    picture.pixels.resize(std::size_t{screen->width_in_pixels} * screen->height_in_pixels);
+    const std::size_t bytes = picture.pixels.size() * sizeof(std::uint32_t);
+    EXPECT_EQ(static_cast<std::size_t>(xcb_get_image_data_length(answer)), bytes);
+    std::memcpy(picture.pixels.data(), xcb_get_image_data(answer), bytes);
+    std::free(answer);
+    for (std::uint32_t& pixel : picture.pixels) {
+        pixel &= 0x00FFFFFF;
+    }
+    return picture;
 }
 
 std::uint32_t XClient::atom(const QByteArray& name) const {

@@ -1,16 +1,29 @@
 #pragma once
 
-// A client of the X server beside the program: covers its window, and asks what the window is.
+// A client of the X server beside the program: covers its window, asks what the window is, looks at the
+// screen.
 
 #include <QByteArray>
 #include <QRect>
+#include <QSize>
 
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <functional>
+#include <vector>
 
 struct xcb_connection_t;
 
 namespace velmora::test {
+
+/// What a screen shows: its pixels, row by row, each 0x00RRGGBB.
+struct Picture {
+    QSize size;
+    std::vector<std::uint32_t> pixels;
+
+    /// The smallest rectangle that holds every pixel for which `counts` holds; empty if there is none.
+    QRect around(const std::function<bool(std::size_t pixel)>& counts) const;
+};
 
 class XClient {
 public:
@@ -29,6 +42,9 @@ public:
 
     /// The length of a window's property in bytes; 0 where it has none of this name.
     std::uint32_t lengthOf(const QByteArray& property, std::uint32_t window) const;
+
+    /// What the screen shows at the moment.
+    Picture screen() const;
 
 private:
     std::uint32_t atom(const QByteArray& name) const;
