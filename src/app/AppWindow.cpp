@@ -41,6 +41,7 @@ AppWindow::AppWindow(AppDelegate& delegate) {
 void AppWindow::take(QQuickWindow* window) {
     m_window = window;
     m_actions.setWindow(window);
+    m_panels.setWindow(window);
     const auto* drops = new DropTarget(window);
     connect(drops, &DropTarget::hovered, &m_view, &ScanView::setTargeted);
     connect(drops, &DropTarget::dropped, &m_actions, &WindowActions::start);

@@ -66,6 +66,7 @@ void WindowActions::zip() {
 }
 
 void WindowActions::reset() {
+    m_panels.close();
     m_model.reset();
 }
 

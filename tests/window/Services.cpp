@@ -1,5 +1,8 @@
 #include "tests/window/Services.h"
 
+#include <QDBusError>
+#include <QDBusMessage>
+
 #include <gtest/gtest.h>
 
 #include <utility>
@@ -9,6 +12,7 @@ namespace velmora::test {
 namespace {
 
 const QString fileManager = "org.freedesktop.FileManager1";
+const QString portal = "org.freedesktop.portal.Desktop";
 const QString documents = "org.freedesktop.portal.Documents";
 
 void offer(QDBusConnection& bus, const QString& service, const QString& path, QObject* object) {
@@ -43,6 +47,38 @@ DocumentPortal::~DocumentPortal() {
 QStringList DocumentPortal::RetrieveFiles(const QString& key, const QVariantMap& /*options*/) {
     asked += key;
     return files.value(key);
+}
+
+FileChooserPortal::FileChooserPortal(QDBusConnection bus)
+    : m_bus(std::move(bus)) {
+    offer(m_bus, portal, "/org/freedesktop/portal/desktop", this);
+}
+
+FileChooserPortal::~FileChooserPortal() {
+    m_bus.unregisterService(portal);
+    m_bus.unregisterObject("/org/freedesktop/portal/desktop");
+}
+
+QDBusObjectPath FileChooserPortal::SaveFile(const QString& parentWindow, const QString& text,
+                                            const QVariantMap& values) {
+    ++asked;
+    parent = parentWindow;
+    title = text;
+    options = values;
+    if (way == Way::refuse) {
+        sendErrorReply(QDBusError::UnknownMethod, "there are no dialogs here");
+        return {};
+    }
+    const QString path = "/org/freedesktop/portal/desktop/request/" +
+                         message().service().mid(1).replace('.', '_') + "/" +
+                         values.value("handle_token").toString();
+    if (way == Way::wait) {
+        m_bus.registerObject(path, &request, QDBusConnection::ExportAllSlots);
+    } else { // before the call returns
+        QDBusMessage answer = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
+        m_bus.send(answer << response << QVariantMap{{"uris", QStringList(uri)}});
+    }
+    return QDBusObjectPath(path);
 }
 
 } // namespace velmora::test

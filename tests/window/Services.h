@@ -3,11 +3,15 @@
 // What a desktop offers on the session bus, as far as the program asks for it.
 
 #include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusObjectPath>
 #include <QMap>
 #include <QObject>
 #include <QString>
 #include <QStringList>
 #include <QVariantMap>
+
+#include <cstdint>
 
 namespace velmora::test {
 
@@ -45,6 +49,51 @@ public:
 public slots:
     // The bus knows it by this name.
     QStringList RetrieveFiles(const QString& key, const QVariantMap& options);
+
+private:
+    QDBusConnection m_bus;
+};
+
+/// A question to the portal that it has not answered yet.
+class PortalRequest : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Request")
+
+public:
+    using QObject::QObject;
+
+    bool closed = false; ///< taken back by the program
+
+public slots:
+
+    // The bus knows it by this name.
+    void Close() { closed = true; }
+};
+
+/// The portal's dialogs for files: each answers at once, as it is told to. Present while this object lives.
+class FileChooserPortal : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.FileChooser")
+
+public:
+    explicit FileChooserPortal(QDBusConnection bus);
+    ~FileChooserPortal() override;
+
+    enum class Way : std::uint8_t { answer, refuse, wait };
+
+    Way way = Way::answer;
+    uint response = 0; ///< 0 chosen, 1 cancelled, 2 ended in some other way
+    QString uri;       ///< what is chosen
+
+    int asked = 0;
+    PortalRequest request; ///< the last question, where it waits
+    QString parent;        ///< its window
+    QString title;
+    QVariantMap options;
+
+public slots:
+    // The bus knows it by this name.
+    QDBusObjectPath SaveFile(const QString& parentWindow, const QString& text, const QVariantMap& values);
 
 private:
     QDBusConnection m_bus;

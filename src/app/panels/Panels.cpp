@@ -2,6 +2,7 @@
 
 #include "app/panels/Places.h"
 #include "app/panels/RecentFolders.h"
+#include "system/FileName.h"
 #include "ui/panel/FilePanel.h"
 #include "ui/window/Alerts.h"
 
@@ -15,6 +16,18 @@ namespace velmora {
 namespace {
 
 namespace fs = std::filesystem;
+
+const QString zipPrompt = QStringLiteral("Zip");
+const QString objectionTitle = QStringLiteral("Choose another name");
+
+QString zipMessage(const ZipProposal& proposal) {
+    return QStringLiteral("Save a zip of the %1 audio files").arg(proposal.fileCount);
+}
+
+bool isThere(const fs::path& path) {
+    std::error_code ignored;
+    return fs::exists(fs::symlink_status(path, ignored));
+}
 
 fs::path standardFolder(QStandardPaths::StandardLocation location) {
     return {QFile::encodeName(QStandardPaths::writableLocation(location)).toStdString()};
@@ -57,8 +70,35 @@ void Panels::chooseSources(std::function<void(const Paths&)> chosen) {
 
 void Panels::chooseZip(const ZipProposal& proposal, const Objection& objection,
                        const std::function<void(const fs::path&)>& chosen) {
-    m_panel.ask({.message = QStringLiteral("Save a zip of the %1 audio files").arg(proposal.fileCount),
-                 .prompt = QStringLiteral("Zip"),
+    const auto take = [=, this](fs::path path) {
+        const bool isNamedZip = classifyingExtension(path) == "zip";
+        path += isNamedZip ? "" : ".zip";
+        if (const std::optional<std::string> reason = objection(path)) {
+            m_alerts.show({.title = objectionTitle,
+                           .body = QString::fromStdString(*reason) + QStringLiteral("."),
+                           .acceptTitle = QStringLiteral("Choose"),
+                           .dismissTitle = QStringLiteral("Cancel"),
+                           .accepted = [=, this] { chooseZip(proposal, objection, chosen); }});
+        } else if (isNamedZip || !isThere(path)) {
+            chosen(path); // the dialog has asked whether to replace what it names
+        } else {
+            askToReplace(path, [=] { chosen(path); });
+        }
+    };
+    m_portal.ask(m_window,
+                 {.title = zipMessage(proposal),
+                  .acceptLabel = zipPrompt,
+                  .name = QString::fromStdString(proposal.name),
+                  .folder = proposal.folder,
+                  .kind = QStringLiteral("Zip archives"),
+                  .pattern = QStringLiteral("*.zip")},
+                 {.chosen = take, .failed = [=, this] { chooseZipInPanel(proposal, objection, chosen); }});
+}
+
+void Panels::chooseZipInPanel(const ZipProposal& proposal, const Objection& objection,
+                              const std::function<void(const fs::path&)>& chosen) {
+    m_panel.ask({.message = zipMessage(proposal),
+                 .prompt = zipPrompt,
                  .folders = beginning(proposal.folder ? Paths{*proposal.folder} : Paths()),
                  .name = proposal.name,
                  .ending = ".zip",
@@ -71,8 +111,8 @@ void Panels::chooseZip(const ZipProposal& proposal, const Objection& objection,
 void Panels::zipAt(const fs::path& destination, const Objection& objection,
                    const std::function<void(const fs::path&)>& chosen) {
     if (const std::optional<std::string> reason = objection(destination)) {
-        m_alerts.show({.title = QStringLiteral("Choose another name"),
-                       .body = QString::fromStdString(*reason) + QStringLiteral(".")});
+        m_alerts.show(
+            {.title = objectionTitle, .body = QString::fromStdString(*reason) + QStringLiteral(".")});
         return;
     }
     const auto save = [this, destination, chosen] {
@@ -80,19 +120,23 @@ void Panels::zipAt(const fs::path& destination, const Objection& objection,
         rememberFolder(folderOf({destination}));
         chosen(destination);
     };
-    std::error_code error;
-    if (!fs::exists(fs::symlink_status(destination, error))) {
+    if (isThere(destination)) {
+        askToReplace(destination, save);
+    } else {
         save();
-        return;
     }
+}
+
+void Panels::askToReplace(const fs::path& destination, std::function<void()> replace) {
     m_alerts.show({.title = QStringLiteral("Replace “%1”?").arg(shownName(destination.filename().native())),
                    .body = QStringLiteral("It is there already. What it holds will be lost."),
                    .acceptTitle = QStringLiteral("Replace"),
                    .dismissTitle = QStringLiteral("Cancel"),
-                   .accepted = save});
+                   .accepted = std::move(replace)});
 }
 
 void Panels::close() {
+    m_portal.close();
     m_panel.close();
 }
 
