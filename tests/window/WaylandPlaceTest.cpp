@@ -23,8 +23,8 @@ protected:
         : WindowTest(Bus::present, Display::wayland) {}
 
     void SetUp() override {
-        EXPECT_TRUE(comesTrue([this] { // the compositor has drawn all of its screen, and knows its pointer
-            desktop.point(middle - QPoint(1, 1));
+        EXPECT_TRUE(comesTrue([this] { // the compositor has drawn all of its screen
+            desktop.point({0, 0});     // it is told how far the pointer moves, and stops it at the edge
             desktop.point(middle);
             const QRect pointer = place();
             return pointer.isNull() ||

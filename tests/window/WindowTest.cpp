@@ -55,7 +55,8 @@ std::unique_ptr<Process> WindowTest::start(const QStringList& arguments) {
 
 void WindowTest::open(const QStringList& arguments) {
     velmora = start(arguments);
-    awaitActive("Velmora");
+    EXPECT_TRUE(comesTrue([this] { return !desktop.activeTitle().isEmpty(); }))
+        << "its title tells its total";
     if (desktop.bus().isConnected()) {
         awaitShown("Menu");
     }
