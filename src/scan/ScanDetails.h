@@ -13,10 +13,11 @@ namespace velmora {
 
 /// What is known of the last scan's files beyond the summary. Complete once the scan has ended; empty before.
 struct ScanDetails {
-    std::vector<Measured> files; ///< every file found, in scan order, unmeasured ones included
-    std::vector<SkippedArchive> skippedArchives;
-    std::vector<UnreadableFolder> unreadableFolders;                  ///< what they hold is missing
-    std::unordered_map<std::string, std::filesystem::path> archiveOf; ///< extraction directory to its archive
+    std::vector<Measured> files = {}; ///< every file found, in scan order, unmeasured ones included
+    std::vector<SkippedArchive> skippedArchives = {};
+    std::vector<UnreadableFolder> unreadableFolders = {}; ///< what they hold is missing
+    std::unordered_map<std::string, std::filesystem::path> archiveOf =
+        {}; ///< extraction directory to its archive
 
     /// `path` as the user knows it: what lies in an extraction directory is shown below its archive's own
     /// path, nested archives likewise ("/music/set.zip/Disc 1/01.wav").

@@ -76,9 +76,9 @@ void ScanModel::ingest(PathList dropped) {
     }
     cancelJob();
     TempRegistry::releaseAll();
-    forgetDetails();
 
     publishPhase(Phase::scanning);
+    forgetDetails();
     publishSummary({});
     ScanSummary summary;
     summary.dropped = dropped;
@@ -182,8 +182,8 @@ void ScanModel::finish(Job& job, ScanSummary summary) {
 void ScanModel::reset() {
     cancelJob();
     TempRegistry::releaseAll();
-    forgetDetails();
     publishPhase(Phase::idle);
+    forgetDetails();
     publishSummary({});
     publishProcessed(0);
     publishFound(0);
@@ -191,7 +191,8 @@ void ScanModel::reset() {
     publishZipState(ZipIdle{});
 }
 
-/// In the background: to free the memory of many files takes a while.
+/// In the background: to free the memory of many files takes a while. Whoever shares the details drops them when the
+/// phase changes, before this.
 void ScanModel::forgetDetails() {
     const auto details = std::make_shared<std::shared_ptr<const ScanDetails>>(
         std::exchange(m_details, std::make_shared<ScanDetails>()));

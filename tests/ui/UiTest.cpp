@@ -76,7 +76,7 @@ void UiTest::showState(const ScanState& state, const QSize& points) {
 }
 
 void UiTest::openWindow(bool animated) {
-    window = stageWindow(*m_engine, scan, actions, alerts, animated);
+    window = stageWindow(*m_engine, scan, actions, alerts, animated, &details);
     window->show();
     ASSERT_TRUE(QTest::qWaitForWindowActive(window.get(), patience));
 }
@@ -109,6 +109,12 @@ QQuickItem* UiTest::labelled(const char* property, const QString& value) const {
     const auto found = std::ranges::find_if(
         items, [&](const QQuickItem* item) { return item->property(property).toString() == value; });
     return found == items.end() ? nullptr : *found;
+}
+
+QList<QQuickItem*> UiTest::itemsNamed(const char* name) const {
+    QList<QQuickItem*> items = shown();
+    items.removeIf([name](const QQuickItem* item) { return item->objectName() != name; });
+    return items;
 }
 
 QRect UiTest::place(const QQuickItem* item) {

@@ -5,6 +5,7 @@
 #include "tests/staged/RecordingActions.h"
 #include "tests/support/ComesTrue.h"
 #include "ui/content/ScanView.h"
+#include "ui/details/Details.h"
 #include "ui/window/Alerts.h"
 
 #include <QImage>
@@ -16,6 +17,7 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <vector>
 
 namespace velmora::test {
 
@@ -54,6 +56,9 @@ protected:
     /// The item that is shown whose `property` is `value`; null if there is none.
     QQuickItem* labelled(const char* property, const QString& value) const;
 
+    /// The items of that object name that are shown, lists' rows included.
+    QList<QQuickItem*> itemsNamed(const char* name) const;
+
     /// Where `item` is in the window, in points.
     static QRect place(const QQuickItem* item);
 
@@ -70,6 +75,7 @@ protected:
     ScanView scan;
     RecordingActions actions;
     Alerts alerts;
+    Details details;
     std::unique_ptr<QQuickWindow> window;
 
 private:

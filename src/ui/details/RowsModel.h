@@ -79,11 +79,6 @@ public:
 
     int current() const { return m_current; } ///< -1: none
 
-    /// The selected rows that are shown, or all where none is selected, a line each: "00:03:48", a tab, the
-    /// path. Line feeds, tabs and backslashes in a path are written as two characters; other bytes as they
-    /// are.
-    QByteArray copyText() const;
-
 public slots:
     /// Sorts by `column`; by the same one the other way round, the third time in the order of the scan.
     void sortBy(int column);
@@ -101,6 +96,11 @@ public slots:
 
     /// The path that the file manager can show of `row`, in bytes; empty where there is no such row.
     QByteArray placeOf(int row) const;
+
+    /// The selected rows that are shown, or all where none is selected, a line each: "00:03:48", a tab, the
+    /// path. Line feeds, tabs and backslashes in a path are written as two characters; other bytes as they
+    /// are.
+    QByteArray copyText() const;
 
 signals:
     void rowsChanged();
