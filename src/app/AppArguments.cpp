@@ -36,7 +36,7 @@ std::optional<fs::path> renderDirectory(const std::vector<std::string>& argument
 /// A file that cannot be told from its place, because the working directory has gone, stays as it is given.
 fs::path givenPath(const fs::path& argument) {
     const auto fromUrl = pathOfUrl(QByteArrayView(argument.c_str()));
-    const fs::path path = fromUrl.value_or(argument);
+    fs::path path = fromUrl.value_or(argument);
     try {
         return absolutePath(path);
     } catch (const fs::filesystem_error&) {
