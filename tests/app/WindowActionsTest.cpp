@@ -8,6 +8,7 @@
 
 #include <QClipboard>
 #include <QGuiApplication>
+#include <QMimeData>
 
 #include <gtest/gtest.h>
 
@@ -56,6 +57,12 @@ TEST_F(WindowActionsTest, CopyTheNamesAndSaySo) {
     EXPECT_EQ(view.copyFileListTitle(), "COPIED");
     EXPECT_EQ(view.copyRuntimeTitle(), "COPY RUNTIME");
     EXPECT_TRUE(comesTrue([this] { return view.copyFileListTitle() == "COPY FILE LIST"; }));
+}
+
+TEST_F(WindowActionsTest, CopyNamesByTheirBytes) {
+    actions.copyText("00:00:03\t/m/caf\xE9.wav");
+    EXPECT_EQ(QGuiApplication::clipboard()->mimeData()->data("text/plain"), "00:00:03\t/m/caf\xE9.wav");
+    EXPECT_EQ(clipboard(), "00:00:03\t/m/caf\uFFFD.wav");
 }
 
 TEST_F(WindowActionsTest, ForgetTheResult) {

@@ -3,6 +3,7 @@
 #include "scan/ScanModel.h"
 #include "tests/staged/SampleDetails.h"
 #include "tests/support/ComesTrue.h"
+#include "ui/content/ScanState.h"
 #include "ui/details/Details.h"
 #include "ui/details/ScanRows.h"
 
@@ -250,6 +251,19 @@ TEST(DetailsOfAScan, CanBeOpenedAtItsEndAndCloseWithTheNext) {
     EXPECT_FALSE(details.isOpen());
     EXPECT_FALSE(details.available());
     EXPECT_TRUE(comesTrue([&] { return found.expired(); })) << "nobody keeps what nobody shows";
+}
+
+TEST(DetailsOfAScan, TellWhatWasMissingWhereNothingWasFound) {
+    const auto gather = [](const PathList&, const std::stop_token&) {
+        GatherResult result;
+        result.skippedArchives = {{"/m/set.zip", Reason::damaged}, {"/m/b.zip", Reason::encrypted}};
+        return result;
+    };
+    ScanModel model({gather, {}});
+    model.ingest({"/m"});
+    EXPECT_EQ(ScanState::of(model).missing, "");
+    EXPECT_TRUE(comesTrue([&] { return model.phase() == ScanModel::Phase::empty; }));
+    EXPECT_EQ(ScanState::of(model).missing, "set.zip: archive is damaged");
 }
 
 TEST(DetailsOfAScan, OpenOnWhatThereIs) {
