@@ -64,7 +64,7 @@ TEST_F(ControlsTest, AreReachedWithTheKeyboardAlone) {
     awaitShown("Velmora 1.0.0");
     desktop.press("Escape");
     awaitGone("Velmora 1.0.0");
-    desktop.press("Tab space");
+    desktop.press("Tab Tab space");
     awaitClipboard("TOTAL RUNTIME  00:00:05   (5 sec)\n2 audio files — 2 ITEMS");
 }
 
