@@ -70,15 +70,19 @@ CoverageMap coverageOf(const QImage& image) {
 
 QImage tinted(const CoverageMap& map, const QColor& tint) {
     QImage image(map.width, map.height, QImage::Format_ARGB32_Premultiplied);
+    const float red = tint.redF();
+    const float green = tint.greenF();
+    const float blue = tint.blueF();
+    const float opacity = tint.alphaF();
     std::size_t at = 0;
     for (int y = 0; y < map.height; ++y) {
         auto* pixel = reinterpret_cast<QRgb*>(image.scanLine(y));
         for (int x = 0; x < map.width; ++x) {
-            const float alpha = map.values[at++] * tint.alphaF();
+            const float alpha = map.values[at++] * opacity;
             const auto channel = [alpha](float value) {
                 return static_cast<int>(std::lround(255 * alpha * value));
             };
-            pixel[x] = qRgba(channel(tint.redF()), channel(tint.greenF()), channel(tint.blueF()), channel(1));
+            pixel[x] = qRgba(channel(red), channel(green), channel(blue), channel(1));
         }
     }
     return image;

@@ -34,7 +34,8 @@ const std::array<Light, 3>& lights() {
     return all;
 }
 
-/// A row of pixels, one array a channel, so that compilers can vectorise the loops over them.
+/// A row of pixels, one array a channel, so that compilers can vectorise the loops over them. They turn an
+/// int into a float several at a time, a std::size_t one by one.
 struct Row {
     explicit Row(std::size_t pixels)
         : red(pixels)
@@ -50,7 +51,8 @@ struct Row {
 /// from 0 to 1, and `step` that from pixel to pixel.
 void fillLinear(std::vector<float>& channel, float top, float middle, float bottom, float first, float step) {
     for (std::size_t x = 0; x < channel.size(); ++x) {
-        const float t = 2 * (first + static_cast<float>(x) * step); // 1 in the middle, 2 at the bottom
+        const float t =
+            2 * (first + static_cast<float>(static_cast<int>(x)) * step); // 1 in the middle, 2 at the bottom
         const float upper = std::min(t, 1.0F);
         const float lower = std::max(t - 1, 0.0F);
         channel[x] = top + upper * (middle - top) + lower * (bottom - middle);
@@ -72,9 +74,12 @@ public:
     QImage image() const {
         QImage image((m_size * m_scale).toSize(), QImage::Format_RGB32);
         Row row(static_cast<std::size_t>(image.width()));
+        const std::size_t pixels = row.red.size();
+        const std::array dither = {thresholds(0, pixels), thresholds(1, pixels), thresholds(2, pixels),
+                                   thresholds(3, pixels)};
         for (int y = 0; y < image.height(); ++y) {
             paintRow(row, (y + 0.5) / m_scale);
-            store(row, y, reinterpret_cast<QRgb*>(image.scanLine(y)));
+            store(row, dither[static_cast<std::size_t>(y) % 4], reinterpret_cast<QRgb*>(image.scanLine(y)));
         }
         return image;
     }
@@ -110,17 +115,25 @@ private:
         const auto rise = static_cast<float>(light.endOpacity - light.startOpacity);
         const auto pixel = static_cast<float>(1 / m_scale);
         for (std::size_t x = 0; x < opacity.size(); ++x) {
-            const float distanceX = (static_cast<float>(x) + 0.5F) * pixel - centerX;
+            const float distanceX = (static_cast<float>(static_cast<int>(x)) + 0.5F) * pixel - centerX;
             const float radius = std::sqrt(distanceX * distanceX + distanceY * distanceY);
             opacity[x] = from + rise * std::clamp((radius - start) * perRadius, 0.0F, 1.0F);
         }
     }
 
-    static void store(const Row& row, int y, QRgb* pixels) {
+    /// What is added to the channels of row `y` before their fraction is cut off.
+    static std::vector<float> thresholds(int y, std::size_t pixels) {
         const std::array<int, 4>& sixteenths = ditherSixteenths[static_cast<std::size_t>(y) % 4];
+        std::vector<float> row(pixels);
+        for (std::size_t x = 0; x < row.size(); ++x) {
+            row[x] = (static_cast<float>(sixteenths[x % 4]) + 0.5F) / 16;
+        }
+        return row;
+    }
+
+    static void store(const Row& row, const std::vector<float>& thresholds, QRgb* pixels) {
         for (std::size_t x = 0; x < row.red.size(); ++x) {
-            const float threshold = (static_cast<float>(sixteenths[x % 4]) + 0.5F) / 16;
-            const auto channel = [threshold](float value) {
+            const auto channel = [threshold = thresholds[x]](float value) {
                 return static_cast<int>(value * 255 + threshold);
             };
             pixels[x] = qRgb(channel(row.red[x]), channel(row.green[x]), channel(row.blue[x]));
