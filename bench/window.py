@@ -139,7 +139,8 @@ def many_files(programs: Path, environment: dict[str, str]) -> list[list[str]]:
         memory.append(megabytes)
     before, after, reset = (statistics.median(column) for column in zip(*memory))
     files = f"{MANY * count_of(small_files(DATA)):,} files"
-    return [[f"{files} dropped: the scan in the window", f"{statistics.median(ratios):.2f} times that without"],
+    return [[f"{files} dropped: the scan in the window, to one without",
+             f"{statistics.median(ratios):.2f} times"],
             ["the longest gap between two frames", f"{statistics.median(gaps):.0f} ms"],
             ["the most processor time of the main thread between two frames",
              f"{statistics.median(computing):.1f} ms"],
