@@ -6,6 +6,7 @@ FocusScope {
     id: box
 
     required property FilePanel panel
+    property real headroom: 0
 
     focus: true
     Accessible.role: Accessible.Dialog
@@ -64,8 +65,12 @@ FocusScope {
     }
 
     Plate {
-        anchors.fill: parent
-        anchors.margins: 20
+        id: plate
+
+        anchors.centerIn: parent
+        anchors.verticalCenterOffset: box.headroom / 2
+        width: Math.min(parent.width - 40, 1280)
+        height: Math.min(parent.height - box.headroom - 40, 900)
         fill: Neon.bgTop
         border: Neon.violet
         borderOpacity: 0.5
@@ -75,8 +80,8 @@ FocusScope {
     Item {
         id: inside
 
-        anchors.fill: parent
-        anchors.margins: 42
+        anchors.fill: plate
+        anchors.margins: 22
 
         PanelText {
             id: message
@@ -150,6 +155,7 @@ FocusScope {
                 anchors.right: newFolder.left
                 anchors.rightMargin: 10
                 label: "Name"
+                typable: box.panel.typable
                 onEdited: box.panel.name = text
                 Keys.onReturnPressed: box.panel.accept()
                 Keys.onEnterPressed: box.panel.accept()

@@ -49,7 +49,7 @@ Item {
         x: 10
         y: 5
         sign: row.kind
-        color: row.kind === PanelGlyph.Folder ? Neon.violet : Neon.inkDim
+        color: row.selected ? Neon.ink : row.kind === PanelGlyph.Folder ? Neon.violet : Neon.inkDim
     }
 
     PanelText {
@@ -67,7 +67,7 @@ Item {
         height: parent.height
         horizontalAlignment: Text.AlignRight
         text: row.size
-        color: Neon.inkDim
+        color: row.selected ? Neon.ink : Neon.inkDim
         font.pixelSize: 11
     }
 
@@ -76,7 +76,7 @@ Item {
         width: row.dateWidth - 16
         height: parent.height
         text: row.date
-        color: Neon.inkDim
+        color: row.selected ? Neon.ink : Neon.inkDim
         font.pixelSize: 11
     }
 

@@ -6,15 +6,20 @@ FocusScope {
     id: field
 
     required property string label
+    required property bool typable ///< see FilePanel
     property string placeholder: ""
-    property alias text: input.text
-    property alias cursorPosition: input.cursorPosition
-    readonly property bool atEnd: input.cursorPosition === input.length && input.selectedText === ""
+    property string text: ""
 
     signal edited
 
     function select(from, to) {
-        input.select(from, to);
+        if (input.item)
+            input.item.select(from, to);
+    }
+
+    function goToEnd() {
+        if (input.item)
+            input.item.cursorPosition = input.item.length;
     }
 
     implicitHeight: 30
@@ -30,30 +35,39 @@ FocusScope {
 
     PanelText {
         anchors.fill: input
-        visible: input.text === ""
-        text: field.placeholder
+        visible: field.text === "" || !field.typable
+        text: field.text === "" ? field.placeholder : field.text
         color: Neon.inkDim
     }
 
-    TextInput {
+    Loader {
         id: input
 
         anchors.fill: parent
         anchors.leftMargin: 10
         anchors.rightMargin: 10
         focus: true
-        clip: true
-        horizontalAlignment: TextInput.AlignLeft // explicitly, as that of PanelText
-        verticalAlignment: TextInput.AlignVCenter
-        renderType: TextInput.NativeRendering
-        selectByMouse: true
-        color: Neon.ink
-        selectionColor: Neon.indigo
-        selectedTextColor: "white"
-        font.family: "Inter"
-        font.pixelSize: 12
-        Accessible.role: Accessible.EditableText
-        Accessible.name: field.label
-        onTextEdited: field.edited()
+        active: field.typable
+
+        sourceComponent: TextInput {
+            text: field.text
+            focus: true
+            clip: true
+            horizontalAlignment: TextInput.AlignLeft // explicitly, as that of PanelText
+            verticalAlignment: TextInput.AlignVCenter
+            renderType: TextInput.NativeRendering
+            selectByMouse: true
+            color: Neon.ink
+            selectionColor: Neon.indigo
+            selectedTextColor: "white"
+            font.family: "Inter"
+            font.pixelSize: 12
+            Accessible.role: Accessible.EditableText
+            Accessible.name: field.label
+            onTextEdited: {
+                field.text = text;
+                field.edited();
+            }
+        }
     }
 }

@@ -6,6 +6,7 @@ Loader {
     id: host
 
     required property FilePanel panel
+    property real headroom: 0 ///< at the top, left to the title bar
     property Item focusBefore: null
 
     active: false
@@ -13,6 +14,7 @@ Loader {
 
     sourceComponent: FilePanelBox {
         panel: host.panel
+        headroom: host.headroom
     }
 
     Connections {

@@ -14,8 +14,8 @@ FocusScope {
         panel.typing = true;
         panel.typed = text;
         field.text = text;
-        field.cursorPosition = text.length;
         field.forceActiveFocus(Qt.ShortcutFocusReason);
+        field.goToEnd();
     }
 
     function take(index) {
@@ -95,6 +95,7 @@ FocusScope {
         anchors.fill: crumbs
         visible: bar.panel.typing
         label: "Path"
+        typable: bar.panel.typable
         onEdited: bar.panel.typed = text
         onTextChanged: bar.marked = -1
         Keys.onEscapePressed: bar.panel.typing = false

@@ -70,7 +70,7 @@ Window {
         id: panelHost
 
         anchors.fill: parent
-        anchors.topMargin: titleBar.height
+        headroom: titleBar.height
         panel: window.panel
     }
 
