@@ -20,8 +20,9 @@ AppWindow::AppWindow(AppDelegate& delegate) {
         {"alerts", QVariant::fromValue(&m_alerts)},
         {"details", QVariant::fromValue(&m_details)},
         {"panel", QVariant::fromValue(&m_panel)},
-        {"animated", m_motion.animated()},
         {"workArea", QSizeF(QGuiApplication::primaryScreen()->availableSize())},
+        {"animated", m_appearance.animated()},
+        {"highContrast", m_appearance.highContrast()},
         {"visible", true},
     });
     m_engine.load(Views::url("MainWindow"));
@@ -48,8 +49,12 @@ void AppWindow::take(QQuickWindow* window) {
     const auto* cover = new WindowCover(window);
     connect(cover, &WindowCover::changed, window,
             [window, cover] { window->setProperty("covered", cover->covered()); });
-    connect(&m_motion, &ReducedMotion::changed, window,
-            [this, window] { window->setProperty("animated", m_motion.animated()); });
+    connect(&m_appearance, &Appearance::changed, window, [this, window] {
+        window->setProperty("animated", m_appearance.animated());
+        window->setProperty("highContrast", m_appearance.highContrast());
+    });
+    connect(&m_updates, &UpdateAlerts::checking, window,
+            [window](bool checking) { window->setProperty("checking", checking); });
 }
 
 void AppWindow::raise(const QByteArray& activationToken) {

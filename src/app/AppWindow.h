@@ -5,7 +5,7 @@
 
 #include "app/UpdateAlerts.h"
 #include "app/WindowActions.h"
-#include "app/desktop/ReducedMotion.h"
+#include "app/desktop/Appearance.h"
 #include "app/panels/Panels.h"
 #include "scan/ScanModel.h"
 #include "ui/content/ScanView.h"
@@ -48,7 +48,7 @@ private:
     Panels m_panels{m_panel, m_alerts};
     WindowActions m_actions{m_model, m_view, m_alerts, m_panels};
     UpdateAlerts m_updates{m_alerts, [this] { raise({}); }};
-    ReducedMotion m_motion;
+    Appearance m_appearance;
     QQuickWindow* m_window = nullptr;
     QQmlApplicationEngine m_engine; // last: the views need the others
 };

@@ -46,4 +46,18 @@ UpdateAlerts::UpdateAlerts(Alerts& alerts, std::function<void()> bringToFront)
                     alerts.show(textOf(alert));
                 }} {}
 
+void UpdateAlerts::checkInteractively() {
+    if (std::exchange(m_checking, true)) {
+        return;
+    }
+    emit checking(true);
+    UpdateChecker::Program asked = m_program;
+    asked.show = [this](const UpdateChecker::Alert& alert) {
+        m_checking = false;
+        emit checking(false);
+        m_program.show(alert);
+    };
+    UpdateChecker::checkInteractively(asked);
+}
+
 } // namespace velmora

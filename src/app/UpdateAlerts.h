@@ -5,6 +5,7 @@
 #include "update/UpdateChecker.h"
 
 #include <QNetworkAccessManager>
+#include <QObject>
 #include <QSettings>
 
 #include <functional>
@@ -14,7 +15,9 @@ namespace velmora {
 class Alerts;
 
 /// Main thread.
-class UpdateAlerts {
+class UpdateAlerts : public QObject {
+    Q_OBJECT
+
 public:
     /// Tells what it finds through `alerts`, which outlives this, once `bringToFront` has brought their
     /// window to the user.
@@ -22,9 +25,16 @@ public:
 
     void checkQuietly() { UpdateChecker::checkQuietly(m_program); }
 
-    void checkInteractively() { UpdateChecker::checkInteractively(m_program); }
+    /// Asks because the user wants to know; changes nothing while the answer to such a question is on its
+    /// way.
+    void checkInteractively();
+
+signals:
+    /// A question of the user is on its way, or has been answered.
+    void checking(bool underWay);
 
 private:
+    bool m_checking = false;
     QSettings m_preferences;
     UpdateChecker::Program m_program;
     QNetworkAccessManager m_network; // last: its answers need the others

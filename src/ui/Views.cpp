@@ -1,5 +1,6 @@
 #include "ui/Views.h"
 
+#include "ui/kit/SpokenItem.h"
 #include "ui/kit/TextStyle.h"
 
 #include <QQmlExtensionPlugin>
@@ -11,6 +12,7 @@ namespace velmora::Views {
 
 void prepare() {
     loadTypefaces();
+    installSpokenItems();
 }
 
 QUrl url(const char* name) {

@@ -226,7 +226,7 @@ TEST_F(SpeechTest, NamesEveryControl) {
          std::vector<std::pair<const char*, std::string>>{{"wordmark", "VELMORA"},
                                                           {"totalClock", "01:02:05"},
                                                           {"totalWords", "1 hr  2 min  5 sec"},
-                                                          {"phasePill", "READY"}}) {
+                                                          {"pillWords", "READY"}}) {
         EXPECT_EQ(nameOf(accessible(item)), name);
         EXPECT_EQ(accessible(item)->role(), QAccessible::StaticText) << name;
     }

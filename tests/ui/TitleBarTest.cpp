@@ -56,6 +56,18 @@ TEST_F(TitleBarTest, HasALineAlongTheEdgeUnlessItIsMaximised) {
     }
 }
 
+TEST_F(TitleBarTest, SaysThatItAsksForNewerVersions) {
+    openWindow();
+    const QQuickItem* line = find("checkingLine");
+    EXPECT_FALSE(line->isVisible());
+    window->setProperty("checking", true);
+    EXPECT_TRUE(line->isVisible());
+    EXPECT_GT(place(line).left(), place(find("menuButton")).right());
+    EXPECT_LT(place(line).bottom(), 28);
+    window->setProperty("checking", false);
+    EXPECT_FALSE(line->isVisible());
+}
+
 TEST_F(TitleBarTest, StandsOnTheSameBackdropAsTheContent) {
     openWindow();
     EXPECT_EQ(place(find("backdrop")), QRect({}, window->size()));

@@ -18,7 +18,9 @@ QStringList& warnings() {
 }
 
 void keepWarnings(QtMsgType type, const QMessageLogContext& /*context*/, const QString& message) {
-    if (type != QtDebugMsg && type != QtInfoMsg) {
+    // What Qt says of a typeface whose place the system's font of that script takes.
+    const bool ofScript = message.contains(QLatin1String("OpenType support missing"));
+    if (type != QtDebugMsg && type != QtInfoMsg && !ofScript) {
         warnings() << message;
     }
 }

@@ -7,6 +7,8 @@
 #include <QPainter>
 #include <QPainterPath>
 
+#include <algorithm>
+
 namespace velmora {
 
 namespace {
@@ -42,7 +44,7 @@ void Card::paint(QPainter& painter) const {
 
     painter.fillPath(shape, Neon::faded(Qt::black, fillOpacity));
 
-    const double opacity = either(0.35, 0.95);
+    const double opacity = std::max(either(0.35, 0.95), m_minBorderOpacity);
     const double line = either(1, 2);
     QLinearGradient gradient(box.topLeft(), box.bottomRight());
     gradient.setColorAt(0, Neon::faded(Neon::violet, opacity));

@@ -12,6 +12,7 @@ class Card : public velmora::PaintedItem {
     Q_OBJECT
     QML_ELEMENT
     Q_PROPERTY(bool lit MEMBER m_lit NOTIFY changed)
+    Q_PROPERTY(double minBorderOpacity MEMBER m_minBorderOpacity NOTIFY changed)
 
 public:
     using PaintedItem::PaintedItem;
@@ -26,6 +27,7 @@ private:
     double either(double resting, double lit) const { return m_lit ? lit : resting; }
 
     bool m_lit = false;
+    double m_minBorderOpacity = 0; ///< the border is no fainter
 };
 
 } // namespace velmora

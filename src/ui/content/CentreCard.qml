@@ -6,6 +6,7 @@ Item {
     id: card
 
     required property ScanView scan
+    property real time: 0
     property bool animated: true
     property bool covered: false ///< by something that stands in its place
 
@@ -30,6 +31,7 @@ Item {
         anchors.fill: parent
         opacity: 1 - card.highlight
         visible: opacity > 0
+        minBorderOpacity: Neon.minBorderOpacity
     }
 
     Card {
@@ -38,46 +40,83 @@ Item {
         lit: true
         opacity: card.highlight
         visible: opacity > 0
+        minBorderOpacity: Neon.minBorderOpacity
     }
 
-    Item {
-        id: inside
+    // The panel of one phase. It fades in, and away while that of the next phase appears.
+    component Phase: Item {
+        id: phase
 
-        visible: !card.covered
+        required property bool present
+        required property bool animated
+        property bool covered: false
 
         anchors.fill: parent
         anchors.margins: 30
+        opacity: present ? 1 : 0
+        visible: opacity > 0 && !covered
+
+        Behavior on opacity {
+            objectName: "fading"
+            enabled: phase.animated
+
+            NumberAnimation {
+                duration: 150
+            }
+        }
+    }
+
+    Phase {
+        present: card.scan.idle
+        animated: card.animated
+        covered: card.covered
 
         DropPrompt {
             objectName: "dropPrompt"
             anchors.centerIn: parent
-            visible: card.scan.idle
             targeted: card.scan.targeted
             animated: card.animated
         }
+    }
+
+    Phase {
+        present: card.scan.scanning
+        animated: card.animated
+        covered: card.covered
 
         ScanningPanel {
             objectName: "scanningPanel"
             anchors.verticalCenter: parent.verticalCenter
             width: parent.width
-            visible: card.scan.scanning
-            scan: card.scan
+            scan: card.scan.lastScanning
+            time: card.time
+            animated: card.animated
         }
+    }
+
+    Phase {
+        present: card.scan.done
+        animated: card.animated
+        covered: card.covered
 
         ResultPanel {
             objectName: "resultPanel"
             anchors.centerIn: parent
-            visible: card.scan.done
-            scan: card.scan
+            scan: card.scan.lastDone
             onFilesWanted: card.filesWanted()
             onUnreadableWanted: card.unreadableWanted()
         }
+    }
+
+    Phase {
+        present: card.scan.empty
+        animated: card.animated
+        covered: card.covered
 
         EmptyPanel {
             objectName: "emptyPanel"
             anchors.centerIn: parent
-            visible: card.scan.empty
-            scan: card.scan
+            scan: card.scan.lastEmpty
             onUnreadableWanted: card.unreadableWanted()
         }
     }

@@ -57,6 +57,7 @@ Item {
         anchors.topMargin: 20
         anchors.bottomMargin: 16
         scan: content.scan
+        time: content.time
         animated: content.animated
         covered: content.cardCovered
         onFilesWanted: content.filesWanted()
@@ -86,5 +87,7 @@ Item {
         anchors.margins: 26
         scan: content.scan
         actions: content.actions
+        time: content.time
+        animated: content.animated
     }
 }

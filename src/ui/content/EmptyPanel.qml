@@ -48,7 +48,7 @@ Column {
             text: panel.scan.status
             size: 11
             color: Neon.inkDim
-            Accessible.ignored: true
+            Accessible.ignored: panel.scan.missingLine !== ""
         }
     }
 }

@@ -7,6 +7,8 @@ Item {
 
     required property ScanView scan
     required property Actions actions
+    property real time: 0
+    property bool animated: true
 
     implicitHeight: buttons.implicitHeight
 
@@ -92,5 +94,7 @@ Item {
         anchors.verticalCenter: buttons.verticalCenter
         scan: footer.scan
         actions: footer.actions
+        time: footer.time
+        animated: footer.animated
     }
 }

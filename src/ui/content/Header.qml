@@ -47,6 +47,6 @@ Item {
         anchors.right: parent.right
         anchors.verticalCenter: logo.verticalCenter
         text: header.scan.pillText
-        tint: header.scan.pillTint
+        tint: header.scan.idle ? Neon.inkDim : header.scan.pillTint
     }
 }

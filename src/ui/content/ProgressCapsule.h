@@ -18,6 +18,8 @@ public:
 
     QMarginsF overflow() const override;
 
+    QAccessible::Role spokenRole() const override { return QAccessible::ProgressBar; }
+
     /// The width of the filled part, in points; 6 or more.
     double filledWidth() const;
 

@@ -85,7 +85,11 @@ ScanView::ScanView(const ScanModel& model, QObject* parent)
 }
 
 void ScanView::show(ScanState state) {
+    const bool wasReading = reading();
     std::swap(m_state, state);
+    if (const auto last = m_last.find(m_state.phase); last != m_last.end()) {
+        last->second->show(m_state);
+    }
     if (state.phase != m_state.phase) {
         emit phaseChanged();
     }
@@ -97,6 +101,9 @@ void ScanView::show(ScanState state) {
     }
     if (counts(state) != counts(m_state)) {
         emit countChanged();
+    }
+    if (reading() != wasReading) {
+        emit readingChanged();
     }
     if (summary(state) != summary(m_state)) {
         emit summaryChanged();
@@ -216,6 +223,22 @@ QColor ScanView::zipTint() const {
 
 double ScanView::zipTracking() const {
     return zipLine(m_state.zip).tracking;
+}
+
+bool ScanView::zipWriting() const {
+    const auto* working = std::get_if<ZipWorking>(&m_state.zip);
+    return working != nullptr && working->done == working->total;
+}
+
+ScanView* ScanView::lastWhile(ScanModel::Phase phase) {
+    ScanView*& last = m_last[phase];
+    if (last == nullptr) {
+        last = new ScanView(this);
+        if (m_state.phase == phase) {
+            last->show(m_state);
+        }
+    }
+    return last;
 }
 
 QString ScanView::copyRuntimeTitle() const {

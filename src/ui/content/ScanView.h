@@ -11,6 +11,8 @@
 #include <QTimer>
 #include <QtQml/qqmlregistration.h>
 
+#include <map>
+
 namespace velmora {
 
 class ScanView : public QObject {
@@ -31,6 +33,7 @@ class ScanView : public QObject {
 
     Q_PROPERTY(QString countText READ countText NOTIFY countChanged)
     Q_PROPERTY(double progress READ progress NOTIFY countChanged)
+    Q_PROPERTY(bool reading READ reading NOTIFY readingChanged)
 
     Q_PROPERTY(QString source READ source NOTIFY summaryChanged)
     Q_PROPERTY(QString totalClock READ totalClock NOTIFY summaryChanged)
@@ -44,12 +47,17 @@ class ScanView : public QObject {
     Q_PROPERTY(QString zipText READ zipText NOTIFY zipChanged)
     Q_PROPERTY(QColor zipTint READ zipTint NOTIFY zipChanged)
     Q_PROPERTY(double zipTracking READ zipTracking NOTIFY zipChanged)
+    Q_PROPERTY(bool zipWriting READ zipWriting NOTIFY zipChanged)
     Q_PROPERTY(bool zipWorking READ zipWorking NOTIFY zipChanged)
     Q_PROPERTY(bool zipSaved READ zipSaved NOTIFY zipChanged)
 
     Q_PROPERTY(QString copyRuntimeTitle READ copyRuntimeTitle NOTIFY flashChanged)
     Q_PROPERTY(QString copyFileListTitle READ copyFileListTitle NOTIFY flashChanged)
     Q_PROPERTY(bool targeted READ targeted NOTIFY targetedChanged)
+
+    Q_PROPERTY(velmora::ScanView* lastScanning READ lastScanning CONSTANT)
+    Q_PROPERTY(velmora::ScanView* lastDone READ lastDone CONSTANT)
+    Q_PROPERTY(velmora::ScanView* lastEmpty READ lastEmpty CONSTANT)
 
 public:
     /// The copy button that says "COPIED" at present.
@@ -95,6 +103,9 @@ public:
 
     double progress() const { return m_state.progress; }
 
+    /// Whether a scan has not counted anything yet.
+    bool reading() const { return scanning() && m_state.found == 0; }
+
     QString source() const;
     QString totalClock() const;     ///< "01:37:12"
     QString totalWords() const;     ///< "1 hr  37 min  12 sec"
@@ -112,6 +123,9 @@ public:
 
     bool zipWorking() const { return std::holds_alternative<ZipWorking>(m_state.zip); }
 
+    /// Whether all files are packed but the archive is not yet complete.
+    bool zipWriting() const;
+
     bool zipSaved() const { return std::holds_alternative<ZipDone>(m_state.zip); }
 
     QString copyRuntimeTitle() const;
@@ -122,10 +136,19 @@ public:
 
     void setTargeted(bool targeted);
 
+    /// The scan as it was when it last was in that phase: what a panel still shows while it fades away. The
+    /// present scan while it is in that phase. Lives as long as this.
+    ScanView* lastScanning() { return lastWhile(ScanModel::Phase::scanning); }
+
+    ScanView* lastDone() { return lastWhile(ScanModel::Phase::done); }
+
+    ScanView* lastEmpty() { return lastWhile(ScanModel::Phase::empty); }
+
 signals:
     void phaseChanged();
     void statusChanged();
     void countChanged();
+    void readingChanged();
     void summaryChanged();
     void titleChanged();
     void zipChanged();
@@ -136,7 +159,10 @@ private:
     /// How long a new count waits for later ones: a frame.
     static constexpr int countMilliseconds = 16;
 
+    ScanView* lastWhile(ScanModel::Phase phase);
+
     ScanState m_state;
+    std::map<ScanModel::Phase, ScanView*> m_last; ///< what `lastWhile` has made so far
     QTimer m_countShows;
     Copied m_flashing = Copied::nothing;
     bool m_targeted = false;

@@ -5,6 +5,8 @@ Column {
     id: panel
 
     required property ScanView scan
+    property real time: 0
+    property bool animated: true
 
     spacing: 14
 
@@ -29,7 +31,8 @@ Column {
     ProgressCapsule {
         id: bar
 
-        // What assistive technology reads of a progress bar.
+        // What assistive technology reads.
+        readonly property string label: panel.scan.countText
         readonly property real value: progress
         readonly property real minimumValue: 0
         readonly property real maximumValue: 1
@@ -40,7 +43,26 @@ Column {
         height: 5
         progress: panel.scan.progress
         Accessible.role: Accessible.ProgressBar
-        Accessible.name: panel.scan.countText
+        Accessible.name: label
+
+        // Nothing is counted yet: a light goes along the track, from one end to the other in 1.6 seconds.
+        Item {
+            id: track
+
+            readonly property real share: visible ? panel.time % 1.6 / 1.6 : 0
+
+            objectName: "readingTrack"
+            anchors.fill: parent
+            clip: true
+            visible: panel.scan.reading && panel.animated
+
+            TrackLight {
+                objectName: "readingLight"
+                x: track.share * (track.width + width) - width
+                width: 140
+                height: track.height
+            }
+        }
     }
 
     Caption {

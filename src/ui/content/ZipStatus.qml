@@ -7,6 +7,8 @@ Item {
 
     required property ScanView scan
     required property Actions actions
+    property real time: 0
+    property bool animated: true
 
     implicitHeight: words.implicitHeight + 20
     visible: words.text !== ""
@@ -21,7 +23,7 @@ Item {
         label: line.scan.zipText
         toolTip: enabled ? "Show the archive in its folder" : ""
         ringRadius: 9
-        Accessible.role: enabled ? Accessible.Button : Accessible.StaticText
+        Accessible.ignored: !enabled
         onPressed: line.actions.revealZip()
     }
 
@@ -37,8 +39,10 @@ Item {
         weight: Font.Bold
         monospaced: true
         tracking: line.scan.zipTracking
+        // All files are packed, and the archive is being completed: the line pulses once in 1.2 seconds.
+        opacity: line.scan.zipWriting && line.animated ? 0.7 + 0.3 * Math.cos(line.time % 1.2 / 1.2 * 2 * Math.PI) : 1
         color: line.scan.zipTint
-        Accessible.ignored: true
+        Accessible.ignored: line.scan.zipSaved
     }
 
     HoverHandler {

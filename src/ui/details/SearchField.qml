@@ -22,7 +22,7 @@ FocusScope {
         fill: Neon.ink
         fillOpacity: 0.04
         border: Neon.indigo
-        borderOpacity: input.activeFocus ? 1 : 0.4
+        borderOpacity: input.activeFocus ? 1 : Math.max(0.4, Neon.minBorderOpacity)
         radius: 7
     }
 

@@ -20,8 +20,12 @@ class Neon : public QObject {
     Q_PROPERTY(QColor indigo MEMBER indigo CONSTANT)
     Q_PROPERTY(QColor brand MEMBER brand CONSTANT)
     Q_PROPERTY(QColor ink MEMBER ink CONSTANT)
-    Q_PROPERTY(QColor inkDim MEMBER inkDim CONSTANT)
+    Q_PROPERTY(QColor inkDim READ shownInkDim NOTIFY contrastChanged)
     Q_PROPERTY(QColor alert MEMBER alert CONSTANT)
+
+    /// Whether the user has asked for more contrast: secondary text and borders are lifted.
+    Q_PROPERTY(bool highContrast MEMBER m_highContrast NOTIFY contrastChanged)
+    Q_PROPERTY(double minBorderOpacity READ minBorderOpacity NOTIFY contrastChanged)
 
 public:
     inline static const QColor bgTop = QColor::fromRgbF(0.055F, 0.035F, 0.11F);    ///< top of the backdrop
@@ -34,8 +38,21 @@ public:
     inline static const QColor inkDim = QColor::fromRgbF(0.55F, 0.5F, 0.75F);      ///< secondary text
     inline static const QColor alert = QColor::fromRgbF(1, 0.541F, 0.31F);         ///< errors, empty results
 
+    QColor shownInkDim() const { return m_highContrast ? inkDimLifted : inkDim; }
+
+    /// No border is fainter than this, from 0 to 1.
+    double minBorderOpacity() const { return m_highContrast ? 0.9 : 0; }
+
     /// `color`, its own opacity times `opacity`, from 0 to 1.
     static QColor faded(const QColor& color, double opacity);
+
+signals:
+    void contrastChanged();
+
+private:
+    inline static const QColor inkDimLifted = QColor::fromRgbF(0.8F, 0.77F, 0.94F); ///< with high contrast
+
+    bool m_highContrast = false;
 };
 
 } // namespace velmora

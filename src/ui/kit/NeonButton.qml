@@ -9,12 +9,11 @@ Pressable {
     property string restingTitle: title ///< the button stays wide enough for it
     readonly property bool lit: hovered && enabled
 
-    component Words: Caption {
+    component Words: PaintedText {
         anchors.centerIn: parent
         size: 11
         weight: Font.Bold
         tracking: 1.6
-        Accessible.ignored: true
     }
 
     label: title
@@ -27,7 +26,7 @@ Pressable {
         fill: button.tint
         fillOpacity: button.down ? 0.7 : button.lit ? 1 : 0.1
         border: button.tint
-        borderOpacity: button.lit ? 1 : 0.5
+        borderOpacity: Math.max(button.lit ? 1 : 0.5, Neon.minBorderOpacity)
         radius: 9
     }
 

@@ -14,26 +14,27 @@ Pressable {
     implicitHeight: words.implicitHeight + 10
     ringRadius: height
     enabled: actionable
-    Accessible.role: actionable ? Accessible.Button : Accessible.StaticText
+    Accessible.ignored: !actionable
 
     Plate {
         anchors.fill: parent
         fill: pill.tint
         fillOpacity: 0.1
         border: pill.tint
-        borderOpacity: 0.45
+        borderOpacity: Math.max(0.45, Neon.minBorderOpacity)
         capsule: true
     }
 
     Caption {
         id: words
 
+        objectName: "pillWords"
         anchors.centerIn: parent
         text: pill.text
         size: 10
         weight: Font.Bold
         tracking: 1.6
         color: pill.tint
-        Accessible.ignored: true
+        Accessible.ignored: pill.actionable
     }
 }

@@ -32,7 +32,7 @@ Item {
         anchors.fill: parent
         fill: Neon.bgMid
         border: Neon.indigo
-        borderOpacity: 0.5
+        borderOpacity: Math.max(0.5, Neon.minBorderOpacity)
         radius: 7
     }
 

@@ -35,6 +35,8 @@ public:
 
     QMarginsF overflow() const override;
 
+    QAccessible::Role spokenRole() const override { return QAccessible::StaticText; }
+
 protected:
     void paint(QPainter& painter) const override;
 

@@ -3,6 +3,7 @@
 // An item that is painted once and shown as an image: the same pixels with and without a GPU. It is painted
 // at the display's resolution, and again only when its content, its size or the scale of the display changes.
 
+#include <QAccessible>
 #include <QImage>
 #include <QMarginsF>
 #include <QQuickItem>
@@ -23,6 +24,10 @@ public:
 
     /// How far the painting reaches beyond the item on each side, in points: room for glows and shadows.
     virtual QMarginsF overflow() const { return {}; }
+
+    /// What assistive technology takes the item for, where Qt's own account of it does not do: static text,
+    /// with its property `text`, or a progress bar, with `label`, `value`, `minimumValue`, `maximumValue`.
+    virtual QAccessible::Role spokenRole() const { return QAccessible::NoRole; }
 
 signals:
     /// The content has changed. The item is painted again.

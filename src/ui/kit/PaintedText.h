@@ -46,6 +46,8 @@ public:
     /// Letters of other scripts may reach above and below a line of the window's typefaces.
     QMarginsF overflow() const override;
 
+    QAccessible::Role spokenRole() const override { return QAccessible::StaticText; }
+
     void setSize(int points) { set(m_style.size, points); }
 
     void setWeight(int weight) { set(m_style.weight, static_cast<QFont::Weight>(weight)); }

@@ -12,7 +12,7 @@ Pressable {
     implicitHeight: words.implicitHeight
     ringRadius: 7
     toolTipBelow: true
-    Accessible.role: enabled ? Accessible.Button : Accessible.StaticText
+    Accessible.ignored: !enabled // then the words speak for themselves
 
     Rectangle {
         objectName: "underline"

@@ -13,6 +13,19 @@ FocusScope {
     Accessible.role: Accessible.AlertMessage
     Accessible.name: alerts.title
     Accessible.description: alerts.body
+    Keys.onUpPressed: body.scroll(-3)
+    Keys.onDownPressed: body.scroll(3)
+    Keys.onPressed: event => {
+        const lines = {
+            [Qt.Key_PageUp]: -12,
+            [Qt.Key_PageDown]: 12,
+            [Qt.Key_Home]: -body.lineCount,
+            [Qt.Key_End]: body.lineCount
+        }[event.key];
+        event.accepted = lines !== undefined;
+        if (event.accepted)
+            body.scroll(lines);
+    }
     Keys.onEscapePressed: alerts.dismiss()
     Keys.onReturnPressed: alerts.accept()
     Keys.onEnterPressed: alerts.accept()
@@ -48,7 +61,7 @@ FocusScope {
         height: texts.implicitHeight + 48
         fill: Neon.bgTop
         border: Neon.violet
-        borderOpacity: 0.5
+        borderOpacity: Math.max(0.5, Neon.minBorderOpacity)
         radius: 18
 
         Column {
@@ -77,20 +90,12 @@ FocusScope {
                 font.weight: Font.Bold
             }
 
-            Text {
+            ScrolledText {
+                id: body
+
                 objectName: "alertBody"
                 width: parent.width
                 text: box.alerts.body
-                textFormat: Text.PlainText
-                horizontalAlignment: Text.AlignLeft
-                wrapMode: Text.Wrap
-                maximumLineCount: 14
-                elide: Text.ElideRight
-                renderType: Text.NativeRendering
-                color: Neon.inkDim
-                font.family: "Inter"
-                font.pixelSize: 13
-                lineHeight: 1.25
             }
 
             Row {

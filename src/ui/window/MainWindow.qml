@@ -13,6 +13,8 @@ Window {
     property bool animated: true
     property bool covered: false ///< nothing of the window can be seen
     property size workArea: Qt.size(Infinity, Infinity) ///< what the first size has to fit into
+    property bool highContrast: false
+    property bool checking: false ///< whether the user waits for the answer about newer versions
 
     // A Wayland compositor ends a program whose maximised window is larger than the compositor asked for.
     // Where the screen has no room for the minimum size beside a taskbar, the minimum is lowered.
@@ -32,6 +34,12 @@ Window {
 
         window: window
         animated: window.animated && !window.covered && !panelHost.active // nothing else moves then
+    }
+
+    Binding {
+        target: Neon
+        property: "highContrast"
+        value: window.highContrast
     }
 
     WindowMover {
@@ -80,6 +88,7 @@ Window {
         objectName: "titleBar"
         width: parent.width
         window: window
+        checking: window.checking
         onMenuPressed: menu.open()
     }
 

@@ -24,7 +24,7 @@ Pressable {
         radius: 6
     }
 
-    Caption {
+    PaintedText {
         id: words
 
         x: 14
@@ -32,6 +32,5 @@ Pressable {
         text: row.title
         size: 12
         weight: Font.Medium
-        Accessible.ignored: true
     }
 }

@@ -9,6 +9,8 @@ Item {
     // Along the edges of a screen the first and the last button reach its vertices, where they are hit blindly.
     readonly property bool filling: window.visibility === Window.Maximized || window.visibility === Window.FullScreen
 
+    property bool checking: false ///< whether newer versions are asked for
+
     signal menuPressed
 
     function toggleMaximized() {
@@ -33,6 +35,18 @@ Item {
         label: "Menu"
         toolTip: "Menu  \u00b7  F10"
         onPressed: bar.menuPressed()
+    }
+
+    Caption {
+        objectName: "checkingLine"
+        x: 46
+        anchors.verticalCenter: parent.verticalCenter
+        visible: bar.checking
+        text: "CHECKING\u2026"
+        size: 9
+        weight: Font.Bold
+        tracking: 1.6
+        color: Neon.inkDim
     }
 
     Row {

@@ -7,7 +7,7 @@ Item {
 
     component Line: Rectangle {
         color: Neon.indigo
-        opacity: 0.55
+        opacity: Math.max(0.55, Neon.minBorderOpacity)
     }
 
     Line {

@@ -1,4 +1,4 @@
-#include "app/desktop/ReducedMotion.h"
+#include "app/desktop/Appearance.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -14,6 +14,9 @@ const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
 const QString object = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
 
+const QString standardGroup = QStringLiteral("org.freedesktop.appearance");
+const QString motionKey = QStringLiteral("reduced-motion"); // 0: no preference, 1: reduced
+const QString contrastKey = QStringLiteral("contrast");     // 0: no preference, 1: higher
 const QString gnomeGroup = QStringLiteral("org.gnome.desktop.interface");
 const QString gnomeKey = QStringLiteral("enable-animations");
 const QString kdeGroup = QStringLiteral("org.kde.kdeglobals.KDE");
@@ -29,19 +32,21 @@ QVariant unwrapped(QVariant value) {
 
 } // namespace
 
-ReducedMotion::ReducedMotion(QObject* parent)
+Appearance::Appearance(QObject* parent)
     : QObject(parent) {
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) {
         return;
     }
     bus.connect(service, object, interface, QStringLiteral("SettingChanged"), this,
-                SLOT(settingChanged(QString, QString, QDBusVariant)));
+                SLOT(settingChanged(QDBusMessage)));
+    ask(standardGroup, motionKey);
+    ask(standardGroup, contrastKey);
     ask(gnomeGroup, gnomeKey);
     ask(kdeGroup, kdeKey);
 }
 
-void ReducedMotion::ask(const QString& group, const QString& key) {
+void Appearance::ask(const QString& group, const QString& key) {
     QDBusMessage call = QDBusMessage::createMethodCall(service, object, interface, QStringLiteral("Read"));
     call << group << key;
     auto* watcher = new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(call), this);
@@ -49,23 +54,32 @@ void ReducedMotion::ask(const QString& group, const QString& key) {
         watcher->deleteLater();
         const QDBusPendingReply<QDBusVariant> reply = *watcher;
         if (!reply.isError()) {
-            settingChanged(group, key, reply.value());
+            take(group, key, reply.value().variant());
         }
     });
 }
 
-void ReducedMotion::settingChanged(const QString& group, const QString& key, const QDBusVariant& value) {
-    const QVariant setting = unwrapped(value.variant());
-    bool animated = m_animated;
-    if (group == gnomeGroup && key == gnomeKey) {
-        animated = setting.toBool();
+void Appearance::settingChanged(const QDBusMessage& signal) {
+    const QVariantList arguments = signal.arguments();
+    if (arguments.size() == 3) {
+        take(arguments[0].toString(), arguments[1].toString(), arguments[2]);
+    }
+}
+
+void Appearance::take(const QString& group, const QString& key, const QVariant& value) {
+    const QVariant setting = unwrapped(value);
+    if (group == standardGroup && key == motionKey) {
+        m_reducedMotion = setting.toUInt() == 1;
+    } else if (group == standardGroup && key == contrastKey) {
+        m_highContrast = setting.toUInt() == 1;
+    } else if (group == gnomeGroup && key == gnomeKey) {
+        m_gnomeAnimates = setting.toBool();
     } else if (group == kdeGroup && key == kdeKey) {
-        animated = setting.toDouble() > 0;
+        m_kdeAnimates = setting.toDouble() > 0;
+    } else {
+        return;
     }
-    if (animated != m_animated) {
-        m_animated = animated;
-        emit changed();
-    }
+    emit changed();
 }
 
 } // namespace velmora

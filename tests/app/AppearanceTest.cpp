@@ -1,0 +1,102 @@
+// The desktop's settings, from a settings portal on a real session bus.
+
+#include "app/desktop/Appearance.h"
+
+#include "tests/support/ComesTrue.h"
+
+#include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusVariant>
+#include <QMap>
+#include <QProcess>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+namespace velmora::test {
+
+const QString path = "/org/freedesktop/portal/desktop";
+
+/// The settings portal of a desktop; it knows the settings it was given, by "group key".
+class SettingsPortal : public QObject, protected QDBusContext {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    using QObject::QObject;
+
+    QMap<QString, QVariant> settings;
+    int reads = 0;
+
+public slots:
+
+    // The bus knows it by this name.
+    QDBusVariant Read(const QString& group, const QString& key) {
+        ++reads;
+        const auto setting = settings.constFind(group + ' ' + key);
+        if (setting == settings.constEnd()) {
+            sendErrorReply("org.freedesktop.portal.Error.NotFound", "Requested setting not found");
+            return QDBusVariant(QVariant());
+        }
+        return QDBusVariant(QVariant::fromValue(QDBusVariant(*setting)));
+    }
+};
+
+namespace {
+
+const QString standard = "org.freedesktop.appearance";
+const QString gnome = "org.gnome.desktop.interface";
+
+class AppearanceTest : public testing::Test {
+protected:
+    void SetUp() override {
+        daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
+        ASSERT_TRUE(
+            comesTrue([this] { return daemon.canReadLine() || daemon.state() == QProcess::NotRunning; }));
+        const QByteArray address = daemon.readLine().trimmed();
+        qputenv("DBUS_SESSION_BUS_ADDRESS", address); // each test is a process: Qt reads it once
+        QDBusConnection bus = QDBusConnection::connectToBus(QString::fromLatin1(address), "portal");
+        ASSERT_TRUE(bus.registerObject(path, &portal, QDBusConnection::ExportAllSlots));
+        ASSERT_TRUE(bus.registerService("org.freedesktop.portal.Desktop"));
+    }
+
+    void TearDown() override {
+        appearance.reset();
+        QDBusConnection::disconnectFromBus("portal");
+        daemon.terminate();
+        daemon.waitForFinished();
+    }
+
+    /// Whether it comes to be so after the portal was asked for all settings.
+    bool becomes(bool animated, bool highContrast) {
+        return comesTrue([=, this] {
+            return portal.reads == 4 && appearance->animated() == animated &&
+                   appearance->highContrast() == highContrast;
+        });
+    }
+
+    QProcess daemon;
+    SettingsPortal portal;
+    std::unique_ptr<Appearance> appearance;
+};
+
+TEST_F(AppearanceTest, ReadsTheStandardKeys) {
+    portal.settings[standard + " reduced-motion"] = 1U;
+    portal.settings[standard + " contrast"] = 1U;
+    portal.settings[gnome + " enable-animations"] = true;
+    appearance = std::make_unique<Appearance>();
+    EXPECT_TRUE(appearance->animated()) << "the portal has not answered yet";
+    EXPECT_TRUE(becomes(false, true));
+}
+
+TEST_F(AppearanceTest, ReadsTheDesktopsOwnKeysWhereTheStandardOnesSayNothing) {
+    portal.settings[gnome + " enable-animations"] = false;
+    appearance = std::make_unique<Appearance>();
+    EXPECT_TRUE(becomes(false, false));
+}
+
+} // namespace
+} // namespace velmora::test
+
+#include "AppearanceTest.moc"
