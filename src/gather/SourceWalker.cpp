@@ -51,9 +51,10 @@ bool isTemporary(const std::string& folder, std::string_view name) {
 /// One walk, into archives and out again.
 class Walk {
 public:
-    Walk(GatherResult& found, const std::stop_token& stop)
+    Walk(GatherResult& found, const std::stop_token& stop, const Unpacking& unpacking)
         : m_found(found)
-        , m_stop(stop) {}
+        , m_stop(stop)
+        , m_unpacking(unpacking) {}
 
     void item(const fs::path& path, int depth) {
         std::error_code error;
@@ -110,7 +111,7 @@ private:
 
     void archive(fs::path path, int depth) {
         const Extracted content =
-            depth <= maxArchiveDepth ? extract(path, m_stop) : Extracted{.why = Reason::tooDeep};
+            depth <= maxArchiveDepth ? unpacked(path) : Extracted{.why = Reason::tooDeep};
         if (content.why) {
             m_found.skippedArchives.push_back({std::move(path), *content.why});
             return;
@@ -120,15 +121,30 @@ private:
         item(*content.directory, depth + 1);
     }
 
+    Extracted unpacked(const fs::path& archive) {
+        tell(archive);
+        Extracted content = extract(archive, m_stop);
+        tell({});
+        return content;
+    }
+
+    void tell(const fs::path& archive) const {
+        if (m_unpacking) {
+            m_unpacking(archive);
+        }
+    }
+
     GatherResult& m_found;
     const std::stop_token& m_stop;
+    const Unpacking& m_unpacking;
 };
 
 } // namespace
 
-void walk(const fs::path& path, int depth, GatherResult& found, const std::stop_token& stop) {
+void walk(const fs::path& path, int depth, GatherResult& found, const std::stop_token& stop,
+          const Unpacking& unpacking) {
     if (!stop.stop_requested()) {
-        Walk(found, stop).item(path, depth);
+        Walk(found, stop, unpacking).item(path, depth);
     }
 }
 

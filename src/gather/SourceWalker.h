@@ -5,6 +5,7 @@
 // tools.
 
 #include "records/Records.h"
+#include "records/Unpacking.h"
 
 #include <filesystem>
 #include <stop_token>
@@ -20,7 +21,7 @@ inline constexpr int maxArchiveDepth = 2;
 /// the program's own temporary items; links to folders are not entered, but classified by their names as
 /// every other link; what cannot be read is left out; a path that does not exist changes nothing. Never
 /// throws for what it finds. Ends early when `stop` is requested. Called on the gathering thread.
-void walk(const std::filesystem::path& path, int depth, GatherResult& found,
-          const std::stop_token& stop = {});
+void walk(const std::filesystem::path& path, int depth, GatherResult& found, const std::stop_token& stop = {},
+          const Unpacking& unpacking = {});
 
 } // namespace velmora::Collector

@@ -93,7 +93,14 @@ void ScanModel::ingest(PathList dropped) {
 
     m_job = std::make_shared<Job>();
     m_background->run([this, job = m_job, dropped = std::move(dropped)](const std::stop_token& programEnds) {
-        GatherResult gathered = m_stages.gather(dropped, programEnds);
+        const auto unpacking = [this, job](const std::filesystem::path& archive) {
+            m_mainThread->post([this, job, name = lastComponent(archive)] {
+                if (!job->cancelled.stop_requested()) {
+                    publishUnpacking(name);
+                }
+            });
+        };
+        GatherResult gathered = m_stages.gather(dropped, programEnds, unpacking);
         job->results.resize(gathered.files.size()); // here, for it takes a while
         m_mainThread->post([this, job, gathered = std::move(gathered)]() mutable {
             takeGathered(job, std::move(gathered));
@@ -208,6 +215,7 @@ void ScanModel::cancelJob() {
     if (m_job) {
         m_job->cancelled.request_stop();
         m_job.reset();
+        publishUnpacking({}); // what is still unpacked is no longer waited for
     }
 }
 
@@ -263,6 +271,11 @@ void ScanModel::publishFound(int found) {
 void ScanModel::publishStatus(std::string status) {
     m_status = std::move(status);
     emit statusChanged(m_status);
+}
+
+void ScanModel::publishUnpacking(std::string archive) {
+    m_unpacking = std::move(archive);
+    emit unpackingChanged();
 }
 
 void ScanModel::publishZipState(ZipState state) {

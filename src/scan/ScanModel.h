@@ -5,6 +5,7 @@
 // end, its summary.
 
 #include "records/Records.h"
+#include "records/Unpacking.h"
 #include "scan/ScanDetails.h"
 #include "scan/ZipState.h"
 #include "system/Paths.h"
@@ -28,7 +29,9 @@ struct MeasuredFile;
 /// The two stages of a scan. Both run on background threads, `measure` on six at once, and end early when
 /// their stop token is requested. The default is the real work; a test holds and releases stages of its own.
 struct ScanStages {
-    std::function<GatherResult(const PathList& dropped, const std::stop_token& stop)> gather;
+    std::function<GatherResult(const PathList& dropped, const std::stop_token& stop,
+                               const Unpacking& unpacking)>
+        gather;
     std::function<Measured(const std::filesystem::path& file, const std::stop_token& stop)> measure;
 
     static ScanStages real();
@@ -83,6 +86,9 @@ public:
 
     const std::string& status() const { return m_status; }
 
+    /// The name of the archive that is being unpacked, as bytes; empty while none is.
+    const std::string& unpacking() const { return m_unpacking; }
+
     const ZipState& zipState() const { return m_zipState; }
 
     const ScanDetails& details() const { return *m_details; }
@@ -109,6 +115,7 @@ signals:
     void processedChanged(int processed);
     void foundChanged(int found);
     void statusChanged(const std::string& status);
+    void unpackingChanged();
     void zipStateChanged();
 
 private:
@@ -127,6 +134,7 @@ private:
     void publishProcessed(int processed);
     void publishFound(int found);
     void publishStatus(std::string status);
+    void publishUnpacking(std::string archive);
     void publishZipState(ZipState state);
 
     ScanStages m_stages;
@@ -135,6 +143,7 @@ private:
     int m_processed = 0;
     int m_found = 0;
     std::string m_status;
+    std::string m_unpacking;
     ZipState m_zipState;
     std::shared_ptr<ScanDetails> m_details = std::make_shared<ScanDetails>();
     std::shared_ptr<Job> m_job;

@@ -6,6 +6,7 @@
 
 #include <QDBusConnection>
 #include <QDBusContext>
+#include <QDBusMessage>
 #include <QDBusVariant>
 #include <QMap>
 #include <QProcess>
@@ -25,6 +26,14 @@ class SettingsPortal : public QObject, protected QDBusContext {
 
 public:
     using QObject::QObject;
+
+    void change(const QString& group, const QString& key, const QVariant& value) {
+        settings[group + ' ' + key] = value;
+        QDBusMessage signal =
+            QDBusMessage::createSignal(path, "org.freedesktop.portal.Settings", "SettingChanged");
+        signal << group << key << QVariant::fromValue(QDBusVariant(value));
+        EXPECT_TRUE(QDBusConnection("portal").send(signal));
+    }
 
     QMap<QString, QVariant> settings;
     int reads = 0;
@@ -47,6 +56,7 @@ namespace {
 
 const QString standard = "org.freedesktop.appearance";
 const QString gnome = "org.gnome.desktop.interface";
+const QString kde = "org.kde.kdeglobals.KDE";
 
 class AppearanceTest : public testing::Test {
 protected:
@@ -94,6 +104,23 @@ TEST_F(AppearanceTest, ReadsTheDesktopsOwnKeysWhereTheStandardOnesSayNothing) {
     portal.settings[gnome + " enable-animations"] = false;
     appearance = std::make_unique<Appearance>();
     EXPECT_TRUE(becomes(false, false));
+    portal.change(gnome, "enable-animations", true);
+    EXPECT_TRUE(becomes(true, false));
+    portal.change(kde, "AnimationDurationFactor", 0.0);
+    EXPECT_TRUE(becomes(false, false));
+}
+
+TEST_F(AppearanceTest, FollowsEachChange) {
+    portal.settings[standard + " reduced-motion"] = 0U;
+    appearance = std::make_unique<Appearance>();
+    EXPECT_TRUE(becomes(true, false));
+    portal.change(standard, "contrast", 1U);
+    EXPECT_TRUE(becomes(true, true));
+    portal.change(standard, "reduced-motion", 1U);
+    EXPECT_TRUE(becomes(false, true));
+    portal.change(standard, "reduced-motion", 0U);
+    portal.change(standard, "contrast", 0U);
+    EXPECT_TRUE(becomes(true, false));
 }
 
 } // namespace

@@ -61,7 +61,7 @@ TEST_F(FileRevealTest, OpensTheFolder) {
 
 TEST_F(FileRevealTest, OfASavedZipThatFailsTellsThePathAndCopiesIt) {
     ScanModel model({.gather =
-                         [this](const auto&, const auto&) {
+                         [this](const auto&, const auto&, const auto&) {
                              GatherResult result;
                              result.files = {write(folder / "a.wav", "audio")};
                              return result;

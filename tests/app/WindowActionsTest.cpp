@@ -28,7 +28,7 @@ protected:
     /// Two files of three seconds each, wherever it looks.
     ScanModel model{
         {.gather =
-             [](const auto&, const auto&) {
+             [](const auto&, const auto&, const auto&) {
                  GatherResult result;
                  result.files = {"/music/Live Set/a.wav", "/music/Live Set/b.wav"};
                  return result;

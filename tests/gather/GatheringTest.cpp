@@ -52,6 +52,18 @@ TEST(Gathering, SkippedArchivesComeInTheOrderTheyWereMet) {
                 ElementsAre(SkippedArchive{second, Reason::noTool}, SkippedArchive{first, Reason::noTool}));
 }
 
+TEST(Gathering, TellsWhichArchiveIsBeingUnpacked) {
+    const fs::path folder = freshFolder();
+    const fs::path content = freshFolder();
+    write(content / "x.wav");
+    pack(folder / "a.zip", content);
+    const fs::path broken = write(folder / "b.zip", "broken");
+    Paths told;
+    gather({folder / "a.zip", broken, write(folder / "c.wav")}, {},
+           [&](const fs::path& archive) { told.push_back(archive); });
+    EXPECT_THAT(told, ElementsAre(folder / "a.zip", "", broken, ""));
+}
+
 TEST(Gathering, EndsEarlyWhenAsked) {
     std::stop_source stop;
     stop.request_stop();

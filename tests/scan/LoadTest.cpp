@@ -84,7 +84,7 @@ class MemoryTest : public ScanModelTest {};
 
 TEST_F(MemoryTest, AResetGivesTheMemoryOfManyFilesBack) {
     constexpr int files = 100'000;
-    createModel({[](const PathList&, const std::stop_token&) {
+    createModel({[](const PathList&, const std::stop_token&, const Unpacking&) {
                      GatherResult found;
                      for (int i = 0; i < files; ++i) {
                          found.files.push_back(fs::path("/home/somebody/Music/Artist/Album") /

@@ -57,7 +57,7 @@ protected:
         m_reference = {};
         m_wakeUp.start(std::chrono::seconds(1));
         m_gate.emplace();
-        createModel({[this](const PathList& urls, const std::stop_token& stop) {
+        createModel({[this](const PathList& urls, const std::stop_token& stop, const Unpacking&) {
                          m_gate->pass(stop);
                          const Drop drop = Drop::of(urls.paths());
                          return GatherResult{drop.files, {}, {}, drop.skipped};

@@ -18,7 +18,7 @@ protected:
     /// A model whose measuring is held; each dropped item is one file, and so is each of `more`.
     void createHeldModel(Paths more = {}) {
         createModel(
-            {[more](const PathList& dropped, const std::stop_token&) {
+            {[more](const PathList& dropped, const std::stop_token&, const Unpacking&) {
                  Paths files = dropped.paths();
                  files.insert(files.end(), more.begin(), more.end());
                  return gathered(files);
@@ -45,7 +45,9 @@ TEST_F(ScanModelCancelTest, ResetReturnsToIdleAtOnceAndNothingOfTheScanFollows) 
 
 TEST_F(ScanModelCancelTest, AResetWhileResultsStreamInIsObeyedBeforeTheyEnd) {
     constexpr int files = 20'000;
-    createModel({[](const PathList&, const std::stop_token&) { return gathered(Paths(files, "/m/1.wav")); },
+    createModel({[](const PathList&, const std::stop_token&, const Unpacking&) {
+                     return gathered(Paths(files, "/m/1.wav"));
+                 },
                  [](const fs::path& file, const std::stop_token&) {
                      return Measured{file, 1.0, 10};
                  }});
@@ -107,7 +109,7 @@ TEST_F(ScanModelCancelTest, ANewScanSupersedesARunningOne) {
 TEST_F(ScanModelCancelTest, GatheringRunsToItsEndAndItsDirectoriesAreReleasedLater) {
     std::latch mayEnd(1);
     const fs::path unpacked = fs::temp_directory_path() / "velmora-UNPACKED";
-    createModel({[&](const PathList& dropped, const std::stop_token&) {
+    createModel({[&](const PathList& dropped, const std::stop_token&, const Unpacking&) {
                      if (dropped.front() == "/m/slow.zip") {
                          mayEnd.wait();
                          write(unpacked / "x.wav");
@@ -192,7 +194,7 @@ TEST_F(ScanModelCancelTest, LeavesNothingWhenItEndsDuringAnExtraction) {
 
 TEST_F(ScanModelCancelTest, LeavesNothingOfWhatIsUnpackedWhileItEnds) {
     const fs::path unpacked = fs::temp_directory_path() / "velmora-UNPACKED";
-    createModel({[&](const PathList& dropped, const std::stop_token& programEnds) {
+    createModel({[&](const PathList& dropped, const std::stop_token& programEnds, const Unpacking&) {
                      std::latch ending(1);
                      const std::stop_callback tell(programEnds, [&] { ending.count_down(); });
                      ending.wait();

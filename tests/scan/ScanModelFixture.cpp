@@ -48,11 +48,12 @@ void ScanModelTest::createModel() {
 }
 
 void ScanModelTest::createModel(const Paths& files, std::map<std::string, double> lengths) {
-    createModel({[files](const PathList&, const std::stop_token&) { return gathered(files); },
-                 [lengths = std::move(lengths)](const std::filesystem::path& file, const std::stop_token&) {
-                     const auto length = lengths.find(file.filename());
-                     return Measured{file, length == lengths.end() ? unmeasured : length->second, 1000};
-                 }});
+    createModel(
+        {[files](const PathList&, const std::stop_token&, const Unpacking&) { return gathered(files); },
+         [lengths = std::move(lengths)](const std::filesystem::path& file, const std::stop_token&) {
+             const auto length = lengths.find(file.filename());
+             return Measured{file, length == lengths.end() ? unmeasured : length->second, 1000};
+         }});
 }
 
 void ScanModelTest::record() {

@@ -3,6 +3,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/Shell.h"
 
+#include <future>
 #include <thread>
 
 namespace velmora::test {
@@ -91,7 +92,7 @@ TEST_F(ScanModelTest, EndsEmptyWhenNoFileCouldBeMeasured) {
 
 TEST_F(ScanModelTest, PublishesEveryFourthFileAndTheLast) {
     createModel(
-        {[](const PathList&, const std::stop_token&) { return gathered(tracks(10)); },
+        {[](const PathList&, const std::stop_token&, const Unpacking&) { return gathered(tracks(10)); },
          [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     record();
     std::vector<double> progress;
@@ -112,7 +113,7 @@ TEST_F(ScanModelTest, PublishesEveryFourthFileAndTheLast) {
 
 TEST_F(ScanModelTest, MeasuresSixFilesAtATimeStartedInScanOrder) {
     createModel(
-        {[](const PathList&, const std::stop_token&) { return gathered(tracks(12)); },
+        {[](const PathList&, const std::stop_token&, const Unpacking&) { return gathered(tracks(12)); },
          [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     model->ingest({"/m"});
     awaitStatus("MEASURING");
@@ -132,7 +133,7 @@ TEST_F(ScanModelTest, MeasuresSixFilesAtATimeStartedInScanOrder) {
 
 TEST_F(ScanModelTest, GoesOnMeasuringWhileTheMainThreadIsBusy) {
     createModel(
-        {[](const PathList&, const std::stop_token&) { return gathered(tracks(60)); },
+        {[](const PathList&, const std::stop_token&, const Unpacking&) { return gathered(tracks(60)); },
          [this](const fs::path& file, const std::stop_token& stop) { return held.measure(file, stop); }});
     model->ingest({"/m"});
     awaitStatus("MEASURING");
@@ -144,7 +145,7 @@ TEST_F(ScanModelTest, GoesOnMeasuringWhileTheMainThreadIsBusy) {
 }
 
 TEST_F(ScanModelTest, CountsSkippedArchivesAsUnreadableBesideUnmeasuredFiles) {
-    createModel({[](const PathList&, const std::stop_token&) {
+    createModel({[](const PathList&, const std::stop_token&, const Unpacking&) {
                      return GatherResult{{"/m/good.wav", "/m/bad.wav"},
                                          {"/t/velmora-A"},
                                          {"/m/a.zip"},
@@ -164,10 +165,11 @@ TEST_F(ScanModelTest, CountsSkippedArchivesAsUnreadableBesideUnmeasuredFiles) {
 }
 
 TEST_F(ScanModelTest, GoesOnWhereOneFileFindsNoMemory) {
-    createModel({[](const PathList&, const std::stop_token&) { return gathered(tracks(3)); },
-                 [](const fs::path& file, const std::stop_token&) {
-                     return file == tracks(3)[1] ? throw std::bad_alloc() : Measured{file, 4.5, 7};
-                 }});
+    createModel(
+        {[](const PathList&, const std::stop_token&, const Unpacking&) { return gathered(tracks(3)); },
+         [](const fs::path& file, const std::stop_token&) {
+             return file == tracks(3)[1] ? throw std::bad_alloc() : Measured{file, 4.5, 7};
+         }});
     model->ingest({"/m"});
     awaitStatus("COMPLETE");
     EXPECT_EQ(model->summary().seconds, 9);
@@ -204,6 +206,44 @@ TEST_F(ScanModelTest, SweepsWhatAnEarlierRunLeft) {
     createModel();
     EXPECT_EQ(temporaryItems(), Lines{});
     EXPECT_TRUE(fs::exists(fs::temp_directory_path() / "other-velmora-1"));
+}
+
+TEST_F(ScanModelTest, NamesTheArchiveThatIsBeingUnpacked) {
+    std::promise<void> unpacked;
+    createModel({[done = unpacked.get_future().share()](const PathList&, const std::stop_token&,
+                                                        const Unpacking& unpacking) {
+                     unpacking("/music/Live Set.zip");
+                     done.wait();
+                     unpacking({});
+                     return gathered({});
+                 },
+                 {}});
+    model->ingest(Paths{"/music"});
+    awaitThat([this] { return model->unpacking() == "Live Set.zip"; });
+    unpacked.set_value();
+    awaitStatus("NO AUDIO FOUND");
+    EXPECT_EQ(model->unpacking(), "");
+}
+
+TEST_F(ScanModelTest, ForgetsWhatACancelledScanUnpacks) {
+    std::promise<void> cancelled;
+    std::promise<void> told;
+    createModel({[&](const PathList&, const std::stop_token&, const Unpacking& unpacking) {
+                     unpacking("/music/Live Set.zip");
+                     cancelled.get_future().wait();
+                     unpacking("/music/Encore.zip");
+                     told.set_value();
+                     return gathered({});
+                 },
+                 {}});
+    model->ingest(Paths{"/music"});
+    awaitThat([this] { return model->unpacking() == "Live Set.zip"; });
+    model->reset();
+    EXPECT_EQ(model->unpacking(), "");
+    cancelled.set_value();
+    told.get_future().wait();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(model->unpacking(), "");
 }
 
 } // namespace

@@ -17,10 +17,11 @@ protected:
             files.push_back(
                 write(folder / (std::to_string(i) + ".mp3"), "bytes of file " + std::to_string(i)));
         }
-        createModel({[files](const PathList&, const std::stop_token&) { return gathered(files); },
-                     [](const fs::path& file, const std::stop_token&) {
-                         return Measured{file, 1, 1};
-                     }});
+        createModel(
+            {[files](const PathList&, const std::stop_token&, const Unpacking&) { return gathered(files); },
+             [](const fs::path& file, const std::stop_token&) {
+                 return Measured{file, 1, 1};
+             }});
         model->ingest({folder});
         awaitStatus("COMPLETE");
         record();

@@ -17,7 +17,7 @@ protected:
         found.skippedArchives.push_back(
             {.path = write(folder / "broken.zip", "broken"), .why = Reason::damaged});
         write(folder / "dropped", "item");
-        createModel({[found](const PathList&, const std::stop_token&) { return found; },
+        createModel({[found](const PathList&, const std::stop_token&, const Unpacking&) { return found; },
                      [](const fs::path& file, const std::stop_token&) {
                          return Measured{file, 1, 1};
                      }});

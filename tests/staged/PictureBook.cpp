@@ -126,6 +126,8 @@ std::map<std::string, Page> controlPages() {
         {"tip-failed", toolTip("zipLine", longError)},
         {"tip-menu", toolTip("menuButton")},
         {"tip-close", toolTip("closeButton")},
+        {"checking", {.arrange = [](Stage& stage) { stage.window->setProperty("checking", true); }}},
+        {"contrast", {done(), [](Stage& stage) { stage.window->setProperty("highContrast", true); }}},
         {"menu", {.arrange = [](Stage& stage) { stage.press(Qt::Key_F10); }}},
         {"menu-lit",
          {.arrange =

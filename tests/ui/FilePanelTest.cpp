@@ -4,6 +4,7 @@
 
 #include "tests/support/ComesTrue.h"
 #include "tests/support/Files.h"
+#include "tests/ui/FilePanelTest.h"
 #include "ui/panel/TypedPaths.h"
 
 #include <gmock/gmock.h>

@@ -66,6 +66,19 @@ TEST_F(PhaseTest, SendsALightAlongTheTrackUntilSomethingIsCounted) {
     EXPECT_FALSE(isShown("readingTrack"));
 }
 
+TEST_F(PhaseTest, NamesTheArchiveThatIsBeingUnpacked) {
+    const ScanState reading = {
+        .phase = Phase::scanning, .status = "READING SOURCE", .unpacking = "Live Set.zip"};
+    scan.show(reading);
+    showContent();
+    const QQuickItem* tip = find("unpackingToolTip");
+    hover(find("progressBar"));
+    EXPECT_TRUE(comesTrue([tip] { return tip->isVisible(); }));
+    EXPECT_EQ(tip->property("text"), "Unpacking Live Set.zip");
+    scan.show({.phase = Phase::scanning, .status = "MEASURING", .found = 3});
+    EXPECT_FALSE(tip->isVisible());
+}
+
 TEST_F(PhaseTest, PulsesWhileTheArchiveIsCompleted) {
     ScanState state = done;
     state.zip = ZipWorking{1, 2};

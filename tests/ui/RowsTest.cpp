@@ -226,7 +226,7 @@ TEST_F(RowsModelTest, FreesItsRowsWhenItShowsNothing) {
 }
 
 TEST(DetailsOfAScan, CanBeOpenedAtItsEndAndCloseWithTheNext) {
-    const auto gather = [](const PathList& dropped, const std::stop_token&) {
+    const auto gather = [](const PathList& dropped, const std::stop_token&, const Unpacking&) {
         GatherResult result;
         result.files = dropped.paths();
         result.skippedArchives = {{"/m/set.zip", Reason::damaged}};
@@ -254,7 +254,7 @@ TEST(DetailsOfAScan, CanBeOpenedAtItsEndAndCloseWithTheNext) {
 }
 
 TEST(DetailsOfAScan, TellWhatWasMissingWhereNothingWasFound) {
-    const auto gather = [](const PathList&, const std::stop_token&) {
+    const auto gather = [](const PathList&, const std::stop_token&, const Unpacking&) {
         GatherResult result;
         result.skippedArchives = {{"/m/set.zip", Reason::damaged}, {"/m/b.zip", Reason::encrypted}};
         return result;

@@ -117,7 +117,7 @@ TEST_F(ScanViewTest, AnnouncesOnlyWhatDiffers) {
 }
 
 TEST_F(ScanViewTest, FollowsAModel) {
-    ScanModel model({.gather = [](const auto&, const auto&) { return GatherResult(); },
+    ScanModel model({.gather = [](const auto&, const auto&, const auto&) { return GatherResult(); },
                      .measure = [](const auto& path, const auto&) { return Measured{.url = path}; }});
     const ScanView follower(model);
     EXPECT_TRUE(follower.idle());
@@ -135,7 +135,7 @@ TEST_F(ScanViewTest, ShowsACountThatStreamsInOnceAFrame) {
     constexpr int files = 4000;
     ScanModel model(
         {.gather =
-             [](const auto&, const auto&) {
+             [](const auto&, const auto&, const auto&) {
                  return GatherResult{Paths(files), {}, {}, {}};
              },
          .measure = [](const auto& path, const auto&) { return Measured{.url = path, .seconds = 1}; }});

@@ -2,10 +2,10 @@
 
 // What the user has asked the desktop for: less motion, more contrast.
 
+#include <QDBusMessage> // the slot needs the whole type
 #include <QObject>
 #include <QString>
 
-class QDBusMessage;
 class QVariant;
 
 namespace velmora {

@@ -24,6 +24,7 @@ ScanState ScanState::of(const ScanModel& model) {
     return {
         .phase = model.phase(),
         .status = model.status(),
+        .unpacking = model.unpacking(),
         .processed = model.processed(),
         .found = model.found(),
         .progress = model.progress(),

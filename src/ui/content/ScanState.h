@@ -14,12 +14,13 @@ namespace velmora {
 struct ScanState {
     ScanModel::Phase phase = ScanModel::Phase::idle;
     std::string status = {};
-    int processed = 0;       ///< files measured so far
-    int found = 0;           ///< audio files found
-    double progress = 0;     ///< from 0 to 1
-    std::string source = {}; ///< what was dropped, in upper case; bytes, usually UTF-8
-    double seconds = 0;      ///< total playing time
-    int fileCount = 0;       ///< measured files
+    std::string unpacking = {}; ///< the name of the archive that is being unpacked
+    int processed = 0;          ///< files measured so far
+    int found = 0;              ///< audio files found
+    double progress = 0;        ///< from 0 to 1
+    std::string source = {};    ///< what was dropped, in upper case; bytes, usually UTF-8
+    double seconds = 0;         ///< total playing time
+    int fileCount = 0;          ///< measured files
     std::int64_t bytes = 0;
     int unreadable = 0;       ///< files and archives that could not be read
     std::string missing = {}; ///< of an empty scan: what could not be read first, and why; bytes

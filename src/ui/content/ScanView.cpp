@@ -71,6 +71,7 @@ ScanView::ScanView(const ScanModel& model, QObject* parent)
     connect(&model, &ScanModel::summaryChanged, this, refresh);
     connect(&model, &ScanModel::foundChanged, this, refresh);
     connect(&model, &ScanModel::statusChanged, this, refresh);
+    connect(&model, &ScanModel::unpackingChanged, this, refresh);
     connect(&model, &ScanModel::zipStateChanged, this, refresh);
 
     m_countShows.setSingleShot(true);
@@ -101,6 +102,9 @@ void ScanView::show(ScanState state) {
     }
     if (counts(state) != counts(m_state)) {
         emit countChanged();
+    }
+    if (state.unpacking != m_state.unpacking) {
+        emit unpackingChanged();
     }
     if (reading() != wasReading) {
         emit readingChanged();
@@ -223,6 +227,10 @@ QColor ScanView::zipTint() const {
 
 double ScanView::zipTracking() const {
     return zipLine(m_state.zip).tracking;
+}
+
+QString ScanView::unpackingText() const {
+    return m_state.unpacking.empty() ? QString() : QStringLiteral("Unpacking ") + text(m_state.unpacking);
 }
 
 bool ScanView::zipWriting() const {

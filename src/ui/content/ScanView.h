@@ -34,6 +34,7 @@ class ScanView : public QObject {
     Q_PROPERTY(QString countText READ countText NOTIFY countChanged)
     Q_PROPERTY(double progress READ progress NOTIFY countChanged)
     Q_PROPERTY(bool reading READ reading NOTIFY readingChanged)
+    Q_PROPERTY(QString unpackingText READ unpackingText NOTIFY unpackingChanged)
 
     Q_PROPERTY(QString source READ source NOTIFY summaryChanged)
     Q_PROPERTY(QString totalClock READ totalClock NOTIFY summaryChanged)
@@ -123,6 +124,9 @@ public:
 
     bool zipWorking() const { return std::holds_alternative<ZipWorking>(m_state.zip); }
 
+    /// "Unpacking Live Set.zip"; empty while no archive is unpacked.
+    QString unpackingText() const;
+
     /// Whether all files are packed but the archive is not yet complete.
     bool zipWriting() const;
 
@@ -149,6 +153,7 @@ signals:
     void statusChanged();
     void countChanged();
     void readingChanged();
+    void unpackingChanged();
     void summaryChanged();
     void titleChanged();
     void zipChanged();

@@ -45,6 +45,19 @@ Column {
         Accessible.role: Accessible.ProgressBar
         Accessible.name: label
 
+        HoverHandler {
+            id: pointer
+
+            margin: 12 // points: the bar is thin
+        }
+
+        NeonToolTip {
+            objectName: "unpackingToolTip"
+            y: -height - 10
+            text: panel.scan.unpackingText
+            wanted: pointer.hovered
+        }
+
         // Nothing is counted yet: a light goes along the track, from one end to the other in 1.6 seconds.
         Item {
             id: track
