@@ -34,8 +34,9 @@ std::uint32_t atomOf(xcb_connection_t* connection, std::string_view name) {
 
 WindowCover::WindowCover(QWindow* window)
     : QObject(window) {
-    if (const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>()) {
-        m_connection = x11->connection();
+    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    m_connection = x11 != nullptr ? x11->connection() : nullptr; // also none on Qt's offscreen platform
+    if (m_connection != nullptr) {
         m_window = static_cast<std::uint32_t>(window->winId());
         watch();
     }
