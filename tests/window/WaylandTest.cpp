@@ -88,6 +88,18 @@ TEST_F(SmallWaylandTest, ShowsTheTotalWithoutPointerAndKeyboard) {
     expectEndWithoutATrace();
 }
 
+TEST_F(SmallWaylandTest, OpensItsPanelWithoutPointerAndKeyboard) {
+    act("ZIP…");
+    awaitShown("Save a zip of the 1 audio files");
+    act("Cancel");
+    awaitGone("Cancel");
+    act("RESET");
+    act("CHOOSE…");
+    awaitShown("Choose a folder, archive, or audio files");
+    act("Close");
+    expectEndWithoutATrace();
+}
+
 TEST_F(SmallWaylandTest, MaximisesToASizeBelowItsMinimum) {
     act("Maximise");
     EXPECT_TRUE(comesTrue([this] { return window().width() == 840 && window().height() < 640; }));

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Velmora
 
@@ -82,7 +84,7 @@ FocusScope {
         }
 
         Connections {
-            target: table.rows
+            target: table.rows as QtObject
 
             function onRearranged() {
                 list.positionViewAtBeginning();

@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Velmora
 
@@ -33,7 +35,7 @@ FocusScope {
     function look(letter) {
         letters += letter;
         rest.restart();
-        const again = letters.length > 1 && letters === letters[0].repeat(letters.length);
+        const again = letters.length > 1 && letters === letters.charAt(0).repeat(letters.length);
         const found = files.find(again ? letter : letters, files.current + (again || letters.length === 1 ? 1 : 0));
         if (found >= 0)
             files.choose(found);
@@ -156,7 +158,7 @@ FocusScope {
         }
 
         Connections {
-            target: table.files
+            target: table.files as QtObject
 
             function onCurrentChanged() {
                 if (table.files.current >= 0)

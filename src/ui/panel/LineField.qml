@@ -1,3 +1,5 @@
+pragma ComponentBehavior: Bound
+
 import QtQuick
 import Velmora
 
@@ -14,12 +16,12 @@ FocusScope {
 
     function select(from, to) {
         if (input.item)
-            input.item.select(from, to);
+            (input.item as TextInput).select(from, to);
     }
 
     function goToEnd() {
         if (input.item)
-            input.item.cursorPosition = input.item.length;
+            (input.item as TextInput).cursorPosition = (input.item as TextInput).length;
     }
 
     implicitHeight: 30
