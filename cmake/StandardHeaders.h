@@ -2,6 +2,10 @@
 
 // What most files of src include, compiled once for all of them.
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
 #include <array>
 #include <atomic>
@@ -32,7 +36,3 @@
 #include <utility>
 #include <variant>
 #include <vector>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>

@@ -5,6 +5,7 @@
 #include "app/AppWindow.h"
 #include "app/desktop/GraphicsProbe.h"
 #include "app/desktop/SingleInstance.h"
+#include "app/desktop/WaylandSeat.h"
 #include "screenshots/Screenshots.h"
 #include "system/AddressSpace.h"
 #include "system/EndingSignals.h"
@@ -72,6 +73,9 @@ int openWindow(int argc, char** argv, const Paths& paths) {
     }
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && isBetterInSoftware()) {
         qputenv("QT_QUICK_BACKEND", "software");
+    }
+    if (isOnWaylandWithoutSeat()) {
+        qputenv("QT_IM_MODULE", "none"); // Qt 6.4 would ask the seat for its text input, and crash
     }
     QGuiApplication::setDesktopFileName(applicationId);
     QGuiApplication::setOrganizationName(QStringLiteral("Orventa"));

@@ -6,8 +6,8 @@
 #include "scan/CheckingStage.h"
 #include "scan/ScanModel.h"
 #include "system/EndingSignals.h"
-#include "system/ForcedEnd.h"
 #include "system/FileName.h"
+#include "system/ForcedEnd.h"
 #include "system/Names.h"
 #include "system/PrivateDirectory.h"
 

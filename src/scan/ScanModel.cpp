@@ -198,8 +198,8 @@ void ScanModel::reset() {
     publishZipState(ZipIdle{});
 }
 
-/// In the background: to free the memory of many files takes a while. Whoever shares the details drops them when the
-/// phase changes, before this.
+/// In the background: to free the memory of many files takes a while. Whoever shares the details drops them
+/// when the phase changes, before this.
 void ScanModel::forgetDetails() {
     const auto details = std::make_shared<std::shared_ptr<const ScanDetails>>(
         std::exchange(m_details, std::make_shared<ScanDetails>()));

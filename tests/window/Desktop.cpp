@@ -75,10 +75,10 @@ void Desktop::startDisplay(Display display) {
         break;
     case Display::wayland:
         startXServer("1280x1024"); // the compositor's screen, pointer and keyboard
-        startCompositor(
-            {"--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024",
-             "--config=" + text(write(m_folder / "weston.ini",
-                                      "[shell]\npanel-position=none\nstartup-animation=none\nbackground-color=0xff204060\n"))});
+        startCompositor({"--backend=x11-backend.so", "--use-pixman", "--width=1280", "--height=1024",
+                         "--config=" + text(write(m_folder / "weston.ini",
+                                                  "[shell]\npanel-position=none\nstartup-animation="
+                                                  "none\nbackground-color=0xff204060\n"))});
         break;
     case Display::small:
         startCompositor({"--backend=headless-backend.so", "--width=840", "--height=640", "--no-config"});

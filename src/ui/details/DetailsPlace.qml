@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Velmora
 
@@ -14,12 +12,15 @@ Loader {
 
     active: false
 
+    // Qt 6.4 loads no component that is bound to its context (ComponentBehavior).
+    // qmllint disable unqualified
     sourceComponent: DetailsView {
         details: place.details
         actions: place.actions
         blocked: place.blocked
         focus: true
     }
+    // qmllint enable unqualified
 
     Connections {
         target: place.details

@@ -3,8 +3,6 @@
 #include "system/FileName.h"
 #include "ui/panel/TypedPaths.h"
 
-#include <QGuiApplication>
-#include <QInputEvent>
 #include <QVariantMap>
 
 #include <iterator>
@@ -33,19 +31,6 @@ FilePanel::FilePanel(ReadFolder read, QObject* parent)
     for (const auto change : {&FilePanel::typedChanged, &FilePanel::nameChanged, &FilePanel::openChanged}) {
         connect(this, change, this, &FilePanel::acceptableChanged);
     }
-    if (QGuiApplication::platformName().startsWith(QStringLiteral("wayland"))) {
-        m_typable = false;
-        qGuiApp->installEventFilter(this);
-    }
-}
-
-bool FilePanel::eventFilter(QObject* watched, QEvent* event) {
-    if (!m_typable && dynamic_cast<QInputEvent*>(event) != nullptr) { // of a key, a pointer, a touch screen
-        m_typable = true;
-        qGuiApp->removeEventFilter(this);
-        emit typableChanged();
-    }
-    return QObject::eventFilter(watched, event);
 }
 
 void FilePanel::ask(PanelRequest request) {

@@ -64,7 +64,6 @@ class FilePanel : public QObject {
     Q_PROPERTY(QString typed READ typed WRITE setTyped NOTIFY typedChanged)
     Q_PROPERTY(QStringList proposals READ proposals NOTIFY proposalsChanged)
     Q_PROPERTY(QString name READ name WRITE setName NOTIFY nameChanged)
-    Q_PROPERTY(bool typable READ typable NOTIFY typableChanged)
     Q_PROPERTY(bool acceptable READ acceptable NOTIFY acceptableChanged)
 
 public:
@@ -116,10 +115,6 @@ public:
 
     void setName(const QString& name);
 
-    /// Whether a field for text may be made. On Wayland with Qt 6.4 that ends the program as long as there is
-    /// no input device, so there it waits for the first sign of one.
-    bool typable() const { return m_typable; }
-
     /// Whether there is something to confirm.
     bool acceptable() const;
 
@@ -144,10 +139,6 @@ signals:
     void proposalsChanged();
     void nameChanged();
     void acceptableChanged();
-    void typableChanged();
-
-protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void open(const Paths& folders, const std::string& current = {});
@@ -173,7 +164,6 @@ private:
     QString m_complaint;
     QString m_typed;
     bool m_typing = false;
-    bool m_typable = true;
     QString m_name;
     std::string m_nameBytes; ///< what `m_name` stands for, unless it was edited
     FileList m_files;

@@ -155,7 +155,6 @@ FocusScope {
                 anchors.right: newFolder.left
                 anchors.rightMargin: 10
                 label: "Name"
-                typable: box.panel.typable
                 onEdited: box.panel.name = text
                 Keys.onReturnPressed: box.panel.accept()
                 Keys.onEnterPressed: box.panel.accept()

@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Velmora
 
@@ -8,20 +6,15 @@ FocusScope {
     id: field
 
     required property string label
-    required property bool typable ///< see FilePanel
     property string placeholder: ""
-    property string text: ""
+    property alias text: input.text
+    property alias cursorPosition: input.cursorPosition
+    readonly property bool atEnd: input.cursorPosition === input.length && input.selectedText === ""
 
     signal edited
 
     function select(from, to) {
-        if (input.item)
-            (input.item as TextInput).select(from, to);
-    }
-
-    function goToEnd() {
-        if (input.item)
-            (input.item as TextInput).cursorPosition = (input.item as TextInput).length;
+        input.select(from, to);
     }
 
     implicitHeight: 30
@@ -37,39 +30,30 @@ FocusScope {
 
     PanelText {
         anchors.fill: input
-        visible: field.text === "" || !field.typable
-        text: field.text === "" ? field.placeholder : field.text
+        visible: input.text === ""
+        text: field.placeholder
         color: Neon.inkDim
     }
 
-    Loader {
+    TextInput {
         id: input
 
         anchors.fill: parent
         anchors.leftMargin: 10
         anchors.rightMargin: 10
         focus: true
-        active: field.typable
-
-        sourceComponent: TextInput {
-            text: field.text
-            focus: true
-            clip: true
-            horizontalAlignment: TextInput.AlignLeft // explicitly, as that of PanelText
-            verticalAlignment: TextInput.AlignVCenter
-            renderType: TextInput.NativeRendering
-            selectByMouse: true
-            color: Neon.ink
-            selectionColor: Neon.indigo
-            selectedTextColor: "white"
-            font.family: "Inter"
-            font.pixelSize: 12
-            Accessible.role: Accessible.EditableText
-            Accessible.name: field.label
-            onTextEdited: {
-                field.text = text;
-                field.edited();
-            }
-        }
+        clip: true
+        horizontalAlignment: TextInput.AlignLeft // explicitly, as that of PanelText
+        verticalAlignment: TextInput.AlignVCenter
+        renderType: TextInput.NativeRendering
+        selectByMouse: true
+        color: Neon.ink
+        selectionColor: Neon.indigo
+        selectedTextColor: "white"
+        font.family: "Inter"
+        font.pixelSize: 12
+        Accessible.role: Accessible.EditableText
+        Accessible.name: field.label
+        onTextEdited: field.edited()
     }
 }

@@ -31,7 +31,6 @@ Item {
         anchors.fill: parent
         visible: maker.naming
         label: "Name of the new folder"
-        typable: maker.panel.typable
         placeholder: "Name of the new folder"
         onActiveFocusChanged: if (!activeFocus)
             maker.naming = false

@@ -1,5 +1,3 @@
-pragma ComponentBehavior: Bound
-
 import QtQuick
 import Velmora
 
@@ -14,10 +12,13 @@ Loader {
     active: false
     focus: active
 
+    // Qt 6.4 loads no component that is bound to its context (ComponentBehavior).
+    // qmllint disable unqualified
     sourceComponent: FilePanelBox {
         panel: host.panel
         headroom: host.headroom
     }
+    // qmllint enable unqualified
 
     Connections {
         target: host.panel

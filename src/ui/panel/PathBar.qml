@@ -16,8 +16,8 @@ FocusScope {
         panel.typing = true;
         panel.typed = text;
         field.text = text;
+        field.cursorPosition = text.length;
         field.forceActiveFocus(Qt.ShortcutFocusReason);
-        field.goToEnd();
     }
 
     function take(index) {
@@ -97,7 +97,6 @@ FocusScope {
         anchors.fill: crumbs
         visible: bar.panel.typing
         label: "Path"
-        typable: bar.panel.typable
         onEdited: bar.panel.typed = text
         onTextChanged: bar.marked = -1
         Keys.onEscapePressed: bar.panel.typing = false
