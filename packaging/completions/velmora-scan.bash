@@ -1,4 +1,5 @@
 # bash completion of velmora-scan
+# shellcheck shell=bash
 
 _velmora_scan() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}

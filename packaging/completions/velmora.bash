@@ -1,4 +1,5 @@
 # bash completion of velmora
+# shellcheck shell=bash
 
 _velmora() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
