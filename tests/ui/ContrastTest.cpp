@@ -1,8 +1,10 @@
 // More contrast, for those who have asked their desktop for it.
 
+#include "tests/staged/StagedWindow.h"
 #include "tests/ui/UiTest.h"
 #include "ui/kit/Neon.h"
 #include "ui/kit/PaintedText.h"
+#include "ui/panel/FilePanel.h"
 
 #include <gtest/gtest.h>
 
@@ -58,6 +60,17 @@ TEST_F(ContrastTest, LiftsTheWordsOfTheFirstPhase) {
     EXPECT_EQ(find("phasePill")->property("tint").value<QColor>(), Neon::inkDim);
     window->setProperty("highContrast", true);
     EXPECT_GE(contrast(find("phasePill")->property("tint").value<QColor>(), Neon::bgTop), 7);
+}
+
+TEST_F(ContrastTest, LiftsTheBordersOfThePanel) {
+    openWindow();
+    panelOf(*window).ask({.message = "Choose", .prompt = "Measure", .folders = {"/music"}});
+    ASSERT_TRUE(comesTrue([this] { return find("fileTable") != nullptr; }));
+    const int usual = edgeOf("fileTable").lightness();
+    window->setProperty("highContrast", true);
+    EXPECT_GT(edgeOf("fileTable").lightness(), usual + 40);
+    window->setProperty("highContrast", false);
+    EXPECT_EQ(edgeOf("fileTable").lightness(), usual);
 }
 
 } // namespace

@@ -40,7 +40,7 @@ public:
 
     QColor shownInkDim() const { return m_highContrast ? inkDimLifted : inkDim; }
 
-    /// No border is fainter than this, from 0 to 1.
+    /// No border that is seen is fainter than this, from 0 to 1.
     double minBorderOpacity() const { return m_highContrast ? 0.9 : 0; }
 
     /// `color`, its own opacity times `opacity`, from 0 to 1.

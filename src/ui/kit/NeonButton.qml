@@ -26,7 +26,7 @@ Pressable {
         fill: button.tint
         fillOpacity: button.down ? 0.7 : button.lit ? 1 : 0.1
         border: button.tint
-        borderOpacity: Math.max(button.lit ? 1 : 0.5, Neon.minBorderOpacity)
+        borderOpacity: button.lit ? 1 : 0.5
         radius: 9
     }
 

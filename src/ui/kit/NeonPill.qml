@@ -21,7 +21,7 @@ Pressable {
         fill: pill.tint
         fillOpacity: 0.1
         border: pill.tint
-        borderOpacity: Math.max(0.45, Neon.minBorderOpacity)
+        borderOpacity: 0.45
         capsule: true
     }
 

@@ -32,7 +32,7 @@ Item {
         anchors.fill: parent
         fill: Neon.bgMid
         border: Neon.indigo
-        borderOpacity: Math.max(0.5, Neon.minBorderOpacity)
+        borderOpacity: 0.5
         radius: 7
     }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 // The background of buttons, pills and chips, and the ring around what has the focus: a rounded rectangle
-// with a fill, and a border of one point inside its edge.
+// with a fill, and a border of one point inside its edge, which is lifted where the user wants more contrast.
 
 #include "ui/kit/PaintedItem.h"
 
@@ -9,6 +9,8 @@
 #include <QtQml/qqmlregistration.h>
 
 namespace velmora {
+
+class Neon;
 
 class Plate : public velmora::PaintedItem {
     Q_OBJECT
@@ -25,8 +27,10 @@ public:
 
 protected:
     void paint(QPainter& painter) const override;
+    void componentComplete() override;
 
 private:
+    const Neon* m_neon = nullptr; ///< null outside of QML
     QColor m_fill = Qt::transparent;
     double m_fillOpacity = 1;
     QColor m_border = Qt::transparent;

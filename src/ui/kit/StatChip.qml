@@ -17,7 +17,7 @@ Item {
         fill: Neon.ink
         fillOpacity: 0.028
         border: chip.tint
-        borderOpacity: Math.max(0.22, Neon.minBorderOpacity)
+        borderOpacity: 0.22
         radius: 9
     }
 

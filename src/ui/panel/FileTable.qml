@@ -68,6 +68,7 @@ FocusScope {
     }
 
     Plate {
+        objectName: "fileTable"
         anchors.fill: parent
         fill: Neon.bgBottom
         border: Neon.indigo

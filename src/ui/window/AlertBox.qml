@@ -61,7 +61,7 @@ FocusScope {
         height: texts.implicitHeight + 48
         fill: Neon.bgTop
         border: Neon.violet
-        borderOpacity: Math.max(0.5, Neon.minBorderOpacity)
+        borderOpacity: 0.5
         radius: 18
 
         Column {

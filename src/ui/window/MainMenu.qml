@@ -37,7 +37,7 @@ FocusScope {
         anchors.fill: parent
         fill: Neon.bgMid
         border: Neon.indigo
-        borderOpacity: Math.max(0.5, Neon.minBorderOpacity)
+        borderOpacity: 0.5
     }
 
     Column {
