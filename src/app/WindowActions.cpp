@@ -4,6 +4,7 @@
 #include "app/panels/Panels.h"
 #include "scan/ScanModel.h"
 #include "ui/content/ScanView.h"
+#include "ui/kit/ShownName.h"
 #include "update/UpdateChecker.h"
 
 #include <QClipboard>
@@ -15,14 +16,6 @@
 #include <variant>
 
 namespace velmora {
-
-namespace {
-
-void copy(const std::string& text) {
-    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
-}
-
-} // namespace
 
 AlertText aboutText() {
     return {QStringLiteral("Velmora %1").arg(UpdateChecker::currentVersion()),
@@ -48,12 +41,12 @@ void WindowActions::choose() {
 }
 
 void WindowActions::copyRuntime() {
-    copy(m_model.totalText());
+    copyText(QByteArray::fromStdString(m_model.totalText()));
     m_view.flash(ScanView::Copied::total);
 }
 
 void WindowActions::copyFileList() {
-    copy(m_model.fileListText());
+    copyText(QByteArray::fromStdString(m_model.fileListText()));
     m_view.flash(ScanView::Copied::list);
 }
 
@@ -81,11 +74,13 @@ void WindowActions::reveal(const QByteArray& path) {
         return;
     }
     revealFile(path.toStdString(), [this, path] {
-        m_alerts.show({.title = QStringLiteral("No file manager answers"),
-                       .body = QStringLiteral("The file is here:\n\n") + QString::fromUtf8(path),
-                       .acceptTitle = QStringLiteral("Copy path"),
-                       .dismissTitle = QStringLiteral("OK"),
-                       .accepted = [this, path] { copyText(path); }});
+        m_alerts.show(
+            {.title = QStringLiteral("No file manager answers"),
+             .body = QStringLiteral("The file is here:\n\n") +
+                     shownName(std::string_view(path.data(), static_cast<std::size_t>(path.size()))),
+             .acceptTitle = QStringLiteral("Copy path"),
+             .dismissTitle = QStringLiteral("OK"),
+             .accepted = [this, path] { copyText(path); }});
     });
 }
 

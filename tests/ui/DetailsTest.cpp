@@ -177,7 +177,7 @@ TEST_F(DetailsTest, SearchForWhatIsTyped) {
     openDetails();
     type("LIVE");
     awaitRows(2);
-    EXPECT_EQ(focused(), "detailsSearch");
+    EXPECT_TRUE(find("detailsSearch")->hasActiveFocus());
     press(Qt::Key_Return);
     EXPECT_EQ(focused(), "detailsList");
     click(made("tabUNREADABLE"));

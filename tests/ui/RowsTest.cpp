@@ -46,14 +46,14 @@ std::unique_ptr<const Rows> filesOf(std::vector<Measured> found) {
 TEST(Rows, NameEachFileWhereTheUserKnowsIt) {
     ScanDetails found;
     found.files = {{"/m/a.wav", 228.4, 1'500'000},
-                   {"/tmp/x/Disc 1/caf\xE9.wav", 3, 0},
+                   {"/tmp/x/Disc 1/\tcaf\xE9.wav", 3, 0},
                    {"/m/broken.m4a", unmeasured, 10, Reason::cutOff}};
     found.archiveOf = {{"/tmp/x", "/tmp/y/in.tar"}, {"/tmp/y", "/m/set.zip"}};
     const std::unique_ptr<const Rows> rows = fileRows(sampleOf(found, {"/m"}).details)();
     EXPECT_EQ(line(*rows, 0), "a.wav | /m | 00:03:48 | 1.5 MB");
-    EXPECT_EQ(line(*rows, 1), "caf\uFFFD.wav | /m/set.zip/in.tar/Disc 1 | 00:00:03 | Zero KB");
+    EXPECT_EQ(line(*rows, 1), "\uFFFDcaf\uFFFD.wav | /m/set.zip/in.tar/Disc 1 | 00:00:03 | Zero KB");
     EXPECT_EQ(line(*rows, 2), "broken.m4a | /m | \u2013 | 10 bytes");
-    EXPECT_EQ(rows->name(1), "/m/set.zip/in.tar/Disc 1/caf\xE9.wav");
+    EXPECT_EQ(rows->name(1), "/m/set.zip/in.tar/Disc 1/\tcaf\xE9.wav");
     EXPECT_EQ(rows->place(0), "/m/a.wav");
     EXPECT_EQ(rows->place(1), "/m/set.zip") << "no file manager can show what is in it";
     EXPECT_FALSE(rows->isMissing(0));

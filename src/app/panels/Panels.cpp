@@ -3,6 +3,7 @@
 #include "app/panels/Places.h"
 #include "app/panels/RecentFolders.h"
 #include "system/FileName.h"
+#include "ui/kit/ShownName.h"
 #include "ui/panel/FilePanel.h"
 #include "ui/window/Alerts.h"
 

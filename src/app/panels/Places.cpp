@@ -1,6 +1,7 @@
 #include "app/panels/Places.h"
 
 #include "app/desktop/FileUrls.h"
+#include "ui/kit/ShownName.h"
 
 #include <QFile>
 #include <QStandardPaths>

@@ -80,14 +80,21 @@ FocusScope {
         }
     }
 
-    SearchField {
+    LineField {
         id: search
 
+        objectName: "detailsSearch"
         anchors.right: close.left
         anchors.rightMargin: 12
         y: 12
+        width: 220
+        height: 28
+        label: "Search"
+        placeholder: "Search"
         onTextChanged: view.details.rows.search = text
-        onLeaving: table.forceActiveFocus(Qt.TabFocusReason)
+        Keys.onDownPressed: table.forceActiveFocus(Qt.TabFocusReason)
+        Keys.onReturnPressed: table.forceActiveFocus(Qt.TabFocusReason)
+        Keys.onEnterPressed: table.forceActiveFocus(Qt.TabFocusReason)
     }
 
     Pressable {

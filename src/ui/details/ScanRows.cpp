@@ -4,6 +4,7 @@
 #include "scan/FolderTotals.h"
 #include "scan/Missing.h"
 #include "system/FileName.h"
+#include "ui/kit/ShownName.h"
 
 #include <cstdint>
 #include <set>
@@ -15,10 +16,6 @@ namespace velmora {
 namespace {
 
 namespace fs = std::filesystem;
-
-QString text(std::string_view bytes) {
-    return QString::fromUtf8(bytes.data(), static_cast<qsizetype>(bytes.size()));
-}
 
 /// The last component of `path`, which has no final "/" unless it is the root.
 std::string_view nameIn(std::string_view path) {
@@ -42,7 +39,7 @@ public:
     }
 
     QString cell(std::size_t row, std::size_t column) const final {
-        return column <= folderColumn ? text(word(row, column)) : further(row, column);
+        return column <= folderColumn ? shownName(word(row, column)) : further(row, column);
     }
 
 protected:
@@ -89,7 +86,8 @@ public:
 
 protected:
     QString further(std::size_t row, std::size_t column) const override {
-        return text(column == thirdColumn ? lead(row) : prettyBytes(m_details->files[row].bytes));
+        return QString::fromStdString(column == thirdColumn ? lead(row)
+                                                            : prettyBytes(m_details->files[row].bytes));
     }
 
 private:
@@ -140,7 +138,8 @@ public:
 
 protected:
     QString further(std::size_t row, std::size_t column) const override {
-        return column == thirdColumn ? text(lead(row)) : QString::number(m_folders[row].files);
+        return column == thirdColumn ? QString::fromStdString(lead(row))
+                                     : QString::number(m_folders[row].files);
     }
 
 private:
@@ -181,7 +180,9 @@ public:
     bool isMissing(std::size_t /*row*/) const override { return true; }
 
 protected:
-    QString further(std::size_t row, std::size_t /*column*/) const override { return text(lead(row)); }
+    QString further(std::size_t row, std::size_t /*column*/) const override {
+        return QString::fromStdString(lead(row));
+    }
 
 private:
     Missing at(std::size_t row) const {

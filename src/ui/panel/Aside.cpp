@@ -27,11 +27,12 @@ Aside::~Aside() {
 void Aside::run(std::function<Answer()> work) {
     m_busy = true;
     const auto post = [number = ++m_last, link = m_link, work = std::move(work)] {
-        const Answer answer = work();
+        Answer answer = work();
         const std::scoped_lock guard(link->lock);
         if (link->aside != nullptr) {
             QMetaObject::invokeMethod(
-                link->aside, [aside = link->aside, number, answer] { aside->take(number, answer); },
+                link->aside,
+                [aside = link->aside, number, answer = std::move(answer)] { aside->take(number, answer); },
                 Qt::QueuedConnection);
         }
     };

@@ -1,6 +1,7 @@
 #include "ui/panel/FileList.h"
 
 #include "records/DisplayFormat.h"
+#include "ui/kit/ShownName.h"
 
 #include <QDateTime>
 #include <QLocale>
@@ -24,16 +25,6 @@ QString shownDate(const ListedFile& file) {
 }
 
 } // namespace
-
-QString shownName(std::string_view name) {
-    QString text = QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
-    for (QChar& letter : text) {
-        if (letter.category() == QChar::Other_Control) {
-            letter = QChar::ReplacementCharacter;
-        }
-    }
-    return text;
-}
 
 void FileList::show(std::vector<ListedFile> files, const std::string& current) {
     m_files = std::move(files);

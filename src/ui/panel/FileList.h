@@ -10,13 +10,9 @@
 
 #include <cstddef>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace velmora {
-
-/// `name` as it is shown: what is not UTF-8, and characters without a shape, as U+FFFD.
-QString shownName(std::string_view name);
 
 /// Folders come first. One row is the current one, if there is any: that at which the keyboard is.
 class FileList : public QAbstractListModel {

@@ -1,6 +1,7 @@
 #include "ui/panel/FilePanel.h"
 
 #include "system/FileName.h"
+#include "ui/kit/ShownName.h"
 #include "ui/panel/TypedPaths.h"
 
 #include <QVariantMap>
@@ -215,12 +216,13 @@ void FilePanel::complain(const QString& complaint) {
 }
 
 void FilePanel::followSelection() {
-    const std::vector<std::string> selected = m_files.selected();
-    if (saving() && selected.size() == 1 && m_files.file(m_files.current()).kind != ListedKind::folder) {
-        setName(shownName(selected.front()));
-        m_nameBytes = selected.front();
+    const int count = m_files.selectedCount();
+    if (saving() && count == 1 && m_files.file(m_files.current()).kind != ListedKind::folder) {
+        const std::string name = m_files.selected().front();
+        setName(shownName(name));
+        m_nameBytes = name;
     }
-    if (!selected.empty()) {
+    if (count > 0) {
         setTyping(false);
     }
     emit acceptableChanged();

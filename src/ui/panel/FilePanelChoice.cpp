@@ -2,6 +2,7 @@
 
 #include "records/Reasons.h"
 #include "system/UnicodeCase.h"
+#include "ui/kit/ShownName.h"
 #include "ui/panel/FilePanel.h"
 #include "ui/panel/TypedPaths.h"
 

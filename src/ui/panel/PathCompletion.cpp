@@ -1,6 +1,6 @@
 #include "ui/panel/PathCompletion.h"
 
-#include "ui/panel/FileList.h"
+#include "ui/kit/ShownName.h"
 #include "ui/panel/TypedPaths.h"
 
 #include <utility>
@@ -19,8 +19,8 @@ void PathCompletion::follow(const QString& text, const std::filesystem::path& fo
         return;
     }
     m_aside.run([this, read = m_read, wanted = m_wanted]() -> Aside::Answer {
-        return [this, contents = read(wanted)] {
-            m_contents = contents;
+        return [this, contents = read(wanted)]() mutable {
+            m_contents = std::move(contents);
             propose();
         };
     });
@@ -31,12 +31,12 @@ void PathCompletion::propose() {
     const qsizetype nameStart = m_text.lastIndexOf('/') + 1;
     const QString begun = m_text.sliced(nameStart);
     const bool known = m_wanted == m_contents.folder && !m_text.isEmpty() && !m_text.contains('"');
-    for (const ListedFile& file : known ? m_contents.files : std::vector<ListedFile>()) {
-        const QString name = QString::fromStdString(file.name);
-        const bool fits = name.startsWith(begun, Qt::CaseInsensitive) && name == shownName(file.name) &&
-                          name.toStdString() == file.name;
-        if (fits && file.kind != ListedKind::other && file.hidden() == begun.startsWith('.') &&
-            proposals.size() < maxCount) {
+    for (std::size_t i = 0; known && i < m_contents.files.size() && proposals.size() < maxCount; ++i) {
+        const ListedFile& file = m_contents.files[i];
+        const QString name = shownName(file.name);
+        const bool fits = file.kind != ListedKind::other && file.hidden() == begun.startsWith('.') &&
+                          name.startsWith(begun, Qt::CaseInsensitive) && name.toStdString() == file.name;
+        if (fits) {
             const bool isFolder = file.kind == ListedKind::folder;
             proposals.append(m_text.first(nameStart) + name + (isFolder ? QStringLiteral("/") : QString()));
         }

@@ -1,6 +1,6 @@
 #include "ui/panel/TypedPaths.h"
 
-#include "ui/panel/FileList.h"
+#include "ui/kit/ShownName.h"
 
 #include <QStringList>
 

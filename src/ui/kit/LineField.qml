@@ -1,28 +1,35 @@
 import QtQuick
 import Velmora
 
-// What is typed here is searched for at once.
+// One line of text to edit.
 FocusScope {
     id: field
 
+    required property string label
+    property string placeholder: ""
     property alias text: input.text
+    property alias cursorPosition: input.cursorPosition
 
-    signal leaving ///< downwards, to what was found
+    signal edited
 
+    function select(from, to) {
+        input.select(from, to);
+    }
+
+    /// As if they were typed here.
     function type(letters) {
         input.forceActiveFocus(Qt.ShortcutFocusReason);
         input.insert(input.cursorPosition, letters);
     }
 
-    implicitWidth: 220
-    implicitHeight: 28
+    implicitHeight: 30
+    activeFocusOnTab: true
 
     Plate {
         anchors.fill: parent
-        fill: Neon.ink
-        fillOpacity: 0.04
-        border: Neon.indigo
-        borderOpacity: input.activeFocus ? 1 : Math.max(0.4, Neon.minBorderOpacity)
+        fill: Neon.bgBottom
+        border: input.activeFocus ? Neon.violet : Neon.indigo
+        borderOpacity: input.activeFocus ? 1 : 0.5
         radius: 7
     }
 
@@ -30,7 +37,7 @@ FocusScope {
         anchors.verticalCenter: parent.verticalCenter
         x: 10
         visible: input.text === ""
-        text: "Search"
+        text: field.placeholder
         size: 12
         color: Neon.inkDim
         Accessible.ignored: true
@@ -41,26 +48,22 @@ FocusScope {
     TextInput {
         id: input
 
-        objectName: "detailsSearch"
         anchors.fill: parent
         anchors.leftMargin: 10
         anchors.rightMargin: 10
         focus: true
-        activeFocusOnTab: true
         clip: true
-        verticalAlignment: TextInput.AlignVCenter
         horizontalAlignment: TextInput.AlignLeft
-        renderType: Text.NativeRendering
+        verticalAlignment: TextInput.AlignVCenter
+        renderType: TextInput.NativeRendering
+        selectByMouse: true
         color: Neon.ink
         selectionColor: Neon.indigo
         selectedTextColor: Neon.ink
-        selectByMouse: true
         font.family: "Inter"
         font.pixelSize: 12
         Accessible.role: Accessible.EditableText
-        Accessible.name: "Search"
-        Keys.onDownPressed: field.leaving()
-        Keys.onReturnPressed: field.leaving()
-        Keys.onEnterPressed: field.leaving()
+        Accessible.name: field.label
+        onTextEdited: field.edited()
     }
 }
