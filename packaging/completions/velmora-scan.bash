@@ -1,23 +1,31 @@
-# bash completion of velmora-scan
-# shellcheck shell=bash
+# bash completion of velmora-scan; the options are those of its --help
+# shellcheck shell=bash disable=SC2034,SC2154 # what _init_completion sets
 
 _velmora_scan() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    compopt -o filenames
-    case $previous in
+    local cur prev words cword split
+    _init_completion -s || return
+
+    case $prev in
         --speed)
-            mapfile -t COMPREPLY < <(compgen -W '1.25 1.5 1.75 2' -- "$current")
+            mapfile -t COMPREPLY < <(compgen -W '1.25 1.5 1.75 2' -- "$cur")
+            return
+            ;;
+        --folders)
+            if [[ $split == true ]]; then
+                mapfile -t COMPREPLY < <(compgen -W '0 1 2 3' -- "$cur")
+                return
+            fi
+            ;;
+        --files0-from | --zip | -0 | -z)
+            _filedir
             return
             ;;
     esac
-    if [[ $current == -* && $previous != --files0-from && $previous != --zip ]]; then
-        compopt +o filenames
-        mapfile -t COMPREPLY < <(compgen -W '--list --files --folders --folders= --csv --json --speed --files0-from
-            --zip --check --quiet --version --verbose --help' -- "$current")
-        [[ ${COMPREPLY[*]} != *= ]] || compopt -o nospace
-        return
+    if [[ $cur == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$(_parse_help "$1")" -- "$cur")
+    else
+        _filedir
     fi
-    mapfile -t COMPREPLY < <(compgen -f -- "$current")
 }
 
 complete -F _velmora_scan velmora-scan

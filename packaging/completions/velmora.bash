@@ -1,16 +1,16 @@
-# bash completion of velmora
-# shellcheck shell=bash
+# bash completion of velmora; the options are those of its --help
+# shellcheck shell=bash disable=SC2034,SC2154 # what _init_completion sets
 
 _velmora() {
-    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD - 1]}
-    compopt -o filenames
-    if [[ $previous == --render ]]; then
-        mapfile -t COMPREPLY < <(compgen -d -- "$current")
-    elif [[ $current == -* ]]; then
-        compopt +o filenames
-        mapfile -t COMPREPLY < <(compgen -W '--choose --render --version --help' -- "$current")
+    local cur prev words cword
+    _init_completion || return
+
+    if [[ $prev == --render ]]; then
+        _filedir -d
+    elif [[ $cur == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$(_parse_help "$1")" -- "$cur")
     else
-        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+        _filedir
     fi
 }
 

@@ -193,8 +193,9 @@ Tells how long all the audio in files, folders and archives plays.
                           between them; "-" for seconds that are not known:
 )") + findingKindsText() +
            R"(  -q, --quiet             show no progress
-  -V, --version           write the version; with --verbose also the libraries,
-                          the wall around tools, and the tools that are found
+  -V, --version           write the version
+      --verbose           with --version: also the libraries, the wall around
+                          tools, and the tools that are found
   -h, --help              write this help
 
 Exit status: 0 everything was measured, 1 something could not be read or was
