@@ -16,10 +16,6 @@ _velmora_scan() {
                 return
             fi
             ;;
-        --files0-from | --zip | -0 | -z)
-            _filedir
-            return
-            ;;
     esac
     if [[ $cur == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$(_parse_help "$1")" -- "$cur")

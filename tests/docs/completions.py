@@ -19,7 +19,7 @@ PATIENCE = 10  # seconds for what takes a fraction of one
 
 class Shell:
     """An interactive shell in a terminal, ready to complete both programs, in a folder of its own that holds
-    Music/song.flac, archive.zip and list.txt. A context."""
+    Music/song.flac, Mono.wav, archive.zip and list.txt. A context."""
 
     def __init__(self, arguments, preparation, offer='{}\t\t\x15'):
         """`offer`: the keys that show what a line can be completed to; Ctrl+U takes the line back."""
@@ -30,7 +30,7 @@ class Shell:
     def __enter__(self):
         self._temporary = tempfile.TemporaryDirectory(prefix='test-docs-')
         self.folder = pathlib.Path(self._temporary.name)
-        for name in ('Music/song.flac', 'archive.zip', 'list.txt'):
+        for name in ('Music/song.flac', 'Mono.wav', 'archive.zip', 'list.txt'):
             (self.folder / name).parent.mkdir(exist_ok=True)
             (self.folder / name).touch()
         self._child, self._terminal = pty.fork()
