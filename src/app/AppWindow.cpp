@@ -46,6 +46,9 @@ void AppWindow::take(QQuickWindow* window) {
     const auto* drops = new DropTarget(window);
     connect(drops, &DropTarget::hovered, &m_view, &ScanView::setTargeted);
     connect(drops, &DropTarget::dropped, &m_actions, &WindowActions::start);
+    m_news.setWindow(window);
+    connect(&m_news, &ScanNews::windowWanted, this, &AppWindow::raise);
+    connect(&m_news, &ScanNews::zipWanted, &m_actions, &WindowActions::revealZip);
     const auto* cover = new WindowCover(window);
     connect(cover, &WindowCover::changed, window,
             [window, cover] { window->setProperty("covered", cover->covered()); });

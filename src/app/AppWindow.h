@@ -3,6 +3,7 @@
 // The only window, and everything that lives as long as it: the scan it shows, the actions of its controls,
 // the drops on it.
 
+#include "app/ScanNews.h"
 #include "app/UpdateAlerts.h"
 #include "app/WindowActions.h"
 #include "app/desktop/Appearance.h"
@@ -50,7 +51,8 @@ private:
     UpdateAlerts m_updates{m_alerts, [this] { raise({}); }};
     Appearance m_appearance;
     QQuickWindow* m_window = nullptr;
-    QQmlApplicationEngine m_engine; // last: the views need the others
+    QQmlApplicationEngine m_engine;   // after these: the views need them
+    ScanNews m_news{m_model, m_view}; // last: at the end it is taken back before anything is waited for
 };
 
 } // namespace velmora

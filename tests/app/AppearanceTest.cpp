@@ -2,14 +2,13 @@
 
 #include "app/desktop/Appearance.h"
 
+#include "tests/app/SessionBus.h"
 #include "tests/support/ComesTrue.h"
 
-#include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusMessage>
 #include <QDBusVariant>
 #include <QMap>
-#include <QProcess>
 
 #include <gtest/gtest.h>
 
@@ -32,7 +31,7 @@ public:
         QDBusMessage signal =
             QDBusMessage::createSignal(path, "org.freedesktop.portal.Settings", "SettingChanged");
         signal << group << key << QVariant::fromValue(QDBusVariant(value));
-        EXPECT_TRUE(QDBusConnection("portal").send(signal));
+        EXPECT_TRUE(SessionBus::services().send(signal));
     }
 
     QMap<QString, QVariant> settings;
@@ -61,21 +60,9 @@ const QString kde = "org.kde.kdeglobals.KDE";
 class AppearanceTest : public testing::Test {
 protected:
     void SetUp() override {
-        daemon.start("dbus-daemon", {"--session", "--nofork", "--print-address"});
-        ASSERT_TRUE(
-            comesTrue([this] { return daemon.canReadLine() || daemon.state() == QProcess::NotRunning; }));
-        const QByteArray address = daemon.readLine().trimmed();
-        qputenv("DBUS_SESSION_BUS_ADDRESS", address); // each test is a process: Qt reads it once
-        QDBusConnection bus = QDBusConnection::connectToBus(QString::fromLatin1(address), "portal");
+        QDBusConnection bus = SessionBus::services();
         ASSERT_TRUE(bus.registerObject(path, &portal, QDBusConnection::ExportAllSlots));
         ASSERT_TRUE(bus.registerService("org.freedesktop.portal.Desktop"));
-    }
-
-    void TearDown() override {
-        appearance.reset();
-        QDBusConnection::disconnectFromBus("portal");
-        daemon.terminate();
-        daemon.waitForFinished();
     }
 
     /// Whether it comes to be so after the portal was asked for all settings.
@@ -86,7 +73,7 @@ protected:
         });
     }
 
-    QProcess daemon;
+    SessionBus session;
     SettingsPortal portal;
     std::unique_ptr<Appearance> appearance;
 };

@@ -1,21 +1,12 @@
 #include "tests/window/Desktop.h"
 
+#include "tests/support/BusConfiguration.h"
+
 #include <gtest/gtest.h>
 
 namespace velmora::test {
 
 namespace {
-
-constexpr const char* busConfiguration = R"(<busconfig>
-  <type>session</type>
-  <listen>unix:dir=%1</listen>
-  <policy context="default">
-    <allow send_destination="*" eavesdrop="true"/>
-    <allow eavesdrop="true"/>
-    <allow own="*"/>
-  </policy>
-</busconfig>
-)";
 
 QStringList place(const QPoint& point) {
     return {QString::number(point.x()), QString::number(point.y())};
@@ -53,8 +44,7 @@ void Desktop::prepareFolders() {
 }
 
 void Desktop::startBus() {
-    const fs::path configuration = m_folder / "bus.conf"; // without any service that starts on demand
-    write(configuration, QString(busConfiguration).arg(text(m_folder)).toStdString());
+    const fs::path configuration = write(m_folder / "bus.conf", busConfiguration(m_folder));
     m_bus = std::make_unique<Process>(
         "dbus-daemon", QStringList{"--nofork", "--print-address", "--config-file=" + text(configuration)},
         m_environment);

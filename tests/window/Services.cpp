@@ -69,16 +69,20 @@ QDBusObjectPath FileChooserPortal::SaveFile(const QString& parentWindow, const Q
         sendErrorReply(QDBusError::UnknownMethod, "there are no dialogs here");
         return {};
     }
-    const QString path = "/org/freedesktop/portal/desktop/request/" +
-                         message().service().mid(1).replace('.', '_') + "/" +
-                         values.value("handle_token").toString();
+    m_question = "/org/freedesktop/portal/desktop/request/" + message().service().mid(1).replace('.', '_') +
+                 "/" + values.value("handle_token").toString();
     if (way == Way::wait) {
-        m_bus.registerObject(path, &request, QDBusConnection::ExportAllSlots);
+        m_bus.registerObject(m_question, &request, QDBusConnection::ExportAllSlots);
     } else { // before the call returns
-        QDBusMessage answer = QDBusMessage::createSignal(path, "org.freedesktop.portal.Request", "Response");
-        m_bus.send(answer << response << QVariantMap{{"uris", QStringList(uri)}});
+        answer();
     }
-    return QDBusObjectPath(path);
+    return QDBusObjectPath(m_question);
+}
+
+void FileChooserPortal::answer() {
+    QDBusMessage signal =
+        QDBusMessage::createSignal(m_question, "org.freedesktop.portal.Request", "Response");
+    m_bus.send(signal << response << QVariantMap{{"uris", QStringList(uri)}});
 }
 
 } // namespace velmora::test

@@ -81,6 +81,9 @@ public:
 
     enum class Way : std::uint8_t { answer, refuse, wait };
 
+    /// Answers the question that waits.
+    void answer();
+
     Way way = Way::answer;
     uint response = 0; ///< 0 chosen, 1 cancelled, 2 ended in some other way
     QString uri;       ///< what is chosen
@@ -97,6 +100,7 @@ public slots:
 
 private:
     QDBusConnection m_bus;
+    QString m_question; ///< the object that stands for it
 };
 
 } // namespace velmora::test
