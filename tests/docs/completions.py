@@ -14,7 +14,7 @@ from home import PROJECT, VELMORA, VELMORA_SCAN
 from manual import PROGRAMS, options_of_help
 
 COMPLETIONS = PROJECT / 'packaging/completions'
-PATIENCE = 10  # seconds for what takes a fraction of one
+PATIENCE = 120  # seconds for what takes a fraction of one
 
 
 class Shell:
@@ -40,7 +40,8 @@ class Shell:
             os.execvpe(self._arguments[0], self._arguments, {
                 'PATH': f'{programs}:{os.environ["PATH"]}', 'HOME': self._temporary.name, 'TERM': 'dumb',
                 'LC_ALL': 'C.UTF-8', 'PS1': '', 'COLUMNS': '400', 'LINES': '100'})
-        self._after(f'stty -echo cols 400 rows 100; {self._preparation}\n')
+        # Keys that come before the shell asks for them reach it as they are.
+        self._after(f'stty -echo kill undef cols 400 rows 100; {self._preparation}\n')
         return self
 
     def __exit__(self, *error):
