@@ -21,8 +21,9 @@ class Shell:
     """An interactive shell in a terminal, ready to complete both programs, in a folder of its own that holds
     Music/song.flac, Mono.wav, archive.zip and list.txt. A context."""
 
-    def __init__(self, arguments, preparation, offer='{}\t\t\x15'):
-        """`offer`: the keys that show what a line can be completed to; Ctrl+U takes the line back."""
+    def __init__(self, arguments, preparation, offer='{}\t\t\x01: \n'):
+        """`offer`: the keys that show what a line can be completed to; Ctrl+A goes to its start,
+        where a colon makes a command of it that does nothing."""
         self._arguments = arguments
         self._preparation = preparation
         self._offer = offer
@@ -40,8 +41,7 @@ class Shell:
             os.execvpe(self._arguments[0], self._arguments, {
                 'PATH': f'{programs}:{os.environ["PATH"]}', 'HOME': self._temporary.name, 'TERM': 'dumb',
                 'LC_ALL': 'C.UTF-8', 'PS1': '', 'COLUMNS': '400', 'LINES': '100'})
-        # Keys that come before the shell asks for them reach it as they are.
-        self._after(f'stty -echo kill undef cols 400 rows 100; {self._preparation}\n')
+        self._after(f'stty -echo cols 400 rows 100; {self._preparation}\n')
         return self
 
     def __exit__(self, *error):
@@ -72,7 +72,7 @@ class Shell:
 
     def completed(self, line):
         """What `line` is after Tab."""
-        shown = self._after(f'{line}\t\x01echo "=" \n')  # Ctrl+A goes to its start
+        shown = self._after(f'{line}\t\x01echo "=" \n')
         return re.findall(r'^= (.*?)\s*$', shown, re.MULTILINE)[-1]
 
 
