@@ -24,6 +24,10 @@ def tables(text):
     return found
 
 
+def numbers(text):
+    return set(re.findall(r'\d[\d,.]*\d', text))
+
+
 class Recipes(unittest.TestCase):
     maxDiff = None
 
@@ -52,6 +56,7 @@ class Readme(unittest.TestCase):
     def test_shows_the_figures_of_the_pages_that_measure(self):
         for heading, source in (('Accuracy', 'docs/accuracy.md'), ('Speed', 'docs/performance.md')):
             shown, = tables(section(heading))
+            self.assertEqual(numbers(section(heading).partition('|')[0]) - numbers(page(source)[:2500]), set())
             measured = next(table for table in tables(page(source)) if 'velmora-scan' in table)
             self.assertGreaterEqual(len(shown), 5)
             for name, figures in shown.items():
