@@ -3,6 +3,7 @@
 #include "app/AppArguments.h"
 #include "app/AppDelegate.h"
 #include "app/AppWindow.h"
+#include "app/desktop/CompositorLoss.h"
 #include "app/desktop/GraphicsProbe.h"
 #include "app/desktop/SingleInstance.h"
 #include "app/desktop/WaylandSeat.h"
@@ -67,6 +68,7 @@ int openWindow(int argc, char** argv, const Paths& paths) {
     int status = EXIT_FAILURE;
     PrivateDirectory directory; // before the application, which starts threads
     std::atexit(&endInOrder);
+    endInOrderWithoutCompositor();
     if (directory.failure()) {
         std::fprintf(stderr, "velmora: cannot make a directory in '%s': %s\n", directory.parent().c_str(),
                      directory.failure().message().c_str());
