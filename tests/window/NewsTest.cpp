@@ -4,6 +4,9 @@
 #include "tests/window/Services.h"
 #include "tests/window/WindowTest.h"
 
+#include <QDBusMessage>
+#include <QDBusPendingCall>
+
 #include <csignal>
 
 namespace velmora::test {
@@ -31,6 +34,16 @@ protected:
         const auto before = server.shown.size();
         portal.answer();
         EXPECT_TRUE(comesTrue([&] { return server.shown.size() > before; }));
+        awaitAnswer();
+    }
+
+    /// Its main thread answers this after it has taken what was sent to it before.
+    void awaitAnswer() const {
+        const QDBusPendingCall question = desktop.bus().asyncCall(
+            QDBusMessage::createMethodCall("com.orventa.Velmora", "/com/orventa/Velmora",
+                                           "org.freedesktop.DBus.Introspectable", "Introspect"));
+        EXPECT_TRUE(comesTrue([&] { return question.isFinished(); }));
+        EXPECT_FALSE(question.isError());
     }
 
     NotificationServer server{desktop.bus()};
