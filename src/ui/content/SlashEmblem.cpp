@@ -11,12 +11,9 @@ namespace velmora {
 
 SlashEmblem::SlashEmblem(QQuickItem* parent)
     : PaintedItem(parent)
-    , m_tint(Neon::alert) {
-    connect(this, &SlashEmblem::changed, this, &SlashEmblem::resize);
-    resize();
-}
+    , m_tint(Neon::alert) {}
 
-void SlashEmblem::resize() {
+void SlashEmblem::measure() {
     const QRectF box = waveformWithSlash(m_size).boundingRect();
     setImplicitSize(std::ceil(box.width()), std::ceil(box.height()));
 }

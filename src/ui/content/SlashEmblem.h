@@ -19,11 +19,10 @@ public:
     explicit SlashEmblem(QQuickItem* parent = nullptr);
 
 protected:
+    void measure() override;
     void paint(QPainter& painter) const override;
 
 private:
-    void resize();
-
     int m_size = 34; ///< points, as of a letter beside it
     QColor m_tint;
 };

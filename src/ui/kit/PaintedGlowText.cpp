@@ -23,10 +23,10 @@ constexpr int glowCopies = 2;
 
 PaintedGlowText::PaintedGlowText(QQuickItem* parent)
     : PaintedItem(parent)
-    , m_tint(Neon::violet) {
-    connect(this, &PaintedGlowText::changed, this, [this] {
-        setImplicitSize(std::ceil(inDigitCells(m_text, style()).width), std::ceil(style().lineHeight()));
-    });
+    , m_tint(Neon::violet) {}
+
+void PaintedGlowText::measure() {
+    setImplicitSize(std::ceil(inDigitCells(m_text, style()).width), std::ceil(style().lineHeight()));
 }
 
 double PaintedGlowText::blurRadius() const {

@@ -38,6 +38,7 @@ public:
     QAccessible::Role spokenRole() const override { return QAccessible::StaticText; }
 
 protected:
+    void measure() override;
     void paint(QPainter& painter) const override;
 
 private:

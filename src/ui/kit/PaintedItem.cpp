@@ -22,7 +22,15 @@ PaintedItem::PaintedItem(QQuickItem* parent)
     connect(this, &PaintedItem::changed, this, [this] {
         m_stale = true;
         update();
+        if (isComponentComplete()) {
+            measure();
+        }
     });
+}
+
+void PaintedItem::componentComplete() {
+    QQuickItem::componentComplete();
+    measure();
 }
 
 /// The painted area in points, widened so that its edges fall on pixels wherever the item stands.
@@ -50,6 +58,9 @@ QImage PaintedItem::render(const QRectF& area, double scale) const {
 }
 
 QSGNode* PaintedItem::updatePaintNode(QSGNode* old, UpdatePaintNodeData* /*data*/) {
+    if (!isVisible()) {
+        return old;
+    }
     auto* node = static_cast<QSGImageNode*>(old);
     if (width() <= 0 || height() <= 0) {
         delete node;

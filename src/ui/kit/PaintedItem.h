@@ -1,7 +1,8 @@
 #pragma once
 
 // An item that is painted once and shown as an image: the same pixels with and without a GPU. It is painted
-// at the display's resolution, and again only when its content, its size or the scale of the display changes.
+// at the display's resolution when it is first seen, and again only when its content, its size or the scale
+// of the display changes.
 
 #include <QAccessible>
 #include <QImage>
@@ -34,6 +35,11 @@ signals:
     void changed();
 
 protected:
+    /// Sets the implicit size, where that follows from the content. Called after each change, and once when
+    /// the item has been made: to measure a text costs a font, and what it looks like in between is never
+    /// seen.
+    virtual void measure() {}
+
     /// Gives `member`, a part of the content, the value `value`. Emits `changed` where that differs.
     template <typename T>
     void set(T& member, const T& value) {
@@ -52,6 +58,7 @@ protected:
 
     QSGNode* updatePaintNode(QSGNode* old, UpdatePaintNodeData* data) override;
     void itemChange(ItemChange change, const ItemChangeData& value) override;
+    void componentComplete() override;
 
 private:
     QRectF alignedArea(double scale) const;

@@ -10,9 +10,10 @@ namespace velmora {
 
 PaintedText::PaintedText(QQuickItem* parent)
     : PaintedItem(parent)
-    , m_color(Neon::ink) {
-    connect(this, &PaintedText::changed, this,
-            [this] { setImplicitSize(std::ceil(m_style.width(m_text)), std::ceil(m_style.lineHeight())); });
+    , m_color(Neon::ink) {}
+
+void PaintedText::measure() {
+    setImplicitSize(std::ceil(m_style.width(m_text)), std::ceil(m_style.lineHeight()));
 }
 
 QMarginsF PaintedText::overflow() const {

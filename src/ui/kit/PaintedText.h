@@ -57,6 +57,7 @@ public:
     void setMonospaced(bool monospaced) { set(m_style.monospaced, monospaced); }
 
 protected:
+    void measure() override;
     void paint(QPainter& painter) const override;
 
 private:
