@@ -1,7 +1,5 @@
 #include "app/UpdateAlerts.h"
 
-#include "ui/window/Alerts.h"
-
 #include <QDesktopServices>
 #include <QHostAddress>
 
@@ -35,7 +33,8 @@ AlertText textOf(const UpdateChecker::Alert& alert) {
 
 } // namespace
 
-UpdateAlerts::UpdateAlerts(Alerts& alerts, std::function<void()> bringToFront)
+UpdateAlerts::UpdateAlerts(Alerts& alerts, std::function<void()> bringToFront,
+                           UpdateChecker::QuietCheck quietCheck)
     : m_program{m_network,
                 m_preferences,
                 manifestAddress(),
@@ -44,7 +43,18 @@ UpdateAlerts::UpdateAlerts(Alerts& alerts, std::function<void()> bringToFront)
                 [&alerts, bringToFront = std::move(bringToFront)](const UpdateChecker::Alert& alert) {
                     bringToFront();
                     alerts.show(textOf(alert));
-                }} {}
+                },
+                quietCheck} {}
+
+std::optional<AlertSwitch> UpdateAlerts::quietCheckSwitch() {
+    if (m_program.quietCheck == UpdateChecker::QuietCheck::leftOut) {
+        return std::nullopt;
+    }
+    return AlertSwitch{
+        .title = QStringLiteral("Look for updates once a day"),
+        .on = UpdateChecker::wantsQuietCheck(m_preferences),
+        .turned = [this](bool on) { m_preferences.setValue(UpdateChecker::quietCheckPreference, on); }};
+}
 
 void UpdateAlerts::checkInteractively() {
     if (std::exchange(m_checking, true)) {

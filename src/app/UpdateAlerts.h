@@ -2,6 +2,7 @@
 
 // The update checker with what it needs of this program: network, preferences, clock, alerts.
 
+#include "ui/window/Alerts.h"
 #include "update/UpdateChecker.h"
 
 #include <QNetworkAccessManager>
@@ -9,10 +10,9 @@
 #include <QSettings>
 
 #include <functional>
+#include <optional>
 
 namespace velmora {
-
-class Alerts;
 
 /// Main thread.
 class UpdateAlerts : public QObject {
@@ -21,13 +21,17 @@ class UpdateAlerts : public QObject {
 public:
     /// Tells what it finds through `alerts`, which outlives this, once `bringToFront` has brought their
     /// window to the user.
-    UpdateAlerts(Alerts& alerts, std::function<void()> bringToFront);
+    UpdateAlerts(Alerts& alerts, std::function<void()> bringToFront,
+                 UpdateChecker::QuietCheck quietCheck = UpdateChecker::builtQuietCheck());
 
     void checkQuietly() { UpdateChecker::checkQuietly(m_program); }
 
     /// Asks because the user wants to know; changes nothing while the answer to such a question is on its
     /// way.
     void checkInteractively();
+
+    /// What turns the quiet check off and on; absent where it is left out.
+    std::optional<AlertSwitch> quietCheckSwitch();
 
 signals:
     /// A question of the user is on its way, or has been answered.

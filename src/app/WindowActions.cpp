@@ -1,5 +1,6 @@
 #include "app/WindowActions.h"
 
+#include "app/UpdateAlerts.h"
 #include "app/desktop/FileReveal.h"
 #include "app/panels/Panels.h"
 #include "scan/ScanModel.h"
@@ -17,10 +18,13 @@
 
 namespace velmora {
 
-AlertText aboutText() {
-    return {QStringLiteral("Velmora %1").arg(UpdateChecker::currentVersion()),
-            QStringLiteral("How long does all this audio play?\n\nDrop files, folders or archives on the "
-                           "window and read the total.\n\nBy Orventa, under the MIT licence.")};
+AlertText aboutText(std::optional<AlertSwitch> setting) {
+    return {.title = QStringLiteral("Velmora %1").arg(UpdateChecker::currentVersion()),
+            .body =
+                QStringLiteral("How long does all this audio play?\n\nDrop files, folders or archives on the "
+                               "window and read the total.\n\nBy Orventa, under the MIT licence. The source "
+                               "code is at\n" VELMORA_HOMEPAGE),
+            .setting = std::move(setting)};
 }
 
 WindowActions::WindowActions(ScanModel& model, ScanView& view, Alerts& alerts, Panels& panels)
@@ -91,13 +95,13 @@ void WindowActions::copyText(const QByteArray& text) {
 }
 
 void WindowActions::checkForUpdates() {
-    if (m_checkForUpdates) {
-        m_checkForUpdates();
+    if (m_updates != nullptr) {
+        m_updates->checkInteractively();
     }
 }
 
 void WindowActions::about() {
-    m_alerts.show(aboutText());
+    m_alerts.show(aboutText(m_updates != nullptr ? m_updates->quietCheckSwitch() : std::nullopt));
 }
 
 void WindowActions::quit() {

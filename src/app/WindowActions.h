@@ -6,7 +6,7 @@
 #include "ui/content/Actions.h"
 #include "ui/window/Alerts.h"
 
-#include <functional>
+#include <optional>
 
 class QWindow;
 
@@ -15,9 +15,10 @@ namespace velmora {
 class Panels;
 class ScanModel;
 class ScanView;
+class UpdateAlerts;
 
-/// The alert of "About Velmora".
-AlertText aboutText();
+/// The alert of "About Velmora", with a setting where there is one to show.
+AlertText aboutText(std::optional<AlertSwitch> setting);
 
 class WindowActions : public Actions {
     Q_OBJECT
@@ -29,8 +30,8 @@ public:
     /// The window that these are the actions of; none until it exists.
     void setWindow(QWindow* window) { m_window = window; }
 
-    /// What "Check for Updates…" does.
-    void setUpdateCheck(std::function<void()> check) { m_checkForUpdates = std::move(check); }
+    /// What "Check for Updates…" does, and the setting in "About Velmora". None until they exist.
+    void setUpdates(UpdateAlerts* updates) { m_updates = updates; }
 
     /// Scans `paths`; a file panel that is open closes. Every scan starts here.
     void start(const velmora::Paths& paths);
@@ -53,7 +54,7 @@ private:
     Alerts& m_alerts;
     Panels& m_panels;
     QWindow* m_window = nullptr;
-    std::function<void()> m_checkForUpdates;
+    UpdateAlerts* m_updates = nullptr;
 };
 
 } // namespace velmora

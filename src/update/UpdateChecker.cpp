@@ -53,6 +53,14 @@ QUrl manifestURL() {
     return {QStringLiteral(VELMORA_MANIFEST_URL)};
 }
 
+QuietCheck builtQuietCheck() {
+    return VELMORA_QUIET_UPDATE_CHECK ? QuietCheck::present : QuietCheck::leftOut;
+}
+
+bool wantsQuietCheck(const QSettings& preferences) {
+    return preferences.value(quietCheckPreference, true).toBool();
+}
+
 QString currentVersion() {
     const QString version = QStringLiteral(VELMORA_VERSION);
     return version.isEmpty() ? QStringLiteral("0") : version;
@@ -90,6 +98,9 @@ void latest(QNetworkAccessManager& network, const QUrl& url,
 }
 
 void checkQuietly(const Program& program) {
+    if (program.quietCheck == QuietCheck::leftOut || !wantsQuietCheck(program.preferences)) {
+        return;
+    }
     const double last = program.preferences.value(lastCheckPreference, 0.0).toDouble();
     if (!(program.now() - last > secondsPerDay)) {
         return;

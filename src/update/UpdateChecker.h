@@ -26,6 +26,9 @@ struct Alert {
     bool operator==(const Alert&) const = default;
 };
 
+/// Whether the program looks for a newer version by itself; some who pass it on leave that out.
+enum class QuietCheck : bool { leftOut, present };
+
 /// What the checker needs of the program around it. All of it outlives the checks that are started with it.
 struct Program {
     QNetworkAccessManager& network;
@@ -34,16 +37,25 @@ struct Program {
     QString currentVersion;
     std::function<double()> now; ///< seconds since 1970 (UTC)
     std::function<void(const Alert& alert)> show;
+    QuietCheck quietCheck;
 };
 
 /// Where the maker publishes the manifest, as the build was told.
 QUrl manifestURL();
+
+/// As the build was told.
+QuietCheck builtQuietCheck();
 
 /// This build's version; "0" when the build has none.
 QString currentVersion();
 
 /// The preference that holds the time of the last successful quiet check, in seconds since 1970.
 inline constexpr const char* lastCheckPreference = "updateLastCheck";
+
+/// The preference that holds whether the user wants quiet checks: a truth value, true when absent.
+inline constexpr const char* quietCheckPreference = "updateQuietCheck";
+
+bool wantsQuietCheck(const QSettings& preferences);
 
 /// Fetches the manifest at `url` and gives `answer` the release, or nothing: when the transfer fails or takes
 /// longer than 15 seconds, when the body is larger than 1 MiB or no manifest, when the URL is neither https
@@ -52,7 +64,7 @@ void latest(QNetworkAccessManager& network, const QUrl& url,
             std::function<void(std::optional<Release>)> answer);
 
 /// Offers a newer release if the last successful quiet check is more than 24 hours ago; silent otherwise. A
-/// check that fails is tried again next time.
+/// check that fails is tried again next time. Asks nobody where the quiet check is left out or not wanted.
 void checkQuietly(const Program& program);
 
 /// Offers a newer release, or says that there is none, or that it could not be found out.

@@ -145,7 +145,9 @@ std::map<std::string, Page> alertPages() {
             QStringLiteral("%1. Reads one more kind of recording, and says how long it plays.\n").arg(i);
     }
     return {
-        {"about", alert(aboutText())},
+        {"about", alert(aboutText(AlertSwitch{QStringLiteral("Look for updates once a day"), true}))},
+        {"about-off", alert(aboutText(AlertSwitch{QStringLiteral("Look for updates once a day"), false}))},
+        {"about-without", alert(aboutText({}))},
         {"update", alert(offer(QStringLiteral("Reads more kinds of archives.")))},
         {"update-long", alert(offer(longNotes))},
         {"up-to-date", alert({QStringLiteral("You're up to date"),

@@ -2,9 +2,12 @@
 
 #include "tests/ui/UiTest.h"
 
+#include <QAccessible>
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <vector>
 
 namespace velmora::test {
 namespace {
@@ -60,6 +63,43 @@ TEST_F(AlertTest, ScrollsLongNotesByTheWheel) {
     QWheelEvent down(middle, window->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
     QCoreApplication::sendEvent(window.get(), &down);
     EXPECT_TRUE(comesTrue([this] { return position() > 0; }));
+}
+
+TEST_F(AlertTest, TurnsItsSettingByPointerKeyAndScreenReader) {
+    openWindow();
+    std::vector<bool> turned;
+    alerts.show(
+        {.title = "About", .setting = AlertSwitch{"Look", true, [&](bool on) { turned.push_back(on); }}});
+    QQuickItem* line = find("alertSetting");
+    QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(line);
+    ASSERT_TRUE(line->isVisible());
+    EXPECT_EQ(spoken->role(), QAccessible::CheckBox);
+    EXPECT_EQ(spoken->text(QAccessible::Name), "Look");
+    EXPECT_TRUE(spoken->state().checkable);
+    EXPECT_TRUE(spoken->state().checked);
+    const qreal knobWhenOn = find("switchKnob")->x();
+
+    click(line);
+    EXPECT_EQ(turned, std::vector<bool>{false});
+    EXPECT_FALSE(spoken->state().checked);
+    EXPECT_LT(find("switchKnob")->x(), knobWhenOn);
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(line->hasActiveFocus());
+    press(Qt::Key_Space);
+    spoken->actionInterface()->doAction(QAccessibleActionInterface::toggleAction());
+    EXPECT_EQ(turned, (std::vector<bool>{false, true, false}));
+    EXPECT_TRUE(line->hasActiveFocus()) << "turning it leaves the focus where it is";
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(find("alertAccept")->hasActiveFocus());
+    EXPECT_TRUE(alerts.open());
+
+    press(Qt::Key_Return);
+    alerts.show({.title = "About"});
+    EXPECT_FALSE(line->isVisible()) << "this alert has no setting";
+    press(Qt::Key_Tab);
+    EXPECT_TRUE(find("alertAccept")->hasActiveFocus());
+    alerts.turn();
+    EXPECT_EQ(turned.size(), 3U);
 }
 
 TEST_F(AlertTest, NeedsNoBarForAShortText) {

@@ -16,6 +16,7 @@ namespace velmora::test {
 namespace {
 
 using UpdateChecker::Alert;
+using UpdateChecker::QuietCheck;
 
 const QString download = "https://x.example/get";
 
@@ -35,14 +36,19 @@ protected:
         return result;
     }
 
-    UpdateChecker::Program program(const QString& path, const QString& version) {
+    UpdateChecker::Program program(const QString& path, const QString& version,
+                                   QuietCheck quietCheck = QuietCheck::present) {
         return {network,
                 preferences,
                 at(path),
                 version,
                 [this] { return now; },
-                [this](const Alert& alert) { alerts.push_back(alert); }};
+                [this](const Alert& alert) { alerts.push_back(alert); },
+                quietCheck};
     }
+
+    /// Whether a fetch is under way.
+    bool fetches() const { return !network.findChildren<QObject*>().isEmpty(); }
 
     double lastCheck() { return preferences.value("updateLastCheck", 0.0).toDouble(); }
 
@@ -152,12 +158,34 @@ TEST_F(UpdateCheckerTest, IsSilentButRemembersTheTimeWhenThereIsNothingNewer) {
 TEST_F(UpdateCheckerTest, AsksAgainOnlyAfterMoreThanADay) {
     preferences.setValue("updateLastCheck", now - 86'400);
     checkQuietly(program("good", "1"));
-    EXPECT_TRUE(network.findChildren<QObject*>().isEmpty()) << "a fetch was started";
+    EXPECT_FALSE(fetches());
 
     preferences.setValue("updateLastCheck", now - 86'401);
     checkQuietly(program("good", "1"));
     awaitAlert();
     EXPECT_EQ(lastCheck(), now);
+}
+
+TEST_F(UpdateCheckerTest, AsksNobodyQuietlyWhereTheUserDoesNotWantIt) {
+    EXPECT_TRUE(UpdateChecker::wantsQuietCheck(preferences)) << "unless told otherwise";
+    preferences.setValue("updateQuietCheck", false);
+    checkQuietly(program("good", "1"));
+    EXPECT_FALSE(fetches());
+    checkInteractively(program("good", "1"));
+    EXPECT_TRUE(fetches());
+    awaitAlert();
+    preferences.setValue("updateQuietCheck", true);
+    checkQuietly(program("good", "2"));
+    awaitLastCheck(now);
+}
+
+TEST_F(UpdateCheckerTest, AsksNobodyQuietlyWhereTheQuietCheckIsLeftOut) {
+    preferences.setValue("updateQuietCheck", true);
+    checkQuietly(program("good", "1", QuietCheck::leftOut));
+    EXPECT_FALSE(fetches());
+    checkInteractively(program("good", "1", QuietCheck::leftOut));
+    awaitAlert();
+    EXPECT_EQ(alerts.front().title, "Velmora 2.0 is available");
 }
 
 TEST_F(UpdateCheckerTest, TriesAgainNextTimeAfterAQuietCheckThatFailed) {

@@ -52,6 +52,13 @@ TEST_F(ControlsTest, TellAboutTheProgram) {
     click("About Velmora");
     const Element alert = awaitShown("Velmora 1.0.0");
     EXPECT_TRUE(alert.description.contains("Orventa"));
+    const fs::path preferences = desktop.preferences() / "Orventa" / "Velmora.conf";
+    for (const char* const line : {"updateQuietCheck=false\n", "updateQuietCheck=true\n"}) {
+        click("Look for updates once a day");
+        EXPECT_TRUE(comesTrue([&] {
+            return fs::exists(preferences) && read(preferences).find(line) != std::string::npos;
+        })) << line;
+    }
     click("OK");
     awaitGone("Velmora 1.0.0");
 }

@@ -98,6 +98,18 @@ FocusScope {
                 text: box.alerts.body
             }
 
+            SwitchLine {
+                id: setting
+
+                objectName: "alertSetting"
+                visible: title !== ""
+                width: parent.width
+                title: box.alerts.settingTitle
+                on: box.alerts.settingOn
+                KeyNavigation.tab: dismiss
+                onPressed: box.alerts.turn()
+            }
+
             Row {
                 anchors.right: parent.right
                 topPadding: 6
@@ -121,7 +133,7 @@ FocusScope {
                     objectName: "alertAccept"
                     title: box.alerts.acceptTitle
                     tint: Neon.violet
-                    KeyNavigation.tab: dismiss
+                    KeyNavigation.tab: setting
                     onPressed: box.alerts.accept()
                 }
             }

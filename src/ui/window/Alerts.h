@@ -9,8 +9,16 @@
 
 #include <deque>
 #include <functional>
+#include <optional>
 
 namespace velmora {
+
+/// A setting that an alert shows and the user turns on and off there, whatever button closes the alert.
+struct AlertSwitch {
+    QString title;
+    bool on = false;
+    std::function<void(bool on)> turned = {};
+};
 
 /// One alert. With `acceptTitle` and `dismissTitle` there are two buttons, the first the default; with an
 /// empty `dismissTitle` there is one.
@@ -20,6 +28,7 @@ struct AlertText {
     QString acceptTitle = QStringLiteral("OK");
     QString dismissTitle = {};
     std::function<void()> accepted = {}; ///< what the first button does beyond closing; may be empty
+    std::optional<AlertSwitch> setting = {};
 };
 
 class Alerts : public QObject {
@@ -31,6 +40,8 @@ class Alerts : public QObject {
     Q_PROPERTY(QString body READ body NOTIFY changed)
     Q_PROPERTY(QString acceptTitle READ acceptTitle NOTIFY changed)
     Q_PROPERTY(QString dismissTitle READ dismissTitle NOTIFY changed)
+    Q_PROPERTY(QString settingTitle READ settingTitle NOTIFY changed)
+    Q_PROPERTY(bool settingOn READ settingOn NOTIFY settingChanged)
 
 public:
     using QObject::QObject;
@@ -48,14 +59,25 @@ public:
 
     QString dismissTitle() const { return open() ? m_waiting.front().dismissTitle : QString(); }
 
+    /// Empty when the alert has no setting.
+    QString settingTitle() const { return setting() ? setting()->title : QString(); }
+
+    bool settingOn() const { return setting() && setting()->on; }
+
 public slots:
     void accept();  ///< the default button, or Enter
     void dismiss(); ///< the other button, or Escape
+    void turn();    ///< the setting on, or off again
 
 signals:
-    void changed();
+    void changed(); ///< another alert is shown, or none
+    void settingChanged();
 
 private:
+    const AlertSwitch* setting() const {
+        return open() && m_waiting.front().setting ? &*m_waiting.front().setting : nullptr;
+    }
+
     AlertText takeFirst();
 
     std::deque<AlertText> m_waiting;
