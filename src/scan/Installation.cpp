@@ -51,8 +51,11 @@ std::string section(std::string_view heading, const std::string& text, const cha
 }
 
 std::string libraries() {
+    const std::string libav = libavReport();
     return std::string("Qt ") + qVersion() + "\nICU " + icuVersion() + "\nlibzip " + zip_libzip_version() +
-           "\n" + libavReport();
+           "\n" +
+           (libav.empty() ? "velmora-libav is not there: what our own readers cannot tell is left to ffprobe"
+                          : libav);
 }
 
 std::string toolLine(std::string_view path, std::string_view costOfAbsence) {

@@ -228,6 +228,15 @@ TEST_F(VelmoraScan, TellsWhatItStandsOn) {
     }
 }
 
+TEST_F(VelmoraScan, TellsWhatTheAbsenceOfItsPrivateProgramsCosts) {
+    fs::copy_file(VELMORA_SCAN, folder / "velmora-scan");
+    const std::string report = shell("./velmora-scan --version --verbose", folder);
+    EXPECT_THAT(report,
+                HasSubstr("\n  velmora-libav is not there: what our own readers cannot tell is left to "
+                          "ffprobe\nwall around tools:\n  velmora-confine is not there: no archive is "
+                          "unpacked, and ffprobe is not asked\n"));
+}
+
 TEST_F(VelmoraScan, LabelsADotWithTheFoldersName) {
     const Finished run = runToEnd({.arguments = {"."}, .folder = folder / "Live Set"});
     EXPECT_THAT(run.output, HasSubstr(" — LIVE SET\n"));
