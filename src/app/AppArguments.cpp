@@ -18,8 +18,12 @@ namespace fs = std::filesystem;
 
 constexpr const char* windowOptions = ":Vh"; // with the colon, a missing value is reported as ':'
 constexpr int renderOption = firstOptionWithoutLetter;
+constexpr int chooseOption = renderOption + 1;
+constexpr int serviceOption = renderOption + 2;
 
-const std::array<option, 4> windowLongOptions = {{{"render", required_argument, nullptr, renderOption},
+const std::array<option, 6> windowLongOptions = {{{"choose", no_argument, nullptr, chooseOption},
+                                                  {"render", required_argument, nullptr, renderOption},
+                                                  {"service", no_argument, nullptr, serviceOption},
                                                   {"version", no_argument, nullptr, 'V'},
                                                   {"help", no_argument, nullptr, 'h'},
                                                   {nullptr, 0, nullptr, 0}}};
@@ -59,7 +63,11 @@ AppArguments readArguments(std::vector<std::string> arguments) {
             result.version = true;
             return result;
         }
-        if (letter == renderOption) {
+        if (letter == chooseOption) {
+            result.choose = true;
+        } else if (letter == serviceOption) {
+            result.service = true;
+        } else if (letter == renderOption) {
             result.renderInto = result.renderInto.value_or(optarg);
         } else if (letter != ':') { // only --render wants a value
             result.error = reader.error(letter);

@@ -16,6 +16,8 @@ struct AppArguments {
     bool help = false;
     bool version = false;
     std::optional<std::filesystem::path> renderInto; ///< render pictures there and quit
+    bool choose = false;                             ///< open the file panel at once
+    bool service = false;                            ///< wait for what the session bus asks for
     Paths paths;                                     ///< to be scanned, absolute
     std::string error;                               ///< why nothing can be done; empty if all is right
 };

@@ -2,6 +2,7 @@
 
 #include "app/AppDelegate.h"
 #include "app/desktop/DropTarget.h"
+#include "app/desktop/StartupNotification.h"
 #include "app/desktop/WindowCover.h"
 #include "ui/Views.h"
 
@@ -13,7 +14,7 @@
 namespace velmora {
 
 AppWindow::AppWindow(AppDelegate& delegate) {
-    m_actions.setUpdateCheck([this] { m_updates.checkInteractively(); });
+    m_actions.setUpdates(&m_updates);
     m_engine.setInitialProperties({
         {"scan", QVariant::fromValue(&m_view)},
         {"actions", QVariant::fromValue<Actions*>(&m_actions)},
@@ -60,6 +61,12 @@ void AppWindow::take(QQuickWindow* window) {
             [window](bool checking) { window->setProperty("checking", checking); });
 }
 
+void AppWindow::choose() {
+    if (!m_alerts.open()) {
+        m_actions.choose();
+    }
+}
+
 void AppWindow::raise(const QByteArray& activationToken) {
     if (!activationToken.isEmpty()) {
         qputenv("XDG_ACTIVATION_TOKEN", activationToken); // where Qt's Wayland plug-in looks for it
@@ -67,6 +74,7 @@ void AppWindow::raise(const QByteArray& activationToken) {
     m_window->setWindowStates(m_window->windowStates() & ~Qt::WindowMinimized); // if need be
     m_window->raise();
     m_window->requestActivate();
+    completeStartup(*m_window, activationToken);
     m_window->alert(0); // until it gets the focus
 }
 

@@ -34,6 +34,9 @@ public:
     /// Whether the window could be made.
     bool isShown() const { return m_window != nullptr; }
 
+    /// Opens the panel in which files and folders are chosen, unless an alert waits for an answer.
+    void choose();
+
     /// Brings the window to the front, or has it ask for the user's attention where the desktop leaves it
     /// where it is. `activationToken` is the desktop's permission to take the focus; it may be empty.
     void raise(const QByteArray& activationToken);

@@ -1,8 +1,7 @@
 // Velmora: drop audio on the window, see how long it plays.
 
 #include "app/AppArguments.h"
-#include "app/AppDelegate.h"
-#include "app/AppWindow.h"
+#include "app/RequestedWindow.h"
 #include "app/desktop/CompositorLoss.h"
 #include "app/desktop/GraphicsProbe.h"
 #include "app/desktop/SingleInstance.h"
@@ -18,26 +17,38 @@
 #include <QGuiApplication>
 #include <QIcon>
 #include <QSocketNotifier>
+#include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 #include <string_view>
 
 namespace velmora {
 
 namespace {
 
+using namespace std::chrono_literals;
+
 constexpr int usageError = 2;
 
-constexpr const char* usage = "usage: velmora [OPTION…] [PATH…]\n"
-                              "\n"
-                              "Opens the window and measures how long the audio at the paths plays.\n"
-                              "\n"
-                              "  --render DIR   write pictures of the window into DIR and quit\n"
-                              "  -V, --version  print the version\n"
-                              "  -h, --help     print this\n";
+/// How long a program that the session bus has started waits for what is asked of it. The bus has the call
+/// ready as a rule; one that comes later starts the program again.
+constexpr auto servicePatience = 3s;
+
+constexpr const char* usage =
+    "usage: velmora [OPTION…] [PATH…]\n"
+    "\n"
+    "Opens the window and measures how long the audio at the paths plays.\n"
+    "\n"
+    "  --choose       open the panel to choose files and folders at once\n"
+    "  --render DIR   write pictures of the window into DIR and quit\n"
+    "  --service      wait for what the session bus asks for, as it starts the program\n"
+    "  -V, --version  print the version\n"
+    "  -h, --help     print this\n";
 
 int render(int argc, char** argv, const std::filesystem::path& into) {
     Screenshots::prepareEnvironment();
@@ -64,15 +75,8 @@ void endInOrder() {
     }
 }
 
-int openWindow(int argc, char** argv, const Paths& paths) {
-    int status = EXIT_FAILURE;
-    PrivateDirectory directory; // before the application, which starts threads
-    std::atexit(&endInOrder);
-    endInOrderWithoutCompositor();
-    if (directory.failure()) {
-        std::fprintf(stderr, "velmora: cannot make a directory in '%s': %s\n", directory.parent().c_str(),
-                     directory.failure().message().c_str());
-    }
+/// Before the application object exists.
+void prepareApplication() {
     if (!qEnvironmentVariableIsSet("QT_QUICK_BACKEND") && isBetterInSoftware()) {
         qputenv("QT_QUICK_BACKEND", "software");
     }
@@ -82,11 +86,35 @@ int openWindow(int argc, char** argv, const Paths& paths) {
     QGuiApplication::setDesktopFileName(applicationId);
     QGuiApplication::setOrganizationName(QStringLiteral("Orventa"));
     QGuiApplication::setApplicationName(QStringLiteral("Velmora"));
+}
+
+/// What the command line asks of the one instance; absent when the session bus is going to ask instead.
+std::optional<LaunchRequest> requestOf(const AppArguments& arguments) {
+    if (arguments.service && !arguments.choose && arguments.paths.empty()) {
+        return std::nullopt;
+    }
+    const QByteArray token = qgetenv("XDG_ACTIVATION_TOKEN");
+    return LaunchRequest{.paths = arguments.paths,
+                         .choose = arguments.choose,
+                         .activationToken = token.isEmpty() ? qgetenv("DESKTOP_STARTUP_ID") : token};
+}
+
+int openWindow(int argc, char** argv, const AppArguments& arguments) {
+    std::optional<LaunchRequest> request = requestOf(arguments); // Qt takes the token from the environment
+    int status = EXIT_FAILURE;
+    PrivateDirectory directory; // before the application, which starts threads
+    std::atexit(&endInOrder);
+    endInOrderWithoutCompositor();
+    if (directory.failure()) {
+        std::fprintf(stderr, "velmora: cannot make a directory in '%s': %s\n", directory.parent().c_str(),
+                     directory.failure().message().c_str());
+    }
+    prepareApplication();
     const QGuiApplication application(argc, argv);
     QGuiApplication::setWindowIcon(windowIcon());
 
     SingleInstance instance;
-    if (!instance.claim(paths)) {
+    if (!instance.claim(request)) {
         return EXIT_SUCCESS;
     }
     EndingSignals endingSignals; // longer than the window, which has to clean up
@@ -102,19 +130,24 @@ int openWindow(int argc, char** argv, const Paths& paths) {
         endNow(status);
     });
     Views::prepare();
-    AppDelegate delegate;
-    delegate.open(paths);
-    AppWindow window(delegate);
-    if (!window.isShown()) {
-        return EXIT_FAILURE;
+    RequestedWindow window;
+    if (request) {
+        request->activationToken.clear(); // Qt knows it
+        if (!window.serve(*request)) {
+            return EXIT_FAILURE;
+        }
+    } else {
+        QTimer::singleShot(servicePatience, &application, [&] {
+            if (!window.isOpen()) {
+                QCoreApplication::exit(EXIT_SUCCESS);
+            }
+        });
     }
-    QObject::connect(&instance, &SingleInstance::requested, &window,
-                     [&](const Paths& requested, const QByteArray& activationToken) {
-                         window.raise(activationToken);
-                         if (!requested.empty()) {
-                             delegate.open(requested);
-                         }
-                     });
+    QObject::connect(&instance, &SingleInstance::requested, &application, [&](const LaunchRequest& asked) {
+        if (!window.serve(asked)) {
+            QCoreApplication::exit(EXIT_FAILURE);
+        }
+    });
     status = QGuiApplication::exec();
     instance.giveUp(); // from here on a start opens a window of its own
     endSoon(endingSignals.descriptor(), status);
@@ -137,7 +170,7 @@ int run(int argc, char** argv) {
         std::fprintf(stderr, "velmora: %s\nvelmora: 'velmora --help' tells more\n", arguments.error.c_str());
         return usageError;
     }
-    return openWindow(argc, argv, arguments.paths);
+    return openWindow(argc, argv, arguments);
 }
 
 } // namespace

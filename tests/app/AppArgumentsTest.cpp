@@ -42,6 +42,21 @@ TEST(AppArguments, NamesAFolderByItsOwnName) {
     EXPECT_EQ(readArguments({"file:///m/./set/"}).paths, Paths{"/m/set"});
 }
 
+TEST(AppArguments, ChoosesWithPathsAndWithout) {
+    EXPECT_FALSE(readArguments({"/m/a.wav"}).choose);
+    EXPECT_TRUE(readArguments({"--choose"}).choose);
+    const AppArguments both = readArguments({"/m/a.wav", "--choose"});
+    EXPECT_TRUE(both.choose);
+    EXPECT_EQ(both.paths, Paths{"/m/a.wav"});
+}
+
+TEST(AppArguments, WaitsForTheBusOnlyWhenToldTo) {
+    EXPECT_FALSE(readArguments({}).service);
+    const AppArguments arguments = readArguments({"--service"});
+    EXPECT_TRUE(arguments.service);
+    EXPECT_EQ(arguments.error, "");
+}
+
 TEST(AppArguments, KnowsItsOptionsInAllForms) {
     EXPECT_TRUE(readArguments({"--help"}).help);
     EXPECT_TRUE(readArguments({"-h"}).help);
@@ -54,6 +69,7 @@ TEST(AppArguments, KnowsItsOptionsInAllForms) {
 TEST(AppArguments, SayWhatIsWrongWithThem) {
     EXPECT_EQ(readArguments({"--frobnicate", "--other"}).error, "unknown option '--frobnicate'");
     EXPECT_EQ(readArguments({"-x"}).error, "unknown option '-x'");
+    EXPECT_EQ(readArguments({"--choose=me"}).error, "option '--choose' takes no value");
     EXPECT_EQ(readArguments({"--help=me"}).error, "option '-h' takes no value");
     EXPECT_EQ(readArguments({"--\x1B[2J"}).error, "unknown option '--\\x1B[2J'") << "fit for a terminal";
 }

@@ -65,6 +65,19 @@ TEST_F(WindowActionsTest, CopyNamesByTheirBytes) {
     EXPECT_EQ(clipboard(), "00:00:03\t/m/caf\uFFFD.wav");
 }
 
+TEST_F(WindowActionsTest, LeaveThePanelAsItIsWhereItIsOpenAlready) {
+    actions.choose();
+    panel.setTyped("/music");
+    actions.choose();
+    EXPECT_EQ(panel.typed(), "/music");
+    panel.close();
+    actions.zip();
+    EXPECT_TRUE(comesTrue([this] { return panel.isOpen(); }));
+    EXPECT_TRUE(panel.saving());
+    actions.choose();
+    EXPECT_FALSE(panel.saving()) << "it asks for something else now";
+}
+
 TEST_F(WindowActionsTest, ForgetTheResult) {
     actions.reset();
     EXPECT_TRUE(view.idle());

@@ -1,4 +1,4 @@
-// A scan asks nobody anything: it and its tools open no socket, but for the pair between program and helper.
+// A scan asks nobody anything: it and its tools get no socket, but for the pair between program and helper.
 
 #include "tests/support/Archives.h"
 #include "tests/support/RealAudio.h"
@@ -16,9 +16,10 @@ using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 
-const auto opensASocket =
-    ContainsRegex("(^|\n)[0-9]+ +(socket|connect|bind|listen|accept|accept4|sendto)\\(");
-const auto opensAPairOfAnotherKind = ContainsRegex("socketpair\\(AF_[^U]");
+/// The wall around a tool refuses the sockets that it asks for, as tar does to look for names of users.
+const auto opensASocket = ContainsRegex("[^a-z](socket|connect|bind|listen|accept|accept4|sendto)"
+                                        "(\\(| resumed>)[^\n]*\\) += [0-9]");
+const auto asksForTheNetwork = ContainsRegex("(socket|socketpair)\\(AF_[^U]");
 
 TEST(Network, IsLeftAloneByAScanAndItsTools) {
     const fs::path folder = freshFolder();
@@ -34,14 +35,14 @@ TEST(Network, IsLeftAloneByAScanAndItsTools) {
         EXPECT_THAT(calls, ContainsRegex("execve\\([^\n]*" + std::string(program))) << "it was not asked";
     }
     EXPECT_THAT(calls, HasSubstr("socketpair(AF_UNIX"));
-    EXPECT_THAT(calls, Not(opensAPairOfAnotherKind));
     EXPECT_THAT(calls, Not(opensASocket));
+    EXPECT_THAT(calls, Not(asksForTheNetwork));
 }
 
 TEST(Network, WouldBeNoticed) {
-    EXPECT_THAT(systemCallsOf("python3 -c 'import socket; socket.socket()'"), opensASocket);
+    EXPECT_THAT(systemCallsOf("python3 -c 'import socket; socket.socket(socket.AF_UNIX)'"), opensASocket);
     EXPECT_THAT(systemCallsOf("python3 -c 'import socket; socket.socketpair(socket.AF_INET)'"),
-                opensAPairOfAnotherKind);
+                asksForTheNetwork);
 }
 
 } // namespace

@@ -7,13 +7,17 @@
 
 namespace velmora::test {
 
-/// What dbus-daemon is configured with (dbus-daemon(1)); its socket lies in `folder`.
+/// What dbus-daemon is configured with (dbus-daemon(1)); its socket lies in `folder`, the service files it
+/// reads in a folder "services" there, if any.
 inline std::string busConfiguration(const std::filesystem::path& folder) {
     return "<busconfig>\n"
            "  <type>session</type>\n"
            "  <listen>unix:dir=" +
            folder.native() +
            "</listen>\n"
+           "  <servicedir>" +
+           folder.native() +
+           "/services</servicedir>\n"
            "  <policy context=\"default\">\n"
            "    <allow send_destination=\"*\" eavesdrop=\"true\"/>\n"
            "    <allow eavesdrop=\"true\"/>\n"

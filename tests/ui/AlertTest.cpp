@@ -68,8 +68,9 @@ TEST_F(AlertTest, ScrollsLongNotesByTheWheel) {
 TEST_F(AlertTest, TurnsItsSettingByPointerKeyAndScreenReader) {
     openWindow();
     std::vector<bool> turned;
-    alerts.show(
-        {.title = "About", .setting = AlertSwitch{"Look", true, [&](bool on) { turned.push_back(on); }}});
+    alerts.show({.title = "About", .body = "", .setting = AlertSwitch{"Look", true, [&](bool on) {
+                                                                          turned.push_back(on);
+                                                                      }}});
     QQuickItem* line = find("alertSetting");
     QAccessibleInterface* spoken = QAccessible::queryAccessibleInterface(line);
     ASSERT_TRUE(line->isVisible());
@@ -94,7 +95,7 @@ TEST_F(AlertTest, TurnsItsSettingByPointerKeyAndScreenReader) {
     EXPECT_TRUE(alerts.open());
 
     press(Qt::Key_Return);
-    alerts.show({.title = "About"});
+    alerts.show({"About", ""});
     EXPECT_FALSE(line->isVisible()) << "this alert has no setting";
     press(Qt::Key_Tab);
     EXPECT_TRUE(find("alertAccept")->hasActiveFocus());

@@ -32,7 +32,7 @@ Desktop::~Desktop() {
 
 void Desktop::prepareFolders() {
     const fs::path runtime = m_folder / "runtime";
-    for (const fs::path& folder : {home(), preferences(), temporary(), programs(), runtime}) {
+    for (const fs::path& folder : {home(), preferences(), temporary(), programs(), services(), runtime}) {
         fs::create_directory(folder);
     }
     fs::permissions(runtime, fs::perms::owner_all);

@@ -45,6 +45,9 @@ public:
     /// Programs placed here are found before those of the system.
     fs::path programs() const { return m_folder / "bin"; }
 
+    /// The session bus starts what service files here name, once it is told to read them.
+    fs::path services() const { return m_folder / "services"; }
+
     /// The session bus; not connected where it is absent.
     QDBusConnection bus() const { return QDBusConnection(m_busName); }
 

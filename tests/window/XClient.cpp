@@ -63,6 +63,29 @@ std::uint32_t XClient::lengthOf(const QByteArray& property, std::uint32_t window
     return length;
 }
 
+void XClient::watchStartups() {
+    const std::uint32_t events = XCB_EVENT_MASK_PROPERTY_CHANGE; // with which the messages are sent
+    xcb_change_window_attributes(m_connection,
+                                 xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root,
+                                 XCB_CW_EVENT_MASK, &events);
+    xcb_flush(m_connection);
+}
+
+QByteArray XClient::startupMessages() {
+    const std::uint32_t begin = atom("_NET_STARTUP_INFO_BEGIN");
+    const std::uint32_t more = atom("_NET_STARTUP_INFO");
+    while (xcb_generic_event_t* const event = xcb_poll_for_event(m_connection)) {
+        const auto& message = *reinterpret_cast<const xcb_client_message_event_t*>(event);
+        if ((event->response_type & 0x7F) == XCB_CLIENT_MESSAGE &&
+            (message.type == begin || message.type == more)) {
+            const auto* const part = reinterpret_cast<const char*>(message.data.data8);
+            m_startups += QByteArray(part, static_cast<qsizetype>(::strnlen(part, 20)));
+        }
+        std::free(event);
+    }
+    return m_startups;
+}
+
 Picture XClient::screen() const {
     const xcb_screen_t* const screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
     xcb_get_image_reply_t* const answer =

@@ -43,6 +43,12 @@ public:
     /// The length of a window's property in bytes; 0 where it has none of this name.
     std::uint32_t lengthOf(const QByteArray& property, std::uint32_t window) const;
 
+    /// From here on the messages of startup notification are noted.
+    void watchStartups();
+
+    /// Those that came since, one after the other.
+    QByteArray startupMessages();
+
     /// What the screen shows at the moment.
     Picture screen() const;
 
@@ -51,6 +57,7 @@ private:
 
     xcb_connection_t* m_connection;
     std::uint32_t m_cover = 0;
+    QByteArray m_startups;
 };
 
 } // namespace velmora::test

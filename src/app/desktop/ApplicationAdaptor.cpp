@@ -16,21 +16,21 @@ QByteArray tokenIn(const QVariantMap& platformData) {
 
 } // namespace
 
-ApplicationAdaptor::ApplicationAdaptor(QObject* served, Request request)
+ApplicationAdaptor::ApplicationAdaptor(QObject* served, Serve serve)
     : QDBusAbstractAdaptor(served)
-    , m_request(std::move(request)) {}
+    , m_serve(std::move(serve)) {}
 
 void ApplicationAdaptor::Activate(const QVariantMap& platformData) {
-    m_request({}, tokenIn(platformData));
+    m_serve({.activationToken = tokenIn(platformData)});
 }
 
 void ApplicationAdaptor::Open(const QStringList& uris, const QVariantMap& platformData) {
-    m_request(pathsOfUriList(uris.join(u'\n').toUtf8()), tokenIn(platformData));
+    m_serve({.paths = pathsOfUriList(uris.join(u'\n').toUtf8()), .activationToken = tokenIn(platformData)});
 }
 
-void ApplicationAdaptor::ActivateAction(const QString&, const QVariantList&,
+void ApplicationAdaptor::ActivateAction(const QString& action, const QVariantList& /*parameter*/,
                                         const QVariantMap& platformData) {
-    Activate(platformData); // there are no actions to choose from
+    m_serve({.choose = action == chooseAction, .activationToken = tokenIn(platformData)});
 }
 
 } // namespace velmora

@@ -1,6 +1,7 @@
 #include "app/desktop/SingleInstance.h"
 
 #include "app/desktop/ApplicationAdaptor.h"
+#include "app/desktop/FileUrls.h"
 
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
@@ -9,6 +10,8 @@
 #include <QLocalSocket>
 #include <QStandardPaths>
 #include <QThread>
+
+#include <utility>
 
 namespace velmora {
 
@@ -23,51 +26,67 @@ QString inRuntimeDirectory(const QString& name) {
     return QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation) + "/" + applicationId + name;
 }
 
-QVariantMap platformData() {
-    QVariantMap data;
-    const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN");
-    const QString startupId = qEnvironmentVariable("DESKTOP_STARTUP_ID");
-    if (!token.isEmpty()) {
-        data.insert(QStringLiteral("activation-token"), token);
+QVariantMap platformData(const QByteArray& activationToken) {
+    if (activationToken.isEmpty()) {
+        return {};
     }
-    if (!startupId.isEmpty()) {
-        data.insert(QStringLiteral("desktop-startup-id"), startupId);
-    }
-    return data;
+    const QString token = QString::fromUtf8(activationToken);
+    return {{QStringLiteral("activation-token"), token}, {QStringLiteral("desktop-startup-id"), token}};
 }
 
-/// The call that hands `paths` to the running instance.
-QDBusMessage requestFor(const Paths& paths) {
-    const QString method = paths.empty() ? QStringLiteral("Activate") : QStringLiteral("Open");
-    QDBusMessage call = QDBusMessage::createMethodCall(applicationId, objectPath,
-                                                       QStringLiteral("org.freedesktop.Application"), method);
-    if (!paths.empty()) {
-        QStringList uris;
-        for (const std::filesystem::path& path : paths) {
-            uris.append(QString::fromLatin1(urlOfPath(path)));
-        }
-        call << uris;
-    }
-    return call << platformData();
-}
-
-/// Paths on the socket are bytes, each followed by a NUL.
-QByteArray joined(const Paths& paths) {
-    QByteArray text;
+QStringList urisOf(const Paths& paths) {
+    QStringList uris;
     for (const std::filesystem::path& path : paths) {
+        uris.append(QString::fromLatin1(urlOfPath(path)));
+    }
+    return uris;
+}
+
+/// Calls `method` of the running instance. Whether it answers.
+bool call(const QString& method, const QVariantList& arguments) {
+    QDBusMessage message = QDBusMessage::createMethodCall(
+        applicationId, objectPath, QStringLiteral("org.freedesktop.Application"), method);
+    message.setArguments(arguments);
+    return QDBusConnection::sessionBus().call(message, QDBus::Block, handOverTimeout).type() ==
+           QDBusMessage::ReplyMessage;
+}
+
+/// Gives `request` to the running instance over the bus. Whether it has taken it.
+bool handOver(const LaunchRequest& request) {
+    const QVariantMap data = platformData(request.activationToken);
+    if (!request.paths.empty() && !call(QStringLiteral("Open"), {urisOf(request.paths), data})) {
+        return false;
+    }
+    if (request.choose) {
+        return call(QStringLiteral("ActivateAction"), {chooseAction, QVariantList(), data});
+    }
+    return !request.paths.empty() || call(QStringLiteral("Activate"), {data});
+}
+
+/// A request on the socket: the action or nothing, the token or nothing, paths; each is bytes, followed by a
+/// NUL.
+QByteArray joined(const LaunchRequest& request) {
+    QByteArray text = QByteArray(request.choose ? chooseAction : "") + '\0' + request.activationToken + '\0';
+    for (const std::filesystem::path& path : request.paths) {
         text += QByteArray::fromStdString(path.native()) + '\0';
     }
     return text;
 }
 
-Paths split(const QByteArray& text) {
-    Paths paths;
-    for (const QByteArray& path : text.split('\0')) {
-        if (!path.isEmpty()) {
-            paths.emplace_back(path.toStdString());
-        }
+/// Absent where `text` is cut off before its paths.
+std::optional<LaunchRequest> split(const QByteArray& text) {
+    QList<QByteArray> fields = text.split('\0');
+    if (fields.size() < 3) {
+        return std::nullopt;
     }
-    return paths;
+    LaunchRequest request;
+    request.choose = fields.takeFirst() == chooseAction;
+    request.activationToken = fields.takeFirst();
+    fields.removeLast(); // what follows the last NUL
+    for (const QByteArray& path : std::as_const(fields)) {
+        request.paths.emplace_back(path.toStdString());
+    }
+    return request;
 }
 
 /// Tries again for a while: an instance that has only just started may not listen yet.
@@ -85,8 +104,8 @@ bool connectTo(const QString& server, QLocalSocket& socket) {
 
 } // namespace
 
-bool SingleInstance::claim(const Paths& paths) {
-    return QDBusConnection::sessionBus().isConnected() ? claimOnBus(paths) : claimSocket(paths);
+bool SingleInstance::claim(const std::optional<LaunchRequest>& request) {
+    return QDBusConnection::sessionBus().isConnected() ? claimOnBus(request) : claimSocket(request);
 }
 
 void SingleInstance::giveUp() {
@@ -99,11 +118,9 @@ void SingleInstance::giveUp() {
     m_lock.reset();
 }
 
-bool SingleInstance::claimOnBus(const Paths& paths) {
+bool SingleInstance::claimOnBus(const std::optional<LaunchRequest>& request) {
     QDBusConnection bus = QDBusConnection::sessionBus();
-    new ApplicationAdaptor(this, [this](const Paths& requested, const QByteArray& activationToken) {
-        emit this->requested(requested, activationToken);
-    });
+    new ApplicationAdaptor(this, [this](const LaunchRequest& asked) { emit requested(asked); });
     bus.registerObject(objectPath, this); // before the name, so that the object exists when the name does
     const auto answer =
         bus.interface()->registerService(applicationId, QDBusConnectionInterface::DontQueueService);
@@ -111,17 +128,20 @@ bool SingleInstance::claimOnBus(const Paths& paths) {
         return true;
     }
     bus.unregisterObject(objectPath);
-    return bus.call(requestFor(paths), QDBus::Block, handOverTimeout).type() != QDBusMessage::ReplyMessage;
+    return request && !handOver(*request);
 }
 
-bool SingleInstance::claimSocket(const Paths& paths) {
+bool SingleInstance::claimSocket(const std::optional<LaunchRequest>& request) {
     const QString name = inRuntimeDirectory(QStringLiteral(".socket"));
     m_lock = std::make_unique<QLockFile>(inRuntimeDirectory(QStringLiteral(".lock")));
     m_lock->setStaleLockTime(0); // held as long as its process lives
     if (!m_lock->tryLock()) {
+        if (!request) {
+            return false;
+        }
         QLocalSocket socket;
         if (connectTo(name, socket)) {
-            socket.write(joined(paths));
+            socket.write(joined(*request));
             socket.disconnectFromServer(); // after all is written
             return socket.state() != QLocalSocket::UnconnectedState &&
                    !socket.waitForDisconnected(handOverTimeout);
@@ -138,7 +158,9 @@ bool SingleInstance::claimSocket(const Paths& paths) {
 void SingleInstance::takeConnection() {
     QLocalSocket* socket = m_server.nextPendingConnection();
     const auto take = [this, socket] {
-        emit requested(split(socket->readAll()), {});
+        if (const std::optional<LaunchRequest> request = split(socket->readAll())) {
+            emit requested(*request);
+        }
         socket->deleteLater();
     };
     if (socket->state() == QLocalSocket::UnconnectedState) {

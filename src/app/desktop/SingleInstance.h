@@ -3,14 +3,14 @@
 // Allows one running instance a user: a second start gives its files to the first. Two would delete each
 // other's temporary files.
 
-#include "app/desktop/FileUrls.h"
+#include "app/desktop/LaunchRequest.h"
 
-#include <QByteArray>
 #include <QLocalServer>
 #include <QLockFile>
 #include <QObject>
 
 #include <memory>
+#include <optional>
 
 namespace velmora {
 
@@ -25,22 +25,21 @@ class SingleInstance : public QObject {
 public:
     using QObject::QObject;
 
-    /// Whether this process is the only instance. If not, the running instance has been given `paths`, or has
-    /// been asked to come to the front where there are none; this process can end.
-    bool claim(const Paths& paths);
+    /// Whether this process is the only instance. If not, the running instance has been given `request`,
+    /// nothing where it is absent; this process can end.
+    bool claim(const std::optional<LaunchRequest>& request);
 
     /// Lets the next start be the only instance, while this process still ends. Nothing is requested of it
     /// from here on.
     void giveUp();
 
 signals:
-    /// A later start, or the desktop, wants `paths` scanned; none: only the window raised. `activationToken`
-    /// lets the window take the focus, where the desktop asks for one; empty if it gave none.
-    void requested(const velmora::Paths& paths, const QByteArray& activationToken);
+    /// By a later start, or by the desktop.
+    void requested(const velmora::LaunchRequest& request);
 
 private:
-    bool claimOnBus(const Paths& paths);
-    bool claimSocket(const Paths& paths);
+    bool claimOnBus(const std::optional<LaunchRequest>& request);
+    bool claimSocket(const std::optional<LaunchRequest>& request);
     void takeConnection();
 
     std::unique_ptr<QLockFile> m_lock;

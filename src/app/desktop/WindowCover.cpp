@@ -1,15 +1,12 @@
 #include "app/desktop/WindowCover.h"
 
+#include "app/desktop/XServer.h"
+
 #include <QGuiApplication>
 #include <QWindow>
 
-#include <xcb/xcb.h>
-
 #include <algorithm>
-#include <cstdlib>
-#include <memory>
 #include <span>
-#include <string_view>
 
 namespace velmora {
 
@@ -17,18 +14,6 @@ namespace {
 
 constexpr std::uint8_t eventKind = 0x7F; ///< without the bit of events that other clients send
 constexpr std::uint32_t mostStates = 64; ///< of a window at once
-
-/// What the X server answers belongs to the caller.
-template <typename Reply>
-std::unique_ptr<Reply, decltype(&std::free)> owned(Reply* reply) {
-    return {reply, &std::free};
-}
-
-std::uint32_t atomOf(xcb_connection_t* connection, std::string_view name) {
-    const auto asked = xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data());
-    const auto reply = owned(xcb_intern_atom_reply(connection, asked, nullptr));
-    return reply ? reply->atom : 0;
-}
 
 } // namespace
 

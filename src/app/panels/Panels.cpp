@@ -58,6 +58,9 @@ Panels::Panels(FilePanel& panel, Alerts& alerts)
     , m_alerts(alerts) {}
 
 void Panels::chooseSources(std::function<void(const Paths&)> chosen) {
+    if (m_panel.isOpen() && !m_panel.saving()) {
+        return;
+    }
     m_panel.ask({.message = QStringLiteral("Choose a folder, archive, or audio files"),
                  .prompt = QStringLiteral("Measure"),
                  .folders = beginning({}),

@@ -31,7 +31,8 @@ public:
     /// The window over which the desktop shows its dialogs; none until it exists.
     void setWindow(const QWindow* window) { m_window = window; }
 
-    /// Asks for folders and files to measure, any number of both.
+    /// Asks for folders and files to measure, any number of both. A panel that asks for them already stays as
+    /// it is.
     void chooseSources(std::function<void(const Paths&)> chosen);
 
     /// What speaks against a destination, in words; nothing as a rule.

@@ -1,8 +1,8 @@
 import QtQuick
 import Velmora
 
-// A setting that is on or off: a switch, its knob at the right when it is on, and what it means. Pressing any part of the
-// line asks for the other state.
+// A setting that is on or off: a switch, its knob at the right when it is on, and what it means. Pressing any
+// part of the line asks for the other state.
 Pressable {
     id: line
 
