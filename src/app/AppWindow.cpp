@@ -49,7 +49,7 @@ void AppWindow::take(QQuickWindow* window) {
     connect(drops, &DropTarget::dropped, &m_actions, &WindowActions::start);
     m_news.setWindow(window);
     connect(&m_news, &ScanNews::windowWanted, this, &AppWindow::raise);
-    connect(&m_news, &ScanNews::zipWanted, &m_actions, &WindowActions::revealZip);
+    connect(&m_news, &ScanNews::zipWanted, &m_actions, &WindowActions::showZip);
     const auto* cover = new WindowCover(window);
     connect(cover, &WindowCover::changed, window,
             [window, cover] { window->setProperty("covered", cover->covered()); });

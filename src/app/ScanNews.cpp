@@ -3,6 +3,7 @@
 #include "scan/ScanModel.h"
 #include "system/FileName.h"
 #include "ui/content/ScanView.h"
+#include "ui/kit/ShownName.h"
 
 #include <QWindow>
 
@@ -90,7 +91,7 @@ void ScanNews::followZip() {
     }
     m_inhibitor.release();
     if (const auto* saved = std::get_if<ZipDone>(&zip)) {
-        const QString name = QString::fromStdString(lastComponent(saved->path));
+        const QString name = shownName(lastComponent(saved->path));
         tell({QStringLiteral("Zip saved \u2013 ") + name, filesText(m_zipFiles),
               QStringLiteral("Show in folder")});
     } else if (const auto* failed = std::get_if<ZipFailed>(&zip)) {

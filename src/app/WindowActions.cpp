@@ -68,16 +68,23 @@ void WindowActions::reset() {
 }
 
 void WindowActions::revealZip() {
+    showZip({});
+}
+
+void WindowActions::showZip(const QByteArray& activationToken) {
     if (const auto* saved = std::get_if<ZipDone>(&m_model.zipState())) {
-        reveal(QByteArray::fromStdString(saved->path.native()));
+        showInFolder(QByteArray::fromStdString(saved->path.native()), activationToken);
     }
 }
 
 void WindowActions::reveal(const QByteArray& path) {
-    if (path.isEmpty()) {
-        return;
+    if (!path.isEmpty()) {
+        showInFolder(path, {});
     }
-    revealFile(path.toStdString(), [this, path] {
+}
+
+void WindowActions::showInFolder(const QByteArray& path, const QByteArray& activationToken) {
+    const auto failed = [this, path] {
         m_alerts.show(
             {.title = QStringLiteral("No file manager answers"),
              .body = QStringLiteral("The file is here:\n\n") +
@@ -85,7 +92,8 @@ void WindowActions::reveal(const QByteArray& path) {
              .acceptTitle = QStringLiteral("Copy path"),
              .dismissTitle = QStringLiteral("OK"),
              .accepted = [this, path] { copyText(path); }});
-    });
+    };
+    revealFile(path.toStdString(), failed, activationToken);
 }
 
 void WindowActions::copyText(const QByteArray& text) {

@@ -36,6 +36,9 @@ public:
     /// Scans `paths`; a file panel that is open closes. Every scan starts here.
     void start(const velmora::Paths& paths);
 
+    /// As `revealZip`; with `activationToken` the file manager may take the focus.
+    void showZip(const QByteArray& activationToken);
+
     void choose() override;
     void copyRuntime() override;
     void copyFileList() override;
@@ -49,6 +52,8 @@ public:
     void quit() override;
 
 private:
+    void showInFolder(const QByteArray& path, const QByteArray& activationToken);
+
     ScanModel& m_model;
     ScanView& m_view;
     Alerts& m_alerts;

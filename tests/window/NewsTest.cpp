@@ -58,8 +58,9 @@ TEST_F(NewsTest, OfAZipReachesAUserWhoLooksElsewhere) {
     zipUnseen(folder / "mix.zip");
     EXPECT_EQ(server.shown.last().title, "Zip saved – mix.zip");
     EXPECT_EQ(server.shown.last().body, "1 file");
-    server.press("button");
+    server.press("button", "token");
     EXPECT_TRUE(comesTrue([&] { return files.shown == QStringList("file://" + text(folder / "mix.zip")); }));
+    EXPECT_EQ(files.tokens, QStringList("token"));
 }
 
 TEST_F(NewsTest, BringsTheWindowBackAndGoesWithIt) {

@@ -31,8 +31,9 @@ FileManager::~FileManager() {
     m_bus.unregisterService(fileManager);
 }
 
-void FileManager::ShowItems(const QStringList& uris, const QString& /*startupId*/) {
+void FileManager::ShowItems(const QStringList& uris, const QString& startupId) {
     shown += uris;
+    tokens += startupId;
 }
 
 DocumentPortal::DocumentPortal(QDBusConnection bus)

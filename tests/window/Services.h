@@ -24,7 +24,8 @@ public:
     explicit FileManager(QDBusConnection bus);
     ~FileManager() override;
 
-    QStringList shown; ///< URIs, in the order of the requests
+    QStringList shown;  ///< URIs, in the order of the requests
+    QStringList tokens; ///< with which its windows may take the focus
 
 public slots:
     // The bus knows it by this name.

@@ -77,11 +77,12 @@ void askPortal(const std::filesystem::path& file, std::function<void()> failed) 
 
 } // namespace
 
-void revealFile(const std::filesystem::path& file, std::function<void()> failed) {
+void revealFile(const std::filesystem::path& file, std::function<void()> failed,
+                const QByteArray& activationToken) {
     QDBusMessage call = QDBusMessage::createMethodCall(
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("/org/freedesktop/FileManager1"),
         QStringLiteral("org.freedesktop.FileManager1"), QStringLiteral("ShowItems"));
-    call << QStringList(QString::fromLatin1(urlOfPath(file))) << QString();
+    call << QStringList(QString::fromLatin1(urlOfPath(file))) << QString::fromUtf8(activationToken);
     ask(call, [file, failed = std::move(failed)] { askPortal(file, failed); });
 }
 
