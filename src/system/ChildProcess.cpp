@@ -210,7 +210,7 @@ std::optional<pid_t> startChild(const std::filesystem::path& tool, const std::ve
 std::optional<std::filesystem::path> privateProgram(std::string_view name) {
     std::error_code error;
     const std::filesystem::path folder = std::filesystem::read_symlink("/proc/self/exe", error).parent_path();
-    for (const char* way : {"../libexec/velmora", "../../libexec/velmora"}) {
+    for (const char* way : {VELMORA_WAY_TO_PRIVATE_PROGRAMS, "../../libexec/velmora"}) {
         const std::filesystem::path program = (folder / way / name).lexically_normal();
         if (!error && isExecutableFile(program)) {
             return program;

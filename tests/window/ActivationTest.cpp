@@ -23,10 +23,10 @@ class ActivationTest : public WindowTest {
 protected:
     void SetUp() override {
         const QString service = QString::fromStdString(read(VELMORA_SERVICE));
-        const QString installed = "@CMAKE_INSTALL_FULL_BINDIR@/velmora";
-        ASSERT_TRUE(service.contains("Exec=" + installed));
+        const QString installed = "Exec=velmora ";
+        ASSERT_TRUE(service.contains(installed));
         write(desktop.services() / "com.orventa.Velmora.service",
-              QString(service).replace(installed, VELMORA).toStdString());
+              QString(service).replace(installed, QString("Exec=%1 ").arg(VELMORA)).toStdString());
         desktop.bus().interface()->call("ReloadConfig");
         run("dbus-update-activation-environment", {"--all"}, environment); // as desktops do when they start
     }
