@@ -10,6 +10,7 @@
 #include <array>
 #include <cmath>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace velmora {
@@ -34,21 +35,25 @@ const std::array<Light, 3>& lights() {
     return all;
 }
 
-/// A row of pixels, one array a channel, so that compilers can vectorise the loops over them. They turn an
-/// int into a float several at a time, a std::size_t one by one.
+/// Colours are computed at knots this many pixels apart, and between them blended: they change so slowly that
+/// no pixel gets another colour by more than a fraction of a step.
+constexpr std::size_t cell = 8;
+
+/// A row of knots or pixels, one array a channel, so that compilers can vectorise the loops over them. They
+/// turn an int into a float several at a time, a std::size_t one by one.
 struct Row {
-    explicit Row(std::size_t pixels)
-        : red(pixels)
-        , green(pixels)
-        , blue(pixels) {}
+    explicit Row(std::size_t size)
+        : red(size)
+        , green(size)
+        , blue(size) {}
 
     std::vector<float> red;
     std::vector<float> green;
     std::vector<float> blue;
 };
 
-/// One channel of one row of the linear gradient: `first` is the position of the first pixel on the diagonal,
-/// from 0 to 1, and `step` that from pixel to pixel.
+/// One channel of one row of the linear gradient: `first` is the position of the first knot on the diagonal,
+/// from 0 to 1, and `step` that from knot to knot.
 void fillLinear(std::vector<float>& channel, float top, float middle, float bottom, float first, float step) {
     for (std::size_t x = 0; x < channel.size(); ++x) {
         const float t =
@@ -65,6 +70,16 @@ void blend(std::vector<float>& channel, float color, const std::vector<float>& o
     }
 }
 
+/// Blends from knot to knot; `pixels` has `cell` of them for each but the last.
+void expand(const std::vector<float>& knots, std::vector<float>& pixels) {
+    for (std::size_t knot = 0; knot + 1 < knots.size(); ++knot) {
+        const float rise = (knots[knot + 1] - knots[knot]) / cell;
+        for (std::size_t i = 0; i < cell; ++i) {
+            pixels[knot * cell + i] = knots[knot] + (static_cast<float>(static_cast<int>(i)) + 0.5F) * rise;
+        }
+    }
+}
+
 class BackdropPainter {
 public:
     BackdropPainter(const QSizeF& size, double scale)
@@ -73,24 +88,33 @@ public:
 
     QImage image() const {
         QImage image((m_size * m_scale).toSize(), QImage::Format_RGB32);
-        Row row(static_cast<std::size_t>(image.width()));
-        const std::size_t pixels = row.red.size();
-        const std::array dither = {thresholds(0, pixels), thresholds(1, pixels), thresholds(2, pixels),
-                                   thresholds(3, pixels)};
+        const auto width = static_cast<std::size_t>(image.width());
+        Row knots((width + cell - 1) / cell + 1);
+        Row upper((knots.red.size() - 1) * cell);
+        Row lower = upper;
+        paintRow(knots, 0, lower);
+        const std::array dither = {thresholds(0, width), thresholds(1, width), thresholds(2, width),
+                                   thresholds(3, width)};
         for (int y = 0; y < image.height(); ++y) {
-            paintRow(row, (y + 0.5) / m_scale);
-            store(row, dither[static_cast<std::size_t>(y) % 4], reinterpret_cast<QRgb*>(image.scanLine(y)));
+            const int below = y % static_cast<int>(cell);
+            if (below == 0) {
+                std::swap(upper, lower);
+                paintRow(knots, (y + static_cast<int>(cell)) / m_scale, lower);
+            }
+            store(upper, lower, (static_cast<float>(below) + 0.5F) / cell,
+                  dither[static_cast<std::size_t>(y) % 4], reinterpret_cast<QRgb*>(image.scanLine(y)));
         }
         return image;
     }
 
 private:
-    void paintRow(Row& row, double y) const {
+    /// The colours at `y`, in points: at the knots, then at all pixels.
+    void paintRow(Row& row, double y, Row& pixels) const {
         const double w = m_size.width();
         const double h = m_size.height();
         const double diagonal = w * w + h * h;
-        const auto first = static_cast<float>((0.5 / m_scale * w + y * h) / diagonal);
-        const auto step = static_cast<float>(w / m_scale / diagonal);
+        const auto first = static_cast<float>(y * h / diagonal);
+        const auto step = static_cast<float>(w * cell / m_scale / diagonal);
         const QColor& top = Neon::bgTop;
         const QColor& middle = Neon::bgMid;
         const QColor& bottom = Neon::bgBottom;
@@ -104,6 +128,9 @@ private:
             blend(row.green, light.color.greenF(), opacity);
             blend(row.blue, light.color.blueF(), opacity);
         }
+        expand(row.red, pixels.red);
+        expand(row.green, pixels.green);
+        expand(row.blue, pixels.blue);
     }
 
     void fillOpacity(std::vector<float>& opacity, const Light& light, double y) const {
@@ -113,9 +140,9 @@ private:
         const auto perRadius = static_cast<float>(1 / (light.endRadius - light.startRadius));
         const auto from = static_cast<float>(light.startOpacity);
         const auto rise = static_cast<float>(light.endOpacity - light.startOpacity);
-        const auto pixel = static_cast<float>(1 / m_scale);
+        const auto spacing = static_cast<float>(cell / m_scale);
         for (std::size_t x = 0; x < opacity.size(); ++x) {
-            const float distanceX = (static_cast<float>(static_cast<int>(x)) + 0.5F) * pixel - centerX;
+            const float distanceX = static_cast<float>(static_cast<int>(x)) * spacing - centerX;
             const float radius = std::sqrt(distanceX * distanceX + distanceY * distanceY);
             opacity[x] = from + rise * std::clamp((radius - start) * perRadius, 0.0F, 1.0F);
         }
@@ -131,12 +158,15 @@ private:
         return row;
     }
 
-    static void store(const Row& row, const std::vector<float>& thresholds, QRgb* pixels) {
-        for (std::size_t x = 0; x < row.red.size(); ++x) {
-            const auto channel = [threshold = thresholds[x]](float value) {
-                return static_cast<int>(value * 255 + threshold);
+    /// A row of pixels `share` of the way from `upper` to `lower`.
+    static void store(const Row& upper, const Row& lower, float share, const std::vector<float>& thresholds,
+                      QRgb* pixels) {
+        for (std::size_t x = 0; x < thresholds.size(); ++x) {
+            const auto channel = [share, threshold = thresholds[x]](float above, float below) {
+                return static_cast<int>((above + share * (below - above)) * 255 + threshold);
             };
-            pixels[x] = qRgb(channel(row.red[x]), channel(row.green[x]), channel(row.blue[x]));
+            pixels[x] = qRgb(channel(upper.red[x], lower.red[x]), channel(upper.green[x], lower.green[x]),
+                             channel(upper.blue[x], lower.blue[x]));
         }
     }
 
