@@ -30,4 +30,6 @@ if(NOT given MATCHES "-ffile-prefix-map") # the last one that fits holds
   target_compile_options(hardened INTERFACE
     -ffile-prefix-map=${CMAKE_SOURCE_DIR}=. -ffile-prefix-map=${CMAKE_BINARY_DIR}=.)
 endif()
-target_link_options(hardened INTERFACE -Wl,-z,relro -Wl,-z,now)
+if(NOT CMAKE_EXE_LINKER_FLAGS MATCHES "-z,now")
+  target_link_options(hardened INTERFACE -Wl,-z,relro -Wl,-z,now)
+endif()

@@ -1,8 +1,9 @@
 # Run by `cmake --install` for a file that names velmora: installs `file` into `folder`, with the path that the program in
 # `programs` has now that the prefix is known. The session bus takes nothing less; a desktop may start before the folder
 # is in its PATH.
-cmake_path(ABSOLUTE_PATH programs BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
-cmake_path(ABSOLUTE_PATH folder BASE_DIRECTORY "${CMAKE_INSTALL_PREFIX}" NORMALIZE)
+cmake_path(ABSOLUTE_PATH CMAKE_INSTALL_PREFIX OUTPUT_VARIABLE prefix)
+cmake_path(ABSOLUTE_PATH programs BASE_DIRECTORY "${prefix}" NORMALIZE)
+cmake_path(ABSOLUTE_PATH folder BASE_DIRECTORY "${prefix}" NORMALIZE)
 set(program "${programs}/velmora")
 if(program MATCHES "[\"`$\\%;\n]") # each kind of file would want another way to write them
   message(FATAL_ERROR "cannot be named in a desktop file: ${program}")

@@ -127,6 +127,13 @@ TEST(Install, QuotesAPrefixOrRefusesIt) {
     EXPECT_THAT(refused.output, HasSubstr("cannot be named in a desktop file"));
 }
 
+TEST(Install, TakesAPrefixBelowTheCurrentFolder) {
+    const fs::path folder = freshFolder();
+    shell(installation("below", "--component window"), folder);
+    EXPECT_THAT(read(folder / "below/share/dbus-1/services/com.orventa.Velmora.service"),
+                HasSubstr("\nExec=" + (folder / "below/bin/velmora").native() + " --service\n"));
+}
+
 TEST(Install, RunsFromWhereItWasMovedTo) {
     const fs::path folder = freshFolder();
     shell(installation(folder / "first"));
