@@ -33,6 +33,8 @@ TEST(Prefix, IsAsBeforeAfterInstallingAndUninstalling) {
     const fs::path prefix = folder / "new/prefix";
     EXPECT_THAT(installInto(prefix), HasSubstr("Velmora is installed in " + prefix.native()));
     EXPECT_TRUE(fs::exists(prefix / "bin/velmora"));
+    EXPECT_EQ(::access((prefix / "share/kio/servicemenus/com.orventa.Velmora.dolphin.desktop").c_str(), X_OK),
+              0);
     EXPECT_THAT(read(prefix / "share/applications/mimeinfo.cache"), HasSubstr("com.orventa.Velmora.desktop"));
     EXPECT_TRUE(fs::exists(prefix / "share/mime/mime.cache"));
     uninstallFrom(prefix);
