@@ -22,8 +22,8 @@ AlertText aboutText(std::optional<AlertSwitch> setting) {
     return {.title = QStringLiteral("Velmora %1").arg(UpdateChecker::currentVersion()),
             .body =
                 QStringLiteral("How long does all this audio play?\n\nDrop files, folders or archives on the "
-                               "window and read the total.\n\nBy Orventa, under the MIT licence. The source "
-                               "code is at\n" VELMORA_HOMEPAGE),
+                               "window and read the total.\n\nBy Orventa, under the MIT licence.\n"
+                               "Source: " VELMORA_HOMEPAGE),
             .setting = std::move(setting)};
 }
 

@@ -53,6 +53,14 @@ Page alert(const AlertText& text) {
     return {.arrange = [text](Stage& stage) { stage.alerts.show(text); }};
 }
 
+/// With the switch on or off, and the focus after Tab was pressed so many times.
+Page about(bool on, int tabs) {
+    return {.arrange = [on, tabs](Stage& stage) {
+        stage.alerts.show(aboutText(AlertSwitch{QStringLiteral("Look for updates once a day"), on}));
+        stage.press(Qt::Key_Tab, tabs);
+    }};
+}
+
 AlertText offer(const QString& notes) {
     return {QStringLiteral("Velmora 2.1 is available"),
             QStringLiteral("You have 1.0.0. Version 2.1 is available.\n\n") + notes,
@@ -145,8 +153,8 @@ std::map<std::string, Page> alertPages() {
             QStringLiteral("%1. Reads one more kind of recording, and says how long it plays.\n").arg(i);
     }
     return {
-        {"about", alert(aboutText(AlertSwitch{QStringLiteral("Look for updates once a day"), true}))},
-        {"about-off", alert(aboutText(AlertSwitch{QStringLiteral("Look for updates once a day"), false}))},
+        {"about", about(true, 0)},
+        {"about-off", about(false, 1)},
         {"about-without", alert(aboutText({}))},
         {"update", alert(offer(QStringLiteral("Reads more kinds of archives.")))},
         {"update-long", alert(offer(longNotes))},

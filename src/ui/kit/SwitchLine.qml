@@ -12,8 +12,8 @@ Pressable {
     label: title
     implicitWidth: words.x + words.implicitWidth
     implicitHeight: Math.max(track.height, words.implicitHeight) + 6
-    ringRadius: 8
-    ringInset: -4
+    ringRadius: 10
+    ringInset: -6
     Accessible.role: Accessible.CheckBox
     Accessible.checkable: true
     Accessible.checked: on

@@ -103,7 +103,6 @@ FocusScope {
 
                 objectName: "alertSetting"
                 visible: title !== ""
-                width: parent.width
                 title: box.alerts.settingTitle
                 on: box.alerts.settingOn
                 KeyNavigation.tab: dismiss
