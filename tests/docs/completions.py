@@ -10,7 +10,7 @@ import tempfile
 import time
 import unittest
 
-from home import PROJECT, VELMORA, VELMORA_SCAN
+from home import PATH, PROJECT
 from manual import PROGRAMS, options_of_help
 
 COMPLETIONS = PROJECT / 'packaging/completions'
@@ -36,11 +36,10 @@ class Shell:
             (self.folder / name).touch()
         self._child, self._terminal = pty.fork()
         if self._child == 0:
-            programs = f'{pathlib.Path(VELMORA_SCAN).parent}:{pathlib.Path(VELMORA).parent}'
             os.chdir(self.folder)
             os.execvpe(self._arguments[0], self._arguments, {
-                'PATH': f'{programs}:{os.environ["PATH"]}', 'HOME': self._temporary.name, 'TERM': 'dumb',
-                'LC_ALL': 'C.UTF-8', 'PS1': '', 'COLUMNS': '400', 'LINES': '100'})
+                'PATH': PATH, 'HOME': self._temporary.name, 'TERM': 'dumb', 'LC_ALL': 'C.UTF-8', 'PS1': '',
+                'COLUMNS': '400', 'LINES': '100'})
         self._after(f'stty -echo cols 400 rows 100; {self._preparation}\n')
         return self
 

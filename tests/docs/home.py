@@ -17,6 +17,8 @@ RATE = 8000
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 VELMORA = os.environ.get('VELMORA', '')
 VELMORA_SCAN = os.environ.get('VELMORA_SCAN', '')
+# Where commands find both programs before any that is installed.
+PATH = f'{pathlib.Path(VELMORA_SCAN).parent}:{pathlib.Path(VELMORA).parent}:{os.environ["PATH"]}'
 
 
 def extensions(name):
@@ -72,12 +74,10 @@ class Home:
 
     def output(self, commands):
         """What bash writes for `commands`, errors included, with the folder named as on the pages."""
-        programs = f'{pathlib.Path(VELMORA_SCAN).parent}:{pathlib.Path(VELMORA).parent}'
         result = subprocess.run(
             ['bash', '-c', commands], cwd=self.folder, check=False, stdin=subprocess.DEVNULL,
             stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
-            env=os.environ | {'PATH': f'{programs}:{os.environ["PATH"]}', 'LC_ALL': 'C.UTF-8',
-                              'XDG_RUNTIME_DIR': self._temporary.name})
+            env=os.environ | {'PATH': PATH, 'LC_ALL': 'C.UTF-8', 'XDG_RUNTIME_DIR': self._temporary.name})
         text = result.stdout.decode()
         return text.replace(str(self.folder), HOME).replace('\r', '')
 
