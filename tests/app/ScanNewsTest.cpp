@@ -193,11 +193,22 @@ TEST_F(ScanNewsTest, ShowsProgressUntilTheZipEnds) {
     EXPECT_TRUE(comesTrue([this] { return !dock.showsProgress(); }));
     dock.updates.clear();
     EXPECT_TRUE(comesTrue([this] {
-        zip(folder / "a.zip"); // one that begins and ends in the pause between two updates is not told of
+        zip(folder / "a.zip"); // one that begins and ends in the pause between two updates is not seen
         return !dock.updates.isEmpty();
     }));
     EXPECT_TRUE(dock.updates.first()["progress-visible"].toBool());
     EXPECT_TRUE(comesTrue([this] { return !dock.showsProgress(); }));
+}
+
+TEST_F(ScanNewsTest, ShowsTheProgressOfEachScanFromZero) {
+    scan({write(folder / "a.wav", "audio")}, milliseconds(0));
+    EXPECT_TRUE(comesTrue([this] { return !dock.showsProgress(); }));
+    dock.updates.clear();
+    EXPECT_TRUE(comesTrue([this] {
+        scan({folder / "a.wav"}, milliseconds(0)); // as above
+        return !dock.updates.isEmpty();
+    }));
+    EXPECT_EQ(dock.updates.first(), (QVariantMap{{"progress-visible", true}, {"progress", 0.0}}));
 }
 
 TEST_F(ScanNewsTest, ShowsNoProgressAfterAReset) {
