@@ -81,8 +81,8 @@ TEST_F(ScanViewTest, SurvivesATotalThatNoClockCanShow) {
 }
 
 TEST_F(ScanViewTest, ShowsWhatIsNotUtf8AsReplacementCharacters) {
-    view.show({.source = "M\xfcSIK", .zip = ZipDone{"/tmp/\xff.zip"}});
-    EXPECT_EQ(view.source(), u8"M\ufffdSIK");
+    view.show({.source = "M\xfcSIK\x1b", .zip = ZipDone{"/tmp/\xff.zip"}});
+    EXPECT_EQ(view.source(), u8"M\ufffdSIK\ufffd");
     EXPECT_EQ(view.zipText(), u8"ZIP SAVED \u00b7 \ufffd.zip");
 }
 

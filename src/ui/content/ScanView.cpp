@@ -3,6 +3,7 @@
 #include "records/DisplayFormat.h"
 #include "system/FileName.h"
 #include "ui/kit/Neon.h"
+#include "ui/kit/ShownName.h"
 
 #include <QTimer>
 
@@ -183,7 +184,7 @@ QString ScanView::countText() const {
 }
 
 QString ScanView::source() const {
-    return text(m_state.source);
+    return shownName(m_state.source);
 }
 
 QString ScanView::totalClock() const {
@@ -210,7 +211,7 @@ QString ScanView::unreadableLine() const {
 }
 
 QString ScanView::missingLine() const {
-    return text(m_state.missing);
+    return shownName(m_state.missing);
 }
 
 QString ScanView::windowTitle() const {
