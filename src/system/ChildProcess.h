@@ -48,8 +48,8 @@ std::optional<pid_t> startChild(const std::filesystem::path& tool, const std::ve
                                 int input);
 
 /// The program `name` of this installation that only its other programs start: in the folder that
-/// CMake installs them into, found from the folder of this program; or, in a build tree, in libexec/velmora two
-/// folders higher. Absent when it is not there.
+/// CMake installs them into, found from the folder of this program; or, in a build tree, in libexec/velmora
+/// two folders higher. Absent when it is not there.
 std::optional<std::filesystem::path> privateProgram(std::string_view name);
 
 /// What the private program `name` answers to `args` on standard output, at most 4 KiB of it. Empty where it
