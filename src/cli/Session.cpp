@@ -61,8 +61,9 @@ public:
 
     /// Checks the files of the scan that has ended. False when it was interrupted.
     bool check() {
-        m_checks.emplace(m_model->details().files, [this] { checkMoved(); });
-        return m_checks->hasEnded() || awaitEnd();
+        const std::vector<Measured>& files = m_model->details().files;
+        m_checks.emplace(files, [this] { checkMoved(); });
+        return files.empty() || awaitEnd();
     }
 
     /// Empty without a check.

@@ -60,6 +60,7 @@ protected:
     /// Clicks on it once it is there.
     void clickOn(const char* property, const QString& value) {
         ASSERT_TRUE(comesTrue([&] { return labelled(property, value) != nullptr; })) << value.toStdString();
+        grab(); // what stands in a row is placed when a frame is made
         click(labelled(property, value));
     }
 
