@@ -2,7 +2,6 @@
 
 #include "app/desktop/XServer.h"
 
-#include <QGuiApplication>
 #include <QWindow>
 
 #include <algorithm>
@@ -69,8 +68,7 @@ std::uint32_t timeOfStartup(const QByteArray& startupId) {
 }
 
 void completeStartup(QWindow& window, const QByteArray& startupId) {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    xcb_connection_t* const connection = x11 != nullptr ? x11->connection() : nullptr;
+    xcb_connection_t* const connection = xConnection();
     if (connection == nullptr || startupId.isEmpty()) {
         return;
     }

@@ -2,7 +2,6 @@
 
 #include "app/desktop/XServer.h"
 
-#include <QGuiApplication>
 #include <QWindow>
 
 #include <algorithm>
@@ -19,8 +18,7 @@ constexpr std::uint32_t mostStates = 64; ///< of a window at once
 
 WindowCover::WindowCover(QWindow* window)
     : QObject(window) {
-    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    m_connection = x11 != nullptr ? x11->connection() : nullptr; // also none on Qt's offscreen platform
+    m_connection = xConnection();
     if (m_connection != nullptr) {
         m_window = static_cast<std::uint32_t>(window->winId());
         watch();

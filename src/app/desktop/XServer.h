@@ -2,6 +2,8 @@
 
 // What is asked of an X server beside what Qt asks.
 
+#include <QGuiApplication>
+
 #include <xcb/xcb.h>
 
 #include <cstdint>
@@ -10,6 +12,12 @@
 #include <string_view>
 
 namespace velmora {
+
+/// Qt's own connection; null where Qt shows its windows elsewhere.
+inline xcb_connection_t* xConnection() {
+    const auto* const x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    return x11 != nullptr ? x11->connection() : nullptr; // also none on Qt's offscreen platform
+}
 
 /// What the X server answers belongs to the caller.
 template <typename Reply>
