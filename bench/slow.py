@@ -1,0 +1,230 @@
+"""Storage that is slow: models of a disk with one head and of a network (bench/native/SlowDisk.cpp and
+SlowNetwork.cpp say what they are), and this machine's own disk with nothing of it in memory.
+
+    python3 -B bench/slow.py disk|network|own COMMAND…
+
+runs a command there, cold, and prints the seconds. {} in its arguments stands for the folder of music.
+Only root may: mounting, loop devices and emptying the kernel's caches are root's."""
+
+import os
+import random
+import shutil
+import signal
+import subprocess
+import sys
+import time
+from collections.abc import Iterator
+from contextlib import ExitStack, contextmanager
+from pathlib import Path
+
+from library import library
+from measuring import DATA, native
+from scaling import linked_tracks
+
+FOLDERS_ON_DISK = 20  # 400 tracks
+IMAGE_BYTES = 2400 << 20
+LONGEST_START = 20  # seconds until a file system must have come up
+
+
+class Storage:
+    """A folder of music on storage that can be made cold."""
+
+    name: str
+    folder: Path
+
+    def chill(self) -> None:
+        """Leaves nothing of the storage in this machine's memory."""
+        raise NotImplementedError
+
+
+class OwnDisk(Storage):
+    """The library of 2,000 tracks where it lies."""
+
+    name = "own"
+
+    def __init__(self) -> None:
+        self.music = library(DATA)
+        self.folder = self.music.folder
+
+    def chill(self) -> None:
+        os.sync()
+        for file in self.music.files():
+            descriptor = os.open(file, os.O_RDONLY)
+            os.posix_fadvise(descriptor, 0, 0, os.POSIX_FADV_DONTNEED)
+            os.close(descriptor)
+        Path("/proc/sys/vm/drop_caches").write_text("3")  # folders, inodes and where files lie, too
+
+
+class SlowDisk(Storage):
+    """400 tracks of all kinds on an ext4 of their own, below a loop device, on a disk with one head."""
+
+    name = "disk"
+
+    def __init__(self, stack: ExitStack) -> None:
+        image = disk_image(DATA)
+        read_whole(image)  # what is slow is the model
+        lower = stack.enter_context(mount_point("slow-disk"))
+        stack.enter_context(served([native("bench_slow_disk"), str(image), str(lower)], lower))
+        self.device = stack.enter_context(loop_device(lower / "disk", "--read-only"))
+        queue = Path("/sys/block") / Path(self.device).name / "queue"
+        (queue / "rotational").write_text("1")
+        (queue / "read_ahead_kb").write_text("128")
+        (queue / "scheduler").write_text("mq-deadline")
+        self.mounted = stack.enter_context(mount_point("slow-disk-files"))
+        self.folder = self.mounted / "music"
+        self.mount()
+
+    def mount(self) -> None:
+        subprocess.run(["mount", "-t", "ext4", "-o", "ro,noatime", self.device, self.mounted], check=True)
+
+    def chill(self) -> None:
+        """What the kernel holds of a file system and of its device goes when it is unmounted."""
+        subprocess.run(["umount", self.mounted], check=True)
+        self.mount()
+
+
+class SlowNetwork(Storage):
+    """1,000 tracks of all kinds on another machine, or with `all_files` 10,000; 20 in a folder."""
+
+    name = "network"
+
+    def __init__(self, stack: ExitStack, all_files: bool = False) -> None:
+        first, *_ = linked_tracks(DATA)
+        for file in sorted(library(DATA).files()):
+            read_whole(Path(file))
+        self.source = first.parent if all_files else first
+        self.stack = stack.enter_context(ExitStack())
+        self.folder = self.source
+        self.mount()
+
+    def mount(self) -> None:
+        self.folder = self.stack.enter_context(mount_point("slow-network"))
+        command = [native("bench_slow_network"), str(self.source), str(self.folder)]
+        self.stack.enter_context(served(command, self.folder))
+
+    def chill(self) -> None:
+        self.stack.close()
+        self.mount()
+
+
+@contextmanager
+def mount_point(name: str) -> Iterator[Path]:
+    """An empty folder to mount on. What is mounted there is unmounted before and after, whatever it is."""
+    point = DATA / name
+    unmount(point)
+    point.mkdir(parents=True, exist_ok=True)
+    try:
+        yield point
+    finally:
+        unmount(point)
+        point.rmdir()
+
+
+def unmount(point: Path) -> None:
+    while subprocess.run(["mountpoint", "-q", point], check=False).returncode == 0 or is_dead(point):
+        subprocess.run(["umount", "-l", point], check=True)
+
+
+def is_dead(point: Path) -> bool:
+    """Whether a file system is mounted that nobody serves any more."""
+    try:
+        point.stat()
+    except FileNotFoundError:
+        return False
+    except OSError:
+        return True
+    return False
+
+
+@contextmanager
+def served(command: list[str], point: Path) -> Iterator[None]:
+    """Starts the program that serves a file system on `point`; it ends when that is unmounted."""
+    process = subprocess.Popen(command, stdin=subprocess.DEVNULL)
+    try:
+        end = time.monotonic() + LONGEST_START
+        while not os.path.ismount(point):
+            if process.poll() is not None or time.monotonic() > end:
+                raise SystemExit(f"{command[0]} mounted nothing on {point}")
+            time.sleep(0.01)
+        yield
+    finally:
+        unmount(point)
+        try:
+            process.wait(LONGEST_START)
+        except subprocess.TimeoutExpired:
+            process.kill()
+            process.wait()
+
+
+@contextmanager
+def loop_device(file: Path, *options: str) -> Iterator[str]:
+    device = subprocess.run(["losetup", "--find", "--show", *options, file], check=True, text=True,
+                            stdout=subprocess.PIPE).stdout.strip()
+    try:
+        yield device
+    finally:
+        subprocess.run(["losetup", "--detach", device], check=True)
+
+
+def disk_image(data: Path) -> Path:
+    """An ext4 with the disk's tracks in `music`; made if it is not there yet. Albums came to it one after
+    another in no order, the tracks of an album in theirs."""
+    image = data / "slow-disk.ext4"
+    if not image.exists():
+        print(f"making a disk in {image}", flush=True)
+        first, *_ = linked_tracks(data)
+        albums = sorted(first.iterdir(), key=lambda path: int(path.name.rsplit(" ", 1)[1]))[:FOLDERS_ON_DISK]
+        random.Random(1).shuffle(albums)
+        unfinished = image.with_suffix(".unfinished")
+        unfinished.unlink(missing_ok=True)
+        with open(unfinished, "wb") as file:
+            file.truncate(IMAGE_BYTES)
+        subprocess.run(["mkfs.ext4", "-q", "-E", "lazy_itable_init=0,lazy_journal_init=0", unfinished],
+                       check=True)
+        with loop_device(unfinished) as device, mount_point("slow-disk-files") as mounted:
+            subprocess.run(["mount", "-t", "ext4", device, mounted], check=True)
+            for album in albums:
+                shutil.copytree(album, mounted / "music" / album.name)
+            unmount_now(mounted)
+        unfinished.rename(image)
+    return image
+
+
+def unmount_now(point: Path) -> None:
+    """Unlike a lazy one this waits until all is written."""
+    subprocess.run(["umount", point], check=True)
+
+
+def read_whole(file: Path) -> None:
+    with open(file, "rb", buffering=0) as stream:
+        while stream.read(1 << 20):
+            pass
+
+
+@contextmanager
+def storage(name: str) -> Iterator[Storage]:
+    """The storage of that name: `disk`, `network` (1,000 tracks), `network-10000` or `own`."""
+    if os.geteuid() != 0:
+        raise SystemExit("slow storage is mounted by root: run this as root")
+    if not os.access("/dev/fuse", os.R_OK | os.W_OK):
+        raise SystemExit("slow storage is served through FUSE: there is no /dev/fuse here that can be opened")
+    for ending in (signal.SIGTERM, signal.SIGHUP):
+        signal.signal(ending, lambda number, _: sys.exit(128 + number))  # through every `finally`
+    makers = {"own": lambda stack: OwnDisk(), "disk": SlowDisk, "network": SlowNetwork,
+              "network-10000": lambda stack: SlowNetwork(stack, all_files=True)}
+    with ExitStack() as stack:
+        yield makers[name](stack)
+
+
+def main(name: str, command: list[str]) -> int:
+    with storage(name) as slow:
+        slow.chill()
+        begin = time.perf_counter()
+        status = subprocess.run([word.replace("{}", str(slow.folder)) for word in command],
+                                check=False).returncode
+        print(f"{time.perf_counter() - begin:.3f} s", file=sys.stderr)
+        return status
+
+
+if __name__ == "__main__":
+    sys.exit(main(sys.argv[1], sys.argv[2:]))
