@@ -1,37 +1,39 @@
 #include "system/FolderReader.h"
 
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <new>
+#include <utility>
 
 namespace velmora {
 
 namespace {
 
-DIR* streamOf(FileDescriptor folder) {
-    DIR* stream = folder ? ::fdopendir(folder.get()) : nullptr;
-    if (stream != nullptr) {
-        folder.release(); // the stream closes it
-    }
-    return stream;
-}
+/// In bytes. What a name costs is the file system's own work: a larger buffer saves calls, but no time that
+/// could be measured, with 20, 2,000 or 100,000 names in a folder.
+constexpr std::size_t bufferSize = std::size_t{64} << 10;
 
-/// Looks at the entry itself; notes in `error` why it cannot be. One that has gone meanwhile is no failure.
+/// Looks at the entry itself, and asks for no more than what it is; notes in `error` why that cannot be told.
+/// One that has gone meanwhile is no failure.
 EntryKind kindOnDisk(int parent, const char* name, int& error) {
-    struct stat status {};
+    constexpr int asItStands = AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT | AT_STATX_DONT_SYNC;
 
-    if (::fstatat(parent, name, &status, AT_SYMLINK_NOFOLLOW) != 0) {
+    struct statx status {};
+
+    if (::statx(parent, name, asItStands, STATX_TYPE, &status) != 0) {
         error = errno == ENOENT ? error : errno;
         return EntryKind::other;
     }
-    if (S_ISDIR(status.st_mode)) {
+    if (S_ISDIR(status.stx_mode)) {
         return EntryKind::folder;
     }
-    return S_ISLNK(status.st_mode) ? EntryKind::link : EntryKind::other;
+    return S_ISLNK(status.stx_mode) ? EntryKind::link : EntryKind::other;
 }
 
-EntryKind kindOf(int parent, const dirent& entry, int& error) {
+EntryKind kindOf(int parent, const dirent64& entry, int& error) {
     switch (entry.d_type) {
     case DT_DIR:
         return EntryKind::folder;
@@ -50,23 +52,35 @@ FolderReader::FolderReader(const std::string& path)
     : FolderReader(FileDescriptor(::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))) {}
 
 FolderReader::FolderReader(FileDescriptor folder)
-    : m_stream(streamOf(std::move(folder)), &::closedir)
-    , m_error(m_stream ? 0 : errno) {}
+    : m_folder(std::move(folder))
+    , m_error(m_folder ? 0 : errno) {}
 
 std::optional<FolderEntry> FolderReader::next() {
-    while (m_stream) {
-        errno = 0; // readdir tells an error from the end by it alone
-        const dirent* entry = ::readdir(m_stream.get());
-        if (entry == nullptr) {
-            m_error = errno != 0 ? errno : m_error;
-            return std::nullopt;
-        }
+    while (m_position < m_filled || fill()) {
+        const auto* entry = reinterpret_cast<const dirent64*>(m_buffer.get() + m_position);
+        m_position += entry->d_reclen;
         const std::string_view name = entry->d_name;
         if (name != "." && name != "..") {
-            return FolderEntry{name, kindOf(::dirfd(m_stream.get()), *entry, m_error)};
+            return FolderEntry{name, kindOf(m_folder.get(), *entry, m_error)};
         }
     }
     return std::nullopt;
+}
+
+bool FolderReader::fill() {
+    if (!m_folder) {
+        return false;
+    }
+    if (!m_buffer) {
+        m_buffer.reset(new (std::nothrow) std::byte[bufferSize]);
+    }
+    const ssize_t filled = m_buffer ? ::getdents64(m_folder.get(), m_buffer.get(), bufferSize) : -1;
+    if (filled < 0 && (!m_buffer || errno != ENOENT)) { // a folder that was removed meanwhile has no entries
+        m_error = m_buffer ? errno : ENOMEM;
+    }
+    m_position = 0;
+    m_filled = filled < 0 ? 0 : static_cast<std::size_t>(filled);
+    return m_filled > 0;
 }
 
 } // namespace velmora

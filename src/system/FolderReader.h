@@ -1,13 +1,12 @@
 #pragma once
 
 // Reads the names in a folder one at a time, in the file system's order. What an entry is usually comes with
-// its name; only where the file system does not tell is the entry itself looked at, so a large folder costs
-// one system call for many names.
+// its name; only where the file system does not tell is the entry itself looked at. So a folder costs opening
+// and closing it, one system call for a thousand names or two, and one that tells that there are no more.
 
-#include "system/RegularFile.h"
+#include "system/FileDescriptor.h"
 
-#include <dirent.h>
-
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -42,8 +41,17 @@ public:
     /// Why the folder could not be opened or not read to its end, or an entry in it not be looked at; else 0.
     int error() const { return m_error; }
 
+    /// The open folder, for calls that name its entries; negative when it could not be opened.
+    int descriptor() const { return m_folder.get(); }
+
 private:
-    std::unique_ptr<DIR, int (*)(DIR*)> m_stream;
+    /// Whether there are more entries, which are in the buffer then.
+    bool fill();
+
+    FileDescriptor m_folder;
+    std::unique_ptr<std::byte[]> m_buffer; // none before the first entry is asked for
+    std::size_t m_position = 0;            // in the buffer, of the next entry
+    std::size_t m_filled = 0;              // bytes
     int m_error = 0;
 };
 

@@ -3,6 +3,7 @@
 #include "tests/support/Files.h"
 #include "tests/support/ForkedProcess.h"
 
+#include <dirent.h>
 #include <dlfcn.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,16 +17,27 @@ namespace {
 /// Whether names come without what they are, as from file systems that do not keep that beside the name.
 bool kindsAreUnknown = false;
 
+int looks = 0; ///< how often an entry itself was looked at
+
 } // namespace
 
-/// Stands between the tests and the C library, which has this function under the name for 64-bit offsets.
-extern "C" dirent* readdir(DIR* folder) { // NOLINT: the C library's own name
-    static const auto real = reinterpret_cast<decltype(&readdir)>(::dlsym(RTLD_NEXT, "readdir64"));
-    dirent* const entry = real(folder);
-    if (entry != nullptr && kindsAreUnknown) {
+/// These two stand between the tests and the C library.
+extern "C" ssize_t getdents64(int folder, void* buffer, size_t size) noexcept { // NOLINT: the library's name
+    static const auto real = reinterpret_cast<decltype(&getdents64)>(::dlsym(RTLD_NEXT, "getdents64"));
+    const ssize_t filled = real(folder, buffer, size);
+    for (ssize_t at = 0; kindsAreUnknown && at < filled;) {
+        auto* entry = reinterpret_cast<dirent64*>(static_cast<char*>(buffer) + at);
         entry->d_type = DT_UNKNOWN;
+        at += entry->d_reclen;
     }
-    return entry;
+    return filled;
+}
+
+extern "C" int statx(int parent, const char* name, int flags, unsigned wanted,
+                     struct statx* status) noexcept {
+    static const auto real = reinterpret_cast<decltype(&::statx)>(::dlsym(RTLD_NEXT, "statx"));
+    ++looks;
+    return real(parent, name, flags, wanted, status);
 }
 
 namespace velmora {
@@ -55,6 +67,7 @@ TEST(FolderReader, TellsFoldersAndLinksFromTheRest) {
     EXPECT_THAT(entriesOf(FolderReader(folder)),
                 UnorderedElementsAre(Pair("folder", EntryKind::folder), Pair("file", EntryKind::other),
                                      Pair("link", EntryKind::link), Pair("fifo", EntryKind::other)));
+    EXPECT_EQ(looks, 0);
 }
 
 TEST(FolderReader, LooksAtAnEntryWhoseNameDoesNotTellWhatItIs) {
@@ -66,6 +79,25 @@ TEST(FolderReader, LooksAtAnEntryWhoseNameDoesNotTellWhatItIs) {
     EXPECT_THAT(entriesOf(FolderReader(folder)),
                 UnorderedElementsAre(Pair("folder", EntryKind::folder), Pair("file", EntryKind::other),
                                      Pair("link", EntryKind::link)));
+    EXPECT_EQ(looks, 3);
+}
+
+TEST(FolderReader, GivesEveryNameOfAFolderThatFillsManyBuffers) {
+    const fs::path folder = freshFolder();
+    constexpr int files = 1000;
+    for (int i = 0; i < files; ++i) {
+        write(folder / (std::to_string(i) + std::string(240, 'x')));
+    }
+    EXPECT_EQ(entriesOf(FolderReader(folder)).size(), static_cast<std::size_t>(files));
+}
+
+TEST(FolderReader, FindsNothingInAFolderThatIsGone) {
+    const fs::path folder = freshFolder() / "gone";
+    fs::create_directory(folder);
+    FolderReader reader(folder);
+    fs::remove(folder);
+    EXPECT_FALSE(reader.next());
+    EXPECT_EQ(reader.error(), 0);
 }
 
 TEST(FolderReader, GivesTheNamesOfWhatCannotBeLookedAt) {
