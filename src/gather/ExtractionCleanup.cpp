@@ -13,10 +13,13 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cstdint>
 #include <functional>
 #include <iterator>
 #include <map>
 #include <string>
+#include <string_view>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -26,19 +29,22 @@ namespace {
 
 /// An entry below an extraction directory that is no folder.
 struct Entry {
-    std::string path; ///< relative to the directory
+    const std::string& folder; ///< that it stands in, relative to the directory; "" is the directory
+    std::string_view name;
+    EntryKind kind = EntryKind::other;
 
-    struct stat status {};
+    struct statx status {}; ///< of a link nothing
+
+    /// Relative to the directory.
+    std::string path() const { return (folder.empty() ? "" : folder + '/') + std::string(name); }
 };
 
 /// An extraction directory, held open: whatever is done in it names its entries from here, so that nothing
 /// put in the directory's own place is reached.
 class Extraction {
 public:
-    explicit Extraction(const std::filesystem::path& directory) {
-        grantOwner(AT_FDCWD, directory.c_str(), S_IRWXU);
-        m_folder = FileDescriptor(::open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    }
+    explicit Extraction(const std::filesystem::path& directory)
+        : m_folder(openOwnFolder(AT_FDCWD, directory.c_str())) {}
 
     /// Shows `look` every entry that is no folder, and lets the owner into every folder on the way. False
     /// when not all of them could be reached.
@@ -48,26 +54,27 @@ public:
         while (complete && !pending.empty()) {
             const std::string current = std::move(pending.back());
             pending.pop_back();
-            if (!current.empty()) {
-                grantOwner(m_folder.get(), current.c_str(), S_IRWXU);
-            }
-            FileDescriptor folder(::openat(m_folder.get(), current.empty() ? "." : current.c_str(),
-                                           O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-            complete = static_cast<bool>(folder);
-            FolderReader reader(std::move(folder));
+            FolderReader reader(openOwnFolder(m_folder.get(), current.empty() ? "." : current.c_str()));
             while (const std::optional<FolderEntry> found = reader.next()) {
-                Entry entry{(current.empty() ? "" : current + '/') + std::string(found->name)};
-                if (::fstatat(m_folder.get(), entry.path.c_str(), &entry.status, AT_SYMLINK_NOFOLLOW) != 0) {
-                    complete = false;
-                } else if (S_ISDIR(entry.status.st_mode)) {
-                    pending.push_back(std::move(entry.path));
-                } else {
+                Entry entry{current, found->name, found->kind};
+                if (found->kind == EntryKind::folder) {
+                    pending.push_back(entry.path());
+                } else if (found->kind == EntryKind::link || lookAt(reader.descriptor(), entry)) {
                     look(entry);
+                } else {
+                    complete = false;
                 }
             }
             complete = complete && reader.error() == 0;
         }
         return complete;
+    }
+
+    /// Lets the owner read the files at `paths`.
+    void openFiles(const std::vector<std::string>& paths) const {
+        for (const std::string& path : paths) {
+            grantOwner(m_folder.get(), path.c_str(), S_IRUSR);
+        }
     }
 
     /// Removes the entries at `paths`; false when one of them is still there.
@@ -92,14 +99,23 @@ public:
     }
 
 private:
+    static bool lookAt(int folder, Entry& entry) {
+        constexpr unsigned wanted = STATX_TYPE | STATX_MODE | STATX_NLINK | STATX_INO;
+        return ::statx(folder, entry.name.data(), AT_SYMLINK_NOFOLLOW | AT_NO_AUTOMOUNT, wanted,
+                       &entry.status) == 0;
+    }
+
     FileDescriptor m_folder;
 };
 
 /// The names that one file has in an extraction directory.
 struct FileNames {
-    nlink_t total = 0; ///< in the whole file system
+    std::uint32_t total = 0; ///< in the whole file system
     std::vector<std::string> here;
 };
+
+/// A device's two numbers, and a file's on it.
+using FileKey = std::tuple<std::uint32_t, std::uint32_t, std::uint64_t>;
 
 } // namespace
 
@@ -107,8 +123,8 @@ bool keepPlainFiles(const std::filesystem::path& directory) {
     const Extraction extraction(directory);
     std::vector<std::string> others;
     const bool complete = extraction.forEach([&](const Entry& entry) {
-        if (!S_ISREG(entry.status.st_mode) || entry.status.st_nlink != 1) {
-            others.push_back(entry.path);
+        if (!S_ISREG(entry.status.stx_mode) || entry.status.stx_nlink != 1) {
+            others.push_back(entry.path());
         }
     });
     return extraction.remove(others) && complete;
@@ -118,16 +134,23 @@ bool keepOwnContent(const std::filesystem::path& directory) {
     const Extraction extraction(directory);
     std::vector<std::string> links;
     std::vector<std::string> foreign;
-    std::map<std::pair<dev_t, ino_t>, FileNames> files;
+    std::vector<std::string> closed;
+    std::map<FileKey, FileNames> files;
     const bool complete = extraction.forEach([&](const Entry& entry) {
-        if (S_ISLNK(entry.status.st_mode)) {
-            links.push_back(entry.path);
-        } else if (!S_ISREG(entry.status.st_mode)) {
-            foreign.push_back(entry.path);
-        } else if (entry.status.st_nlink > 1) {
-            FileNames& names = files[{entry.status.st_dev, entry.status.st_ino}];
-            names.total = entry.status.st_nlink;
-            names.here.push_back(entry.path);
+        const struct statx& status = entry.status;
+        if (entry.kind == EntryKind::link) {
+            links.push_back(entry.path());
+        } else if (!S_ISREG(status.stx_mode)) {
+            foreign.push_back(entry.path());
+        } else {
+            if (status.stx_nlink > 1) {
+                FileNames& names = files[{status.stx_dev_major, status.stx_dev_minor, status.stx_ino}];
+                names.total = status.stx_nlink;
+                names.here.push_back(entry.path());
+            }
+            if ((status.stx_mode & S_IRUSR) == 0) {
+                closed.push_back(entry.path());
+            }
         }
     });
     // Not before every folder on a link's way is open.
@@ -139,7 +162,9 @@ bool keepOwnContent(const std::filesystem::path& directory) {
         }
     }
     const bool isClean = extraction.remove(foreign) && complete;
-    grantOwnerBelow(directory);
+    if (isClean) { // only now is none of them a file from outside
+        extraction.openFiles(closed);
+    }
     return isClean;
 }
 

@@ -1,12 +1,10 @@
 #include "system/OwnerAccess.h"
 
-#include "system/FolderReader.h"
-
 #include <fcntl.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <string>
-#include <vector>
 
 namespace velmora {
 
@@ -24,21 +22,20 @@ void grantOwner(int parent, const char* name, mode_t bits) {
     ::chmod(entry.c_str(), (status.st_mode | bits) & ALLPERMS);
 }
 
-void grantOwnerBelow(const std::filesystem::path& folder) {
-    std::vector<std::string> pending = {folder.native()};
-    while (!pending.empty()) {
-        const std::string current = std::move(pending.back());
-        pending.pop_back();
-        FolderReader reader(current);
-        while (const std::optional<FolderEntry> entry = reader.next()) {
-            std::string path = current + '/' + std::string(entry->name);
-            const bool isFolder = entry->kind == EntryKind::folder;
-            grantOwner(AT_FDCWD, path.c_str(), isFolder ? S_IRWXU : S_IRUSR);
-            if (isFolder) {
-                pending.push_back(std::move(path));
-            }
-        }
+FileDescriptor openOwnFolder(int parent, const char* name) {
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+    FileDescriptor folder(::openat(parent, name, flags));
+    if (!folder && errno == EACCES) {
+        grantOwner(parent, name, S_IRWXU);
+        folder = FileDescriptor(::openat(parent, name, flags));
     }
+
+    struct stat status {};
+
+    if (folder && ::fstat(folder.get(), &status) == 0 && (status.st_mode & S_IRWXU) != S_IRWXU) {
+        ::fchmod(folder.get(), (status.st_mode | S_IRWXU) & ALLPERMS);
+    }
+    return folder;
 }
 
 } // namespace velmora

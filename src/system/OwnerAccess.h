@@ -3,9 +3,9 @@
 // Gives the owner access to files of our own. An archive stores permissions, and its tools restore them: what
 // came out of it may be a folder nobody can enter or a file nobody can read.
 
-#include <sys/types.h>
+#include "system/FileDescriptor.h"
 
-#include <filesystem>
+#include <sys/types.h>
 
 namespace velmora {
 
@@ -13,8 +13,9 @@ namespace velmora {
 /// are missing. A link is left alone, and so is what it leads to. Failures are ignored.
 void grantOwner(int parent, const char* name, mode_t bits);
 
-/// Lets the owner enter every folder below `folder` and read every file in them. Links are not followed.
-/// Failures are ignored; what lies deeper than a path may be long stays as it is.
-void grantOwnerBelow(const std::filesystem::path& folder);
+/// Opens the folder `name` in the open folder `parent` (or AT_FDCWD), which its owner may list, enter and
+/// change from then on. None when it cannot be opened, or is no folder: a link to one is none; `errno` then
+/// says why.
+FileDescriptor openOwnFolder(int parent, const char* name);
 
 } // namespace velmora

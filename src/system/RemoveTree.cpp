@@ -10,14 +10,14 @@
 
 #include <cerrno>
 #include <exception>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace velmora {
 
 namespace {
-
-constexpr mode_t ownerMayAll = S_IRWXU;
 
 /// What fails once, as on a disk that is busy, is tried so often.
 constexpr int removalAttempts = 2;
@@ -27,14 +27,7 @@ struct Entries {
     std::vector<std::string> others;
 };
 
-/// Opens the folder `name` in `parent`, with the owner's permissions restored.
-FileDescriptor openFolder(int parent, const char* name) {
-    grantOwner(parent, name, ownerMayAll);
-    return FileDescriptor(::openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-}
-
-Entries entriesOf(int folder) {
-    FolderReader reader(FileDescriptor(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC)));
+Entries entriesOf(FolderReader& reader) {
     Entries result;
     while (const std::optional<FolderEntry> entry = reader.next()) {
         (entry->kind == EntryKind::folder ? result.folders : result.others).emplace_back(entry->name);
@@ -48,27 +41,38 @@ void unlinkAll(int folder, const std::vector<std::string>& names) {
     }
 }
 
+/// Moves the folder `name` from `parent` to `top`, under a new name; that name, absent when it cannot be
+/// moved.
+std::optional<std::string> movedUp(int parent, const char* name, int top) {
+    std::string moved = randomUuid();
+    bool isMoved = ::renameat(parent, name, top, moved.c_str()) == 0;
+    if (!isMoved && errno == EACCES) {
+        grantOwner(parent, name, S_IRWXU); // moving a folder writes its ".."
+        isMoved = ::renameat(parent, name, top, moved.c_str()) == 0;
+    }
+    return isMoved ? std::optional(std::move(moved)) : std::nullopt;
+}
+
 /// Empties the tree below `top` without ever going deeper than two levels: a folder's folders are moved up
 /// beside it before it is removed, so neither the depth of the tree nor the length of its paths matters.
-void empty(int top) {
-    const Entries first = entriesOf(top);
-    unlinkAll(top, first.others);
+void empty(FileDescriptor top) {
+    FolderReader topReader(std::move(top));
+    const int topFolder = topReader.descriptor();
+    const Entries first = entriesOf(topReader);
+    unlinkAll(topFolder, first.others);
     std::vector<std::string> pending = first.folders;
     while (!pending.empty()) {
         const std::string name = std::move(pending.back());
         pending.pop_back();
-        if (const FileDescriptor folder = openFolder(top, name.c_str())) {
-            const Entries entries = entriesOf(folder.get());
-            unlinkAll(folder.get(), entries.others);
-            for (const std::string& child : entries.folders) {
-                std::string moved = randomUuid();
-                grantOwner(folder.get(), child.c_str(), ownerMayAll); // moving a folder writes its ".."
-                if (::renameat(folder.get(), child.c_str(), top, moved.c_str()) == 0) {
-                    pending.push_back(std::move(moved));
-                }
+        FolderReader reader(openOwnFolder(topFolder, name.c_str()));
+        const Entries entries = entriesOf(reader);
+        unlinkAll(reader.descriptor(), entries.others);
+        for (const std::string& child : entries.folders) {
+            if (std::optional<std::string> moved = movedUp(reader.descriptor(), child.c_str(), topFolder)) {
+                pending.push_back(*std::move(moved));
             }
         }
-        ::unlinkat(top, name.c_str(), AT_REMOVEDIR);
+        ::unlinkat(topFolder, name.c_str(), AT_REMOVEDIR);
     }
 }
 
@@ -81,8 +85,8 @@ bool removeOnce(const char* path) {
     if (isGone(::unlink(path))) {
         return true;
     }
-    if (const FileDescriptor top = openFolder(AT_FDCWD, path)) {
-        empty(top.get());
+    if (FileDescriptor top = openOwnFolder(AT_FDCWD, path)) {
+        empty(std::move(top));
     }
     return isGone(::rmdir(path));
 }

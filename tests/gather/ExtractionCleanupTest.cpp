@@ -81,6 +81,16 @@ TEST_F(ExtractionCleanup, RemovesAHardLinkWithoutTouchingTheFile) {
     EXPECT_EQ(fs::hard_link_count(mine), 1U);
 }
 
+TEST_F(ExtractionCleanup, OpensNoFileThatIsNotTheArchives) {
+    const fs::path mine = write(freshFolder() / "mine.wav");
+    fs::permissions(mine, fs::perms(0));
+    fs::create_hard_link(mine, directory / "hard.wav");
+    link("soft.wav", mine);
+    EXPECT_TRUE(keepOwnContent(directory));
+    EXPECT_THAT(filesBelow(directory), ElementsAre("folder/plain.wav"));
+    EXPECT_EQ(fs::status(mine).permissions(), fs::perms(0));
+}
+
 TEST_F(ExtractionCleanup, KeepsTheLinksOfAnArchiveToItself) {
     link("relative.wav", "folder/plain.wav");
     link("folder/up.wav", "../folder/./plain.wav");

@@ -11,7 +11,6 @@ namespace velmora {
 namespace {
 
 using test::freshFolder;
-using test::read;
 using test::write;
 namespace fs = std::filesystem;
 
@@ -38,31 +37,30 @@ TEST(OwnerAccess, LeavesWhatALinkLeadsTo) {
     EXPECT_EQ(modeOf(file), 0U);
 }
 
-TEST(OwnerAccess, OpensATreeToItsOwner) {
+TEST(OwnerAccess, OpensAFolderThatIsClosed) {
     test::asOrdinaryUser([] {
-        const fs::path folder = freshFolder();
-        write(folder / "outer" / "inner" / "a.wav", "content");
-        fs::permissions(folder / "outer" / "inner" / "a.wav", fs::perms(0));
-        fs::permissions(folder / "outer" / "inner", fs::perms(0));
-        fs::permissions(folder / "outer", fs::perms(0));
-
-        grantOwnerBelow(folder);
-
-        EXPECT_EQ(read(folder / "outer" / "inner" / "a.wav"), "content");
-        EXPECT_EQ(modeOf(folder / "outer"), 0700U);
-        EXPECT_EQ(modeOf(folder / "outer" / "inner" / "a.wav"), 0400U);
+        const fs::path parent = freshFolder();
+        for (const unsigned mode : {0U, 0100U, 0400U, 0500U, 0700U}) {
+            const fs::path folder = parent / std::to_string(mode);
+            fs::create_directory(folder);
+            fs::permissions(folder, fs::perms(mode | 0050));
+            const FileDescriptor opened = openOwnFolder(AT_FDCWD, folder.c_str());
+            EXPECT_TRUE(opened);
+            EXPECT_EQ(modeOf(folder), 0750U);
+        }
     });
 }
 
-TEST(OwnerAccess, StaysInsideTheTree) {
+TEST(OwnerAccess, OpensNothingButFolders) {
     const fs::path folder = freshFolder();
-    const fs::path outside = write(folder / "outside" / "a.wav");
-    fs::permissions(outside, fs::perms(0));
-    fs::create_directory(folder / "tree");
-    fs::create_symlink("../outside", folder / "tree" / "link");
-    fs::create_symlink("../outside/a.wav", folder / "tree" / "a.wav");
-    grantOwnerBelow(folder / "tree");
-    EXPECT_EQ(modeOf(outside), 0U);
+    fs::create_directory(folder / "outside");
+    fs::permissions(folder / "outside", fs::perms(0));
+    fs::create_symlink("outside", folder / "link");
+    write(folder / "a.wav");
+    EXPECT_FALSE(openOwnFolder(AT_FDCWD, (folder / "link").c_str()));
+    EXPECT_FALSE(openOwnFolder(AT_FDCWD, (folder / "a.wav").c_str()));
+    EXPECT_FALSE(openOwnFolder(AT_FDCWD, (folder / "missing").c_str()));
+    EXPECT_EQ(modeOf(folder / "outside"), 0U);
 }
 
 } // namespace
