@@ -33,7 +33,7 @@ constexpr std::uint8_t pictures = 9;
 constexpr std::uint8_t data = 18;
 
 /// Where the tags of the file that begins at `start` end: another file follows, or what is no tag.
-std::int64_t endOfFile(GuardedReader& reader, std::int64_t start) {
+std::int64_t endOfFlash(GuardedReader& reader, std::int64_t start) {
     const auto header = reader.header(start, fileHeaderBytes);
     std::int64_t at = start + sizeBytes + (header.empty() ? fileHeaderBytes : be32(header, headerSizeAt));
     for (;;) {
@@ -53,7 +53,7 @@ std::int64_t endOfFile(GuardedReader& reader, std::int64_t start) {
 
 std::optional<Timing> flashDuration(GuardedReader& reader, std::int64_t start) {
     return joinedTiming(
-        reader, start, [&reader](std::int64_t at) { return endOfFile(reader, at); },
+        reader, start, [&reader](std::int64_t at) { return endOfFlash(reader, at); },
         [](GuardedReader& part, std::int64_t at) { return libav().duration(part, at, "flv", Doubt::none); });
 }
 

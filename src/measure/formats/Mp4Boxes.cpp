@@ -55,4 +55,10 @@ std::optional<Mp4Box> findMp4Box(GuardedReader& reader, const Mp4Box& parent, st
     return std::nullopt;
 }
 
+std::optional<std::uint32_t> mp4WordAt(GuardedReader& reader, const Mp4Box& box, std::int64_t at) {
+    const auto bytes =
+        at + 4 <= box.size() ? reader.header(box.content + at, 4) : std::span<const std::uint8_t>();
+    return bytes.empty() ? std::nullopt : std::optional(be32(bytes, 0));
+}
+
 } // namespace velmora

@@ -45,4 +45,13 @@ void forEachMp4Box(GuardedReader& reader, std::int64_t at, std::int64_t end, Vis
 /// The first box of `type` in `parent`.
 std::optional<Mp4Box> findMp4Box(GuardedReader& reader, const Mp4Box& parent, std::uint32_t type);
 
+/// Version (1) and flags (3), with which the content of a "full box" begins.
+inline constexpr std::int64_t mp4FullBoxBytes = 4;
+
+/// What lengths are held below, in units of a time scale: sums of two are no overflow.
+inline constexpr std::int64_t maxMp4Duration = 1LL << 50;
+
+/// The number in the four bytes at `at` of the content of `box`; absent where it ends before.
+std::optional<std::uint32_t> mp4WordAt(GuardedReader& reader, const Mp4Box& box, std::int64_t at);
+
 } // namespace velmora

@@ -21,15 +21,13 @@ namespace {
 //   "trun"  4 samples, data offset (4, flag 0x01), first flags (4, 0x04), then for  section 8.8.8
 //           each sample duration (0x100), size (0x200), flags (0x400), shift (0x800)
 
-constexpr std::int64_t maxDuration = 1LL << 50;
-
-std::uint32_t word(GuardedReader& reader, const Mp4Box& box, std::int64_t at) {
-    const auto bytes = reader.header(box.content + at, 4);
-    return bytes.empty() || at + 4 > box.size() ? 0 : be32(bytes, 0);
+/// The four bytes at `at` of what `box` holds; 0 where it ends before.
+std::uint32_t numberAt(GuardedReader& reader, const Mp4Box& box, std::int64_t at) {
+    return mp4WordAt(reader, box, at).value_or(0);
 }
 
 std::uint32_t flagsOf(GuardedReader& reader, const Mp4Box& box) {
-    return word(reader, box, 0) & 0xFF'FFFF;
+    return numberAt(reader, box, 0) & 0xFF'FFFF;
 }
 
 /// What the movie states for samples of which no fragment states it.
@@ -37,8 +35,8 @@ std::uint32_t defaultDuration(GuardedReader& reader, const Mp4Box& movie, std::u
     std::uint32_t duration = 0;
     if (const auto extends = findMp4Box(reader, movie, mp4Type("mvex"))) {
         forEachMp4Box(reader, extends->content, extends->end, [&](const Mp4Box& box) {
-            if (box.type == mp4Type("trex") && word(reader, box, 4) == trackId) {
-                duration = word(reader, box, 12);
+            if (box.type == mp4Type("trex") && numberAt(reader, box, 4) == trackId) {
+                duration = numberAt(reader, box, 12);
             }
         });
     }
@@ -52,7 +50,7 @@ std::uint32_t fragmentDefault(GuardedReader& reader, const Mp4Box& header, std::
     constexpr std::uint32_t hasDuration = 0x08;
     const std::uint32_t flags = flagsOf(reader, header);
     const std::int64_t at = 8 + ((flags & hasOffset) != 0 ? 8 : 0) + ((flags & hasDescription) != 0 ? 4 : 0);
-    return (flags & hasDuration) != 0 ? word(reader, header, at) : movieDefault;
+    return (flags & hasDuration) != 0 ? numberAt(reader, header, at) : movieDefault;
 }
 
 /// The samples of one "trun".
@@ -62,9 +60,9 @@ std::int64_t runDuration(GuardedReader& reader, const Mp4Box& run, std::uint32_t
     constexpr std::uint32_t hasDuration = 0x100;
     constexpr std::uint32_t sampleFields = 0xF00;
     const std::uint32_t flags = flagsOf(reader, run);
-    const std::int64_t samples = word(reader, run, 4);
+    const std::int64_t samples = numberAt(reader, run, 4);
     if ((flags & hasDuration) == 0) {
-        return std::min<std::int64_t>(samples * (sampleDuration & 0x7FFF'FFFF), maxDuration);
+        return std::min<std::int64_t>(samples * (sampleDuration & 0x7FFF'FFFF), maxMp4Duration);
     }
     std::int64_t sampleBytes = 0;
     for (std::uint32_t field = flags & sampleFields; field != 0; field &= field - 1) {
@@ -73,7 +71,7 @@ std::int64_t runDuration(GuardedReader& reader, const Mp4Box& run, std::uint32_t
     std::int64_t at = 8 + ((flags & hasOffset) != 0 ? 4 : 0) + ((flags & hasFirstFlags) != 0 ? 4 : 0);
     std::int64_t duration = 0;
     for (std::int64_t i = 0; i < samples && at + 4 <= run.size(); ++i, at += sampleBytes) {
-        duration += word(reader, run, at);
+        duration += numberAt(reader, run, at);
     }
     return duration;
 }
@@ -84,13 +82,13 @@ std::int64_t fragmentDuration(GuardedReader& reader, const Mp4Box& fragment, std
     forEachMp4Box(reader, fragment.content, fragment.end, [&](const Mp4Box& track) {
         const auto header =
             track.type == mp4Type("traf") ? findMp4Box(reader, track, mp4Type("tfhd")) : std::nullopt;
-        if (!header || word(reader, *header, 4) != trackId) {
+        if (!header || numberAt(reader, *header, 4) != trackId) {
             return;
         }
         const std::uint32_t sampleDuration = fragmentDefault(reader, *header, movieDefault);
         forEachMp4Box(reader, track.content, track.end, [&](const Mp4Box& run) {
             if (run.type == mp4Type("trun")) {
-                duration = std::min(duration + runDuration(reader, run, sampleDuration), maxDuration);
+                duration = std::min(duration + runDuration(reader, run, sampleDuration), maxMp4Duration);
             }
         });
     });
@@ -116,8 +114,8 @@ std::int64_t fragmentsDuration(GuardedReader& reader, const Mp4Box& movie, std::
             last = fragmentDuration(reader, box, trackId, movieDefault);
         } else if (box.type == mp4Type("mdat")) {
             const double there = partThere(reader, box);
-            whole =
-                std::min(whole + static_cast<std::int64_t>(static_cast<double>(last) * there), maxDuration);
+            whole = std::min(whole + static_cast<std::int64_t>(static_cast<double>(last) * there),
+                             maxMp4Duration);
             last = 0;
         }
     });

@@ -22,7 +22,6 @@ namespace {
 // The text as its writers make it: numbers in hexadecimal, separated by spaces: 0, samples before the sound,
 // samples after it, samples of the sound, and further ones.
 
-constexpr std::int64_t fullBoxBytes = 4;
 constexpr std::int64_t dataHeaderBytes = 8;
 constexpr std::string_view noteName = "iTunSMPB";
 
@@ -38,7 +37,7 @@ std::string noteIn(GuardedReader& reader, const Mp4Box& item) {
     std::string text;
     forEachMp4Box(reader, item.content, item.end, [&](const Mp4Box& box) {
         if (box.type == mp4Type("name")) {
-            isNote = textIn(reader, box, fullBoxBytes) == noteName;
+            isNote = textIn(reader, box, mp4FullBoxBytes) == noteName;
         } else if (box.type == mp4Type("data") && isNote) {
             text = textIn(reader, box, dataHeaderBytes);
         }
@@ -68,7 +67,7 @@ std::optional<Mp4Priming> readMp4Priming(GuardedReader& reader, const Mp4Box& mo
     if (!metadata) {
         return std::nullopt;
     }
-    metadata->content += fullBoxBytes;
+    metadata->content += mp4FullBoxBytes;
     const auto items = findMp4Box(reader, *metadata, mp4Type("ilst"));
     std::optional<Mp4Priming> found;
     if (items) {

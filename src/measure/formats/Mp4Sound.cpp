@@ -30,7 +30,6 @@ constexpr std::size_t entryBytes = 28;
 constexpr std::size_t versionAt = 8;
 constexpr std::size_t channelsAt = 16;
 constexpr std::size_t rateAt = 24;
-constexpr std::int64_t fullBoxBytes = 4;
 
 constexpr std::array<std::int32_t, 13> aacRates = {96'000, 88'200, 64'000, 48'000, 44'100, 32'000, 24'000,
                                                    22'050, 16'000, 12'000, 11'025, 8'000,  7'350};
@@ -84,7 +83,7 @@ Sampling mp4Sampling(GuardedReader& reader, const Mp4Box& sampleTable) {
     const Mp4Box rest{entry->type, entry->content + static_cast<std::int64_t>(entryBytes), entry->end};
     const auto codec = findMp4Box(reader, rest, mp4Type("esds"));
     const Sampling told =
-        codec ? aacSampling(reader.headerUpTo(codec->content + fullBoxBytes, 64, codec->end)) : Sampling();
+        codec ? aacSampling(reader.headerUpTo(codec->content + mp4FullBoxBytes, 64, codec->end)) : Sampling();
     return told.rate > 0 && told.channels > 0 ? told : stated;
 }
 

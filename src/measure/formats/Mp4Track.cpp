@@ -29,20 +29,13 @@ using Bytes = std::span<const std::uint8_t>;
 //           there on (4), description (4)
 //   "stco"  entries (4), each where a chunk stands (4); "co64" the same (8)         section 8.7.5
 
-constexpr std::int64_t fullBoxBytes = 4; // version and flags
 constexpr std::int64_t maxEdits = 4096;
 constexpr std::int64_t maxSamples = 1LL << 31; // of a track: a year of the shortest frames
-constexpr std::int64_t maxDuration = 1LL << 50;
 
 /// A version 1 box has its times in 8 bytes instead of 4.
 bool isLong(GuardedReader& reader, const Mp4Box& box) {
     const Bytes version = reader.header(box.content, 1);
     return !version.empty() && version[0] == 1;
-}
-
-std::optional<std::uint32_t> word(GuardedReader& reader, const Mp4Box& box, std::int64_t at) {
-    const Bytes bytes = at + 4 <= box.size() ? reader.header(box.content + at, 4) : Bytes();
-    return bytes.empty() ? std::nullopt : std::optional(be32(bytes, 0));
 }
 
 std::optional<std::int64_t> longWord(GuardedReader& reader, const Mp4Box& box, std::int64_t at) {
@@ -54,11 +47,11 @@ std::optional<std::int64_t> longWord(GuardedReader& reader, const Mp4Box& box, s
 void readMediaHeader(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) {
     constexpr std::uint32_t unknown = 0xFFFF'FFFF;
     if (isLong(reader, box)) {
-        track.timeScale = word(reader, box, 20).value_or(0);
+        track.timeScale = mp4WordAt(reader, box, 20).value_or(0);
         track.mediaDuration = std::max<std::int64_t>(0, longWord(reader, box, 24).value_or(0));
     } else {
-        track.timeScale = word(reader, box, 12).value_or(0);
-        const std::uint32_t duration = word(reader, box, 16).value_or(0);
+        track.timeScale = mp4WordAt(reader, box, 12).value_or(0);
+        const std::uint32_t duration = mp4WordAt(reader, box, 16).value_or(0);
         track.mediaDuration = duration == unknown ? 0 : duration;
     }
 }
@@ -67,9 +60,10 @@ void readMediaHeader(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) 
 void readEdits(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) {
     const bool hasLongTimes = isLong(reader, box);
     const std::int64_t entryBytes = hasLongTimes ? 20 : 12;
-    const std::int64_t count = std::min<std::int64_t>(word(reader, box, fullBoxBytes).value_or(0), maxEdits);
+    const std::int64_t count =
+        std::min<std::int64_t>(mp4WordAt(reader, box, mp4FullBoxBytes).value_or(0), maxEdits);
     for (std::int64_t i = 0; i < count; ++i) {
-        const std::int64_t at = fullBoxBytes + 4 + i * entryBytes;
+        const std::int64_t at = mp4FullBoxBytes + 4 + i * entryBytes;
         if (hasLongTimes) {
             const auto length = longWord(reader, box, at);
             const auto mediaTime = longWord(reader, box, at + 8);
@@ -77,8 +71,8 @@ void readEdits(GuardedReader& reader, const Mp4Box& box, Mp4Track& track) {
                 track.edits.push_back({*length, *mediaTime});
             }
         } else {
-            const auto length = word(reader, box, at);
-            const auto mediaTime = word(reader, box, at + 4);
+            const auto length = mp4WordAt(reader, box, at);
+            const auto mediaTime = mp4WordAt(reader, box, at + 4);
             if (length && mediaTime) {
                 track.edits.push_back({*length, static_cast<std::int32_t>(*mediaTime)});
             }
@@ -92,7 +86,7 @@ void readMedia(GuardedReader& reader, const Mp4Box& media, Mp4Track& track) {
         if (box.type == mp4Type("mdhd")) {
             readMediaHeader(reader, box, track);
         } else if (box.type == mp4Type("hdlr")) {
-            track.isAudio = word(reader, box, handlerAt) == mp4Type("soun");
+            track.isAudio = mp4WordAt(reader, box, handlerAt) == mp4Type("soun");
         } else if (box.type == mp4Type("minf") && track.isAudio) {
             track.sampleTable = findMp4Box(reader, box, mp4Type("stbl"));
             track.sampling = track.sampleTable ? mp4Sampling(reader, *track.sampleTable) : Sampling();
@@ -105,12 +99,12 @@ struct Table {
     Mp4Box box;
     std::int64_t count = 0;
 
-    static constexpr std::int64_t entriesAt = fullBoxBytes + 4;
+    static constexpr std::int64_t entriesAt = mp4FullBoxBytes + 4;
 };
 
 std::optional<Table> findTable(GuardedReader& reader, const Mp4Box& sampleTable, std::string_view type) {
     const auto box = findMp4Box(reader, sampleTable, mp4Type(type));
-    const auto count = box ? word(reader, *box, fullBoxBytes) : std::nullopt;
+    const auto count = box ? mp4WordAt(reader, *box, mp4FullBoxBytes) : std::nullopt;
     return count ? std::optional(Table{*box, *count}) : std::nullopt;
 }
 
@@ -140,7 +134,7 @@ public:
         if (m_areLong) {
             return longWord(m_reader, m_table->box, Table::entriesAt + i * 8);
         }
-        return word(m_reader, m_table->box, Table::entriesAt + i * 4);
+        return mp4WordAt(m_reader, m_table->box, Table::entriesAt + i * 4);
     }
 
 private:
@@ -154,10 +148,10 @@ Chunk lastChunk(GuardedReader& reader, const Table& runs, std::int64_t chunks, s
     Chunk chunk{at};
     for (std::int64_t i = 0; i < runs.count; ++i) {
         const std::int64_t entry = Table::entriesAt + i * 12;
-        const auto first = word(reader, runs.box, entry);
-        const auto samples = word(reader, runs.box, entry + 4);
+        const auto first = mp4WordAt(reader, runs.box, entry);
+        const auto samples = mp4WordAt(reader, runs.box, entry + 4);
         const std::int64_t next =
-            i + 1 < runs.count ? word(reader, runs.box, entry + 12).value_or(0) : chunks + 1;
+            i + 1 < runs.count ? mp4WordAt(reader, runs.box, entry + 12).value_or(0) : chunks + 1;
         if (!first || !samples || *first > chunks) {
             break;
         }
@@ -170,14 +164,14 @@ Chunk lastChunk(GuardedReader& reader, const Table& runs, std::int64_t chunks, s
 
 /// How many samples of `chunk` end before `end`, by "stsz".
 std::int64_t samplesBefore(GuardedReader& reader, const Mp4Box& sizes, const Chunk& chunk, std::int64_t end) {
-    const std::int64_t common = word(reader, sizes, fullBoxBytes).value_or(0);
+    const std::int64_t common = mp4WordAt(reader, sizes, mp4FullBoxBytes).value_or(0);
     if (common > 0) {
         return std::min(chunk.samples, (end - chunk.at) / common);
     }
     std::int64_t whole = 0;
     std::int64_t position = chunk.at;
     while (whole < chunk.samples) {
-        const auto size = word(reader, sizes, fullBoxBytes + 8 + (chunk.firstSample + whole) * 4);
+        const auto size = mp4WordAt(reader, sizes, mp4FullBoxBytes + 8 + (chunk.firstSample + whole) * 4);
         if (!size || *size > end - position) {
             break;
         }
@@ -213,13 +207,13 @@ std::int64_t durationOfSamples(GuardedReader& reader, const Mp4Box& sampleTable,
     const auto times = findTable(reader, sampleTable, "stts");
     std::int64_t duration = 0;
     for (std::int64_t i = 0; times && i < times->count && samples > 0; ++i) {
-        const auto count = word(reader, times->box, Table::entriesAt + i * 8);
-        const auto units = word(reader, times->box, Table::entriesAt + i * 8 + 4);
+        const auto count = mp4WordAt(reader, times->box, Table::entriesAt + i * 8);
+        const auto units = mp4WordAt(reader, times->box, Table::entriesAt + i * 8 + 4);
         if (!count || !units) {
             break;
         }
         const std::int64_t taken = std::min<std::int64_t>(*count, samples);
-        duration = std::min(duration + taken * (*units & 0x7FFF'FFFF), maxDuration);
+        duration = std::min(duration + taken * (*units & 0x7FFF'FFFF), maxMp4Duration);
         samples -= taken;
     }
     return duration;
@@ -231,7 +225,7 @@ Mp4Track readMp4Track(GuardedReader& reader, const Mp4Box& box) {
     Mp4Track track;
     forEachMp4Box(reader, box.content, box.end, [&](const Mp4Box& part) {
         if (part.type == mp4Type("tkhd")) {
-            track.id = word(reader, part, isLong(reader, part) ? 20 : 12).value_or(0);
+            track.id = mp4WordAt(reader, part, isLong(reader, part) ? 20 : 12).value_or(0);
         } else if (part.type == mp4Type("edts")) {
             if (const auto edits = findMp4Box(reader, part, mp4Type("elst"))) {
                 readEdits(reader, *edits, track);

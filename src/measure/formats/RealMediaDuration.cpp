@@ -37,7 +37,7 @@ std::optional<std::int64_t> fileAbout(GuardedReader& reader, std::int64_t at) {
     return std::nullopt;
 }
 
-std::int64_t endOfFile(GuardedReader& reader, std::int64_t start) {
+std::int64_t endOfRealMedia(GuardedReader& reader, std::int64_t start) {
     std::int64_t at = start;
     for (;;) {
         const auto header = reader.header(at, chunkHeaderBytes);
@@ -61,7 +61,7 @@ std::int64_t endOfFile(GuardedReader& reader, std::int64_t start) {
 
 std::optional<Timing> realMediaDuration(GuardedReader& reader, std::int64_t start) {
     return joinedTiming(
-        reader, start, [&reader](std::int64_t at) { return endOfFile(reader, at); },
+        reader, start, [&reader](std::int64_t at) { return endOfRealMedia(reader, at); },
         [](GuardedReader& part, std::int64_t at) {
             return libav().duration(part, at, "rm", Doubt::unfinished);
         });
