@@ -23,12 +23,12 @@ using Seconds = std::optional<double>;
 
 constexpr std::size_t mebibyte = 1'048'576;
 
-Seconds secondsOf(const Bytes& file) {
+Seconds secondsOfAsf(const Bytes& file) {
     return asfSeconds(sourceOf(std::span(file)));
 }
 
 Seconds secondsStating(const AsfFileProperties& properties) {
-    return secondsOf(asfHeader(properties.bytes()));
+    return secondsOfAsf(asfHeader(properties.bytes()));
 }
 
 Bytes object(std::size_t contentSize) {
@@ -68,38 +68,38 @@ TEST(AsfDuration, AsksNoFlag) {
 
 TEST(AsfDuration, IsFoundAfterOtherObjects) {
     const AsfFileProperties longer{.playDuration = 50'000'000};
-    EXPECT_EQ(secondsOf(asfHeader(joined({object(0), object(1), AsfFileProperties{}.bytes(), object(7)}))),
+    EXPECT_EQ(secondsOfAsf(asfHeader(joined({object(0), object(1), AsfFileProperties{}.bytes(), object(7)}))),
               2.0);
-    EXPECT_EQ(secondsOf(asfHeader(joined({AsfFileProperties{}.bytes(), longer.bytes()}))), 2.0);
-    EXPECT_EQ(secondsOf(asfHeader(joined({object(100), object(3)}))), Seconds());
+    EXPECT_EQ(secondsOfAsf(asfHeader(joined({AsfFileProperties{}.bytes(), longer.bytes()}))), 2.0);
+    EXPECT_EQ(secondsOfAsf(asfHeader(joined({object(100), object(3)}))), Seconds());
 }
 
 TEST(AsfDuration, IsTheFirstFilePropertiesObjectsEvenIfThatSaysNothing) {
     const AsfFileProperties live{.playDuration = 0};
-    EXPECT_EQ(secondsOf(asfHeader(joined({live.bytes(), AsfFileProperties{}.bytes()}))), Seconds());
+    EXPECT_EQ(secondsOfAsf(asfHeader(joined({live.bytes(), AsfFileProperties{}.bytes()}))), Seconds());
 }
 
 TEST(AsfDuration, IsSoughtWithinTheSizeThatTheHeaderStates) {
     // The File Properties Object is the first, and says that it ends with its own prefix.
     const Bytes minimal = AsfFileProperties{.objectSize = 24}.bytes();
-    EXPECT_EQ(secondsOf(asfHeader(minimal, 0)), Seconds());
-    EXPECT_EQ(secondsOf(asfHeader(minimal, 53)), Seconds());
-    EXPECT_EQ(secondsOf(asfHeader(minimal, 54)), 2.0);
+    EXPECT_EQ(secondsOfAsf(asfHeader(minimal, 0)), Seconds());
+    EXPECT_EQ(secondsOfAsf(asfHeader(minimal, 53)), Seconds());
+    EXPECT_EQ(secondsOfAsf(asfHeader(minimal, 54)), 2.0);
 
     const Bytes second = joined({object(0), AsfFileProperties{}.bytes()});
     const std::size_t trueSize = 30 + second.size();
-    EXPECT_EQ(secondsOf(asfHeader(second, trueSize - 1)), Seconds());
-    EXPECT_EQ(secondsOf(asfHeader(second, trueSize)), 2.0);
-    EXPECT_EQ(secondsOf(asfHeader(second, UINT64_MAX)), 2.0);
+    EXPECT_EQ(secondsOfAsf(asfHeader(second, trueSize - 1)), Seconds());
+    EXPECT_EQ(secondsOfAsf(asfHeader(second, trueSize)), 2.0);
+    EXPECT_EQ(secondsOfAsf(asfHeader(second, UINT64_MAX)), 2.0);
 }
 
 TEST(AsfDuration, IsAbsentAfterAnObjectOfImpossibleSize) {
-    EXPECT_EQ(secondsOf(afterAnObjectStating(100)), 2.0);
+    EXPECT_EQ(secondsOfAsf(afterAnObjectStating(100)), 2.0);
     for (const std::uint64_t size : {0ULL, 1ULL, 23ULL, 205ULL, 1ULL << 32, 1ULL << 63, ~0ULL}) {
-        EXPECT_EQ(secondsOf(afterAnObjectStating(size)), Seconds()) << size;
+        EXPECT_EQ(secondsOfAsf(afterAnObjectStating(size)), Seconds()) << size;
     }
-    EXPECT_EQ(secondsOf(afterAnObjectStating(204)), Seconds()) << "which reaches to the header's end";
-    EXPECT_EQ(secondsOf(afterAnObjectStating(24)), Seconds()) << "then come zeros: an object of size 0";
+    EXPECT_EQ(secondsOfAsf(afterAnObjectStating(204)), Seconds()) << "which reaches to the header's end";
+    EXPECT_EQ(secondsOfAsf(afterAnObjectStating(24)), Seconds()) << "then come zeros: an object of size 0";
 }
 
 TEST(AsfDuration, IsAbsentAfterAnObjectTooSmallForItsPrefixWhateverFollows) {
@@ -110,17 +110,17 @@ TEST(AsfDuration, IsAbsentAfterAnObjectTooSmallForItsPrefixWhateverFollows) {
         return asfHeader(joined({first, AsfFileProperties{}.bytes()}));
     };
     for (std::uint8_t size = 8; size < 24; ++size) {
-        EXPECT_EQ(secondsOf(file(size)), Seconds()) << int{size};
+        EXPECT_EQ(secondsOfAsf(file(size)), Seconds()) << int{size};
     }
-    EXPECT_EQ(secondsOf(file(24)), 2.0);
-    EXPECT_EQ(secondsOf(file(25)), 2.0);
+    EXPECT_EQ(secondsOfAsf(file(24)), 2.0);
+    EXPECT_EQ(secondsOfAsf(file(25)), 2.0);
 }
 
 TEST(AsfDuration, NeedsTheFieldsInTheFileButNotInTheObject) {
     const Bytes file = asfHeader(AsfFileProperties{.objectSize = 24}.bytes());
     for (std::size_t size = 0; size <= file.size(); ++size) {
         const Bytes prefix(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size));
-        EXPECT_EQ(secondsOf(prefix), size < 30 + 88 ? Seconds() : 2.0) << size;
+        EXPECT_EQ(secondsOfAsf(prefix), size < 30 + 88 ? Seconds() : 2.0) << size;
     }
 }
 
@@ -128,7 +128,7 @@ TEST(AsfDuration, IsAbsentForEveryPrefixThatCutsTheObject) {
     const Bytes file = asfHeader(joined({object(10), AsfFileProperties{}.bytes()}));
     for (std::size_t size = 0; size <= file.size(); ++size) {
         const Bytes prefix(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size));
-        EXPECT_EQ(secondsOf(prefix), size < file.size() ? Seconds() : 2.0) << size;
+        EXPECT_EQ(secondsOfAsf(prefix), size < file.size() ? Seconds() : 2.0) << size;
     }
 }
 
@@ -142,9 +142,9 @@ TEST(AsfDuration, LooksAtNothingButGuidsSizesAndTheTwoFields) {
         const bool isHeaderSize = at == 16; // 134 becomes 121; a larger size is cut to the file's
         const bool isField = at >= 30 && (inObject - 64 < 8 || inObject - 80 < 8);
         if (isField) {
-            EXPECT_NE(secondsOf(flipped), 2.0) << at;
+            EXPECT_NE(secondsOfAsf(flipped), 2.0) << at;
         } else {
-            EXPECT_EQ(secondsOf(flipped), isGuidOrSize || isHeaderSize ? Seconds() : 2.0) << at;
+            EXPECT_EQ(secondsOfAsf(flipped), isGuidOrSize || isHeaderSize ? Seconds() : 2.0) << at;
         }
     }
 }
@@ -166,7 +166,7 @@ TEST(AsfDuration, IsSoughtInTheFirstMebibyteOnly) {
     for (const Row& row : rows) {
         const Bytes before = object(row.start - 30 - 24);
         const Bytes properties = AsfFileProperties{.objectSize = 24}.bytes();
-        EXPECT_EQ(secondsOf(asfHeader(joined({before, properties}))), row.seconds) << row.name;
+        EXPECT_EQ(secondsOfAsf(asfHeader(joined({before, properties}))), row.seconds) << row.name;
     }
 }
 

@@ -77,6 +77,8 @@ std::string adtsWith(const std::string& block) {
     return adts(4, 7 + block.size(), 1).replace(7, block.size(), block);
 }
 
+} // namespace
+
 struct HeaderRow {
     std::string_view name;
     std::uint32_t header;
@@ -89,8 +91,6 @@ void PrintTo(const HeaderRow& row, std::ostream* out) {
 }
 
 class MpegHeaders : public testing::TestWithParam<HeaderRow> {};
-
-} // namespace
 
 TEST_P(MpegHeaders, GiveTheLengthOfTheirFrames) {
     const HeaderRow& row = GetParam();

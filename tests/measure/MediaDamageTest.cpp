@@ -14,11 +14,6 @@
 
 namespace velmora::test {
 
-namespace {
-
-using namespace std::string_literals;
-constexpr AudioShape shape{.frames = 32'000, .rate = 32'000, .channels = 1};
-
 /// A format whose cut-off files can be told, with the command that makes one; empty for the usual encoder.
 struct DamageRow {
     std::string_view extension;
@@ -29,6 +24,11 @@ struct DamageRow {
 void PrintTo(const DamageRow& row, std::ostream* out) {
     *out << row.extension;
 }
+
+namespace {
+
+using namespace std::string_literals;
+constexpr AudioShape shape{.frames = 32'000, .rate = 32'000, .channels = 1};
 
 std::string sample(const DamageRow& row) {
     const fs::path path = freshFolder() / ("track." + std::string(row.extension));
@@ -42,9 +42,9 @@ void expectSane(const MediaAnswer& answer, std::size_t at) {
     }
 }
 
-class MediaDamage : public testing::TestWithParam<DamageRow> {};
-
 } // namespace
+
+class MediaDamage : public testing::TestWithParam<DamageRow> {};
 
 TEST_P(MediaDamage, CutOffNeverPlaysLonger) {
     const std::string whole = sample(GetParam());

@@ -10,8 +10,6 @@
 
 namespace velmora::test {
 
-namespace {
-
 /// The default encoder for the extension, and by how many seconds its output may play longer.
 struct EncodedRow {
     std::string extension;
@@ -23,8 +21,6 @@ void PrintTo(const EncodedRow& row, std::ostream* out) {
 }
 
 class EncodedMedia : public testing::TestWithParam<EncodedRow> {};
-
-} // namespace
 
 TEST_P(EncodedMedia, HasTheLengthOfItsSource) {
     const EncodedRow& row = GetParam();

@@ -65,6 +65,8 @@ ByteSource paddedSource(const std::string& head, std::int64_t size, std::int64_t
             }};
 }
 
+} // namespace
+
 struct TrapRow {
     std::string_view name;
     std::string_view content;
@@ -75,8 +77,6 @@ void PrintTo(const TrapRow& row, std::ostream* out) {
 }
 
 class MediaTrap : public testing::TestWithParam<TrapRow> {};
-
-} // namespace
 
 TEST_P(MediaTrap, IsNoAudioAndOpensNothingBesideItself) {
     for (const char* const extension : {"mp3", "m4a", "wav", "aac"}) {

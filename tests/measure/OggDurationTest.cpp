@@ -19,7 +19,7 @@ using test::OggPage;
 using Seconds = std::optional<double>;
 using Codec = std::optional<OggCodec>;
 
-Seconds secondsOf(const Bytes& file) {
+Seconds secondsOfOgg(const Bytes& file) {
     return oggSeconds(sourceOf(std::span(file)));
 }
 
@@ -45,34 +45,34 @@ Bytes onePage(std::uint8_t segments, std::size_t size) {
 } // namespace
 
 TEST(OggDuration, DividesTheLastGranuleByTheRateOfEachCodec) {
-    EXPECT_EQ(secondsOf(oggFile(test::vorbisHeader(44'100), 66'150)), 1.5);
-    EXPECT_EQ(secondsOf(oggFile(test::opusHeader(0, 48'000), 24'000)), 0.5);
-    EXPECT_EQ(secondsOf(oggFile(test::speexHeader(16'000), 4'000)), 0.25);
-    EXPECT_EQ(secondsOf(oggFile(test::flacHeader(44'100), 441'000)), 10.0);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::vorbisHeader(44'100), 66'150)), 1.5);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::opusHeader(0, 48'000), 24'000)), 0.5);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::speexHeader(16'000), 4'000)), 0.25);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::flacHeader(44'100), 441'000)), 10.0);
 }
 
 TEST(OggDuration, CountsOpusAt48kHzLessThePreSkipWhateverTheInputRate) {
-    EXPECT_EQ(secondsOf(oggFile(test::opusHeader(312, 48'000), 48'312)), 1.0);
-    EXPECT_EQ(secondsOf(oggFile(test::opusHeader(312, 44'100), 48'312)), 1.0);
-    EXPECT_EQ(secondsOf(oggFile(test::opusHeader(0xFFFF, 0), 48'000 + 0xFFFF)), 1.0);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::opusHeader(312, 48'000), 48'312)), 1.0);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::opusHeader(312, 44'100), 48'312)), 1.0);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::opusHeader(0xFFFF, 0), 48'000 + 0xFFFF)), 1.0);
 }
 
 TEST(OggDuration, IsAbsentWithoutSamplesAfterThePreSkip) {
-    EXPECT_EQ(secondsOf(oggFile(test::opusHeader(312, 48'000), 311)), Seconds());
-    EXPECT_EQ(secondsOf(oggFile(test::opusHeader(312, 48'000), 312)), Seconds());
-    EXPECT_EQ(secondsOf(oggFile(test::opusHeader(312, 48'000), 313)), 1.0 / 48'000);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::opusHeader(312, 48'000), 311)), Seconds());
+    EXPECT_EQ(secondsOfOgg(oggFile(test::opusHeader(312, 48'000), 312)), Seconds());
+    EXPECT_EQ(secondsOfOgg(oggFile(test::opusHeader(312, 48'000), 313)), 1.0 / 48'000);
 }
 
 TEST(OggDuration, IsAbsentForARateOfZero) {
-    EXPECT_EQ(secondsOf(oggFile(test::vorbisHeader(0), 44'100)), Seconds());
-    EXPECT_EQ(secondsOf(oggFile(test::speexHeader(0), 44'100)), Seconds());
-    EXPECT_EQ(secondsOf(oggFile(test::flacHeader(0), 44'100)), Seconds());
+    EXPECT_EQ(secondsOfOgg(oggFile(test::vorbisHeader(0), 44'100)), Seconds());
+    EXPECT_EQ(secondsOfOgg(oggFile(test::speexHeader(0), 44'100)), Seconds());
+    EXPECT_EQ(secondsOfOgg(oggFile(test::flacHeader(0), 44'100)), Seconds());
 }
 
 TEST(OggDuration, TakesAbsurdNumbersAsTheyStand) {
-    EXPECT_EQ(secondsOf(oggFile(test::vorbisHeader(1), noGranule - 1)), 0x1p64);
-    EXPECT_EQ(secondsOf(oggFile(test::vorbisHeader(0xFFFF'FFFF), 1)), 1.0 / 4'294'967'295.0);
-    EXPECT_EQ(secondsOf(oggFile(test::flacHeader(0xF'FFFF), 0xF'FFFF)), 1.0);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::vorbisHeader(1), noGranule - 1)), 0x1p64);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::vorbisHeader(0xFFFF'FFFF), 1)), 1.0 / 4'294'967'295.0);
+    EXPECT_EQ(secondsOfOgg(oggFile(test::flacHeader(0xF'FFFF), 0xF'FFFF)), 1.0);
 }
 
 TEST(OggDuration, PassesOverPagesOnWhichNothingEnds) {
@@ -93,31 +93,31 @@ TEST(OggDuration, PassesOverPagesOnWhichNothingEnds) {
         Row{"no page at all", Bytes(5'000, 'O')},
     };
     for (const Row& row : rows) {
-        EXPECT_EQ(secondsOf(test::vorbisFile(joined({page(44'100), row.lastPages}))), 1.0) << row.name;
-        EXPECT_EQ(secondsOf(test::vorbisFile(row.lastPages)), Seconds()) << row.name;
+        EXPECT_EQ(secondsOfOgg(test::vorbisFile(joined({page(44'100), row.lastPages}))), 1.0) << row.name;
+        EXPECT_EQ(secondsOfOgg(test::vorbisFile(row.lastPages)), Seconds()) << row.name;
     }
 }
 
 TEST(OggDuration, TakesTheLastPageOfWhicheverStream) {
     const OggPage otherStream{.granulePosition = 88'200, .bitstreamSerialNumber = 2, .packets = Bytes(100)};
-    EXPECT_EQ(secondsOf(test::vorbisFile(joined({page(44'100), otherStream.bytes()}))), 2.0);
+    EXPECT_EQ(secondsOfOgg(test::vorbisFile(joined({page(44'100), otherStream.bytes()}))), 2.0);
 }
 
 TEST(OggDuration, TakesAPageHeaderWithinAPacketForOne) {
     const OggPage outer{.granulePosition = 44'100, .packets = page(88'200)};
-    EXPECT_EQ(secondsOf(test::vorbisFile(outer.bytes())), 2.0);
+    EXPECT_EQ(secondsOfOgg(test::vorbisFile(outer.bytes())), 2.0);
 }
 
 TEST(OggDuration, TakesAHeaderThatEndsWithTheFile) {
     const OggPage empty{.granulePosition = 44'100, .segments = 0};
-    EXPECT_EQ(secondsOf(test::vorbisFile(joined({Bytes(60), empty.bytes()}))), 1.0);
+    EXPECT_EQ(secondsOfOgg(test::vorbisFile(joined({Bytes(60), empty.bytes()}))), 1.0);
 }
 
 TEST(OggDuration, WantsMoreThan40BytesAfterTheFirstPagesHeader) {
     for (const std::uint8_t segments : std::to_array<std::uint8_t>({0, 1, 2, 100, 254, 255})) {
         const std::size_t tooSmall = segments + 67;
-        EXPECT_EQ(secondsOf(onePage(segments, tooSmall)), Seconds()) << int{segments};
-        EXPECT_EQ(secondsOf(onePage(segments, tooSmall + 1)), 1.0) << int{segments};
+        EXPECT_EQ(secondsOfOgg(onePage(segments, tooSmall)), Seconds()) << int{segments};
+        EXPECT_EQ(secondsOfOgg(onePage(segments, tooSmall + 1)), 1.0) << int{segments};
     }
 }
 
@@ -127,7 +127,7 @@ TEST(OggDuration, LooksAtNothingOfTheFirstPageButThePatternAndTheSegmentCount) {
         Bytes flipped = good;
         flipped[at] ^= 0xFF;
         const bool matters = at < 4 || at == 26;
-        EXPECT_EQ(secondsOf(flipped), matters ? Seconds() : 1.0) << at;
+        EXPECT_EQ(secondsOfOgg(flipped), matters ? Seconds() : 1.0) << at;
     }
 }
 
@@ -140,9 +140,9 @@ TEST(OggDuration, LooksAtNothingOfTheLastPageButPatternVersionAndGranule) {
         flipped[last + at] ^= 0x80;
         const bool isGranule = at >= 6 && at < 14;
         if (isGranule) {
-            EXPECT_TRUE(secondsOf(flipped) && secondsOf(flipped) != 1.0) << at;
+            EXPECT_TRUE(secondsOfOgg(flipped) && secondsOfOgg(flipped) != 1.0) << at;
         } else {
-            EXPECT_EQ(secondsOf(flipped), at < 5 ? Seconds() : 1.0) << at;
+            EXPECT_EQ(secondsOfOgg(flipped), at < 5 ? Seconds() : 1.0) << at;
         }
     }
 }
@@ -152,7 +152,7 @@ TEST(OggDuration, IsAbsentForEveryPrefixWithoutThePageThatCounts) {
     const std::size_t wholeHeader = good.size() - 128 + 27;
     for (std::size_t size = 0; size <= good.size(); ++size) {
         const Bytes prefix(good.begin(), good.begin() + static_cast<std::ptrdiff_t>(size));
-        EXPECT_EQ(secondsOf(prefix), size < wholeHeader ? Seconds() : 1.0) << size;
+        EXPECT_EQ(secondsOfOgg(prefix), size < wholeHeader ? Seconds() : 1.0) << size;
     }
 }
 

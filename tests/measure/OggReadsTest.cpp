@@ -21,7 +21,7 @@ using Seconds = std::optional<double>;
 
 constexpr std::size_t maxTail = 262'144;
 
-Bytes page(std::uint64_t granule) {
+Bytes emptyPage(std::uint64_t granule) {
     return OggPage{.granulePosition = granule, .segments = 0}.bytes();
 }
 
@@ -62,7 +62,7 @@ TEST(OggReads, OnlyTheHeadOfWhatIsNotOgg) {
 }
 
 TEST(OggReads, TheHeadAndOneSmallPieceOfACommonFile) {
-    const Bytes file = test::vorbisFile(joined({Bytes(3'000'000), page(44'100), Bytes(4'500)}));
+    const Bytes file = test::vorbisFile(joined({Bytes(3'000'000), emptyPage(44'100), Bytes(4'500)}));
     const Outcome outcome = outcomeOf(file);
     EXPECT_EQ(outcome.seconds, 1.0);
     EXPECT_EQ(outcome.reads.size(), 2U);
@@ -72,7 +72,7 @@ TEST(OggReads, TheHeadAndOneSmallPieceOfACommonFile) {
 TEST(OggReads, LittleMoreThanTwiceTheWayToThePageThatCounts) {
     for (const std::size_t distance : {10'000UL, 20'000UL, 65'000UL, 130'000UL, 250'000UL}) {
         const Outcome outcome =
-            outcomeOf(test::vorbisFile(joined({Bytes(1'000'000), page(44'100), Bytes(distance)})));
+            outcomeOf(test::vorbisFile(joined({Bytes(1'000'000), emptyPage(44'100), Bytes(distance)})));
         EXPECT_EQ(outcome.seconds, 1.0) << distance;
         EXPECT_LT(outcome.bytes(), 2 * static_cast<std::int64_t>(distance) + 9'000) << distance;
         EXPECT_TRUE(test::areDisjoint(outcome.reads)) << distance;
@@ -95,7 +95,7 @@ TEST(OggReads, NoByteTwiceAndNoneBeyondTheTailOfAFileWithoutAnEnd) {
 }
 
 TEST(OggReads, ThePageThatBeginsTheTailButNoneBefore) {
-    const Bytes lone = page(44'100);
+    const Bytes lone = emptyPage(44'100);
     const Bytes rest(maxTail - lone.size());
     EXPECT_EQ(outcomeOf(test::vorbisFile(joined({Bytes(70'000), lone, rest}))).seconds, 1.0);
     EXPECT_EQ(outcomeOf(test::vorbisFile(joined({Bytes(70'000), lone, rest, Bytes(1)}))).seconds, Seconds());
@@ -104,7 +104,7 @@ TEST(OggReads, ThePageThatBeginsTheTailButNoneBefore) {
 TEST(OggReads, EveryPageHeaderWhereverItLies) {
     // More than two windows: a header straddles the border between two of them in every possible way.
     constexpr std::size_t distances = 26'000;
-    const Bytes lone = page(44'100);
+    const Bytes lone = emptyPage(44'100);
     const Bytes start = test::vorbisFile(Bytes(100));
     Bytes file = joined({start, Bytes(distances)});
     for (std::size_t at = start.size(); at + lone.size() <= file.size(); ++at) {
@@ -115,7 +115,7 @@ TEST(OggReads, EveryPageHeaderWhereverItLies) {
 }
 
 TEST(OggReads, NothingWhenAReadFails) {
-    const Bytes file = test::vorbisFile(joined({Bytes(70'000), page(44'100), Bytes(10'000)}));
+    const Bytes file = test::vorbisFile(joined({Bytes(70'000), emptyPage(44'100), Bytes(10'000)}));
     EXPECT_EQ(oggSeconds(test::failingAfter(0, file)), Seconds());
     EXPECT_EQ(oggSeconds(test::failingAfter(1, file)), Seconds());
     EXPECT_EQ(oggSeconds(test::failingAfter(2, file)), Seconds());
@@ -123,7 +123,7 @@ TEST(OggReads, NothingWhenAReadFails) {
 }
 
 TEST(OggReads, NothingOfAFileThatShrank) {
-    const Bytes file = test::vorbisFile(joined({Bytes(20'000), page(44'100)}));
+    const Bytes file = test::vorbisFile(joined({Bytes(20'000), emptyPage(44'100)}));
     ByteSource source = sourceOf(std::span(file));
     source.size += 30'000;
     EXPECT_EQ(oggSeconds(source), Seconds());

@@ -18,8 +18,6 @@ using testing::Contains;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr AudioShape tenSeconds{.frames = 441'000};
-
 struct Container : NamedRow {
     std::string extension;
     std::string command = {}; ///< of the encoder, if it is not the usual one

@@ -14,8 +14,6 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 using namespace std::string_literals;
 
-constexpr AudioShape tenSeconds{.frames = 441'000};
-
 std::string mp3(const std::string& options) {
     return made("mp3", "lame --quiet " + options + R"( "$IN" "$OUT")", tenSeconds);
 }

@@ -13,6 +13,8 @@
 
 namespace velmora::test {
 
+inline constexpr AudioShape tenSeconds{.frames = 441'000};
+
 /// The bytes that `command`, or the usual encoder for `extension`, makes of `shape`; see encodeAudio.
 std::string made(std::string_view extension, std::string_view command, const AudioShape& shape = {});
 std::string made(std::string_view extension, const AudioShape& shape = {});
