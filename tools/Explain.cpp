@@ -129,7 +129,7 @@ std::string stated(const std::optional<MediaAnswer>& answer) {
 
 void print(const Explanation& story) {
     const double seconds = story.measured.seconds;
-    std::printf("%s\n", story.measured.url.c_str());
+    std::printf("%s\n", story.measured.url.native().c_str());
     std::printf("  length   %s\n", seconds > 0 ? secondsText(seconds).c_str() : "not known");
     if (const std::optional<Reason> why = story.measured.why) {
         std::printf("  why      %s\n", std::string(wordsFor(*why)).c_str());

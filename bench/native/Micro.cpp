@@ -41,12 +41,13 @@ void measureFile(benchmark::State& state, const std::filesystem::path& file) {
 }
 
 /// 20 tracks in a folder, as they lie on disks: neither sorted nor far from it.
-velmora::Paths unsortedPaths(int count) {
-    velmora::Paths paths;
+velmora::FilePaths unsortedPaths(int count) {
+    velmora::FilePaths paths;
     for (int i = 0; i < count; ++i) {
         const int folder = (i / 20 * 7) % (count / 20);
-        paths.emplace_back("/music/Artist " + std::to_string(folder) + "/Album/" +
-                           std::to_string(i * 13 % 20) + " - Song.flac");
+        const velmora::FilePath file = "/music/Artist " + std::to_string(folder) + "/Album/" +
+                                       std::to_string(i * 13 % 20) + " - Song.flac";
+        paths.push_back(paths.empty() ? file : file.sharing(paths.back()));
     }
     return paths;
 }

@@ -32,14 +32,9 @@ Kind kindOf(std::string_view name) {
     return isArchive(extension) ? Kind::archive : Kind::neither;
 }
 
-std::string joined(const std::string& folder, std::string_view name) {
-    std::string path;
-    path.reserve(folder.size() + 1 + name.size());
-    path += folder;
-    if (!folder.ends_with('/')) {
-        path += '/';
-    }
-    return path += name;
+/// What the paths of all that lies in `folder` begin with.
+FilePath::Folder sharedBegin(const std::string& folder) {
+    return std::make_shared<const std::string>(folder.ends_with('/') ? folder : folder + '/');
 }
 
 /// Whether the entry is an item of our own in the temporary directory: what comes out of an archive is found
@@ -62,7 +57,7 @@ public:
         if (fs::is_directory(status)) {
             folder(path.native(), depth);
         } else if (fs::exists(status)) {
-            file(path, kindOf(lastComponent(path)), depth);
+            file(sharing(path), kindOf(lastComponent(path)), depth);
         } else if (status.type() == fs::file_type::none) { // it may be there, but cannot be looked at
             m_found.unreadableFolders.push_back({path, error.value()});
         }
@@ -76,6 +71,7 @@ private:
         while (!pending.empty()) {
             const std::string current = std::move(pending.back());
             pending.pop_back();
+            const FilePath::Folder shared = sharedBegin(current);
             FolderReader reader(current);
             while (const std::optional<FolderEntry> entry = reader.next()) {
                 if (m_stop.stop_requested()) {
@@ -85,9 +81,9 @@ private:
                     continue;
                 }
                 if (entry->kind == EntryKind::folder) {
-                    pending.push_back(joined(current, entry->name));
+                    pending.push_back(FilePath(shared, entry->name).native());
                 } else if (const Kind kind = kindOf(entry->name); kind != Kind::neither) {
-                    file(joined(current, entry->name), kind, depth);
+                    file({shared, entry->name}, kind, depth);
                 }
             }
             if (reader.error() != 0) {
@@ -96,13 +92,18 @@ private:
         }
     }
 
-    void file(fs::path path, Kind kind, int depth) {
+    /// `path`, with the folder of the file found last where it is the same.
+    FilePath sharing(const FilePath& path) const {
+        return m_found.files.empty() ? path : path.sharing(m_found.files.back());
+    }
+
+    void file(FilePath path, Kind kind, int depth) {
         switch (kind) {
         case Kind::audio:
             m_found.files.push_back(std::move(path));
             break;
         case Kind::archive:
-            archive(std::move(path), depth);
+            archive(path, depth);
             break;
         case Kind::neither:
             break;

@@ -118,28 +118,31 @@ void take(Explanation& story, const std::filesystem::path& path, const RegularFi
 
 } // namespace
 
-Measured measure(const std::filesystem::path& path, const std::stop_token& stop) {
-    return explain(path, stop).measured;
+Measured measure(const FilePath& file, const std::stop_token& stop) {
+    return explain(file, stop).measured;
 }
 
-Explanation explain(const std::filesystem::path& path, const std::stop_token& stop) {
-    const std::optional<RegularFile> file = RegularFile::open(path);
-    if (!file) {
-        const Reason why = reasonOfOpening(errno);
-        return {.measured = {path, unmeasured, sizeAt(path), why}};
+Explanation explain(const FilePath& file, const std::stop_token& stop) {
+    const std::filesystem::path path = file;
+    Explanation story{.measured = {.url = file, .why = Reason::stopped}};
+    const std::optional<RegularFile> opened = RegularFile::open(path);
+    if (!opened) {
+        story.measured.why = reasonOfOpening(errno);
+        story.measured.bytes = sizeAt(path);
+        return story;
     }
-    Explanation story{.measured = {path, unmeasured, file->size(), Reason::stopped}};
+    story.measured.bytes = opened->size();
     if (stop.stop_requested()) {
         return story;
     }
-    take(story, path, *file, stop);
+    take(story, path, *opened, stop);
     if (story.hasReadFailed && !story.wasFfprobeAsked) {
         story.measured.seconds = unmeasured;
     }
     if (story.measured.seconds > 0) {
         story.measured.why.reset();
     } else if (!stop.stop_requested()) {
-        story.measured.why = reasonFor(story, file->size());
+        story.measured.why = reasonFor(story, opened->size());
     }
     return story;
 }

@@ -14,10 +14,10 @@
 
 namespace velmora::Collector {
 
-/// Times the file at `path`. `seconds` is positive and finite, or -1.0 when no way could time it or it is not
+/// Times `file`. `seconds` is positive and finite, or -1.0 when no way could time it or it is not
 /// a regular file, and `why` then says why; `bytes` is its size, 0 when that cannot be read. Never throws.
 /// Blocks the calling thread; any thread, many at once. Ends early, with -1.0, when `stop` is requested.
-Measured measure(const std::filesystem::path& path, const std::stop_token& stop = {});
+Measured measure(const FilePath& file, const std::stop_token& stop = {});
 
 /// A measurement and the way it went.
 struct Explanation {
@@ -34,6 +34,6 @@ struct Explanation {
 };
 
 /// Measures as `measure` does, and says how.
-Explanation explain(const std::filesystem::path& path, const std::stop_token& stop = {});
+Explanation explain(const FilePath& file, const std::stop_token& stop = {});
 
 } // namespace velmora::Collector

@@ -3,6 +3,7 @@
 // The plain values that carry a scan's results from gathering and measuring to whoever shows them.
 // A path is bytes, absolute, as it was found. Durations are seconds, sizes are bytes.
 
+#include "records/FilePath.h"
 #include "records/FormatName.h"
 #include "records/PathList.h"
 #include "records/Reasons.h"
@@ -22,7 +23,7 @@ inline constexpr double unmeasured = -1.0;
 /// One audio file after measurement.
 struct Measured {
     /// The file as it was found: in a dropped folder or in an extraction directory.
-    std::filesystem::path url;
+    FilePath url;
     double seconds = unmeasured;
     std::int64_t bytes = 0;         ///< 0 when the size could not be read
     std::optional<Reason> why = {}; ///< why it could not be measured; absent when it was
@@ -63,7 +64,7 @@ struct UnreadableFolder {
 
 /// What gathering found.
 struct GatherResult {
-    Paths files;                                 ///< every audio file, in scan order once sorted
+    FilePaths files;                             ///< every audio file, in scan order once sorted
     Paths temps;                                 ///< extraction directories, in the order they were made
     Paths archives;                              ///< archives[i] is what was unpacked into temps[i]
     std::vector<SkippedArchive> skippedArchives; ///< as they were met

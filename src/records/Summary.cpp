@@ -24,7 +24,7 @@ ScanSummary summarize(const std::vector<Measured>& files) {
         summary.fileCount += 1;
         summary.bytes += file.bytes;
 
-        const std::string key = upperCased(extensionOf(file.url.native()));
+        const std::string key = upperCased(extensionOf(file.url.name()));
         FormatStat& format = formats.try_emplace(key, FormatStat{key, 0, 0}).first->second;
         format.count += 1;
         format.seconds += file.seconds;

@@ -8,7 +8,7 @@
 
 namespace velmora {
 
-MeasuringStage::MeasuringStage(Paths files, Measure measure, Deliver deliver)
+MeasuringStage::MeasuringStage(FilePaths files, Measure measure, Deliver deliver)
     : m_files(std::move(files))
     , m_measure(std::move(measure))
     , m_deliver(std::move(deliver)) {}
@@ -21,11 +21,11 @@ void MeasuringStage::start(BackgroundTasks& background, MainThreadQueue& mainThr
                           });
 }
 
-Measured MeasuringStage::measured(std::filesystem::path file, const std::stop_token& stop) const {
+Measured MeasuringStage::measured(const FilePath& file, const std::stop_token& stop) const {
     try {
         return m_measure(file, stop);
     } catch (const std::exception&) {
-        return {.url = std::move(file), .why = Reason::cannotBeRead};
+        return {.url = file, .why = Reason::cannotBeRead};
     }
 }
 
@@ -35,8 +35,8 @@ void MeasuringStage::work(MainThreadQueue& mainThread, const std::stop_token& st
         if (index >= m_files.size()) {
             return;
         }
-        // From here on the record holds the path.
-        handOver({index, measured(std::move(m_files[index]), stop)}, mainThread);
+        const FilePath file = std::move(m_files[index]); // from here on the record holds it
+        handOver({index, measured(file, stop)}, mainThread);
     }
 }
 

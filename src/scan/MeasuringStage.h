@@ -7,12 +7,10 @@
 #include "records/Records.h"
 #include "scan/BackgroundTasks.h"
 #include "scan/MainThreadQueue.h"
-#include "system/Paths.h"
 
 #include <atomic>
 #include <cstddef>
 #include <deque>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -30,7 +28,7 @@ struct MeasuredFile {
 class MeasuringStage : public std::enable_shared_from_this<MeasuringStage> {
 public:
     using Batch = std::vector<MeasuredFile>;
-    using Measure = std::function<Measured(const std::filesystem::path& file, const std::stop_token& stop)>;
+    using Measure = std::function<Measured(const FilePath& file, const std::stop_token& stop)>;
     using Deliver = std::function<void(Batch batch)>;
 
     /// Files measured at the same time: the bound on open files and child processes.
@@ -41,7 +39,7 @@ public:
 
     /// `measure` is called on the workers; where it throws, for want of memory, its file stays unmeasured.
     /// `deliver` is called on the main thread with results in the order of their completion.
-    MeasuringStage(Paths files, Measure measure, Deliver deliver);
+    MeasuringStage(FilePaths files, Measure measure, Deliver deliver);
 
     /// Starts the workers, fewer where the system has no further thread; where it has none, measures before
     /// it returns. They hold the stage until the last file is measured or `stop` is requested: then no
@@ -50,12 +48,12 @@ public:
     void start(BackgroundTasks& background, MainThreadQueue& mainThread, const std::stop_token& stop);
 
 private:
-    Measured measured(std::filesystem::path file, const std::stop_token& stop) const;
+    Measured measured(const FilePath& file, const std::stop_token& stop) const;
     void work(MainThreadQueue& mainThread, const std::stop_token& stop);
     void handOver(MeasuredFile result, MainThreadQueue& mainThread);
     Batch takeBatch();
 
-    Paths m_files; // each taken by the one worker that measures it
+    FilePaths m_files; // each left by the one worker that measures it
     const Measure m_measure;
     const Deliver m_deliver;
     std::atomic<std::size_t> m_next = 0;

@@ -113,7 +113,7 @@ void ScanModel::takeGathered(const std::shared_ptr<Job>& job, GatherResult gathe
     if (job->cancelled.stop_requested()) {
         return;
     }
-    Paths files = std::exchange(gathered.files, {});
+    FilePaths files = std::exchange(gathered.files, {});
     job->gathered = std::move(gathered);
     m_details->skippedArchives = job->gathered.skippedArchives;
     m_details->unreadableFolders = job->gathered.unreadableFolders;
@@ -133,7 +133,7 @@ void ScanModel::takeGathered(const std::shared_ptr<Job>& job, GatherResult gathe
     startMeasuring(job, std::move(files));
 }
 
-void ScanModel::startMeasuring(const std::shared_ptr<Job>& job, Paths files) {
+void ScanModel::startMeasuring(const std::shared_ptr<Job>& job, FilePaths files) {
     const auto stage = std::make_shared<MeasuringStage>(
         std::move(files), m_stages.measure,
         [this, job](MeasuringStage::Batch batch) { takeMeasured(job, std::move(batch)); });

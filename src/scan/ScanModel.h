@@ -32,7 +32,7 @@ struct ScanStages {
     std::function<GatherResult(const PathList& dropped, const std::stop_token& stop,
                                const Unpacking& unpacking)>
         gather;
-    std::function<Measured(const std::filesystem::path& file, const std::stop_token& stop)> measure;
+    std::function<Measured(const FilePath& file, const std::stop_token& stop)> measure;
 
     static ScanStages real();
 };
@@ -123,7 +123,7 @@ private:
 
     void cancelJob();
     void takeGathered(const std::shared_ptr<Job>& job, GatherResult gathered);
-    void startMeasuring(const std::shared_ptr<Job>& job, Paths files);
+    void startMeasuring(const std::shared_ptr<Job>& job, FilePaths files);
     void takeMeasured(const std::shared_ptr<Job>& job, std::vector<MeasuredFile> batch);
     void sumUp(const std::shared_ptr<Job>& job);
     void finish(Job& job, ScanSummary summary);

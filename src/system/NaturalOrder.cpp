@@ -23,6 +23,21 @@ icu::Locale sortingLocale() {
     return icu::Locale::getRoot();
 }
 
+/// Stands in a key between letters, accents and case, and nowhere else.
+constexpr char levelEnd = '\x01';
+
+/// How long the first component of `path` is, with the slash at its end. The collator takes a wide slash for
+/// a slash. What it makes of a letter depends on the one before, but here never on one before a slash.
+std::size_t lengthOfComponent(std::string_view path) {
+    constexpr std::string_view wideSlash = "\uFF0F";
+    const std::size_t slash = path.find('/');
+    const std::size_t wide = path.substr(0, slash).find(wideSlash);
+    if (wide != std::string_view::npos) {
+        return wide + wideSlash.size();
+    }
+    return slash == std::string_view::npos ? path.size() : slash + 1;
+}
+
 } // namespace
 
 NaturalOrder::NaturalOrder()
@@ -42,8 +57,21 @@ NaturalOrder::NaturalOrder()
 NaturalOrder::~NaturalOrder() = default;
 
 void NaturalOrder::append(std::string_view text, std::string& keys) {
+    keys += keyOf(text);
+}
+
+void NaturalOrder::appendLetters(std::string_view path, std::string& keys) {
+    while (!path.empty()) {
+        const std::size_t length = lengthOfComponent(path);
+        const std::string_view key = keyOf(path.substr(0, length));
+        keys += key.substr(0, key.find(levelEnd));
+        path.remove_prefix(length);
+    }
+}
+
+std::string_view NaturalOrder::keyOf(std::string_view text) {
     if (!m_collator) {
-        return;
+        return {};
     }
     const icu::UnicodeString unicode =
         icu::UnicodeString::fromUTF8({text.data(), static_cast<std::int32_t>(text.size())});
@@ -55,7 +83,7 @@ void NaturalOrder::append(std::string_view text, std::string& keys) {
         m_buffer.resize(static_cast<std::size_t>(length));
         length = make();
     }
-    keys.append(m_buffer.begin(), m_buffer.begin() + length);
+    return {reinterpret_cast<const char*>(m_buffer.data()), static_cast<std::size_t>(length)};
 }
 
 } // namespace velmora

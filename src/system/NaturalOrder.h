@@ -32,9 +32,16 @@ public:
     /// where there is no collator.
     void append(std::string_view text, std::string& keys);
 
+    /// Appends the part of that key which is compared first: letters and numbers, without accents. Other than
+    /// whole keys, these parts can be put together: that of "Album/01.wav" is that of "Album/" and then that
+    /// of "01.wav". Where two are equal, the whole keys decide.
+    void appendLetters(std::string_view path, std::string& keys);
+
 private:
+    std::string_view keyOf(std::string_view text);
+
     std::unique_ptr<icu::Collator> m_collator;
-    std::vector<std::uint8_t> m_buffer;
+    std::vector<std::uint8_t> m_buffer; // holds the last key
 };
 
 } // namespace velmora

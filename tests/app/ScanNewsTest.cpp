@@ -74,7 +74,7 @@ protected:
                              now += duration;
                              held.wait(true);
                              GatherResult result;
-                             result.files = dropped.paths();
+                             result.files = {dropped.begin(), PathList::end()};
                              return result;
                          },
                      .measure =

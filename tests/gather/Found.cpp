@@ -14,7 +14,7 @@ GatherResult walked(const fs::path& path, int depth) {
 
 std::vector<std::string> namesIn(const GatherResult& found, const fs::path& folder) {
     std::vector<std::string> names;
-    for (const fs::path& file : found.files) {
+    for (const fs::path file : found.files) {
         std::string name = file.lexically_relative(folder);
         for (std::size_t i = 0; i < found.temps.size(); ++i) {
             const std::string start = found.temps[i].native() + "/";

@@ -27,14 +27,14 @@ protected:
         }
     }
 
-    static Paths sorted(Paths files, const Paths& temps = {}) {
+    static FilePaths sorted(FilePaths files, const Paths& temps = {}) {
         Collector::sortScanOrder(files, temps);
         return files;
     }
 
     /// Expects that `files` come out in this order, in whichever they came in.
-    static void expectOrder(const Paths& files, const Paths& temps = {}) {
-        Paths shuffled = files;
+    static void expectOrder(const FilePaths& files, const Paths& temps = {}) {
+        FilePaths shuffled = files;
         std::mt19937 random(1); // NOLINT(bugprone-random-generator-seed): the same each time
         for (int i = 0; i < 20; ++i) {
             std::shuffle(shuffled.begin(), shuffled.end(), random);
@@ -81,15 +81,15 @@ TEST_F(ScanOrder, SortsNothingAndOne) {
 }
 
 TEST_F(ScanOrder, IsTheSameWhateverThePathsHaveInCommon) {
-    const Paths files = {"/Músic/1/Disc 2/1.wav", "/Músic/1/Disc 2/10.wav", "/Músic/1/Disc 10/2.wav",
-                         "/Músic/1/Disc 10/é.wav", "/Músic/1/Disc 10/\xCC\x81.wav"};
-    Paths withAnother = files;
+    const FilePaths files = {"/Músic/1/Disc 2/1.wav", "/Músic/1/Disc 2/10.wav", "/Músic/1/Disc 10/2.wav",
+                             "/Músic/1/Disc 10/é.wav", "/Músic/1/Disc 10/\xCC\x81.wav"};
+    FilePaths withAnother = files;
     withAnother.emplace_back("/0.wav"); // now only the first slash is common
-    Paths expected = sorted(withAnother);
+    FilePaths expected = sorted(withAnother);
     ASSERT_EQ(expected.front(), "/0.wav");
     expected.erase(expected.begin());
     EXPECT_EQ(sorted(files), expected);
-    EXPECT_EQ(sorted({files[1], files[0]}), (Paths{files[0], files[1]})); // not the digit in common
+    EXPECT_EQ(sorted({files[1], files[0]}), (FilePaths{files[0], files[1]})); // not the digit in common
 }
 
 TEST_F(ScanOrder, TakesNamesThatAreNotUtf8) {
@@ -114,7 +114,7 @@ TEST_F(ScanOrder, TellsADirectoryFromOneWhoseNameBeginsTheSame) {
 }
 
 TEST_F(ScanOrder, ComparesDirectoriesInStandardForm) {
-    const Paths files = {"/tmp/z.wav", "/tmp/y/../velmora-AB/./1.wav"};
+    const FilePaths files = {"/tmp/z.wav", "/tmp/y/../velmora-AB/./1.wav"};
     for (const char* temp :
          {"/tmp/velmora-AB", "/tmp/velmora-AB/", "/tmp//velmora-AB", "/tmp/x/../velmora-AB/."}) {
         expectOrder(files, {temp});
@@ -123,8 +123,8 @@ TEST_F(ScanOrder, ComparesDirectoriesInStandardForm) {
 }
 
 TEST_F(ScanOrder, FollowsTheUsersLocale) {
-    const Paths german = {"/m/a.wav", "/m/ä.wav", "/m/z.wav"};
-    const Paths swedish = {"/m/a.wav", "/m/z.wav", "/m/ä.wav"};
+    const FilePaths german = {"/m/a.wav", "/m/ä.wav", "/m/z.wav"};
+    const FilePaths swedish = {"/m/a.wav", "/m/z.wav", "/m/ä.wav"};
     expectOrder(german);
     for (const char* name : {"sv_SE.UTF-8", "sv_SE", "sv", "sv_SE.UTF-8@modifier"}) {
         ::setenv("LC_ALL", name, 1);
@@ -139,8 +139,8 @@ TEST_F(ScanOrder, FollowsTheUsersLocale) {
 }
 
 TEST_F(ScanOrder, LooksForTheLocaleWhereTheSystemDoes) {
-    const Paths german = {"/m/a.wav", "/m/ä.wav", "/m/z.wav"};
-    const Paths swedish = {"/m/a.wav", "/m/z.wav", "/m/ä.wav"};
+    const FilePaths german = {"/m/a.wav", "/m/ä.wav", "/m/z.wav"};
+    const FilePaths swedish = {"/m/a.wav", "/m/z.wav", "/m/ä.wav"};
     ::setenv("LANG", "sv_SE.UTF-8", 1);
     expectOrder(swedish);
     ::setenv("LC_COLLATE", "de_DE.UTF-8", 1);

@@ -100,7 +100,7 @@ TEST_F(MemoryTest, AResetGivesTheMemoryOfManyFilesBack) {
     awaitStatus("COMPLETE");
     const double taken = resident() - before;
     model->reset();
-    EXPECT_GT(taken, 50e6);
+    EXPECT_GT(taken, 15e6);
     awaitThat([&] { return resident() - before < taken / 2; });
 }
 

@@ -60,7 +60,7 @@ protected:
         createModel({[this](const PathList& urls, const std::stop_token& stop, const Unpacking&) {
                          m_gate->pass(stop);
                          const Drop drop = Drop::of(urls.paths());
-                         return GatherResult{drop.files, {}, {}, drop.skipped};
+                         return GatherResult{{drop.files.begin(), drop.files.end()}, {}, {}, drop.skipped};
                      },
                      [this](const fs::path& url, const std::stop_token& stop) {
                          m_gate->pass(stop);

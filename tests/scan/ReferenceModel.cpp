@@ -67,7 +67,7 @@ Lines ReferenceModel::makeZip(const fs::path& destination, bool filesExist) {
     for (int done = 1; filesExist && done <= m_files; ++done) {
         zip.lines.push_back("zip working " + std::to_string(done) + total);
     }
-    const std::string first = measuredOf(m_drop.files).front().url.filename();
+    const std::string first = measuredOf(m_drop.files).front().url.name();
     zip.lines.push_back(filesExist ? "zip done " + destination.native()
                                    : "zip failed " + first + ": No such file or directory");
     add(std::move(zip));

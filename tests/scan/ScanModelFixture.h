@@ -67,7 +67,7 @@ protected:
     /// "processed 4" and the like alone.
     std::vector<std::string> takeRecordOf(const std::string& field);
 
-    static GatherResult gathered(const Paths& files) { return {files, {}, {}, {}}; }
+    static GatherResult gathered(const Paths& files) { return {{files.begin(), files.end()}, {}, {}, {}}; }
 
     HeldMeasuring held; // outlives the model's workers
     std::unique_ptr<ScanModel> model;

@@ -228,7 +228,7 @@ TEST_F(RowsModelTest, FreesItsRowsWhenItShowsNothing) {
 TEST(DetailsOfAScan, CanBeOpenedAtItsEndAndCloseWithTheNext) {
     const auto gather = [](const PathList& dropped, const std::stop_token&, const Unpacking&) {
         GatherResult result;
-        result.files = dropped.paths();
+        result.files = {dropped.begin(), PathList::end()};
         result.skippedArchives = {{"/m/set.zip", Reason::damaged}};
         return result;
     };

@@ -136,7 +136,7 @@ TEST_F(ScanViewTest, ShowsACountThatStreamsInOnceAFrame) {
     ScanModel model(
         {.gather =
              [](const auto&, const auto&, const auto&) {
-                 return GatherResult{Paths(files), {}, {}, {}};
+                 return GatherResult{FilePaths(files), {}, {}, {}};
              },
          .measure = [](const auto& path, const auto&) { return Measured{.url = path, .seconds = 1}; }});
     const ScanView follower(model);

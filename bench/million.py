@@ -1,0 +1,93 @@
+"""10,000 and a million files: time and peak memory a file, by report, in plain and in very deep folders.
+
+The files are names (hard links) for a few files of one second, so they lie in the page cache and measuring them
+takes next to nothing: what is left is what each file costs in the list itself. A folder holds 20 files.
+"""
+
+import os
+import shutil
+from collections.abc import Callable
+from pathlib import Path
+
+from measuring import DATA, SCAN, Contender, interleave, peak_memory, table
+from scaling import FILES_IN_A_FOLDER, encode_masters
+
+FEW = 500  # folders
+MANY = 50_000  # folders, those few included
+COPIES = 8  # of each small file: ext4 allows a file 65,000 names
+BRANCH = 50  # folders at the end of each deep branch
+ALBUM = 10  # of them, in a folder
+DEPTH = 40  # folders on the way to a deep file
+LETTERS = 25  # of a deep folder's name
+SHORT_ROUNDS = 5
+REPORTS = {"total": [], "--json": ["--json"], "--files": ["--files"]}
+
+
+def run() -> str:
+    start = Contender("start", [SCAN, "--version"])
+    interleave([start], rounds=SHORT_ROUNDS)
+    rows = []
+    for name, folder_of in {"plain": plain, "deep": deep}.items():
+        parts = many_files(DATA / f"million-{name}", folder_of)
+        for count, tops in ((FEW, parts[:1]), (MANY, parts)):
+            rows += [row(name, count * FILES_IN_A_FOLDER, report, tops, start.median()) for report in REPORTS]
+    return ("## A million files\n\n"
+            f"Names for a few files of one second, {FILES_IN_A_FOLDER} in a folder, warm cache. Deep: "
+            f"{DEPTH} folders of {LETTERS} letters on the\nway to each file. Without the start of the "
+            "program; memory is all that is resident at the peak.\n\n"
+            + table(["folders", "report", "files", "seconds", "µs a file", "bytes a file"], rows))
+
+
+def row(name: str, files: int, report: str, tops: list[Path], start: float) -> list[str]:
+    scan = Contender(f"{name}, {files:,} files, {report}", [SCAN, "--quiet", *REPORTS[report], *map(str, tops)])
+    interleave([scan], rounds=SHORT_ROUNDS if files < 100_000 else 1)
+    seconds = min(scan.seconds.values()) - start
+    memory = peak_memory(scan.command) * 1e6
+    return [name, report, f"{files:,}", f"{seconds:.2f}", f"{seconds / files * 1e6:.1f}",
+            f"{memory / files:.0f}"]
+
+
+def plain(number: int) -> Path:
+    return Path(f"Artist {number // ALBUM + 1}") / f"Album {number + 1}"
+
+
+def deep(number: int) -> Path:
+    branch = number // BRANCH
+    chain = [f"Branch {branch + 1} level {level + 1}" for level in range(DEPTH - 2)]
+    names = [*chain, f"Artist {number // ALBUM + 1}", f"Album {number + 1}"]
+    return Path(*(name.ljust(LETTERS, "x") for name in names))
+
+
+def many_files(folder: Path, folder_of: Callable[[int], Path]) -> list[Path]:
+    """Two folders, the few and the others; made if they are missing."""
+    if not folder.exists():
+        print(f"making a million names in {folder}", flush=True)
+        unfinished = folder.with_suffix(".unfinished")
+        shutil.rmtree(unfinished, ignore_errors=True)
+        fill(unfinished, folder_of)
+        unfinished.rename(folder)
+    return [folder / "few", folder / "others"]
+
+
+def fill(top: Path, folder_of: Callable[[int], Path]) -> None:
+    masters = small_masters(top / "masters")
+    for number in range(MANY):
+        folder = top / ("few" if number < FEW else "others") / folder_of(number)
+        folder.mkdir(parents=True)
+        opened = os.open(folder, os.O_PATH)
+        for file in range(number * FILES_IN_A_FOLDER, (number + 1) * FILES_IN_A_FOLDER):
+            master = masters[file % len(masters)]
+            os.link(master, f"{file % FILES_IN_A_FOLDER + 1:02} - Track {file + 1}{master.suffix}",
+                    dst_dir_fd=opened)
+        os.close(opened)
+
+
+def small_masters(folder: Path) -> list[Path]:
+    """Some files of one second in each format."""
+    encoded = encode_masters(folder / "encoded")
+    masters = []
+    for copy in range(COPIES):
+        for extension, content in encoded:
+            masters.append(folder / f"{copy}.{extension}")
+            masters[-1].write_bytes(content)
+    return masters
