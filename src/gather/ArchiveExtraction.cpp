@@ -69,11 +69,13 @@ bool mayBeNoTar(const fs::path& archive) {
 /// no more than the share of the disk.
 class Attempts {
 public:
-    Attempts(const fs::path& input, const fs::path& directory, DiskShare& share, const std::stop_token& stop)
+    Attempts(const fs::path& input, const fs::path& directory, DiskShare& share, const std::stop_token& stop,
+             const std::function<void()>& meanwhile)
         : m_directory(directory)
         , m_share(share)
         , m_rules{.readable = input, .writable = directory, .fileBytes = share.bytes()}
-        , m_stop(stop) {}
+        , m_stop(stop)
+        , m_meanwhile(meanwhile) {}
 
     /// Makes them until one succeeds; why none did, absent after a success. An attempt that leaves nothing is
     /// a success as well, but the last word only where `nothingIsDone`, or when all others failed.
@@ -112,11 +114,17 @@ private:
     }
 
     ToolEnd attempt(const ExtractionStep& step) {
-        const ChildLimits limits{.stop = m_stop, .watch = [this] {
-                                     return m_share.isExceeded() ? std::nullopt : std::optional(lookPause);
-                                 }};
+        const ChildLimits limits{.stop = m_stop, .watch = [this] { return look(); }};
         return step.out ? runCapturing(step.tool, step.args, *step.out, m_rules, limits)
                         : run(step.tool, step.args, m_rules, limits);
+    }
+
+    /// The time until the next look; absent when the tool has written too much.
+    std::optional<std::chrono::milliseconds> look() const {
+        if (m_meanwhile) {
+            m_meanwhile();
+        }
+        return m_share.isExceeded() ? std::nullopt : std::optional(lookPause);
     }
 
     /// The time between two looks at the disk: short beside the time that a tenth of it takes to be filled,
@@ -127,11 +135,12 @@ private:
     DiskShare& m_share;
     const Rules m_rules;
     const std::stop_token& m_stop;
+    const std::function<void()>& m_meanwhile;
 };
 
 /// Why nothing came of it; absent after a success.
 std::optional<Reason> unpack(const fs::path& archive, std::int64_t bytes, const fs::path& directory,
-                             const std::stop_token& stop) {
+                             const std::stop_token& stop, const std::function<void()>& meanwhile) {
     DiskShare share(directory);
     share.count(directory);
     // Without a copy where that would take the room of the content.
@@ -144,13 +153,14 @@ std::optional<Reason> unpack(const fs::path& archive, std::int64_t bytes, const 
         share.count(input);
     }
     const UnzipTurn unzip = unzipGarblesNames(input) ? UnzipTurn::last : UnzipTurn::asUsual;
-    return Attempts(input, directory, share, stop)
+    return Attempts(input, directory, share, stop, meanwhile)
         .failure(extractionPlan(archive, input, directory, unzip), !mayBeNoTar(archive));
 }
 
 } // namespace
 
-Extracted extract(const fs::path& archive, const std::stop_token& stop) {
+Extracted extract(const fs::path& archive, const std::stop_token& stop,
+                  const std::function<void()>& meanwhile) {
     const std::optional<RegularFile> file = RegularFile::open(archive);
     if (!file) {
         return {.why = reasonOfOpening(errno)};
@@ -162,7 +172,7 @@ Extracted extract(const fs::path& archive, const std::stop_token& stop) {
     if (!directory) {
         return {.why = errno == ENOSPC ? Reason::noRoom : Reason::noDirectory};
     }
-    const std::optional<Reason> failure = unpack(archive, file->size(), directory->path(), stop);
+    const std::optional<Reason> failure = unpack(archive, file->size(), directory->path(), stop, meanwhile);
     if (stop.stop_requested()) {
         return {.why = Reason::stopped};
     }

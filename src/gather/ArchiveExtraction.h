@@ -6,6 +6,7 @@
 #include "records/Reasons.h"
 
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <stop_token>
 
@@ -22,7 +23,9 @@ struct Extracted {
 /// Unpacks the file `archive` into a directory (mode 0700, in the temporary directory, "velmora-" and a
 /// UUID), which is from here on the caller's to remove. Its owner can read all of it. There is none when no
 /// tool could unpack the archive, when it is no regular file or empty, or when `stop` was requested: nothing
-/// is left then. Blocks until the tools have ended.
-Extracted extract(const std::filesystem::path& archive, const std::stop_token& stop = {});
+/// is left then. Blocks until the tools have ended; `meanwhile` is called as long as one runs, every few
+/// milliseconds.
+Extracted extract(const std::filesystem::path& archive, const std::stop_token& stop = {},
+                  const std::function<void()>& meanwhile = {});
 
 } // namespace velmora::Collector

@@ -4,6 +4,7 @@
 #include "records/AudioExtensions.h"
 #include "system/FileName.h"
 #include "system/FolderReader.h"
+#include "system/GradualReadAhead.h"
 #include "system/TempRegistry.h"
 #include "system/UnicodeCase.h"
 
@@ -51,13 +52,14 @@ public:
         , m_stop(stop)
         , m_unpacking(unpacking) {}
 
-    void item(const fs::path& path, int depth) {
+    /// `next` is the item after it, or empty.
+    void item(const fs::path& path, int depth, const fs::path& next) {
         std::error_code error;
         const fs::file_status status = fs::status(path, error);
         if (fs::is_directory(status)) {
-            folder(path.native(), depth);
+            folder(path.native(), depth, next);
         } else if (fs::exists(status)) {
-            file(sharing(path), kindOf(lastComponent(path)), depth);
+            file(path, depth, next);
         } else if (status.type() == fs::file_type::none) { // it may be there, but cannot be looked at
             m_found.unreadableFolders.push_back({path, error.value()});
         }
@@ -65,8 +67,10 @@ public:
 
 private:
     /// Goes through the tree below `top` with one folder open at a time. A folder that cannot be opened, be
-    /// it for its permissions or because its path is too long, is noted.
-    void folder(std::string top, int depth) {
+    /// it for its permissions or because its path is too long, is noted. An archive is unpacked when it is
+    /// known which one comes after it.
+    void folder(std::string top, int depth, const fs::path& next) {
+        fs::path waiting; // an archive, or none
         std::vector<std::string> pending = {std::move(top)};
         while (!pending.empty()) {
             const std::string current = std::move(pending.back());
@@ -82,13 +86,19 @@ private:
                 }
                 if (entry->kind == EntryKind::folder) {
                     pending.push_back(FilePath(shared, entry->name).native());
-                } else if (const Kind kind = kindOf(entry->name); kind != Kind::neither) {
-                    file({shared, entry->name}, kind, depth);
+                } else if (const Kind kind = kindOf(entry->name); kind == Kind::audio) {
+                    m_found.files.push_back({shared, entry->name});
+                } else if (kind == Kind::archive) {
+                    const fs::path unpackedNow = std::exchange(waiting, FilePath(shared, entry->name));
+                    archive(unpackedNow, depth, waiting);
                 }
             }
             if (reader.error() != 0) {
                 m_found.unreadableFolders.push_back({current, reader.error()});
             }
+        }
+        if (!m_stop.stop_requested()) {
+            archive(waiting, depth, next);
         }
     }
 
@@ -97,34 +107,46 @@ private:
         return m_found.files.empty() ? path : path.sharing(m_found.files.back());
     }
 
-    void file(FilePath path, Kind kind, int depth) {
-        switch (kind) {
+    void file(const fs::path& path, int depth, const fs::path& next) {
+        switch (kindOf(lastComponent(path))) {
         case Kind::audio:
-            m_found.files.push_back(std::move(path));
+            m_found.files.push_back(sharing(path));
             break;
         case Kind::archive:
-            archive(path, depth);
+            archive(path, depth, next);
             break;
         case Kind::neither:
             break;
         }
     }
 
-    void archive(fs::path path, int depth) {
+    /// An empty path is no archive.
+    void archive(const fs::path& path, int depth, const fs::path& next) {
+        if (path.empty()) {
+            return;
+        }
+        readAhead(depth, next);
         const Extracted content =
             depth <= maxArchiveDepth ? unpacked(path) : Extracted{.why = Reason::tooDeep};
         if (content.why) {
-            m_found.skippedArchives.push_back({std::move(path), *content.why});
+            m_found.skippedArchives.push_back({path, *content.why});
             return;
         }
         m_found.temps.push_back(*content.directory);
-        m_found.archives.push_back(std::move(path));
-        item(*content.directory, depth + 1);
+        m_found.archives.push_back(path);
+        item(*content.directory, depth + 1, {});
+    }
+
+    /// What came out of an archive is in the system's cache already.
+    void readAhead(int depth, const fs::path& next) {
+        if (depth == 0 && kindOf(lastComponent(next)) == Kind::archive) {
+            m_readAhead = GradualReadAhead(next);
+        }
     }
 
     Extracted unpacked(const fs::path& archive) {
         tell(archive);
-        Extracted content = extract(archive, m_stop);
+        Extracted content = extract(archive, m_stop, [this] { m_readAhead.step(); });
         tell({});
         return content;
     }
@@ -138,14 +160,15 @@ private:
     GatherResult& m_found;
     const std::stop_token& m_stop;
     const Unpacking& m_unpacking;
+    GradualReadAhead m_readAhead; // of the archive after the one that is being unpacked
 };
 
 } // namespace
 
 void walk(const fs::path& path, int depth, GatherResult& found, const std::stop_token& stop,
-          const Unpacking& unpacking) {
+          const Unpacking& unpacking, const fs::path& next) {
     if (!stop.stop_requested()) {
-        Walk(found, stop, unpacking).item(path, depth);
+        Walk(found, stop, unpacking).item(path, depth, next);
     }
 }
 

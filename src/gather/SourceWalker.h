@@ -21,7 +21,10 @@ inline constexpr int maxArchiveDepth = 2;
 /// the program's own temporary items; links to folders are not entered, but classified by their names as
 /// every other link; what cannot be read is left out; a path that does not exist changes nothing. Never
 /// throws for what it finds. Ends early when `stop` is requested. Called on the gathering thread.
+///
+/// While an archive is unpacked the system reads the next one into its cache. `next` is what is walked
+/// afterwards, for the case that it is one; empty when nothing is.
 void walk(const std::filesystem::path& path, int depth, GatherResult& found, const std::stop_token& stop = {},
-          const Unpacking& unpacking = {});
+          const Unpacking& unpacking = {}, const std::filesystem::path& next = {});
 
 } // namespace velmora::Collector

@@ -211,7 +211,7 @@ TEST(ArchiveWalk, UnpacksArchivesOfAnyName) {
 TEST(ArchiveWalk, StopsInTheMiddleOfAFolder) {
     const fs::path folder = freshFolder();
     test::slowArchive(folder);
-    write(folder / "sub" / "a.wav"); // folders come after what else there is
+    write(folder / "sub" / "later.zip", "x"); // folders come after what else there is
     std::stop_source stop;
     GatherResult found;
     std::thread walking([&] { Collector::walk(folder, 0, found, stop.get_token()); });
