@@ -33,7 +33,7 @@ def run() -> str:
     floor = Contender("the floor: open, fstat, read 64 KiB at either end, close",
                       [native("bench_floor"), folder])
     peers = [
-        Peer("TagLib, six threads", [native("bench_taglib"), folder]),
+        Peer("TagLib, six threads", [native("bench_taglib"), "6", folder]),
         Peer("`soxi -T -D`", ["soxi", "-T", "-D", *files], every=SLOW, must_succeed=False),
         Peer("mediainfo, one process",
              ["mediainfo", "--File_TestContinuousFileNames=0", "--Inform=General;%Duration%\\n", *files],

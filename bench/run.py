@@ -9,6 +9,7 @@ import sys
 import archives
 import busy
 import check
+import far
 import faults
 import kinds
 import load
@@ -20,7 +21,7 @@ import window
 from measuring import DATA, ROOT, SCAN, output_of
 
 PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
-               "archives": archives, "walls": walls, "window": window}
+               "archives": archives, "walls": walls, "far": far, "window": window}
 NAMES = (*PERFORMANCE, "accuracy", "check", "faults", "load")
 
 

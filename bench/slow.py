@@ -29,8 +29,8 @@ LONGEST_START = 20  # seconds until a file system must have come up
 class Storage:
     """A folder of music on storage that can be made cold."""
 
-    name: str
     folder: Path
+    origin: Path  # where the same files can be read at this machine's speed, if anywhere
 
     def chill(self) -> None:
         """Leaves nothing of the storage in this machine's memory."""
@@ -40,25 +40,21 @@ class Storage:
 class OwnDisk(Storage):
     """The library of 2,000 tracks where it lies."""
 
-    name = "own"
-
-    def __init__(self) -> None:
+    def __init__(self, _: ExitStack) -> None:
         self.music = library(DATA)
-        self.folder = self.music.folder
+        self.folder = self.origin = self.music.folder
 
     def chill(self) -> None:
         os.sync()
         for file in self.music.files():
-            descriptor = os.open(file, os.O_RDONLY)
-            os.posix_fadvise(descriptor, 0, 0, os.POSIX_FADV_DONTNEED)
-            os.close(descriptor)
-        Path("/proc/sys/vm/drop_caches").write_text("3")  # folders, inodes and where files lie, too
+            forget(file)
+        Path("/proc/sys/vm/drop_caches").write_text("2")  # names and inodes; no other program's files
+        forget(subprocess.run(["findmnt", "-no", "SOURCE", "-T", self.folder], check=True, text=True,
+                              stdout=subprocess.PIPE).stdout.strip())  # the blocks they came from
 
 
 class SlowDisk(Storage):
     """400 tracks of all kinds on an ext4 of their own, below a loop device, on a disk with one head."""
-
-    name = "disk"
 
     def __init__(self, stack: ExitStack) -> None:
         image = disk_image(DATA)
@@ -71,7 +67,7 @@ class SlowDisk(Storage):
         (queue / "read_ahead_kb").write_text("128")
         (queue / "scheduler").write_text("mq-deadline")
         self.mounted = stack.enter_context(mount_point("slow-disk-files"))
-        self.folder = self.mounted / "music"
+        self.folder = self.origin = self.mounted / "music"
         self.mount()
 
     def mount(self) -> None:
@@ -84,23 +80,22 @@ class SlowDisk(Storage):
 
 
 class SlowNetwork(Storage):
-    """1,000 tracks of all kinds on another machine, or with `all_files` 10,000; 20 in a folder."""
+    """1,000 tracks of all kinds on another machine, 20 in a folder; `whole` names folders of 10,000."""
 
-    name = "network"
-
-    def __init__(self, stack: ExitStack, all_files: bool = False) -> None:
-        first, *_ = linked_tracks(DATA)
-        for file in sorted(library(DATA).files()):
-            read_whole(Path(file))
-        self.source = first.parent if all_files else first
+    def __init__(self, stack: ExitStack) -> None:
+        first, second, *_ = linked_tracks(DATA)
+        for file in library(DATA).files():
+            read_whole(Path(file))  # what is slow is the model
+        self.origin = first
         self.stack = stack.enter_context(ExitStack())
-        self.folder = self.source
         self.mount()
+        self.folder = self.mounted / first.name
+        self.whole = [self.folder, self.mounted / second.name]
 
     def mount(self) -> None:
-        self.folder = self.stack.enter_context(mount_point("slow-network"))
-        command = [native("bench_slow_network"), str(self.source), str(self.folder)]
-        self.stack.enter_context(served(command, self.folder))
+        self.mounted = self.stack.enter_context(mount_point("slow-network"))
+        command = [native("bench_slow_network"), str(self.origin.parent), str(self.mounted)]
+        self.stack.enter_context(served(command, self.mounted))
 
     def chill(self) -> None:
         self.stack.close()
@@ -195,6 +190,13 @@ def unmount_now(point: Path) -> None:
     subprocess.run(["umount", point], check=True)
 
 
+def forget(file: str) -> None:
+    """Leaves nothing of a file's or a device's content in memory."""
+    descriptor = os.open(file, os.O_RDONLY)
+    os.posix_fadvise(descriptor, 0, 0, os.POSIX_FADV_DONTNEED)
+    os.close(descriptor)
+
+
 def read_whole(file: Path) -> None:
     with open(file, "rb", buffering=0) as stream:
         while stream.read(1 << 20):
@@ -203,17 +205,18 @@ def read_whole(file: Path) -> None:
 
 @contextmanager
 def storage(name: str) -> Iterator[Storage]:
-    """The storage of that name: `disk`, `network` (1,000 tracks), `network-10000` or `own`."""
+    """The storage of that name: `disk`, `network` or `own`."""
     if os.geteuid() != 0:
         raise SystemExit("slow storage is mounted by root: run this as root")
     if not os.access("/dev/fuse", os.R_OK | os.W_OK):
         raise SystemExit("slow storage is served through FUSE: there is no /dev/fuse here that can be opened")
     for ending in (signal.SIGTERM, signal.SIGHUP):
         signal.signal(ending, lambda number, _: sys.exit(128 + number))  # through every `finally`
-    makers = {"own": lambda stack: OwnDisk(), "disk": SlowDisk, "network": SlowNetwork,
-              "network-10000": lambda stack: SlowNetwork(stack, all_files=True)}
     with ExitStack() as stack:
-        yield makers[name](stack)
+        yield STORAGE[name](stack)
+
+
+STORAGE = {"disk": SlowDisk, "network": SlowNetwork, "own": OwnDisk}
 
 
 def main(name: str, command: list[str]) -> int:

@@ -1,7 +1,7 @@
 // The least any program could do to time files: open each, ask for its size, read 64 KiB at either end,
 // close. Usage: bench_floor FOLDER... Prints how many bytes it read.
 
-#include "native/SixThreads.h"
+#include "native/Threads.h"
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -37,6 +37,6 @@ std::int64_t readBothEnds(const std::string& path) {
 int main(int argc, char** argv) {
     const std::span<char*> folders(argv + 1, argv + argc);
     const auto files = velmora::bench::regularFilesBelow(folders);
-    const std::int64_t bytes = velmora::bench::sumOnSixThreads(files, readBothEnds);
+    const std::int64_t bytes = velmora::bench::sumOnThreads(velmora::bench::sixThreads, files, readBothEnds);
     std::printf("%lld\n", static_cast<long long>(bytes));
 }

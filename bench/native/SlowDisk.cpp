@@ -1,4 +1,4 @@
-// A disk with one head. Usage: bench_slow_disk IMAGE FOLDER [FUSE-OPTION...] mounts a file system of one
+// A disk with one head. Usage: bench_slow_disk IMAGE FOLDER mounts a file system of one
 // file, FOLDER/disk, which is IMAGE, and serves it as slowly as a rotating disk would.
 //
 // The model, all of it:
@@ -21,10 +21,9 @@
 
 #define FUSE_USE_VERSION 312
 
+#include "native/ModelledDevice.h"
+
 #include <fcntl.h>
-#include <fuse.h>
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -34,7 +33,6 @@
 #include <cstdio>
 #include <cstring>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -90,17 +88,14 @@ int read(const char* /*path*/, char* buffer, size_t size, off_t offset, fuse_fil
 } // namespace
 
 int main(int argc, char** argv) {
-    image = argc < 3 ? -1 : ::open(argv[1], O_RDONLY | O_CLOEXEC);
+    image = argc != 3 ? -1 : ::open(argv[1], O_RDONLY | O_CLOEXEC);
     if (image < 0) {
         std::perror("bench_slow_disk IMAGE FOLDER");
         return 2;
     }
-    ::prctl(PR_SET_PDEATHSIG, SIGTERM); // whoever started it, unmounts it; else it does so itself
     fuse_operations operations{};
     operations.getattr = getattr;
     operations.open = open;
     operations.read = read;
-    std::vector<char*> arguments{argv[0], const_cast<char*>("-f"), const_cast<char*>("-s")};
-    arguments.insert(arguments.end(), argv + 2, argv + argc);
-    return fuse_main(static_cast<int>(arguments.size()), arguments.data(), &operations, nullptr);
+    return velmora::bench::serve(operations, {"-s", argv[2]});
 }

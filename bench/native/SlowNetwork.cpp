@@ -1,4 +1,4 @@
-// A folder as if it lay on another machine. Usage: bench_slow_network SOURCE FOLDER [FUSE-OPTION...] shows
+// A folder as if it lay on another machine. Usage: bench_slow_network SOURCE FOLDER shows
 // the folder SOURCE in FOLDER, for reading.
 //
 // The model, all of it:
@@ -20,11 +20,10 @@
 
 #define FUSE_USE_VERSION 312
 
+#include "native/ModelledDevice.h"
+
 #include <dirent.h>
 #include <fcntl.h>
-#include <fuse.h>
-#include <signal.h>
-#include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -33,7 +32,6 @@
 #include <cstdio>
 #include <memory>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -110,6 +108,7 @@ int readdir(const char* path, void* block, fuse_fill_dir_t add, off_t offset, fu
 void* init(fuse_conn_info* connection, fuse_config* settings) {
     connection->max_background = 1024; // else the kernel holds back reads ahead beyond the twelfth
     connection->congestion_threshold = 1024;
+    connection->want &= ~FUSE_CAP_AUTO_INVAL_DATA; // what is in memory is read without a question
     settings->entry_timeout = validSeconds;
     settings->attr_timeout = validSeconds;
     settings->kernel_cache = 1; // a file that has not changed is not read again
@@ -120,12 +119,11 @@ void* init(fuse_conn_info* connection, fuse_config* settings) {
 } // namespace
 
 int main(int argc, char** argv) {
-    source = argc < 3 ? -1 : ::open(argv[1], O_RDONLY | O_CLOEXEC | O_DIRECTORY);
+    source = argc != 3 ? -1 : ::open(argv[1], O_RDONLY | O_CLOEXEC | O_DIRECTORY);
     if (source < 0) {
         std::perror("bench_slow_network SOURCE FOLDER");
         return 2;
     }
-    ::prctl(PR_SET_PDEATHSIG, SIGTERM); // whoever started it, unmounts it; else it does so itself
     fuse_operations operations{};
     operations.getattr = getattr;
     operations.open = open;
@@ -133,8 +131,5 @@ int main(int argc, char** argv) {
     operations.release = release;
     operations.readdir = readdir;
     operations.init = init;
-    std::vector<char*> arguments{argv[0], const_cast<char*>("-f"),
-                                 const_cast<char*>("-oro,max_threads=256,max_idle_threads=256")};
-    arguments.insert(arguments.end(), argv + 2, argv + argc);
-    return fuse_main(static_cast<int>(arguments.size()), arguments.data(), &operations, nullptr);
+    return velmora::bench::serve(operations, {"-oro,max_threads=256,max_idle_threads=256", argv[2]});
 }

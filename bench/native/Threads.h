@@ -1,7 +1,7 @@
 #pragma once
 
-// What the peers of velmora-scan have in common: find every file below some paths, and work on them with as
-// many threads as a scan has.
+// What the peers of velmora-scan have in common: find every file below some paths, and work on them on
+// several threads.
 
 #include <atomic>
 #include <filesystem>
@@ -25,15 +25,18 @@ inline std::vector<std::string> regularFilesBelow(std::span<char*> folders) {
     return files;
 }
 
-/// Calls `work(file)` once for each file on six threads and adds up what it returns.
-template <typename Work>
-auto sumOnSixThreads(const std::vector<std::string>& files, const Work& work) {
+/// A scan has as many.
+constexpr int sixThreads = 6;
+
+/// Calls `work(file)` once for each file on `count` threads and adds up what it returns.
+template <typename File, typename Work>
+auto sumOnThreads(int count, const std::vector<File>& files, const Work& work) {
     using Sum = decltype(work(files.front()));
     std::atomic<std::size_t> next = 0;
     std::atomic<Sum> sum = 0;
     {
         std::vector<std::jthread> threads;
-        for (int i = 0; i < 6; ++i) {
+        for (int i = 0; i < count; ++i) {
             threads.emplace_back([&] {
                 Sum own = 0;
                 for (std::size_t index = next++; index < files.size(); index = next++) {
