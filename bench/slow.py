@@ -33,7 +33,7 @@ class Storage:
     origin: Path  # where the same files can be read at this machine's speed, if anywhere
 
     def chill(self) -> None:
-        """Leaves nothing of the storage in this machine's memory."""
+        """Leaves nothing of what it holds in this machine's memory."""
         raise NotImplementedError
 
 
@@ -45,12 +45,13 @@ class OwnDisk(Storage):
         self.folder = self.origin = self.music.folder
 
     def chill(self) -> None:
+        """The blocks of the disk that hold inodes and names may stay: every program's files would go too."""
         os.sync()
         for file in self.music.files():
-            forget(file)
-        Path("/proc/sys/vm/drop_caches").write_text("2")  # names and inodes; no other program's files
-        forget(subprocess.run(["findmnt", "-no", "SOURCE", "-T", self.folder], check=True, text=True,
-                              stdout=subprocess.PIPE).stdout.strip())  # the blocks they came from
+            descriptor = os.open(file, os.O_RDONLY)
+            os.posix_fadvise(descriptor, 0, 0, os.POSIX_FADV_DONTNEED)
+            os.close(descriptor)
+        Path("/proc/sys/vm/drop_caches").write_text("2")  # names and inodes; programs stay in memory
 
 
 class SlowDisk(Storage):
@@ -188,13 +189,6 @@ def disk_image(data: Path) -> Path:
 def unmount_now(point: Path) -> None:
     """Unlike a lazy one this waits until all is written."""
     subprocess.run(["umount", point], check=True)
-
-
-def forget(file: str) -> None:
-    """Leaves nothing of a file's or a device's content in memory."""
-    descriptor = os.open(file, os.O_RDONLY)
-    os.posix_fadvise(descriptor, 0, 0, os.POSIX_FADV_DONTNEED)
-    os.close(descriptor)
 
 
 def read_whole(file: Path) -> None:

@@ -18,8 +18,8 @@ class Read:
 
 
 def reads_below(path: Path, command: Sequence[str]) -> list[Read]:
-    """The reads that a command makes of the file at `path` or of files below it, those of each thread in their
-    order. Anything but `pread` of such a file is an error: a mapped file's reads cannot be seen."""
+    """The reads that a command makes of the file at `path` or of files below it, those of each thread in
+    their order. Anything but `pread` of such a file is an error: a mapped file's reads cannot be seen."""
     reads = []
     seen = re.compile(rf'pread64\(\d+<({re.escape(str(path))}[^>]*)>, ""(?:\.\.\.)?, (\d+), (\d+)\)'
                       r" += (\d+)")

@@ -13,7 +13,7 @@ int main(int argc, char** argv) {
     const velmora::Paths paths(argv + 1, argv + argc);
     const velmora::GatherResult found = velmora::Collector::gather(paths);
     double seconds = 0;
-    for (const std::filesystem::path& file : found.files) {
+    for (const auto& file : found.files) {
         seconds += std::max(0.0, velmora::Collector::measure(file).seconds);
     }
     velmora::TempRegistry::add(found.temps);
