@@ -3,6 +3,7 @@
 #include "measure/FfprobeDuration.h"
 #include "measure/HeaderDuration.h"
 #include "measure/MediaDuration.h"
+#include "measure/ReadingAhead.h"
 #include "system/RegularFile.h"
 
 #include <sys/stat.h>
@@ -135,6 +136,7 @@ Explanation explain(const FilePath& file, const std::stop_token& stop) {
     if (stop.stop_requested()) {
         return story;
     }
+    askForEnd(*opened, path);
     take(story, path, *opened, stop);
     if (story.hasReadFailed && !story.wasFfprobeAsked) {
         story.measured.seconds = unmeasured;

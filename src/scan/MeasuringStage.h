@@ -3,17 +3,20 @@
 // The second stage of a scan: measures files six at a time. Workers take the next file from one counter, so
 // files are started in scan order and no worker ever waits for the main thread; results travel there in
 // batches, each as large as the main thread is busy, up to a bound that leaves it time for other things.
+// One thread more asks for what the workers will read next; they never wait for it.
 
 #include "records/Records.h"
 #include "scan/BackgroundTasks.h"
 #include "scan/MainThreadQueue.h"
+#include "scan/ReadAhead.h"
 
-#include <atomic>
+#include <condition_variable>
 #include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <stop_token>
 #include <vector>
 
@@ -37,9 +40,14 @@ public:
     /// The largest number of results in a batch.
     static constexpr std::size_t maxBatch = 256;
 
+    /// Files that are asked for at a time. They are asked for once fewer than as many again are left of those
+    /// before them.
+    static constexpr std::size_t window = 64;
+
     /// `measure` is called on the workers; where it throws, for want of memory, its file stays unmeasured.
     /// `deliver` is called on the main thread with results in the order of their completion.
-    MeasuringStage(FilePaths files, Measure measure, Deliver deliver);
+    /// `readAhead` is called on a thread of its own.
+    MeasuringStage(FilePaths files, Measure measure, ReadAhead readAhead, Deliver deliver);
 
     /// Starts the workers, fewer where the system has no further thread; where it has none, measures before
     /// it returns. They hold the stage until the last file is measured or `stop` is requested: then no
@@ -48,15 +56,29 @@ public:
     void start(BackgroundTasks& background, MainThreadQueue& mainThread, const std::stop_token& stop);
 
 private:
+    struct Taken {
+        std::size_t index = 0;
+        FilePath file;
+    };
+
     Measured measured(const FilePath& file, const std::stop_token& stop) const;
     void work(MainThreadQueue& mainThread, const std::stop_token& stop);
+    std::optional<Taken> take();
+    void lookAhead(const std::stop_token& stop);
+    FilePaths upcoming(const std::stop_token& stop);
     void handOver(MeasuredFile result, MainThreadQueue& mainThread);
     Batch takeBatch();
 
-    FilePaths m_files; // each left by the one worker that measures it
     const Measure m_measure;
+    const ReadAhead m_readAhead;
     const Deliver m_deliver;
-    std::atomic<std::size_t> m_next = 0;
+
+    std::mutex m_filesLock;                 // guards the following
+    FilePaths m_files;                      // each taken by the one worker that measures it
+    std::size_t m_next = 0;                 // the first that is not taken
+    std::size_t m_asked = 0;                // the first that was not looked at ahead
+    std::condition_variable_any m_wasTaken; // a file, and there is something to ask for or nothing more
+
     std::mutex m_lock;           // guards m_batches
     std::deque<Batch> m_batches; // a hand-over is under way for each; all but the last are full
 };

@@ -3,6 +3,7 @@
 #include "export/Zipper.h"
 #include "gather/Gathering.h"
 #include "measure/MeasurementPipeline.h"
+#include "measure/ReadingAhead.h"
 #include "records/Summary.h"
 #include "scan/BackgroundTasks.h"
 #include "scan/MainThreadQueue.h"
@@ -51,7 +52,7 @@ public:
 };
 
 ScanStages ScanStages::real() {
-    return {&Collector::gather, &Collector::measure};
+    return {&Collector::gather, &Collector::measure, {&Collector::paysToReadAhead, &Collector::readAhead}};
 }
 
 ScanModel::ScanModel(ScanStages stages, QObject* parent)
@@ -135,7 +136,7 @@ void ScanModel::takeGathered(const std::shared_ptr<Job>& job, GatherResult gathe
 
 void ScanModel::startMeasuring(const std::shared_ptr<Job>& job, FilePaths files) {
     const auto stage = std::make_shared<MeasuringStage>(
-        std::move(files), m_stages.measure,
+        std::move(files), m_stages.measure, m_stages.readAhead,
         [this, job](MeasuringStage::Batch batch) { takeMeasured(job, std::move(batch)); });
     stage->start(*m_background, *m_mainThread, job->cancelled.get_token());
 }

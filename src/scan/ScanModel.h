@@ -6,6 +6,7 @@
 
 #include "records/Records.h"
 #include "records/Unpacking.h"
+#include "scan/ReadAhead.h"
 #include "scan/ScanDetails.h"
 #include "scan/ZipState.h"
 #include "system/Paths.h"
@@ -27,12 +28,14 @@ class MainThreadQueue;
 struct MeasuredFile;
 
 /// The two stages of a scan. Both run on background threads, `measure` on six at once, and end early when
-/// their stop token is requested. The default is the real work; a test holds and releases stages of its own.
+/// their stop token is requested. What is asked for ahead of measuring changes no result; by default nothing
+/// is. The default of a model is the real work; a test holds and releases stages of its own.
 struct ScanStages {
     std::function<GatherResult(const PathList& dropped, const std::stop_token& stop,
                                const Unpacking& unpacking)>
         gather;
     std::function<Measured(const FilePath& file, const std::stop_token& stop)> measure;
+    ReadAhead readAhead = {};
 
     static ScanStages real();
 };

@@ -4,6 +4,7 @@
 // opening cannot block, and what is not a regular file is refused before the first byte.
 
 #include "system/FileDescriptor.h"
+#include "system/StorageKind.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -22,10 +23,17 @@ public:
     /// says why (EINVAL for what is not a regular file).
     static std::optional<RegularFile> open(const std::filesystem::path& path);
 
-    /// The file of `size` bytes that is open for reading at `descriptor`.
-    RegularFile(FileDescriptor descriptor, std::int64_t size)
+    /// A read of at least this many bytes is taken for one of many that go through the file.
+    static constexpr std::size_t longRead = std::size_t{256} << 10;
+
+    /// What is asked for at once for a long read: a disk reads it in ten times the time of a seek.
+    static constexpr std::int64_t runBytes = 8LL << 20;
+
+    /// The file of `size` bytes on `storage` that is open for reading at `descriptor`.
+    RegularFile(FileDescriptor descriptor, std::int64_t size, StorageKind storage = StorageKind::quick)
         : m_descriptor(std::move(descriptor))
-        , m_size(size) {}
+        , m_size(size)
+        , m_storage(storage) {}
 
     int descriptor() const { return m_descriptor.get(); }
 
@@ -33,12 +41,30 @@ public:
     std::int64_t size() const { return m_size; }
 
     /// Reads into `buffer` from byte `offset`: fewer bytes than asked for at the end of the file, none beyond
-    /// it. Absent after a read error, or for a negative offset.
+    /// it. Absent after a read error, or for a negative offset. A long read of what is not in memory asks a
+    /// rotating disk or a network for the bytes after it, too: several such files at a time would else cost a
+    /// seek or a round trip for every 128 KiB.
     std::optional<std::size_t> readAt(std::int64_t offset, std::span<std::uint8_t> buffer) const;
 
+    /// What the file lies on.
+    StorageKind storage() const { return m_storage; }
+
+    /// Whether the byte at `offset` can be read without waiting for the disk. False where the file system
+    /// cannot tell, as those of networks.
+    bool isInMemory(std::int64_t offset) const;
+
+    /// Tells the system to bring `bytes` from `offset` on into memory, as far as the file has them, and does
+    /// not wait for them. Errors are for the reader to meet.
+    void willNeed(std::int64_t offset, std::int64_t bytes) const;
+
 private:
+    /// Reads what is in memory, and asks for a run where that is less than `buffer`. Returns the bytes read.
+    std::size_t askForRun(std::int64_t offset, std::span<std::uint8_t> buffer) const;
+
     FileDescriptor m_descriptor;
     std::int64_t m_size = 0;
+    StorageKind m_storage = StorageKind::quick;
+    mutable std::int64_t m_runEnd = 0; // of the last run that was asked for; several threads may set it
 };
 
 } // namespace velmora
