@@ -19,12 +19,14 @@ class Read:
 
 def reads_below(path: Path, command: Sequence[str]) -> list[Read]:
     """The reads that a command makes of the file at `path` or of files below it, those of each thread in
-    their order. Anything but `pread` of such a file is an error: a mapped file's reads cannot be seen."""
+    their order. Anything but `pread` of such a file is an error: a mapped file's reads cannot be seen. One
+    that is to take what is in memory, and finds nothing, is no read."""
     reads = []
-    seen = re.compile(rf'pread64\(\d+<({re.escape(str(path))}[^>]*)>, ""(?:\.\.\.)?, (\d+), (\d+)\)'
-                      r" += (\d+)")
+    seen = re.compile(rf'pread(?:64|v2)\(\d+<({re.escape(str(path))}[^>]*)>, '
+                      r'(?:\[\{iov_base=)?""(?:\.\.\.)?, '
+                      r"(?:iov_len=)?(\d+)(?:\}\], 1)?, (\d+)(?:, RWF_NOWAIT)?\) += (\d+|-1 EAGAIN)")
     with tempfile.TemporaryDirectory() as logs:
-        output_of(["strace", "-ff", "-y", "-qq", "-s", "0", "-o", f"{logs}/log",
+        output_of(["strace", "-ff", "-y", "-v", "-qq", "-s", "0", "-o", f"{logs}/log",
                    "-e", "trace=read,pread64,readv,preadv,preadv2,mmap", *command])
         for log in Path(logs).iterdir():
             for line in log.read_text(errors="replace").splitlines():
@@ -32,5 +34,6 @@ def reads_below(path: Path, command: Sequence[str]) -> list[Read]:
                     continue
                 if not (call := seen.match(line)):
                     raise SystemExit(f"this is no read that can be followed: {line}")
-                reads.append(Read(call[1], *map(int, call.groups()[1:])))
+                if call[4].isdecimal():
+                    reads.append(Read(call[1], *map(int, call.groups()[1:])))
     return reads
