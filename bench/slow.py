@@ -87,6 +87,9 @@ class SlowNetwork(Storage):
         first, second, *_ = linked_tracks(DATA)
         for file in library(DATA).files():
             read_whole(Path(file))  # what is slow is the model
+        for folder in (first, second):
+            for path in folder.rglob("*"):
+                path.stat()
         self.origin = first
         self.stack = stack.enter_context(ExitStack())
         self.mount()
