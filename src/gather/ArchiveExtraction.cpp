@@ -138,10 +138,22 @@ private:
     const std::function<void()>& m_meanwhile;
 };
 
+/// The share of the disk for an archive of `bytes`. Where that is no small part of it, what an earlier scan
+/// left is gone first.
+DiskShare shareFor(std::int64_t bytes, const fs::path& directory) {
+    constexpr std::uint64_t smallPart = 100;
+    DiskShare share(directory);
+    if (static_cast<std::uint64_t>(bytes) > share.bytes() / smallPart) {
+        TempRegistry::awaitDeletions();
+        share = DiskShare(directory);
+    }
+    return share;
+}
+
 /// Why nothing came of it; absent after a success.
 std::optional<Reason> unpack(const fs::path& archive, std::int64_t bytes, const fs::path& directory,
                              const std::stop_token& stop, const std::function<void()>& meanwhile) {
-    DiskShare share(directory);
+    DiskShare share = shareFor(bytes, directory);
     share.count(directory);
     // Without a copy where that would take the room of the content.
     const bool hasRoomForCopy = static_cast<std::uint64_t>(bytes) <= share.bytes() / 4;

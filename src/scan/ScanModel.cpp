@@ -76,7 +76,7 @@ void ScanModel::ingest(PathList dropped) {
         return;
     }
     cancelJob();
-    TempRegistry::releaseAll();
+    releaseTemporaries();
 
     publishPhase(Phase::scanning);
     forgetDetails();
@@ -189,7 +189,7 @@ void ScanModel::finish(Job& job, ScanSummary summary) {
 
 void ScanModel::reset() {
     cancelJob();
-    TempRegistry::releaseAll();
+    releaseTemporaries();
     publishPhase(Phase::idle);
     forgetDetails();
     publishSummary({});
@@ -217,6 +217,13 @@ void ScanModel::cancelJob() {
         m_job->cancelled.request_stop();
         m_job.reset();
         publishUnpacking({}); // what is still unpacked is no longer waited for
+    }
+}
+
+/// In the background: a large archive takes a while to delete.
+void ScanModel::releaseTemporaries() {
+    if (const std::function<void()> deleteAll = TempRegistry::release()) {
+        m_background->run([deleteAll](const std::stop_token&) { deleteAll(); });
     }
 }
 

@@ -125,6 +125,7 @@ private:
     class Job;
 
     void cancelJob();
+    void releaseTemporaries();
     void takeGathered(const std::shared_ptr<Job>& job, GatherResult gathered);
     void startMeasuring(const std::shared_ptr<Job>& job, FilePaths files);
     void takeMeasured(const std::shared_ptr<Job>& job, std::vector<MeasuredFile> batch);

@@ -5,6 +5,8 @@
 #include "system/TemporaryDirectory.h"
 #include "system/Uuid.h"
 
+#include <algorithm>
+#include <atomic>
 #include <iterator>
 #include <mutex>
 #include <system_error>
@@ -17,7 +19,8 @@ namespace {
 namespace fs = std::filesystem;
 
 std::mutex lock;
-Paths registered; // guarded by `lock`
+Paths registered;               // guarded by `lock`
+std::atomic<int> deletions = 0; // that were asked for and have not ended
 
 } // namespace
 
@@ -36,13 +39,31 @@ void add(const Paths& directories) {
 }
 
 void releaseAll() {
+    if (const std::function<void()> deleteAll = release()) {
+        deleteAll();
+    }
+}
+
+std::function<void()> release() {
     Paths released;
     {
         const std::scoped_lock guard(lock);
         released.swap(registered);
     }
-    for (const fs::path& directory : released) {
-        removeTree(directory);
+    if (released.empty()) {
+        return {};
+    }
+    ++deletions;
+    return [released = std::move(released)] {
+        std::ranges::for_each(released, removeTree);
+        --deletions;
+        deletions.notify_all();
+    };
+}
+
+void awaitDeletions() {
+    for (int left = deletions; left > 0; left = deletions) {
+        deletions.wait(left);
     }
 }
 

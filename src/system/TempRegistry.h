@@ -7,6 +7,7 @@
 #include "system/Paths.h"
 
 #include <filesystem>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,14 @@ void add(const Paths& directories);
 /// Deletes every registered directory and forgets it. What cannot be deleted is passed over. Any thread; the
 /// registry is not locked while files are deleted.
 void releaseAll();
+
+/// Forgets every registered directory. What it returns deletes them, and is to be called once, on any thread;
+/// empty when there are none. Any thread.
+[[nodiscard]] std::function<void()> release();
+
+/// Blocks until all that was released is deleted, and so has made room. Any thread but the one that is to
+/// delete it.
+void awaitDeletions();
 
 /// Deletes everything in the temporary directory whose name begins with `prefix`, whoever made it and
 /// whenever.

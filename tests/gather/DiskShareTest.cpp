@@ -1,6 +1,7 @@
 #include "gather/DiskShare.h"
 
 #include "gather/ArchiveExtraction.h"
+#include "system/TempRegistry.h"
 #include "tests/support/OwnMounts.h"
 #include "tests/support/Shell.h"
 
@@ -8,7 +9,9 @@
 
 #include <cstdint>
 #include <cstdlib>
+#include <functional>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace velmora::test {
@@ -111,6 +114,27 @@ TEST(DiskShare, IsTakenByTheWorkingCopyAsByTheContent) {
         EXPECT_EQ(namesIn(disk), std::vector<std::string>());
         mountSmallDisk(disk, 24 * megabyte);
         EXPECT_EQ(Collector::extract(folder / "big.zip").why, std::nullopt);
+    });
+}
+
+TEST(DiskShare, IsTakenAfterWhatAnEarlierScanLeftIsGone) {
+    const fs::path folder = freshFolder();
+    shell("head -c 3M /dev/urandom >noise.wav && zip -q noise.zip noise.wav", folder);
+    inOwnMounts([&] {
+        const fs::path disk = freshFolder();
+        ::setenv("TMPDIR", disk.c_str(), 1);
+        mountSmallDisk(disk, 16 * megabyte);
+        write(disk / "velmora-old" / "1", zeros(14 * megabyte));
+        TempRegistry::add({disk / "velmora-old"});
+        const std::function<void()> deleteAll = TempRegistry::release();
+        std::thread deleting([&] {
+            while (namesIn(disk).size() < 2) { // the new one is there, so the share is about to be taken
+                std::this_thread::yield();
+            }
+            deleteAll();
+        });
+        EXPECT_EQ(Collector::extract(folder / "noise.zip").why, std::nullopt);
+        deleting.join();
     });
 }
 

@@ -1,5 +1,6 @@
 // Scan after scan in one process: none leaves memory, a descriptor or a file behind.
 
+#include "system/TempRegistry.h"
 #include "tests/faults/Extent.h"
 #include "tests/scan/ScanModelFixture.h"
 #include "tests/support/Files.h"
@@ -46,6 +47,11 @@ protected:
         EXPECT_EQ(model->summary().unreadable, 1);
     }
 
+    void resetAndDelete() {
+        model->reset();
+        TempRegistry::awaitDeletions();
+    }
+
     const fs::path folder = freshFolder();
 };
 
@@ -55,13 +61,13 @@ TEST_F(LoadTest, ManyScansInARowLeaveNothing) {
     for (int i = 0; i < 10; ++i) { // whatever is made once is made
         scan();
     }
-    model->reset();
+    resetAndDelete();
     const std::size_t memory = allocated();
     const std::ptrdiff_t descriptors = openDescriptors();
     for (int i = 0; i < scans; ++i) {
         scan();
     }
-    model->reset();
+    resetAndDelete();
     std::cout << scans << " scans in a row, " << static_cast<std::ptrdiff_t>(allocated() - memory)
               << " bytes more\n";
     EXPECT_LT(allocated(), memory + 50'000);

@@ -4,9 +4,26 @@
 
 #include <QTimer>
 
+#include <dlfcn.h>
+#include <unistd.h>
+
+#include <atomic>
 #include <chrono>
 #include <latch>
 #include <thread>
+
+namespace {
+
+std::atomic<std::thread::id> deletingThread; // the last one that deleted something
+
+} // namespace
+
+/// Stands between the tests and the C library.
+extern "C" int unlinkat(int folder, const char* name, int flags) noexcept {
+    static const auto real = reinterpret_cast<decltype(&unlinkat)>(::dlsym(RTLD_NEXT, "unlinkat"));
+    deletingThread = std::this_thread::get_id();
+    return real(folder, name, flags);
+}
 
 namespace velmora::test {
 namespace {
@@ -148,7 +165,6 @@ protected:
     }
 
     void expectNothingOfIt() const {
-        EXPECT_EQ(temporaryItems(), Lines{});
         EXPECT_EQ(model->details().files, std::vector<Measured>{});
         EXPECT_EQ(model->details().skippedArchives, std::vector<SkippedArchive>{});
         EXPECT_TRUE(model->details().archiveOf.empty());
@@ -168,11 +184,21 @@ TEST_F(ScannedArchiveTest, KeepsWhatItFound) {
 TEST_F(ScannedArchiveTest, IsForgottenAtAReset) {
     model->reset();
     expectNothingOfIt();
+    awaitThat([] { return temporaryItems().empty(); });
 }
 
 TEST_F(ScannedArchiveTest, IsForgottenAsSoonAsTheNextBegins) {
     model->ingest({folder / "missing"});
     expectNothingOfIt();
+    awaitThat([] { return temporaryItems().empty(); });
+}
+
+TEST_F(ScannedArchiveTest, IsDeletedWhileTheMainThreadGoesOn) {
+    deletingThread = std::thread::id();
+    model->reset();
+    awaitThat([] { return temporaryItems().empty(); });
+    EXPECT_NE(deletingThread.load(), std::thread::id());
+    EXPECT_NE(deletingThread.load(), std::this_thread::get_id());
 }
 
 TEST_F(ScannedArchiveTest, LeavesNothingAtTheEnd) {

@@ -8,6 +8,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <functional>
 #include <set>
 #include <thread>
 
@@ -80,6 +81,28 @@ TEST(TempRegistry, ForgetsWhatItReleased) {
     write(directory / "again.wav");
     TempRegistry::releaseAll();
     EXPECT_TRUE(fs::exists(directory));
+}
+
+TEST(TempRegistry, DeletesWhatWasReleasedWhenItIsAskedTo) {
+    const fs::path first = extractionDirectory();
+    const fs::path second = extractionDirectory();
+    EXPECT_FALSE(TempRegistry::release());
+    TempRegistry::add({first});
+    const std::function<void()> deleteAll = TempRegistry::release();
+    TempRegistry::add({second});
+    EXPECT_TRUE(fs::exists(first));
+    bool wasThere = true;
+    std::thread waiting([&] {
+        TempRegistry::awaitDeletions();
+        wasThere = fs::exists(first);
+    });
+    deleteAll();
+    waiting.join();
+    EXPECT_FALSE(wasThere);
+    EXPECT_TRUE(fs::exists(second));
+    TempRegistry::releaseAll();
+    EXPECT_FALSE(fs::exists(second));
+    TempRegistry::awaitDeletions(); // of nothing
 }
 
 TEST(TempRegistry, ReleasingNothingHasNoEffect) {
