@@ -23,6 +23,12 @@ std::string bytesOfPath(const QJsonObject& object) {
     return bytes.toStdString();
 }
 
+std::string collected(const Text& text) {
+    std::string all;
+    text([&](std::string_view part) { all += part; });
+    return all;
+}
+
 Measured measuredFrom(Input& input) {
     Measured file;
     const auto seconds = std::bit_cast<double>(input.number());
@@ -57,7 +63,8 @@ void fuzzJson(Bytes bytes) {
     while (!input.isUsedUp()) {
         details.files.push_back(measuredFrom(input));
     }
-    const std::string text = jsonReport("COMPLETE", summary, details);
+    const std::string text =
+        collected([&](const Sink& out) { jsonReport(out, "COMPLETE", summary, details, {}, 1); });
     QJsonParseError error;
     const QJsonObject object = QJsonDocument::fromJson(QByteArray::fromStdString(text), &error).object();
     require(error.error == QJsonParseError::NoError, "what is written parses back");
@@ -66,7 +73,8 @@ void fuzzJson(Bytes bytes) {
                                                   [](const Measured& file) { return file.seconds >= 0; });
     requireReadBack(object["files"].toArray(), {details.files.begin(), unreadable});
     requireReadBack(object["unreadableFiles"].toArray(), {unreadable, details.files.end()});
-    require(std::ranges::count(filesReport(details), '\n') == std::ssize(details.files), "a file is a line");
+    const std::string lines = collected([&](const Sink& out) { filesReport(out, details, 1); });
+    require(std::ranges::count(lines, '\n') == std::ssize(details.files), "a file is a line");
 }
 
 void fuzzShownNames(Bytes bytes) {

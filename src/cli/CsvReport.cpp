@@ -4,6 +4,7 @@
 #include "records/DisplayFormat.h"
 
 #include <concepts>
+#include <string>
 #include <string_view>
 
 namespace velmora {
@@ -30,26 +31,25 @@ std::string cell(Number number) {
     return number == 0 ? "" : std::to_string(number);
 }
 
-void append(std::string& table, const Measured& file, const ScanDetails& details, double speed) {
+std::string row(const Measured& file, const ScanDetails& details, double speed) {
     const double seconds = file.seconds / speed;
     const bool isMeasured = file.seconds >= 0;
-    table += cell(details.shownPath(file.url).native()) + ',';
-    table += (isMeasured ? threeDecimals(seconds) : "") + ',';
-    table += cell(isMeasured ? hms(displayable(seconds)) : "") + ',';
-    table += std::to_string(file.bytes) + ',';
-    table += cell(file.format.text()) + ',' + cell(file.sampleRate) + ',' + cell(file.channels);
-    table += lineEnd;
+    std::string row = cell(details.shownName(file.url.native())) + ',';
+    row += (isMeasured ? threeDecimals(seconds) : "") + ',';
+    row += cell(isMeasured ? hms(displayable(seconds)) : "") + ',';
+    row += std::to_string(file.bytes) + ',';
+    row += cell(file.format.text()) + ',' + cell(file.sampleRate) + ',' + cell(file.channels);
+    return row += lineEnd;
 }
 
 } // namespace
 
-std::string csvReport(const ScanDetails& details, double speed) {
-    std::string table = "path,seconds,length,bytes,format,sample_rate,channels";
-    table += lineEnd;
+void csvReport(const Sink& out, const ScanDetails& details, double speed) {
+    out("path,seconds,length,bytes,format,sample_rate,channels");
+    out(lineEnd);
     for (const Measured& file : details.files) {
-        append(table, file, details, speed);
+        out(row(file, details, speed));
     }
-    return table;
 }
 
 } // namespace velmora

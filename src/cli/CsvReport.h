@@ -10,15 +10,14 @@
 // Text stands in quotes, numbers do not: so a spreadsheet can be told to leave the lengths alone. What is not
 // known is empty. No cell is taken for a formula: a path begins with "/".
 
+#include "cli/Sink.h"
 #include "scan/ScanDetails.h"
-
-#include <string>
 
 namespace velmora {
 
 /// The header line, then a line a file in scan order. Lengths are divided by `speed`, which is positive; the
 /// seconds have three decimals, hours, minutes and seconds are rounded as everywhere (DisplayFormat.h). The
 /// bytes of a path stand as they are.
-std::string csvReport(const ScanDetails& details, double speed);
+void csvReport(const Sink& out, const ScanDetails& details, double speed);
 
 } // namespace velmora

@@ -4,17 +4,18 @@
 #include "scan/FolderTotals.h"
 #include "system/Names.h"
 
+#include <string>
+
 namespace velmora {
 
-std::string foldersReport(const ScanDetails& details, const PathList& dropped, int depth, double speed) {
-    std::string text;
+void foldersReport(const Sink& out, const ScanDetails& details, const PathList& dropped, int depth,
+                   double speed) {
     for (const FolderTotal& folder : folderTotals(details, dropped)) {
         if (folder.depth <= depth) {
-            text += threeDecimals(folder.seconds / speed) + "\t" + std::to_string(folder.files) + "\t" +
-                    fieldName(folder.path) + "\n";
+            out(threeDecimals(folder.seconds / speed) + "\t" + std::to_string(folder.files) + "\t" +
+                fieldName(folder.path) + "\n");
         }
     }
-    return text;
 }
 
 } // namespace velmora

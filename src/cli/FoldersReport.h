@@ -6,14 +6,14 @@
 //   468.000	2	/music/Anna Björk - Live
 //   508.029	3	/music/set.zip              an archive is a folder
 
+#include "cli/Sink.h"
 #include "scan/ScanDetails.h"
-
-#include <string>
 
 namespace velmora {
 
 /// A line for each of `folderTotals` to `depth` folders below the nearest source. Lengths are divided by
 /// `speed`, which is positive; paths are written as `filesReport` writes them.
-std::string foldersReport(const ScanDetails& details, const PathList& dropped, int depth, double speed);
+void foldersReport(const Sink& out, const ScanDetails& details, const PathList& dropped, int depth,
+                   double speed);
 
 } // namespace velmora

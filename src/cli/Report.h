@@ -2,35 +2,39 @@
 
 // What velmora-scan writes about a scan that has ended.
 
+#include "cli/JsonReport.h"
 #include "cli/Options.h"
-#include "records/Finding.h"
+#include "cli/Sink.h"
 #include "records/Records.h"
-#include "scan/ScanModel.h"
+#include "scan/ScanDetails.h"
 
+#include <memory>
 #include <string>
 #include <vector>
 
 namespace velmora {
 
-/// What the check of each of a scan's files came to, by its position; empty without a check.
-using CheckResults = std::vector<Checked>;
+/// What a scan came to, for whoever writes of it when the scan and its model are gone.
+struct ScanResult {
+    std::string status;
+    ScanSummary summary;
+    std::shared_ptr<const ScanDetails> details;
+    CheckResults checks;
+};
 
 /// What goes to standard output for `options`, with its last line feed.
-std::string report(const Options& options, const ScanModel& model, const CheckResults& checks);
+Text report(const Options& options, ScanResult result);
 
 /// A line a file in scan order: seconds with three decimals ("-" when unreadable), TAB, path. Here as in the
 /// other reports lengths are divided by `speed`, which is positive.
-std::string filesReport(const ScanDetails& details, double speed = 1);
+void filesReport(const Sink& out, const ScanDetails& details, double speed);
 
-/// The scan as one JSON object. Numbers read back to the same value. A path is shown with U+FFFD for what is
-/// not UTF-8; `pathBytes` beside it then holds its bytes in base64. `why` stands beside the path of all that
-/// is missing in the total.
-std::string jsonReport(const std::string& status, const ScanSummary& summary, const ScanDetails& details,
-                       const CheckResults& checks = {}, double speed = 1);
+/// The names of the measured files in scan order, a line each.
+void namesReport(const Sink& out, const PathList& files);
 
 /// A line a finding in scan order: kind, TAB, stated seconds, TAB, found seconds, with three decimals ("-"
 /// when absent), TAB, path.
-std::string findingsReport(const ScanDetails& details, const CheckResults& checks);
+void findingsReport(const Sink& out, const ScanDetails& details, const CheckResults& checks);
 
 /// A message for each folder that could not be listed, then for each skipped archive, then for each
 /// unreadable file, in the order they were met, with the reason.

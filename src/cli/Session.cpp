@@ -194,7 +194,8 @@ Outcome carryOut(Session& session, const Options& options, const PathList& paths
     const ScanModel& model = session.model();
     const CheckResults checks = session.checkResults();
     Outcome outcome{.status = statusOf(model),
-                    .report = report(options, model, checks),
+                    .report =
+                        report(options, {model.status(), model.summary(), model.sharedDetails(), checks}),
                     .problems = problems(model.details())};
     std::ranges::move(checkProblems(model.details(), checks), std::back_inserter(outcome.problems));
     const bool isFlawless =

@@ -5,6 +5,7 @@
 
 #include "cli/ExitStatus.h"
 #include "cli/Options.h"
+#include "cli/Sink.h"
 #include "records/PathList.h"
 
 #include <filesystem>
@@ -16,7 +17,7 @@ namespace velmora {
 /// An interrupted scan has no report, and no problem but that of its end.
 struct Outcome {
     ExitStatus status = ExitStatus::complete;
-    std::string report;                ///< for standard output
+    Text report;                       ///< for standard output
     std::vector<std::string> problems; ///< messages for standard error
 };
 

@@ -12,6 +12,36 @@
 
 namespace velmora {
 
+namespace {
+
+/// Standard output, written when much has come together.
+class BufferedOutput {
+public:
+    void add(std::string_view part) {
+        m_waiting += part;
+        if (m_waiting.size() >= much) {
+            flush();
+        }
+    }
+
+    /// Throws std::system_error.
+    void flush() {
+        const int error = writeText(STDOUT_FILENO, m_isShown ? terminalLines(m_waiting) : m_waiting);
+        if (error != 0) {
+            throw std::system_error(error, std::generic_category());
+        }
+        m_waiting.clear();
+    }
+
+private:
+    static constexpr std::size_t much = 65'536;
+
+    const bool m_isShown = ::isatty(STDOUT_FILENO) == 1;
+    std::string m_waiting; // whole parts
+};
+
+} // namespace
+
 void reserveStandardDescriptors() {
     for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) {
         if (::fcntl(descriptor, F_GETFD) < 0) {
@@ -44,14 +74,16 @@ void complain(std::string_view message) noexcept {
     }
 }
 
-bool writeOutput(std::string_view text) {
-    const bool isShown = ::isatty(STDOUT_FILENO) == 1;
-    const int error =
-        isShown ? writeText(STDOUT_FILENO, terminalLines(text)) : writeText(STDOUT_FILENO, text);
-    if (error != 0) {
-        complain("cannot write the report: " + std::generic_category().message(error));
+bool writeOutput(const Text& text) {
+    try {
+        BufferedOutput output;
+        text([&](std::string_view part) { output.add(part); });
+        output.flush();
+        return true;
+    } catch (const std::system_error& error) {
+        complain("cannot write the report: " + error.code().message());
+        return false;
     }
-    return error == 0;
 }
 
 } // namespace velmora

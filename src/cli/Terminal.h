@@ -2,6 +2,8 @@
 
 // The three standard descriptors, whatever the caller made of them.
 
+#include "cli/Sink.h"
+
 #include <string_view>
 
 namespace velmora {
@@ -16,8 +18,8 @@ int writeText(int descriptor, std::string_view text) noexcept;
 /// Writes "velmora-scan: ", `message` and a line feed to standard error.
 void complain(std::string_view message) noexcept;
 
-/// Writes `text` to standard output, to a terminal without what would act on it (names hold any bytes);
-/// complains and returns false when that fails.
-bool writeOutput(std::string_view text);
+/// Writes `text` to standard output as it is made, to a terminal without what would act on it (names hold any
+/// bytes); complains and returns false when that fails, and has no more of it made.
+bool writeOutput(const Text& text);
 
 } // namespace velmora

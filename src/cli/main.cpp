@@ -78,7 +78,8 @@ ExitStatus carryOut(const Options& options) {
 }
 
 ExitStatus carryOut(const TextWanted& wanted) {
-    return writeOutput(wanted.text) ? ExitStatus::complete : ExitStatus::incomplete;
+    return writeOutput([&](const Sink& out) { out(wanted.text); }) ? ExitStatus::complete
+                                                                   : ExitStatus::incomplete;
 }
 
 ExitStatus carryOut(const InstallationWanted& /*wanted*/) {

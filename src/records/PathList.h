@@ -32,6 +32,9 @@ public:
 
         value_type operator*() const { return m_name; }
 
+        /// The same without making a path.
+        const std::string& bytes() const { return m_name; }
+
         Iterator& operator++();
         Iterator operator++(int);
 

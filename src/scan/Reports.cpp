@@ -1,6 +1,8 @@
 // What the scan model's result reads like in text: the two reports for the clipboard, the proposal for a
 // zip's name.
 
+#include "scan/Reports.h"
+
 #include "records/AudioExtensions.h"
 #include "records/DisplayFormat.h"
 #include "scan/ScanModel.h"
@@ -29,21 +31,32 @@ std::string_view withoutKnownExtensions(std::string_view name) {
 
 } // namespace
 
-std::string ScanModel::totalText(double speed) const {
-    const double seconds = displayable(m_summary.seconds / speed);
+std::string totalText(const ScanSummary& summary, double speed) {
+    const double seconds = displayable(summary.seconds / speed);
     std::string text = "TOTAL RUNTIME  " + hms(seconds) + "   (" + longForm(seconds) + ")\n";
-    text += std::to_string(m_summary.fileCount) + " audio file" + (m_summary.fileCount == 1 ? "" : "s");
-    if (!m_summary.source.empty()) {
-        text += " \u2014 " + m_summary.source;
+    text += std::to_string(summary.fileCount) + " audio file" + (summary.fileCount == 1 ? "" : "s");
+    if (!summary.source.empty()) {
+        text += " \u2014 " + summary.source;
     }
     return text;
 }
 
+void eachName(const PathList& files, const std::function<void(std::string_view part)>& out) {
+    std::string line;
+    for (auto file = files.begin(); file != PathList::end(); ++file) {
+        line.append(file.bytes(), file.bytes().rfind('/') + 1); // all without a slash
+        out(line);
+        line = '\n';
+    }
+}
+
+std::string ScanModel::totalText(double speed) const {
+    return velmora::totalText(m_summary, speed);
+}
+
 std::string ScanModel::fileListText() const {
     std::string text;
-    for (const fs::path& file : m_summary.files) {
-        text += (text.empty() ? "" : "\n") + lastComponent(file);
-    }
+    eachName(m_summary.files, [&](std::string_view part) { text += part; });
     return text;
 }
 

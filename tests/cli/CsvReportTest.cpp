@@ -1,4 +1,4 @@
-#include "cli/CsvReport.h"
+#include "tests/cli/ReportText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,5 @@
-#include "cli/FoldersReport.h"
-
 #include "cli/Options.h"
+#include "tests/cli/ReportText.h"
 
 #include <gtest/gtest.h>
 
