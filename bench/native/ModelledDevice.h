@@ -13,9 +13,10 @@
 
 namespace velmora::bench {
 
-/// Serves `operations` in the foreground until they are unmounted. `options` are further arguments of FUSE:
-/// the folder to mount on, last. Other programs cannot keep it from a processor, as they could no device. It
-/// ends with whoever started it. Returns the exit status.
+/// Serves `operations` in the foreground until they are unmounted. `options` are further arguments of FUSE,
+/// the last one the folder to mount on. No other program keeps it from a processor, as none keeps a device
+/// from working; that needs root. When the program that started it ends, it unmounts itself and ends too.
+/// Returns the exit status.
 inline int serve(const fuse_operations& operations, std::vector<const char*> options) {
     const sched_param first{.sched_priority = 1};
     if (::sched_setscheduler(0, SCHED_FIFO, &first) != 0 || ::prctl(PR_SET_PDEATHSIG, SIGTERM) != 0) {

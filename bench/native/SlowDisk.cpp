@@ -1,23 +1,24 @@
-// A disk with one head. Usage: bench_slow_disk IMAGE FOLDER mounts a file system of one
-// file, FOLDER/disk, which is IMAGE, and serves it as slowly as a rotating disk would.
+// A disk with one head. Usage: bench_slow_disk IMAGE FOLDER serves a file FOLDER/disk, whose bytes are
+// those of IMAGE, as slowly as a rotating disk would.
 //
 // The model, all of it:
 // - There is one head. It serves one read at a time, in the order in which they come.
 // - A read that begins where the last one ended costs its bytes at 150 MB/s.
-// - Any other read costs 8 ms more: what a disk of 7,200 turns a minute needs on average to move its head
-//   (about 4 ms) and to wait for the sector (half a turn, 4.2 ms). Near or far makes no difference.
-// - The disk itself reads on: one that follows the last and comes within 8 ms of its end is timed as if it
-//   had come at that end. So a program that reads in sequence reaches the full rate, and the time that this
-//   model takes for itself does not count.
-// - Nothing is ever reordered or cached here. What IMAGE needs in truth passes within the time modelled.
+// - Any other read costs 8 ms more: what a disk of 7,200 turns a minute needs on average to move its
+//   head (about 4 ms) and to wait for the sector (half a turn, 4.2 ms). Near or far makes no
+//   difference.
+// - A disk reads on by itself: a read that follows the last one and comes within 8 ms of its end is
+//   timed as if it had come at that end. So a program that reads in sequence reaches the full rate, and
+//   what this model needs for itself does not count.
+// - Nothing is reordered or cached here. What IMAGE needs in truth passes within the time modelled.
 //
-// What is real: a loop device over FOLDER/disk with `rotational` set, a real file system on it, and the
-// kernel's page cache, read-ahead (128 KiB, as on real disks) and scheduler above it. Directories, inodes and
-// extents cost seeks as they do on a disk. A loop device hands on one request after another; those that wait
-// meanwhile wait there and not in the disk, so what a real disk gains by choosing among several is missing.
+// What is real: a loop device over FOLDER/disk with `rotational` set, a file system on it, and the
+// kernel's page cache, read-ahead (128 KiB, as on real disks) and scheduler above it. So folders,
+// inodes and extents cost seeks as they do on a disk.
 //
-// What is left out: short seeks cost as much as long ones, outer tracks are no faster than inner ones,
-// nothing is written.
+// What is left out: a disk chooses among the reads that wait, while a loop device hands on one after
+// another; short seeks cost as much as long ones; outer tracks are no faster than inner ones; nothing
+// is written.
 
 #define FUSE_USE_VERSION 312
 
@@ -27,6 +28,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
@@ -42,17 +44,18 @@ constexpr std::chrono::milliseconds seek{8};
 constexpr double bytesPerSecond = 150e6;
 
 int image = -1;
-off_t headAt = -1;                                            // the byte after the last one read
-Clock::time_point headFree = Clock::time_point::min() + seek; // when the last read ended
+off_t headAt = -1;            // the byte after the last one read
+Clock::time_point headFree{}; // when the last read ended or will end
 
-/// When the head has read these bytes, if it is asked now.
+/// When the head will have read these bytes, if it is asked now.
 Clock::time_point served(off_t offset, std::size_t size) {
     const auto now = Clock::now();
-    const bool follows = offset == headAt;
-    const auto begin =
-        follows && now < headFree + seek
-            ? headFree
-            : std::max(now, headFree) + (follows ? Clock::duration::zero() : Clock::duration(seek));
+    auto begin = std::max(now, headFree);
+    if (offset != headAt) {
+        begin += seek;
+    } else if (now < headFree + seek) {
+        begin = headFree;
+    }
     const std::chrono::duration<double> transfer(static_cast<double>(size) / bytesPerSecond);
     headAt = offset + static_cast<off_t>(size);
     headFree = begin + std::chrono::duration_cast<Clock::duration>(transfer);

@@ -1,22 +1,22 @@
-// A folder as if it lay on another machine. Usage: bench_slow_network SOURCE FOLDER shows
-// the folder SOURCE in FOLDER, for reading.
+// A folder as if it lay on another machine. Usage: bench_slow_network SOURCE FOLDER shows the folder
+// SOURCE in FOLDER, for reading.
 //
 // The model, all of it:
-// - Every question to the other machine takes 5 ms: the look-up of a name (which is its stat), a stat whose
-//   answer has grown old, an open, a read of up to 128 KiB, a block of names of a folder.
-// - Any number of questions are under way at once; none waits for another, and bytes cost nothing. So what
-//   counts is how many questions of a file depend on each other, and how many files are asked for at once.
-// - What was told of a name holds for 3 s, as on NFS (acregmin): a stat after a look-up is free. The names of
-// a
-//   folder come with their stat, as on NFS, SMB and SFTP.
+// - Every question to the other machine takes 5 ms: the look-up of a name (which is its stat), a stat
+//   whose answer has grown old, an open, a read of up to 128 KiB, a block of names of a folder.
+// - Any number of questions are under way at once; none waits for another, and bytes cost nothing. So
+//   what counts is how many questions of a file depend on each other, and how many files are asked for
+//   at once.
+// - What was told of a name holds for 3 s, as on NFS (acregmin): a stat after a look-up is free. The
+//   names of a folder come with their stat, as on NFS, SMB and SFTP.
 // - Closing costs nothing.
 //
-// What is real: the kernel's page cache and its read-ahead, which is that of FUSE and of NFS before its
-// administrators change it (128 KiB). What SOURCE needs in truth passes within the 5 ms. `statfs` says FUSE,
+// What is real: the kernel's page cache and its read-ahead of 128 KiB, as FUSE and NFS have it unless
+// an administrator changes it. What SOURCE needs in truth passes within the 5 ms. `statfs` says FUSE,
 // as for sshfs.
 //
-// What is left out: bandwidth; a server that is busy; answers that come late; opening without a look-up in
-// one question, as NFS 4 and SMB can.
+// What is left out: bandwidth; a server that is busy; answers that come late; opening without a look-up
+// in one question, as NFS 4 and SMB can.
 
 #define FUSE_USE_VERSION 312
 
@@ -63,19 +63,19 @@ int result(int returned) {
 }
 
 int getattr(const char* path, struct stat* status, fuse_file_info* /*file*/) {
-    const Trip there;
+    const Trip trip;
     return result(::fstatat(source, below(path), status, AT_SYMLINK_NOFOLLOW));
 }
 
 int open(const char* path, fuse_file_info* file) {
-    const Trip there;
+    const Trip trip;
     const int descriptor = ::openat(source, below(path), O_RDONLY | O_CLOEXEC);
     file->fh = static_cast<std::uint64_t>(descriptor);
     return descriptor < 0 ? -errno : 0;
 }
 
 int read(const char* /*path*/, char* buffer, size_t size, off_t offset, fuse_file_info* file) {
-    const Trip there;
+    const Trip trip;
     return result(static_cast<int>(::pread(static_cast<int>(file->fh), buffer, size, offset)));
 }
 
@@ -86,7 +86,7 @@ int release(const char* /*path*/, fuse_file_info* file) {
 /// Tells the names from `offset` on, as many as fit into one block.
 int readdir(const char* path, void* block, fuse_fill_dir_t add, off_t offset, fuse_file_info* /*file*/,
             fuse_readdir_flags /*flags*/) {
-    const Trip there;
+    const Trip trip;
     const int descriptor = ::openat(source, below(path), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
     const std::unique_ptr<DIR, int (*)(DIR*)> folder(descriptor < 0 ? nullptr : ::fdopendir(descriptor),
                                                      ::closedir);
