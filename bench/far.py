@@ -67,7 +67,7 @@ def run() -> str:
 
 
 def disk_section(disk: SlowDisk) -> str:
-    checked = slow_checks.disk_checks(disk)
+    checked = slow_checks.checked(disk)
     race = raced(disk)
     return (f"### A disk with one head, {count_of(disk)} tracks\n\n"
             "8 ms for each read that does not follow the last one, 150 MB/s; ext4.\n\n"
@@ -76,7 +76,7 @@ def disk_section(disk: SlowDisk) -> str:
 
 
 def network_section(network: SlowNetwork) -> str:
-    checked = slow_checks.network_checks(network)
+    checked = slow_checks.checked(network)
     race = raced(network, rounds_alone=1, share=5)
     many = Runner("velmora-scan", [SCAN, "--quiet", *map(str, network.whole)], before=network.chill)
     interleave([many], 1)
@@ -89,7 +89,7 @@ def network_section(network: SlowNetwork) -> str:
 
 
 def own_section(own: OwnDisk) -> str:
-    slow_checks.own_checks(own)
+    slow_checks.checked(own)
     race = raced(own)
     return (f"### This machine's disk, {count_of(own)} tracks\n\n"
             "The content of the files is let go with `posix_fadvise`, their names and inodes with\n"
