@@ -60,7 +60,7 @@ void ask(const RegularFile& file, const Need& need) {
 
 bool paysToReadAhead(const std::filesystem::path& path) {
     const std::optional<RegularFile> file = RegularFile::open(path);
-    return file && file->storage() == StorageKind::rotating && !file->isInMemory(0);
+    return file && file->storage().kind == StorageKind::rotating && !file->isInMemory(0);
 }
 
 void readAhead(const std::filesystem::path& path) {
@@ -70,7 +70,7 @@ void readAhead(const std::filesystem::path& path) {
 }
 
 void askForEnd(const RegularFile& file, const std::filesystem::path& path) {
-    if (file.storage() == StorageKind::network) {
+    if (file.storage().kind == StorageKind::network) {
         ask(file, needOf(path));
     }
 }

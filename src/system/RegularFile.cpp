@@ -38,7 +38,7 @@ std::optional<RegularFile> RegularFile::open(const std::filesystem::path& path) 
         errno = EINVAL;
         return std::nullopt;
     }
-    const StorageKind storage = storageKind(descriptor.get(), status.st_dev);
+    const Storage storage = storageOf(descriptor.get(), status.st_dev);
     return RegularFile(std::move(descriptor), status.st_size, storage);
 }
 
@@ -69,7 +69,7 @@ bool RegularFile::isInMemory(std::int64_t offset) const {
 void RegularFile::willNeed(std::int64_t offset, std::int64_t bytes) const {
     static std::mutex turn; // the requests of one call reach the disk one after the other
     std::unique_lock lock(turn, std::defer_lock);
-    if (m_storage == StorageKind::rotating) {
+    if (m_storage.kind == StorageKind::rotating) {
         lock.lock();
     }
     const std::int64_t end = std::min(offset + bytes, m_size);
@@ -79,7 +79,7 @@ void RegularFile::willNeed(std::int64_t offset, std::int64_t bytes) const {
 }
 
 std::size_t RegularFile::askForRun(std::int64_t offset, std::span<std::uint8_t> buffer) const {
-    if (m_storage == StorageKind::quick || offset < 0 || offset >= m_size) {
+    if (m_storage.kind == StorageKind::quick || m_storage.readsFarAhead || offset < 0 || offset >= m_size) {
         return 0;
     }
     const std::int64_t end = std::min(offset + static_cast<std::int64_t>(buffer.size()), m_size);

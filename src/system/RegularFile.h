@@ -4,7 +4,7 @@
 // opening cannot block, and what is not a regular file is refused before the first byte.
 
 #include "system/FileDescriptor.h"
-#include "system/StorageKind.h"
+#include "system/Storage.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -30,7 +30,7 @@ public:
     static constexpr std::int64_t runBytes = 8LL << 20;
 
     /// The file of `size` bytes on `storage` that is open for reading at `descriptor`.
-    RegularFile(FileDescriptor descriptor, std::int64_t size, StorageKind storage = StorageKind::quick)
+    RegularFile(FileDescriptor descriptor, std::int64_t size, Storage storage = {})
         : m_descriptor(std::move(descriptor))
         , m_size(size)
         , m_storage(storage) {}
@@ -43,11 +43,11 @@ public:
     /// Reads into `buffer` from byte `offset`: fewer bytes than asked for at the end of the file, none beyond
     /// it. Absent after a read error, or for a negative offset. A long read of what is not in memory asks a
     /// rotating disk or a network for the bytes after it, too: several such files at a time would else cost a
-    /// seek or a round trip for every 128 KiB.
+    /// seek or a round trip for every 128 KiB that the kernel reads ahead by itself.
     std::optional<std::size_t> readAt(std::int64_t offset, std::span<std::uint8_t> buffer) const;
 
     /// What the file lies on.
-    StorageKind storage() const { return m_storage; }
+    const Storage& storage() const { return m_storage; }
 
     /// Whether the byte at `offset` can be read without waiting for the disk. False where the file system
     /// cannot tell, as those of networks.
@@ -63,7 +63,7 @@ private:
 
     FileDescriptor m_descriptor;
     std::int64_t m_size = 0;
-    StorageKind m_storage = StorageKind::quick;
+    Storage m_storage;
     mutable std::int64_t m_runEnd = 0; // of the last run that was asked for; several threads may set it
 };
 

@@ -55,7 +55,7 @@ class LongRead : public testing::Test {
 protected:
     LongRead() { kernel = {}; }
 
-    static RegularFile fileOn(StorageKind storage) {
+    static RegularFile fileOn(Storage storage) {
         const fs::path path = test::write(test::freshFolder() / "a.aac", "start");
         fs::resize_file(path, fileBytes);
         return {FileDescriptor(::open(path.c_str(), O_RDONLY | O_CLOEXEC)), fileBytes, storage};
@@ -89,14 +89,14 @@ std::pair<std::int64_t, std::int64_t> wantedRange() {
 TEST_F(LongRead, AsksASlowDeviceForWhatFollowsAndForNothingTwice) {
     for (const StorageKind storage : {StorageKind::rotating, StorageKind::network}) {
         kernel = {};
-        readThrough(fileOn(storage), RegularFile::longRead);
+        readThrough(fileOn({storage}), RegularFile::longRead);
         ASSERT_FALSE(kernel.wanted.empty());
         EXPECT_EQ(wantedRange(), std::pair(std::int64_t{0}, fileBytes));
     }
 }
 
 TEST_F(LongRead, AsksForOneRunAtATime) {
-    const RegularFile file = fileOn(StorageKind::rotating);
+    const RegularFile file = fileOn({StorageKind::rotating});
     std::vector<std::uint8_t> buffer(RegularFile::longRead);
     file.readAt(megabyte, buffer);
     ASSERT_FALSE(kernel.wanted.empty());
@@ -105,13 +105,13 @@ TEST_F(LongRead, AsksForOneRunAtATime) {
 
 TEST_F(LongRead, AsksOnceWhatIsInMemoryEnds) {
     kernel.inMemory = 5 * megabyte;
-    readThrough(fileOn(StorageKind::rotating), RegularFile::longRead);
+    readThrough(fileOn({StorageKind::rotating}), RegularFile::longRead);
     ASSERT_FALSE(kernel.wanted.empty());
     EXPECT_EQ(wantedRange(), std::pair(5 * megabyte, fileBytes));
 }
 
 TEST_F(LongRead, AsksAgainForWhatStandsBefore) {
-    const RegularFile file = fileOn(StorageKind::rotating);
+    const RegularFile file = fileOn({StorageKind::rotating});
     std::vector<std::uint8_t> buffer(RegularFile::longRead);
     file.readAt(10 * megabyte, buffer);
     kernel.wanted.clear();
@@ -122,30 +122,35 @@ TEST_F(LongRead, AsksAgainForWhatStandsBefore) {
 
 TEST_F(LongRead, AsksForNothingThatIsInMemory) {
     kernel.inMemory = 21 * megabyte;
-    readThrough(fileOn(StorageKind::rotating), RegularFile::longRead);
+    readThrough(fileOn({StorageKind::rotating}), RegularFile::longRead);
     EXPECT_THAT(kernel.wanted, IsEmpty());
 }
 
 TEST_F(LongRead, AsksNothingOfAQuickDevice) {
-    readThrough(fileOn(StorageKind::quick), RegularFile::longRead);
+    readThrough(fileOn({StorageKind::quick}), RegularFile::longRead);
     EXPECT_THAT(kernel.wanted, IsEmpty());
     EXPECT_EQ(kernel.wasAsked, 0);
 }
 
+TEST_F(LongRead, AsksNothingWhereTheKernelReadsFarAheadItself) {
+    readThrough(fileOn({StorageKind::rotating, true}), RegularFile::longRead);
+    EXPECT_THAT(kernel.wanted, IsEmpty());
+}
+
 TEST_F(LongRead, ShortReadsAskForNothing) {
-    readThrough(fileOn(StorageKind::rotating), RegularFile::longRead - 1);
+    readThrough(fileOn({StorageKind::rotating}), RegularFile::longRead - 1);
     EXPECT_THAT(kernel.wanted, IsEmpty());
     EXPECT_EQ(kernel.wasAsked, 0);
 }
 
 TEST_F(LongRead, BeforeTheStartFailsAsAnyOther) {
     std::vector<std::uint8_t> buffer(RegularFile::longRead);
-    EXPECT_EQ(fileOn(StorageKind::rotating).readAt(-1, buffer), std::nullopt);
+    EXPECT_EQ(fileOn({StorageKind::rotating}).readAt(-1, buffer), std::nullopt);
     EXPECT_EQ(kernel.wasAsked, 0);
 }
 
 TEST_F(LongRead, WillNeedKeepsWithinTheFile) {
-    const RegularFile file = fileOn(StorageKind::network);
+    const RegularFile file = fileOn({StorageKind::network});
     file.willNeed(-3, 10);
     file.willNeed(fileBytes - 7, 100);
     file.willNeed(fileBytes, 100);

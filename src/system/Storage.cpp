@@ -1,4 +1,4 @@
-#include "system/StorageKind.h"
+#include "system/Storage.h"
 
 #include <fcntl.h>
 #include <linux/magic.h>
@@ -29,75 +29,79 @@ constexpr auto networkFileSystems = std::to_array<std::uint32_t>({
     0x47504653, // Spectrum Scale
 });
 
+constexpr std::int64_t farAhead = 1024; // in KiB
+
 /// Nothing where `device` has no queue, as a partition has none.
-std::optional<StorageKind> kindByQueue(const std::string& device) {
-    std::ifstream file("/sys/dev/block/" + device + "/queue/rotational");
-    char rotates = '\0';
-    if (!(file >> rotates)) {
+std::optional<Storage> storageByQueue(const std::string& device) {
+    const std::string queue = "/sys/dev/block/" + device + "/queue/";
+    int rotates = 0;
+    if (!(std::ifstream(queue + "rotational") >> rotates)) {
         return std::nullopt;
     }
-    return rotates == '1' ? StorageKind::rotating : StorageKind::quick;
+    std::int64_t readAhead = 0;
+    std::ifstream(queue + "read_ahead_kb") >> readAhead;
+    return Storage{rotates == 1 ? StorageKind::rotating : StorageKind::quick, readAhead >= farAhead};
 }
 
-std::optional<StorageKind> kindByBlockDevice(dev_t device) {
+std::optional<Storage> storageByBlockDevice(dev_t device) {
     const std::string name = std::to_string(major(device)) + ":" + std::to_string(minor(device));
-    const std::optional<StorageKind> kind = kindByQueue(name);
-    return kind ? kind : kindByQueue(name + "/.."); // of the disk that holds the partition
+    const std::optional<Storage> storage = storageByQueue(name);
+    return storage ? storage : storageByQueue(name + "/.."); // of the disk that holds the partition
 }
 
 /// Of a file system without a block device of its own.
-StorageKind kindByMount(int descriptor) {
+Storage storageByMount(int descriptor) {
     struct statx status {};
 
     if (::statx(descriptor, "", AT_EMPTY_PATH, STATX_MNT_ID, &status) != 0 ||
         (status.stx_mask & STATX_MNT_ID) == 0) {
-        return StorageKind::quick;
+        return {};
     }
     std::ifstream table("/proc/self/mountinfo");
 
     struct stat source {};
 
     if (::stat(mountSource(table, status.stx_mnt_id).c_str(), &source) != 0 || !S_ISBLK(source.st_mode)) {
-        return StorageKind::quick;
+        return {};
     }
-    return storageKindOfBlockDevice(source.st_rdev);
+    return storageOfBlockDevice(source.st_rdev);
 }
 
-StorageKind askedKind(int descriptor, dev_t device) {
+Storage askedStorage(int descriptor, dev_t device) {
     // First, for a file system in a program may well lie on a disk of this machine, and then has its number.
-    if (const auto kind = kindByBlockDevice(device)) {
-        return *kind;
+    if (const auto storage = storageByBlockDevice(device)) {
+        return *storage;
     }
 
     struct statfs system {};
 
     if (::fstatfs(descriptor, &system) != 0) {
-        return StorageKind::quick;
+        return {};
     }
     const bool isNetwork = std::ranges::find(networkFileSystems, static_cast<std::uint32_t>(system.f_type)) !=
                            networkFileSystems.end();
-    return isNetwork ? StorageKind::network : kindByMount(descriptor);
+    return isNetwork ? Storage{StorageKind::network} : storageByMount(descriptor);
 }
 
 } // namespace
 
-StorageKind storageKind(int descriptor, dev_t device) {
+Storage storageOf(int descriptor, dev_t device) {
     static std::mutex lock;
-    static std::map<dev_t, StorageKind> known;
+    static std::map<dev_t, Storage> known;
     {
         const std::lock_guard guard(lock);
         if (const auto place = known.find(device); place != known.end()) {
             return place->second;
         }
     }
-    const StorageKind kind = askedKind(descriptor, device); // a server may take its time
+    const Storage storage = askedStorage(descriptor, device); // a server may take its time
     const std::lock_guard guard(lock);
-    known.emplace(device, kind);
-    return kind;
+    known.emplace(device, storage);
+    return storage;
 }
 
-StorageKind storageKindOfBlockDevice(dev_t device) {
-    return kindByBlockDevice(device).value_or(StorageKind::quick);
+Storage storageOfBlockDevice(dev_t device) {
+    return storageByBlockDevice(device).value_or(Storage());
 }
 
 std::filesystem::path mountSource(std::istream& table, std::uint64_t mount) {

@@ -17,14 +17,23 @@ enum class StorageKind : std::uint8_t {
     network,  ///< another machine or a program answers: what matters is how many questions wait for another
 };
 
+struct Storage {
+    StorageKind kind = StorageKind::quick;
+
+    /// Whether the kernel by itself reads so far ahead, a megabyte or more, that a disk seeks little when it
+    /// serves several readers.
+    bool readsFarAhead = false;
+};
+
 /// Of the file open at `descriptor`, which lies on `device` (`st_dev`). A device is asked for once, then
 /// remembered; any thread. A virtual disk is what its host says it is, often a rotating one.
-StorageKind storageKind(int descriptor, dev_t device);
+Storage storageOf(int descriptor, dev_t device);
 
 /// What the kernel says of the block device `device` or of the disk that it is a partition of, in
-/// /sys/dev/block/MAJOR:MINOR/queue/rotational (Linux, Documentation/ABI/stable/sysfs-block). `quick` for
-/// what is no block device. Volumes of the device mapper, of LUKS and of RAID have a queue of their own.
-StorageKind storageKindOfBlockDevice(dev_t device);
+/// `rotational` and `read_ahead_kb` of /sys/dev/block/MAJOR:MINOR/queue (Linux,
+/// Documentation/ABI/stable/sysfs-block). `quick` for what is no block device. Volumes of the device mapper,
+/// of LUKS and of RAID have a queue of their own.
+Storage storageOfBlockDevice(dev_t device);
 
 /// The source of the mount with the identity `mount` in `table`, which is written as /proc/self/mountinfo is
 /// (proc(5)); empty if it is not in there. It tells the disk of a file system with device numbers of its own,

@@ -1,4 +1,4 @@
-#include "system/StorageKind.h"
+#include "system/Storage.h"
 
 #include "system/RegularFile.h"
 #include "tests/support/Files.h"
@@ -27,41 +27,43 @@ dev_t numberOf(const std::string& name) {
     return makedev(majorNumber, minorNumber);
 }
 
-TEST(StorageKind, OfADiskIsWhatTheKernelSaysOfItsQueue) {
+TEST(Storage, OfADiskIsWhatTheKernelSaysOfItsQueue) {
     int disks = 0;
     for (const fs::directory_entry& device : fs::directory_iterator(blockDevices)) {
         std::ifstream queue(device.path() / "queue" / "rotational");
         if (int rotates = 0; queue >> rotates) {
-            const auto expected = rotates == 1 ? StorageKind::rotating : StorageKind::quick;
-            EXPECT_EQ(storageKindOfBlockDevice(numberOf(device.path().filename())), expected) << device;
+            const Storage storage = storageOfBlockDevice(numberOf(device.path().filename()));
+            EXPECT_EQ(storage.kind, rotates == 1 ? StorageKind::rotating : StorageKind::quick) << device;
+            const int readAhead = std::stoi(test::read(device.path() / "queue" / "read_ahead_kb"));
+            EXPECT_EQ(storage.readsFarAhead, readAhead >= 1024) << device;
             ++disks;
         }
     }
     EXPECT_GT(disks, 0) << "this machine has no block device at all";
 }
 
-TEST(StorageKind, OfAPartitionIsThatOfItsDisk) {
+TEST(Storage, OfAPartitionIsThatOfItsDisk) {
     for (const fs::directory_entry& device : fs::directory_iterator(blockDevices)) {
         if (fs::exists(device.path() / "partition")) {
             const std::string disk =
                 test::read(fs::canonical(device.path()).parent_path() / "dev"); // "8:0\n"
-            EXPECT_EQ(storageKindOfBlockDevice(numberOf(device.path().filename())),
-                      storageKindOfBlockDevice(numberOf(disk)))
+            EXPECT_EQ(storageOfBlockDevice(numberOf(device.path().filename())).kind,
+                      storageOfBlockDevice(numberOf(disk)).kind)
                 << device;
         }
     }
 }
 
-TEST(StorageKind, OfWhatIsInMemoryIsQuick) {
+TEST(Storage, OfWhatIsInMemoryIsQuick) {
     for (const char* path : {"/proc/self/status", "/sys/kernel/mm/transparent_hugepage/enabled"}) {
         const auto file = RegularFile::open(path);
         ASSERT_TRUE(file) << path;
-        EXPECT_EQ(file->storage(), StorageKind::quick) << path;
+        EXPECT_EQ(file->storage().kind, StorageKind::quick) << path;
     }
 }
 
-TEST(StorageKind, OfNoBlockDeviceIsQuick) {
-    EXPECT_EQ(storageKindOfBlockDevice(makedev(0, 99)), StorageKind::quick);
+TEST(Storage, OfNoBlockDeviceIsQuick) {
+    EXPECT_EQ(storageOfBlockDevice(makedev(0, 99)).kind, StorageKind::quick);
 }
 
 TEST(MountSource, IsFoundByTheMountsIdentity) {
