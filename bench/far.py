@@ -43,7 +43,7 @@ class Race:
                 for runner in self.all()]
         return table(["program", "seconds", "times velmora-scan", "rounds"], rows)
 
-    def share_of(self, other: Runner, goal: float) -> str:
+    def compared_to(self, other: Runner, goal: float) -> str:
         """How many times as long as another the scan takes."""
         return (f"- velmora-scan takes {1 / other.ratio_to(self.scan):.2f} times as long as: {other.name}\n"
                 f"  (the goal: at most {goal}).\n")
@@ -71,7 +71,7 @@ def disk_section(disk: SlowDisk) -> str:
     race = raced(disk)
     return (f"### A disk with one head, {count_of(disk)} tracks\n\n"
             "8 ms for each read that does not follow the last one, 150 MB/s; ext4.\n\n"
-            + race.table() + "\n" + race.share_of(race.by_inode, 1.1) + race.share_of(race.alone, 1)
+            + race.table() + "\n" + race.compared_to(race.by_inode, 1.1) + race.compared_to(race.alone, 1)
             + "\n" + checked)
 
 
@@ -94,7 +94,7 @@ def own_section(own: OwnDisk) -> str:
     return (f"### This machine's disk, {count_of(own)} tracks\n\n"
             "The content of the files is let go with `posix_fadvise`, their names and inodes with\n"
             "`drop_caches`; the blocks of the disk that hold names and inodes may be in memory still.\n\n"
-            + race.table() + "\n" + race.share_of(race.by_six, 1.2))
+            + race.table() + "\n" + race.compared_to(race.by_six, 1.2))
 
 
 def raced(slow: Storage, rounds_alone: int = ROUNDS, share: int = 1) -> Race:

@@ -16,6 +16,7 @@ import load
 import micro
 import peers
 import scaling
+import slow
 import walls
 import window
 from measuring import DATA, ROOT, SCAN, output_of
@@ -30,6 +31,8 @@ def main(names: list[str]) -> int:
     if unknown:
         print(f"bench: there is no {', '.join(unknown)}; there are: {', '.join(NAMES)}", file=sys.stderr)
         return 2
+    if not names or "far" in names:
+        slow.demand()
     DATA.mkdir(parents=True, exist_ok=True)
     sections = [PERFORMANCE[name].run() for name in names or NAMES if name in PERFORMANCE]
     if sections:

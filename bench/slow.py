@@ -6,6 +6,7 @@ SlowNetwork.cpp say what they are), and this machine's own disk with nothing of 
 runs a command there, cold, and prints the seconds. {} in its arguments stands for the folder of music.
 Only root may: mounting, loop devices and emptying the kernel's caches are root's."""
 
+import ctypes
 import os
 import random
 import shutil
@@ -18,11 +19,12 @@ from contextlib import ExitStack, contextmanager
 from pathlib import Path
 
 from library import library
-from measuring import DATA, native
+from measuring import DATA, native, output_of, warm
 from scaling import linked_tracks
 
 FOLDERS_ON_DISK = 20  # 400 tracks
 IMAGE_BYTES = 2400 << 20
+CLONE_NEWNS = 0x20000  # sched.h
 LONGEST_START = 20  # seconds until a file system must have come up
 
 
@@ -59,7 +61,7 @@ class SlowDisk(Storage):
 
     def __init__(self, stack: ExitStack) -> None:
         image = disk_image(DATA)
-        read_whole(image)  # what is slow is the model
+        warm([str(image)])  # what is slow is the model
         lower = stack.enter_context(mount_point("slow-disk"))
         stack.enter_context(served([native("bench_slow_disk"), str(image), str(lower)], lower))
         self.device = stack.enter_context(loop_device(lower / "disk", "--read-only"))
@@ -72,11 +74,11 @@ class SlowDisk(Storage):
         self.mount()
 
     def mount(self) -> None:
-        subprocess.run(["mount", "-t", "ext4", "-o", "ro,noatime", self.device, self.mounted], check=True)
+        output_of(["mount", "-t", "ext4", "-o", "ro,noatime", self.device, str(self.mounted)])
 
     def chill(self) -> None:
         """What the kernel holds of a file system and of its device goes when it is unmounted."""
-        subprocess.run(["umount", self.mounted], check=True)
+        output_of(["umount", str(self.mounted)])
         self.mount()
 
 
@@ -85,8 +87,7 @@ class SlowNetwork(Storage):
 
     def __init__(self, stack: ExitStack) -> None:
         first, second, *_ = linked_tracks(DATA)
-        for file in library(DATA).files():
-            read_whole(Path(file))  # what is slow is the model
+        warm(library(DATA).files())  # what is slow is the model
         for folder in (first, second):
             for path in folder.rglob("*"):
                 path.stat()
@@ -106,33 +107,28 @@ class SlowNetwork(Storage):
         self.mount()
 
 
+def hide_mounts() -> None:
+    """Gives this process a mount namespace of its own. What it mounts goes with it and its children, whatever
+    ends them; and nobody else's namespace holds on to a file system that was unmounted here, with its cache."""
+    if ctypes.CDLL(None, use_errno=True).unshare(CLONE_NEWNS) != 0:
+        raise SystemExit(f"bench: no mount namespace: {os.strerror(ctypes.get_errno())}")
+    output_of(["mount", "--make-rprivate", "/"])
+
+
 @contextmanager
 def mount_point(name: str) -> Iterator[Path]:
-    """An empty folder to mount on. What is mounted there is unmounted before and after, whatever it is."""
+    """An empty folder to mount on; unmounted in the end."""
     point = DATA / name
-    unmount(point)
     point.mkdir(parents=True, exist_ok=True)
     try:
         yield point
     finally:
         unmount(point)
-        point.rmdir()
 
 
 def unmount(point: Path) -> None:
-    while subprocess.run(["mountpoint", "-q", point], check=False).returncode == 0 or is_dead(point):
-        subprocess.run(["umount", "-l", point], check=True)
-
-
-def is_dead(point: Path) -> bool:
-    """Whether a file system is mounted that nobody serves any more."""
-    try:
-        point.stat()
-    except FileNotFoundError:
-        return False
-    except OSError:
-        return True
-    return False
+    """Takes away what is mounted on `point`, if anything; files that are open there hold it until closed."""
+    subprocess.run(["umount", "--lazy", "--quiet", point], check=False, stderr=subprocess.DEVNULL)
 
 
 @contextmanager
@@ -157,56 +153,49 @@ def served(command: list[str], point: Path) -> Iterator[None]:
 
 @contextmanager
 def loop_device(file: Path, *options: str) -> Iterator[str]:
-    device = subprocess.run(["losetup", "--find", "--show", *options, file], check=True, text=True,
-                            stdout=subprocess.PIPE).stdout.strip()
-    try:
+    """A block device over a file, until nothing has it open any more."""
+    device = output_of(["losetup", "--find", "--show", *options, str(file)]).strip()
+    with open(device, "rb"):
+        output_of(["losetup", "--detach", device])
         yield device
-    finally:
-        subprocess.run(["losetup", "--detach", device], check=True)
 
 
 def disk_image(data: Path) -> Path:
-    """An ext4 with the disk's tracks in `music`; made if it is not there yet. Albums came to it one after
-    another in no order, the tracks of an album in theirs."""
+    """An ext4 with the disk's tracks in `music`; made if it is not there yet. Its folders came to it one
+    after another in no order."""
     image = data / "slow-disk.ext4"
     if not image.exists():
         print(f"making a disk in {image}", flush=True)
         first, *_ = linked_tracks(data)
-        albums = sorted(first.iterdir(), key=lambda path: int(path.name.rsplit(" ", 1)[1]))[:FOLDERS_ON_DISK]
-        random.Random(1).shuffle(albums)
+        folders = [first / f"Folder {number + 1}" for number in range(FOLDERS_ON_DISK)]
+        random.Random(1).shuffle(folders)
         unfinished = image.with_suffix(".unfinished")
         unfinished.unlink(missing_ok=True)
         with open(unfinished, "wb") as file:
             file.truncate(IMAGE_BYTES)
-        subprocess.run(["mkfs.ext4", "-q", "-E", "lazy_itable_init=0,lazy_journal_init=0", unfinished],
-                       check=True)
+        output_of(["mkfs.ext4", "-q", "-E", "lazy_itable_init=0,lazy_journal_init=0", str(unfinished)])
         with loop_device(unfinished) as device, mount_point("slow-disk-files") as mounted:
-            subprocess.run(["mount", "-t", "ext4", device, mounted], check=True)
-            for album in albums:
-                shutil.copytree(album, mounted / "music" / album.name)
-            unmount_now(mounted)
+            output_of(["mount", "-t", "ext4", device, str(mounted)])
+            for folder in folders:
+                shutil.copytree(folder, mounted / "music" / folder.name)
+            output_of(["umount", str(mounted)])  # waits until all is written
         unfinished.rename(image)
     return image
 
 
-def unmount_now(point: Path) -> None:
-    """Unlike a lazy one this waits until all is written."""
-    subprocess.run(["umount", point], check=True)
-
-
-def read_whole(file: Path) -> None:
-    with open(file, "rb", buffering=0) as stream:
-        while stream.read(1 << 20):
-            pass
+def demand() -> None:
+    """Ends the program where slow storage cannot be had."""
+    if os.geteuid() != 0:
+        raise SystemExit("bench: slow storage is mounted by root: run this as root")
+    if not os.access("/dev/fuse", os.R_OK | os.W_OK):
+        raise SystemExit("bench: slow storage is served through FUSE: no /dev/fuse can be opened here")
 
 
 @contextmanager
 def storage(name: str) -> Iterator[Storage]:
     """The storage of that name: `disk`, `network` or `own`."""
-    if os.geteuid() != 0:
-        raise SystemExit("slow storage is mounted by root: run this as root")
-    if not os.access("/dev/fuse", os.R_OK | os.W_OK):
-        raise SystemExit("slow storage is served through FUSE: there is no /dev/fuse here that can be opened")
+    demand()
+    hide_mounts()
     for ending in (signal.SIGTERM, signal.SIGHUP):
         signal.signal(ending, lambda number, _: sys.exit(128 + number))  # through every `finally`
     with ExitStack() as stack:
