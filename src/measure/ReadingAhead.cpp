@@ -31,6 +31,9 @@ constexpr std::int64_t lastPage = 12 << 10;
 /// The index at the start of MP4 stands on this many bytes, in a track of some minutes.
 constexpr std::int64_t indexAtStart = 64 << 10;
 
+/// FLAC: what encoders leave free for tags, and the first frames.
+constexpr std::int64_t headWithFrames = 32 << 10;
+
 constexpr auto needs = std::to_array<Need>({
     {"mp3", usualHead, tagsAtEnd},
     {"mp2", usualHead, tagsAtEnd},
@@ -39,7 +42,7 @@ constexpr auto needs = std::to_array<Need>({
     {"ogg", usualHead, lastPage},
     {"oga", usualHead, lastPage},
     {"opus", usualHead, lastPage},
-    {"flac", usualHead, 16 << 10},
+    {"flac", headWithFrames, 16 << 10},
     {"wv", usualHead, 64 << 10},
     {"m4a", indexAtStart, 0},
     {"m4b", indexAtStart, 0},
