@@ -49,13 +49,29 @@ public:
     explicit FolderTree(Names sources)
         : m_sources(std::move(sources)) {}
 
-    /// Counts `file`, which is shown as `path`.
-    void add(const Measured& file, const std::string& path) {
-        const std::optional<std::size_t> index = folderAt(parentOf(path));
-        if (index && file.seconds >= 0) {
-            m_folders[*index].seconds += file.seconds;
-            m_folders[*index].files += 1;
+    /// Counts `file` in the folder of this number, absent above all sources.
+    void add(const Measured& file, const std::optional<std::size_t>& folder) {
+        if (folder && file.seconds >= 0) {
+            m_folders[*folder].seconds += file.seconds;
+            m_folders[*folder].files += 1;
         }
+    }
+
+    /// The number of the folder of that name. Absent above all sources.
+    std::optional<std::size_t> folderAt(const std::string& name) {
+        if (const auto known = m_indices.find(name); known != m_indices.end()) {
+            return known->second;
+        }
+        const std::optional<std::size_t> outer = name.empty() ? std::nullopt : folderAt(parentOf(name));
+        const bool isSource = m_sources.contains(name);
+        if (!outer && !isSource) {
+            return std::nullopt;
+        }
+        const std::size_t index = m_folders.size();
+        const auto place = m_indices.emplace(name, index).first;
+        m_folders.push_back({&place->first, outer, isSource ? 0 : m_folders[*outer].depth + 1});
+        (outer ? m_folders[*outer].inner : m_outermost).push_back(index);
+        return index;
     }
 
     /// Counts what is in a folder for those around it, once all files are in.
@@ -93,23 +109,6 @@ private:
         std::vector<std::size_t> inner = {}; ///< in the order of their first files
     };
 
-    /// Absent above all sources.
-    std::optional<std::size_t> folderAt(const std::string& name) {
-        if (const auto known = m_indices.find(name); known != m_indices.end()) {
-            return known->second;
-        }
-        const std::optional<std::size_t> outer = name.empty() ? std::nullopt : folderAt(parentOf(name));
-        const bool isSource = m_sources.contains(name);
-        if (!outer && !isSource) {
-            return std::nullopt;
-        }
-        const std::size_t index = m_folders.size();
-        const auto place = m_indices.emplace(name, index).first;
-        m_folders.push_back({&place->first, outer, isSource ? 0 : m_folders[*outer].depth + 1});
-        (outer ? m_folders[*outer].inner : m_outermost).push_back(index);
-        return index;
-    }
-
     const Names m_sources;
     std::vector<Folder> m_folders;
     std::unordered_map<std::string, std::size_t> m_indices;
@@ -120,8 +119,13 @@ private:
 
 std::vector<FolderTotal> folderTotals(const ScanDetails& details, const PathList& dropped) {
     FolderTree tree(sourcesOf(details, dropped));
-    for (const Measured& file : details.files) {
-        tree.add(file, details.shownName(file.url.native()));
+    std::optional<std::size_t> folder;
+    for (std::size_t i = 0; i < details.files.size(); ++i) {
+        const FilePath& path = details.files[i].url;
+        if (i == 0 || !path.sharesFolder(details.files[i - 1].url)) {
+            folder = tree.folderAt(parentOf(details.shownName(path.native())));
+        }
+        tree.add(details.files[i], folder);
     }
     tree.addUp();
     return tree.totals();

@@ -1,8 +1,8 @@
 // What a list of paths costs: as much memory as the folder that holds the same files.
 
+#include "tests/cli/PeakMemory.h"
 #include "tests/support/Files.h"
 #include "tests/support/RealAudio.h"
-#include "tests/support/Shell.h"
 
 #include <gtest/gtest.h>
 
@@ -11,15 +11,6 @@
 
 namespace velmora::test {
 namespace {
-
-/// The most memory that velmora-scan had with these arguments, in KiB.
-double peak(const std::string& arguments, const fs::path& folder) {
-    const std::string script = "import resource, subprocess, sys\n"
-                               "subprocess.run(sys.argv[1:], check=True, stdout=subprocess.DEVNULL)\n"
-                               "print(resource.getrusage(resource.RUSAGE_CHILDREN).ru_maxrss)";
-    return std::stod(
-        shell("python3 -Bc " + shellWord(script) + " " + shellWord(VELMORA_SCAN) + " " + arguments, folder));
-}
 
 TEST(ListMemory, IsThatOfTheFolder) {
     const fs::path folder = freshFolder();

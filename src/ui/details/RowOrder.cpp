@@ -67,25 +67,36 @@ bool sortByNumber(RowNumbers& numbers, const Rows& rows, const RowOrder& order, 
     return true;
 }
 
+/// Where a key stands among others.
+struct Place {
+    std::size_t begin = 0;
+    std::size_t length = 0;
+};
+
 bool sortByWord(RowNumbers& numbers, const Rows& rows, const RowOrder& order, const std::stop_token& stop) {
     NaturalOrder naturalOrder;
     std::string bytes; // of all keys, one after the other
-    std::vector<std::size_t> ends;
-    ends.reserve(numbers.size());
+    std::vector<Place> places;
+    places.reserve(numbers.size());
+    std::string last;
     for (const std::uint32_t row : numbers) {
-        if (isToStop(ends.size(), stop)) {
+        if (isToStop(places.size(), stop)) {
             return false;
         }
-        naturalOrder.append(rows.word(row, static_cast<std::size_t>(order.column)), bytes);
-        ends.push_back(bytes.size());
+        std::string word = rows.word(row, static_cast<std::size_t>(order.column));
+        if (!places.empty() && word == last) { // a folder's files, say
+            places.push_back(places.back());
+            continue;
+        }
+        const std::size_t begin = bytes.size();
+        naturalOrder.append(word, bytes);
+        places.push_back({begin, bytes.size() - begin});
+        last = std::move(word);
     }
-    std::vector<std::string_view> keys;
-    keys.reserve(ends.size());
-    std::size_t begin = 0;
-    for (const std::size_t end : ends) {
-        keys.push_back(std::string_view(bytes).substr(begin, end - begin));
-        begin = end;
-    }
+    std::vector<std::string_view> keys(places.size());
+    std::ranges::transform(places, keys.begin(), [&](const Place& place) {
+        return std::string_view(bytes).substr(place.begin, place.length);
+    });
     sort(numbers, keys, order.descending);
     return true;
 }
