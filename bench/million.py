@@ -1,7 +1,7 @@
-"""10,000 and a million files: time and peak memory a file, by report, in plain and in very deep folders.
+"""10,000 and a million files: time and peak memory a file, by report, in plain and very deep folders.
 
-The files are names (hard links) for a few files of one second, so they lie in the page cache and measuring them
-takes next to nothing: what is left is what each file costs in the list itself. A folder holds 20 files.
+The files are names (hard links) for a few files of one second, so they lie in the page cache and measuring
+them takes next to nothing: what is left is what each file costs in the list itself. A folder holds 20 files.
 """
 
 import os
@@ -9,8 +9,9 @@ import shutil
 from collections.abc import Callable
 from pathlib import Path
 
-from measuring import DATA, SCAN, Contender, interleave, peak_memory, table
+from measuring import DATA, SCAN, Contender, interleave, native, output_of, peak_memory, table
 from scaling import FILES_IN_A_FOLDER, encode_masters
+from window import display
 
 FEW = 500  # folders
 MANY = 50_000  # folders, those few included
@@ -27,19 +28,39 @@ def run() -> str:
     start = Contender("start", [SCAN, "--version"])
     interleave([start], rounds=SHORT_ROUNDS)
     rows = []
+    windows = []
     for name, folder_of in {"plain": plain, "deep": deep}.items():
         parts = many_files(DATA / f"million-{name}", folder_of)
         for count, tops in ((FEW, parts[:1]), (MANY, parts)):
-            rows += [row(name, count * FILES_IN_A_FOLDER, report, tops, start.median()) for report in REPORTS]
+            files = count * FILES_IN_A_FOLDER
+            rows += [row(name, files, report, tops, start.median()) for report in REPORTS]
+        windows.append(window_steps(parts))
     return ("## A million files\n\n"
             f"Names for a few files of one second, {FILES_IN_A_FOLDER} in a folder, warm cache. Deep: "
             f"{DEPTH} folders of {LETTERS} letters on the\nway to each file. Without the start of the "
             "program; memory is all that is resident at the peak.\n\n"
-            + table(["folders", "report", "files", "seconds", "µs a file", "bytes a file"], rows))
+            + table(["folders", "report", "files", "seconds", "µs a file", "bytes a file"], rows)
+            + "\nThe million in the window, whose main thread has frames to draw meanwhile:\n\n"
+            + table(["step", "plain, seconds", "main thread at most, ms", "deep, seconds",
+                     "main thread at most, ms"],
+                    [[step, *plain_figures, *deep_figures]
+                     for (step, *plain_figures), (_, *deep_figures) in zip(*windows)]))
+
+
+def window_steps(tops: list[Path]) -> list[list[str]]:
+    """What each step is, its seconds and the longest turn of the main thread in it; then memory."""
+    with display() as environment:
+        *lines, memory = output_of([native("bench_many_rows"), *map(str, tops)], environment).splitlines()
+    steps = [[step, seconds, longest] for seconds, longest, step in (line.split("\t") for line in lines)]
+    before, peak = map(float, memory.split("\t"))
+    files = MANY * FILES_IN_A_FOLDER
+    return [*steps, ["bytes a file at the peak, above the empty window", f"{(peak - before) * 1e6 / files:.0f}",
+                     ""]]
 
 
 def row(name: str, files: int, report: str, tops: list[Path], start: float) -> list[str]:
-    scan = Contender(f"{name}, {files:,} files, {report}", [SCAN, "--quiet", *REPORTS[report], *map(str, tops)])
+    command = [SCAN, "--quiet", *REPORTS[report], *map(str, tops)]
+    scan = Contender(f"{name}, {files:,} files, {report}", command)
     interleave([scan], rounds=SHORT_ROUNDS if files < 100_000 else 1)
     seconds = min(scan.seconds.values()) - start
     memory = peak_memory(scan.command) * 1e6

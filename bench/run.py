@@ -14,6 +14,7 @@ import faults
 import kinds
 import load
 import micro
+import million
 import peers
 import scaling
 import slow
@@ -21,8 +22,8 @@ import walls
 import window
 from measuring import DATA, ROOT, SCAN, output_of
 
-PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "busy": busy, "micro": micro,
-               "archives": archives, "walls": walls, "far": far, "window": window}
+PERFORMANCE = {"peers": peers, "kinds": kinds, "scaling": scaling, "million": million, "busy": busy,
+               "micro": micro, "archives": archives, "walls": walls, "far": far, "window": window}
 NAMES = (*PERFORMANCE, "accuracy", "check", "faults", "load")
 
 

@@ -31,6 +31,9 @@ std::string hexadecimal(std::string_view bytes) {
 } // namespace
 
 std::string fieldName(std::string_view name) {
+    if (name.find_first_of("\n\t\\") == std::string_view::npos) {
+        return std::string(name);
+    }
     std::string text;
     text.reserve(name.size());
     for (const char c : name) {

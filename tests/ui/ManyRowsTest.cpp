@@ -74,6 +74,10 @@ TEST_F(ManyRowsTest, MakesNoMoreThanAreSeen) {
     EXPECT_EQ(cell(0, 0) + " " + cell(1, 0) + " " + cell(2, 0), "99999.wav 199999.wav 299999.wav");
     details.rows()->setSearch("");
     awaitRows(count);
+    press(Qt::Key_C, Qt::ControlModifier);
+    EXPECT_EQ(actions.copied, "") << "the window does not wait for it";
+    EXPECT_TRUE(comesTrue([&] { return actions.copied.count('\n') == count - 1; }));
+    EXPECT_TRUE(actions.copied.startsWith("00:16:39\t/992.wav\n")) << actions.copied.left(40).toStdString();
     look();
     EXPECT_LE(known.size(), 4 * screenful);
 }

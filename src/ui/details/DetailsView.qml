@@ -12,8 +12,7 @@ FocusScope {
     property bool blocked: false ///< by an alert
 
     function copy() {
-        actions.copyText(details.rows.copyText());
-        copied.restart();
+        details.rows.copy();
     }
 
     function reveal(row) {
@@ -39,6 +38,15 @@ FocusScope {
         id: copied
 
         interval: 1400
+    }
+
+    Connections {
+        target: view.details.rows
+
+        function onCopied(text) {
+            view.actions.copyText(text);
+            copied.restart();
+        }
     }
 
     // Nothing behind it is pressed.

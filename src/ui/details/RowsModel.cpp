@@ -3,9 +3,32 @@
 #include "system/Names.h"
 
 #include <algorithm>
+#include <iterator>
+#include <string>
 #include <utility>
 
 namespace velmora {
+
+namespace {
+
+/// A text of so many rows is made at once.
+constexpr std::size_t fewRows = 2'000;
+
+/// A line for each row. Ends early when `stop` is requested.
+QByteArray textOf(const Rows* rows, const RowNumbers& numbers, const std::stop_token& stop) {
+    QByteArray text;
+    for (const std::uint32_t number : numbers) {
+        if (stop.stop_requested()) {
+            break;
+        }
+        const std::string line = rows->lead(number) + '\t' + fieldName(rows->name(number));
+        text += (text.isEmpty() ? "" : "\n");
+        text.append(line.data(), static_cast<qsizetype>(line.size()));
+    }
+    return text;
+}
+
+} // namespace
 
 RowsModel::RowsModel(QObject* parent)
     : QAbstractListModel(parent) {
@@ -14,6 +37,7 @@ RowsModel::RowsModel(QObject* parent)
 
 RowsModel::~RowsModel() {
     m_obsolete.request_stop();
+    m_ends.request_stop();
     m_thread.waitForDone();
 }
 
@@ -235,15 +259,24 @@ void RowsModel::announceSelection() {
     emit selectionChanged();
 }
 
-QByteArray RowsModel::copyText() const {
-    QByteArray text;
-    for (const std::uint32_t number : m_shown) {
-        if (m_selectedCount == 0 || m_selected[number]) {
-            const std::string line = m_rows->lead(number) + '\t' + fieldName(m_rows->name(number));
-            text += (text.isEmpty() ? "" : "\n") + QByteArray::fromStdString(line);
-        }
+void RowsModel::copy() {
+    RowNumbers numbers = chosen();
+    if (numbers.size() <= fewRows) {
+        emit copied(textOf(m_rows.get(), numbers, {}));
+        return;
     }
-    return text;
+    m_thread.start([this, rows = m_rows, numbers = std::move(numbers), stop = m_ends.get_token()] {
+        const QByteArray text = textOf(rows.get(), numbers, stop);
+        QMetaObject::invokeMethod(
+            this, [this, text] { emit copied(text); }, Qt::QueuedConnection);
+    });
+}
+
+RowNumbers RowsModel::chosen() const {
+    RowNumbers numbers;
+    std::ranges::copy_if(m_shown, std::back_inserter(numbers),
+                         [this](std::uint32_t number) { return m_selectedCount == 0 || m_selected[number]; });
+    return numbers;
 }
 
 QByteArray RowsModel::placeOf(int row) const {

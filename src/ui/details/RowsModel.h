@@ -97,12 +97,13 @@ public slots:
     /// The path that the file manager can show of `row`, in bytes; empty where there is no such row.
     QByteArray placeOf(int row) const;
 
-    /// The selected rows that are shown, or all where none is selected, a line each: "00:03:48", a tab, the
-    /// path. Line feeds, tabs and backslashes in a path are written as two characters; other bytes as they
-    /// are.
-    QByteArray copyText() const;
+    /// Makes a text of the selected rows that are shown, or of all where none is selected, a line each:
+    /// "00:03:48", a tab, the path. Line feeds, tabs and backslashes in a path are written as two characters;
+    /// other bytes as they are. `copied` comes at once where the rows are few, later where they are many.
+    void copy();
 
 signals:
+    void copied(const QByteArray& text);
     void rowsChanged();
     void countChanged();
     void orderChanged();
@@ -118,6 +119,9 @@ private:
     void setSelected(int row, bool selected);
     void announceSelection();
 
+    /// The rows that are copied, by number.
+    RowNumbers chosen() const;
+
     bool isRow(int row) const { return row >= 0 && row < count(); }
 
     std::function<std::unique_ptr<const Rows>()> m_maker;
@@ -128,7 +132,8 @@ private:
     int m_selectedCount = 0;
     int m_current = -1;
     int m_anchor = -1;           ///< where the last plain selection was made
-    std::stop_source m_obsolete; ///< of the work under way
+    std::stop_source m_obsolete; ///< of the rows' arrangement under way
+    std::stop_source m_ends;     ///< of all work, when the model goes
     QThreadPool m_thread;        ///< of one thread
 };
 

@@ -32,10 +32,14 @@ std::string_view folderOf(std::string_view path) {
 class NamedRows : public Rows {
 public:
     std::string word(std::size_t row, std::size_t column) const final {
-        const std::string path = name(row);
-        return std::string(column == nameColumn     ? nameIn(path)
-                           : column == folderColumn ? folderOf(path)
-                                                    : std::string_view(lead(row)));
+        switch (column) {
+        case nameColumn:
+            return lastName(row);
+        case folderColumn:
+            return std::string(folderOf(name(row)));
+        default:
+            return lead(row);
+        }
     }
 
     QString cell(std::size_t row, std::size_t column) const final {
@@ -46,6 +50,9 @@ protected:
     static constexpr std::size_t nameColumn = 0;
     static constexpr std::size_t folderColumn = 1;
     static constexpr std::size_t thirdColumn = 2;
+
+    /// The last component of the name.
+    virtual std::string lastName(std::size_t row) const { return std::string(nameIn(name(row))); }
 
     /// The cell of a column after the second.
     virtual QString further(std::size_t row, std::size_t column) const = 0;
@@ -85,6 +92,8 @@ public:
     bool isMissing(std::size_t row) const override { return m_details->files[row].seconds < 0; }
 
 protected:
+    std::string lastName(std::size_t row) const override { return m_details->files[row].url.name(); }
+
     QString further(std::size_t row, std::size_t column) const override {
         return QString::fromStdString(column == thirdColumn ? lead(row)
                                                             : prettyBytes(m_details->files[row].bytes));
