@@ -137,7 +137,7 @@ def write_reads(origin: Path, out: Path) -> int:
     """Writes what is read of each file below `origin`, as bench_same_reads wants it. Returns how many
     bytes that are."""
     reads = reads_below(origin, [native("bench_one_by_one"), str(origin)])
-    out.write_text("".join(f"{read.offset} {read.size} {Path(read.path).relative_to(origin)}\n"
+    out.write_text("".join(f"{read.offset} {read.got} {Path(read.path).relative_to(origin)}\n"
                            for read in reads))
     return sum(read.got for read in reads)
 

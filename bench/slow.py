@@ -109,7 +109,7 @@ class SlowNetwork(Storage):
 
 def hide_mounts() -> None:
     """Gives this process a mount namespace of its own. What it mounts goes with it and its children, whatever
-    ends them; and nobody else's namespace holds on to a file system that was unmounted here, with its cache."""
+    ends them; and no other namespace holds on to a file system that was unmounted here, and its cache."""
     if ctypes.CDLL(None, use_errno=True).unshare(CLONE_NEWNS) != 0:
         raise SystemExit(f"bench: no mount namespace: {os.strerror(ctypes.get_errno())}")
     output_of(["mount", "--make-rprivate", "/"])
