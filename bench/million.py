@@ -6,10 +6,12 @@ them takes next to nothing: what is left is what each file costs in the list its
 
 import os
 import shutil
+import subprocess
+import time
 from collections.abc import Callable
 from pathlib import Path
 
-from measuring import DATA, SCAN, Contender, interleave, native, output_of, peak_memory, table
+from measuring import DATA, SCAN, native, output_of, table
 from scaling import FILES_IN_A_FOLDER, encode_masters
 from window import display
 
@@ -25,15 +27,14 @@ REPORTS = {"total": [], "--json": ["--json"], "--files": ["--files"]}
 
 
 def run() -> str:
-    start = Contender("start", [SCAN, "--version"])
-    interleave([start], rounds=SHORT_ROUNDS)
+    start = min(run_of([SCAN, "--version"])[0] for _ in range(SHORT_ROUNDS))
     rows = []
     windows = []
     for name, folder_of in {"plain": plain, "deep": deep}.items():
         parts = many_files(DATA / f"million-{name}", folder_of)
         for count, tops in ((FEW, parts[:1]), (MANY, parts)):
             files = count * FILES_IN_A_FOLDER
-            rows += [row(name, files, report, tops, start.median()) for report in REPORTS]
+            rows += [row(name, files, report, tops, start) for report in REPORTS]
         windows.append(window_steps(parts))
     return ("## A million files\n\n"
             f"Names for a few files of one second, {FILES_IN_A_FOLDER} in a folder, warm cache. Deep: "
@@ -54,18 +55,30 @@ def window_steps(tops: list[Path]) -> list[list[str]]:
     steps = [[step, seconds, longest] for seconds, longest, step in (line.split("\t") for line in lines)]
     before, peak = map(float, memory.split("\t"))
     files = MANY * FILES_IN_A_FOLDER
-    return [*steps, ["bytes a file at the peak, above the empty window", f"{(peak - before) * 1e6 / files:.0f}",
-                     ""]]
+    taken = (peak - before) * 1e6 / files
+    return [*steps, ["bytes a file at the peak, above the empty window", f"{taken:.0f}", ""]]
 
 
 def row(name: str, files: int, report: str, tops: list[Path], start: float) -> list[str]:
+    print(f"  {name}, {files:,} files, {report}", flush=True)
     command = [SCAN, "--quiet", *REPORTS[report], *map(str, tops)]
-    scan = Contender(f"{name}, {files:,} files, {report}", command)
-    interleave([scan], rounds=SHORT_ROUNDS if files < 100_000 else 1)
-    seconds = min(scan.seconds.values()) - start
-    memory = peak_memory(scan.command) * 1e6
+    runs = [run_of(command) for _ in range(SHORT_ROUNDS if files < 100_000 else 1)]
+    seconds = min(seconds for seconds, _ in runs) - start
+    memory = max(memory for _, memory in runs)
     return [name, report, f"{files:,}", f"{seconds:.2f}", f"{seconds / files * 1e6:.1f}",
             f"{memory / files:.0f}"]
+
+
+def run_of(command: list[str]) -> tuple[float, int]:
+    """The seconds that `command` takes, and its resident bytes at the peak."""
+    begin = time.perf_counter()
+    with subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL) as process:
+        _, status, usage = os.wait4(process.pid, 0)
+        seconds = time.perf_counter() - begin
+        process.returncode = os.waitstatus_to_exitcode(status)
+    if process.returncode != 0:
+        raise SystemExit(f"{command[0]} ended with {process.returncode}")
+    return seconds, usage.ru_maxrss * 1024
 
 
 def plain(number: int) -> Path:

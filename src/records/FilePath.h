@@ -50,9 +50,8 @@ public:
 
     std::string native() const;
 
-    operator std::filesystem::path() const {
-        return native();
-    } // NOLINT(google-explicit-constructor): likewise
+    // NOLINTNEXTLINE(google-explicit-constructor): likewise
+    operator std::filesystem::path() const { return native(); }
 
     /// By bytes.
     friend bool operator==(const FilePath& one, const FilePath& other) {
