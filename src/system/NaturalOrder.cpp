@@ -26,18 +26,6 @@ icu::Locale sortingLocale() {
 /// Stands in a key between letters, accents and case, and nowhere else.
 constexpr char levelEnd = '\x01';
 
-/// How long the first component of `path` is, with the slash at its end. The collator takes a wide slash for
-/// a slash. What it makes of a letter depends on the one before, but here never on one before a slash.
-std::size_t lengthOfComponent(std::string_view path) {
-    constexpr std::string_view wideSlash = "\uFF0F";
-    const std::size_t slash = path.find('/');
-    const std::size_t wide = path.substr(0, slash).find(wideSlash);
-    if (wide != std::string_view::npos) {
-        return wide + wideSlash.size();
-    }
-    return slash == std::string_view::npos ? path.size() : slash + 1;
-}
-
 } // namespace
 
 NaturalOrder::NaturalOrder()
@@ -61,12 +49,8 @@ void NaturalOrder::append(std::string_view text, std::string& keys) {
 }
 
 void NaturalOrder::appendLetters(std::string_view path, std::string& keys) {
-    while (!path.empty()) {
-        const std::size_t length = lengthOfComponent(path);
-        const std::string_view key = keyOf(path.substr(0, length));
-        keys += key.substr(0, key.find(levelEnd));
-        path.remove_prefix(length);
-    }
+    const std::string_view key = keyOf(path);
+    keys += key.substr(0, key.find(levelEnd));
 }
 
 std::string_view NaturalOrder::keyOf(std::string_view text) {
