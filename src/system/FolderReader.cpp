@@ -14,7 +14,7 @@ namespace {
 
 /// In bytes. What a name costs is the file system's own work: a larger buffer saves calls, but no time that
 /// could be measured, with 20, 2,000 or 100,000 names in a folder.
-constexpr std::size_t bufferSize = std::size_t{64} << 10;
+constexpr std::size_t bufferSize = std::size_t{32} << 10;
 
 /// Looks at the entry itself, and asks for no more than what it is; notes in `error` why that cannot be told.
 /// One that has gone meanwhile is no failure.

@@ -95,6 +95,20 @@ DIR* fdopendir(int descriptor) {
 READDIR(readdir, dirent)
 READDIR(readdir64, dirent64)
 
+ssize_t getdents64(int descriptor, void* buffer, size_t size) noexcept {
+    const Fault fault = faultOf("list", descriptor);
+    if (fault.error != 0) {
+        return failed(fault, -1);
+    }
+    const ssize_t filled = VELMORA_REAL(getdents64)(descriptor, buffer, size);
+    for (ssize_t at = 0; fault.isUnknown && at < filled;) {
+        auto* const entry = reinterpret_cast<dirent64*>(static_cast<char*>(buffer) + at);
+        entry->d_type = DT_UNKNOWN;
+        at += entry->d_reclen;
+    }
+    return filled;
+}
+
 // --- reading and writing
 
 ssize_t read(int descriptor, void* buffer, size_t size) {

@@ -101,7 +101,7 @@ TEST(Sampling, TakesNoNumberThatNoSoundHas) {
 }
 
 TEST(Sampling, TakesEightBytesMoreThanTheLengthInARecord) {
-    EXPECT_LE(sizeof(Measured), sizeof(fs::path) + 2 * sizeof(double) + 16);
+    EXPECT_LE(sizeof(Measured), sizeof(FilePath) + 2 * sizeof(double) + 16);
 }
 
 } // namespace
