@@ -61,9 +61,13 @@ void ask(const RegularFile& file, const Need& need) {
 
 } // namespace
 
-bool paysToReadAhead(const std::filesystem::path& path) {
+WorthAsking worthAskingFor(const std::filesystem::path& path) {
     const std::optional<RegularFile> file = RegularFile::open(path);
-    return file && file->storage().kind == StorageKind::rotating && !file->isInMemory(0);
+    if (file && file->storage().kind == StorageKind::network) {
+        return WorthAsking::names;
+    }
+    const bool mustSeek = file && file->storage().kind == StorageKind::rotating && !file->isInMemory(0);
+    return mustSeek ? WorthAsking::content : WorthAsking::nothing;
 }
 
 void readAhead(const std::filesystem::path& path) {

@@ -22,9 +22,11 @@ void MeasuringStage::start(BackgroundTasks& background, MainThreadQueue& mainThr
                               self->work(mainThread, stop); // those that were started measure all files
                           });
     if (count > width && m_readAhead) {
-        // Without a further thread it goes without.
-        static_cast<void>(background.start(
-            [self = shared_from_this(), stop](const std::stop_token&) { self->lookAhead(stop); }));
+        for (std::size_t i = 0; i < lookAheadThreads; ++i) {
+            // Without a further thread it goes without.
+            static_cast<void>(background.start(
+                [self = shared_from_this(), stop](const std::stop_token&) { self->lookAhead(stop); }));
+        }
     }
 }
 
@@ -53,7 +55,9 @@ std::optional<MeasuringStage::Taken> MeasuringStage::take() {
         return std::nullopt;
     }
     const std::size_t index = m_next++;
-    if (m_next + window > m_asked) {
+    if (m_next == m_files.size()) {
+        m_wasTaken.notify_all();
+    } else if (m_next + window > m_asked) {
         m_wasTaken.notify_one();
     }
     return Taken{index, std::move(m_files[index])}; // from here on the record holds the path

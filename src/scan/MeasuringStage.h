@@ -3,7 +3,7 @@
 // The second stage of a scan: measures files six at a time. Workers take the next file from one counter, so
 // files are started in scan order and no worker ever waits for the main thread; results travel there in
 // batches, each as large as the main thread is busy, up to a bound that leaves it time for other things.
-// One thread more asks for what the workers will read next; they never wait for it.
+// Two threads more ask for what the workers will read next; they never wait for it.
 
 #include "records/Records.h"
 #include "scan/BackgroundTasks.h"
@@ -40,13 +40,16 @@ public:
     /// The largest number of results in a batch.
     static constexpr std::size_t maxBatch = 256;
 
+    /// Threads that ask: on a network one alone would look up fewer files than the workers measure.
+    static constexpr std::size_t lookAheadThreads = 2;
+
     /// Files that are asked for at a time. They are asked for once fewer than as many again are left of those
     /// before them.
     static constexpr std::size_t window = 64;
 
     /// `measure` is called on the workers; where it throws, for want of memory, its file stays unmeasured.
     /// `deliver` is called on the main thread with results in the order of their completion.
-    /// `readAhead` is called on a thread of its own.
+    /// `readAhead` is called on threads of its own.
     MeasuringStage(FilePaths files, Measure measure, ReadAhead readAhead, Deliver deliver);
 
     /// Starts the workers, fewer where the system has no further thread; where it has none, measures before

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <algorithm>
+#include <mutex>
 #include <tuple>
 #include <vector>
 
@@ -16,8 +17,8 @@ struct Placed {
     const FilePath* file;
 };
 
-/// Those of `files` that are there, by device and inode.
-std::vector<Placed> byInode(const FilePaths& files, const std::stop_token& stop) {
+/// Looks `files` up.
+std::vector<Placed> placesOf(const FilePaths& files, const std::stop_token& stop) {
     std::vector<Placed> placed;
     for (const FilePath& file : files) {
         struct stat status {};
@@ -26,17 +27,30 @@ std::vector<Placed> byInode(const FilePaths& files, const std::stop_token& stop)
             placed.push_back({status.st_dev, status.st_ino, &file});
         }
     }
-    std::ranges::sort(placed, {}, [](const Placed& one) { return std::tuple(one.device, one.inode); });
     return placed;
 }
 
 } // namespace
 
 void ReadAhead::ask(const FilePaths& files, const std::stop_token& stop) const {
-    if (files.empty() || (!pays(files.front()) && !pays(files.back()))) {
+    if (files.empty()) {
         return;
     }
-    for (const Placed& next : byInode(files, stop)) {
+    const WorthAsking asked = std::max(worth(files.front()), worth(files.back()));
+    if (asked == WorthAsking::nothing) {
+        return;
+    }
+    static std::mutex oneSweep; // of the disk's heads
+    std::unique_lock lock(oneSweep, std::defer_lock);
+    if (asked == WorthAsking::content) {
+        lock.lock();
+    }
+    std::vector<Placed> places = placesOf(files, stop);
+    if (asked != WorthAsking::content) {
+        return;
+    }
+    std::ranges::sort(places, {}, [](const Placed& one) { return std::tuple(one.device, one.inode); });
+    for (const Placed& next : places) {
         if (stop.stop_requested()) {
             return;
         }

@@ -52,7 +52,7 @@ public:
 };
 
 ScanStages ScanStages::real() {
-    return {&Collector::gather, &Collector::measure, {&Collector::paysToReadAhead, &Collector::readAhead}};
+    return {&Collector::gather, &Collector::measure, {&Collector::worthAskingFor, &Collector::readAhead}};
 }
 
 ScanModel::ScanModel(ScanStages stages, QObject* parent)

@@ -85,7 +85,7 @@ TEST(ReadingAheadOf, WhatIsNoRegularFileAsksForNothing) {
     const fs::path fifo = folder / "a.mp3";
     ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
     for (const fs::path& path : {fifo, folder, folder / "gone.mp3"}) {
-        EXPECT_FALSE(Collector::paysToReadAhead(path)) << path;
+        EXPECT_EQ(Collector::worthAskingFor(path), WorthAsking::nothing) << path;
         Collector::readAhead(path);
     }
     EXPECT_THAT(askedRanges, testing::IsEmpty());

@@ -7,6 +7,7 @@
 #include "tests/scan/ScanModelFixture.h"
 #include "tests/support/Files.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -15,6 +16,18 @@
 #include <latch>
 #include <new>
 #include <ranges>
+
+namespace {
+
+std::atomic<int> lookedUp = 0; ///< names, since a test set it
+
+} // namespace
+
+/// Stands between this program and the C library.
+int stat(const char* path, struct stat* status) noexcept {
+    ++lookedUp;
+    return ::fstatat(AT_FDCWD, path, status, 0);
+}
 
 namespace velmora::test {
 
@@ -52,15 +65,15 @@ FilePaths listed(const Paths& files) {
     return {files.begin(), files.end()};
 }
 
-bool always(const fs::path& /*file*/) {
-    return true;
+WorthAsking always(const fs::path& /*file*/) {
+    return WorthAsking::content;
 }
 
 /// What is asked for, written down.
 class Asked {
 public:
-    ReadAhead readAhead(std::function<bool(const fs::path&)> pays) {
-        return {std::move(pays), [this](const fs::path& file) { files.push_back(file); }};
+    ReadAhead readAhead(std::function<WorthAsking(const fs::path&)> worth) {
+        return {std::move(worth), [this](const fs::path& file) { files.push_back(file); }};
     }
 
     Paths files;
@@ -75,7 +88,7 @@ TEST(ReadAhead, AsksInTheOrderOfInodes) {
 
 TEST(ReadAhead, AsksForNothingThatDoesNotPay) {
     Asked asked;
-    asked.readAhead([](const fs::path&) { return false; }).ask(listed(realFiles(20)), {});
+    asked.readAhead([](const fs::path&) { return WorthAsking::nothing; }).ask(listed(realFiles(20)), {});
     EXPECT_THAT(asked.files, IsEmpty());
 }
 
@@ -83,9 +96,21 @@ TEST(ReadAhead, AsksForAllWhereItPaysForTheFirstOrTheLast) {
     const Paths files = realFiles(5);
     for (const fs::path& paying : {files.front(), files.back()}) {
         Asked asked;
-        asked.readAhead([&](const fs::path& file) { return file == paying; }).ask(listed(files), {});
+        const auto worth = [&](const fs::path& file) {
+            return file == paying ? WorthAsking::content : WorthAsking::nothing;
+        };
+        asked.readAhead(worth).ask(listed(files), {});
         EXPECT_THAT(asked.files, ElementsAreArray(byInode(files)));
     }
+}
+
+TEST(ReadAhead, LooksUpNamesWhereThoseAreWhatCosts) {
+    const Paths files = realFiles(5);
+    lookedUp = 0;
+    Asked asked;
+    asked.readAhead([](const fs::path&) { return WorthAsking::names; }).ask(listed(files), {});
+    EXPECT_THAT(asked.files, IsEmpty());
+    EXPECT_EQ(lookedUp, 5);
 }
 
 TEST(ReadAhead, LeavesOutWhatHasGone) {
