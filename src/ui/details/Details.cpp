@@ -34,7 +34,9 @@ QString titleOf(Details::List list) {
 } // namespace
 
 Details::Details(QObject* parent)
-    : QObject(parent) {}
+    : QObject(parent) {
+    connect(&m_rows, &RowsModel::copied, this, &Details::copied);
+}
 
 Details::Details(const ScanModel& model, QObject* parent)
     : Details(parent) {

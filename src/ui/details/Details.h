@@ -68,6 +68,8 @@ public slots:
     void close();
 
 signals:
+    /// The text that `rows()` made for a copy.
+    void copied(const QByteArray& text);
     void availableChanged();
     void openChanged();
 

@@ -25,6 +25,11 @@ Loader {
     Connections {
         target: place.details
 
+        // Also when they were closed meanwhile.
+        function onCopied(text) {
+            place.actions.copyText(text);
+        }
+
         function onOpenChanged() {
             if (place.details.open && !place.active) {
                 place.focusBefore = place.Window.activeFocusItem;

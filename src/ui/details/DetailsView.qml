@@ -41,10 +41,9 @@ FocusScope {
     }
 
     Connections {
-        target: view.details.rows
+        target: view.details
 
-        function onCopied(text) {
-            view.actions.copyText(text);
+        function onCopied() {
             copied.restart();
         }
     }
