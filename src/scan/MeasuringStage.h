@@ -43,8 +43,7 @@ public:
     /// Threads that ask: on a network one alone would look up fewer files than the workers measure.
     static constexpr std::size_t lookAheadThreads = 2;
 
-    /// Files that are asked for at a time. They are asked for once fewer than as many again are left of those
-    /// before them.
+    /// Files that are asked for at a time: when fewer than this are left of those that were asked for before.
     static constexpr std::size_t window = 64;
 
     /// `measure` is called on the workers; where it throws, for want of memory, its file stays unmeasured.

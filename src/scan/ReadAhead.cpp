@@ -17,7 +17,7 @@ struct Placed {
     const FilePath* file;
 };
 
-/// Looks `files` up.
+/// Looks `files` up; the result holds those that are there.
 std::vector<Placed> placesOf(const FilePaths& files, const std::stop_token& stop) {
     std::vector<Placed> placed;
     for (const FilePath& file : files) {
@@ -40,15 +40,13 @@ void ReadAhead::ask(const FilePaths& files, const std::stop_token& stop) const {
     if (asked == WorthAsking::nothing) {
         return;
     }
-    static std::mutex oneSweep; // of the disk's heads
-    std::unique_lock lock(oneSweep, std::defer_lock);
-    if (asked == WorthAsking::content) {
-        lock.lock();
-    }
-    std::vector<Placed> places = placesOf(files, stop);
-    if (asked != WorthAsking::content) {
+    if (asked == WorthAsking::names) {
+        placesOf(files, stop);
         return;
     }
+    static std::mutex oneSweep; // of the disk's heads
+    const std::lock_guard guard(oneSweep);
+    std::vector<Placed> places = placesOf(files, stop);
     std::ranges::sort(places, {}, [](const Placed& one) { return std::tuple(one.device, one.inode); });
     for (const Placed& next : places) {
         if (stop.stop_requested()) {
