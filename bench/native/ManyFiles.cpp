@@ -3,6 +3,7 @@
 // the longest time between two in milliseconds and the longest processor time of the main thread between two;
 // then resident memory in megabytes before the drop, at the end of the scan and after the reset.
 
+#include "native/Clock.h"
 #include "scan/ScanModel.h"
 #include "system/Paths.h"
 #include "tests/staged/RecordingActions.h"
@@ -16,7 +17,6 @@
 #include <QQuickWindow>
 #include <QTimer>
 
-#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -29,13 +29,9 @@
 namespace velmora {
 namespace {
 
-constexpr int settledMilliseconds = 1000;
+using bench::seconds;
 
-double seconds(clockid_t clock) {
-    timespec now{};
-    ::clock_gettime(clock, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
+constexpr int settledMilliseconds = 1000;
 
 double residentMegabytes() {
     std::ifstream file("/proc/self/statm");

@@ -4,6 +4,7 @@
 // event loop in milliseconds, a tab, the step. The last line holds resident memory in megabytes: before the
 // scan, a tab, at the peak.
 
+#include "native/Clock.h"
 #include "scan/ScanModel.h"
 #include "system/Paths.h"
 #include "tests/staged/RecordingActions.h"
@@ -18,8 +19,6 @@
 #include <QQuickWindow>
 #include <QTimer>
 
-#include <time.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -31,13 +30,9 @@
 namespace velmora {
 namespace {
 
-constexpr int settledMilliseconds = 1000;
+using bench::seconds;
 
-double seconds(clockid_t clock) {
-    timespec now{};
-    ::clock_gettime(clock, &now);
-    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
-}
+constexpr int settledMilliseconds = 1000;
 
 /// A figure of /proc/self/status, in megabytes.
 double megabytes(const std::string& figure) {
